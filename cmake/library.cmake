@@ -1,0 +1,28 @@
+# The library itself: shared only, since its many plain names would collide in a static one.
+
+find_package(ICU REQUIRED COMPONENTS uc)
+find_package(EXPAT REQUIRED)
+
+file(GLOB_RECURSE KELTO_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/*.cpp")
+add_library(kelto SHARED ${KELTO_SOURCES})
+add_library(Kelto::kelto ALIAS kelto)
+
+target_include_directories(kelto
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+  PRIVATE "${PROJECT_SOURCE_DIR}/src")
+target_link_libraries(kelto PRIVATE ICU::uc EXPAT::EXPAT)
+target_compile_options(kelto PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition)
+set_target_properties(kelto PROPERTIES
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON)
+
+# A program may have a startElement of its own without changing ours, but may replace any ZEL_ operation, and shares our
+# variables: the names in this list stay dynamic, all others bind inside the library.
+set(KELTO_DYNAMIC_LIST "${PROJECT_SOURCE_DIR}/src/kelto.dynamic-list")
+target_link_options(kelto PRIVATE "-Wl,--dynamic-list=${KELTO_DYNAMIC_LIST}" -Wl,--as-needed)
+if(NOT KELTO_SANITIZE)
+  target_link_options(kelto PRIVATE -Wl,-z,defs)
+endif()
+set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST}")

@@ -1,0 +1,645 @@
+/**
+ * @file kelto.h
+ * Kelto: message catalogs, formatting with positions, and character sets.
+ *
+ * ## 1. Using the library
+ *
+ * A program loads a message file (XLIFF of a small fixed shape), fetches messages by number, formats them with
+ * arguments that each conversion names by position ("%s[2]: %d[1]"), and converts the text to the character set of the
+ * user's terminal. This is a complete program in C; in C++ the same calls work, and u"…" literals are UCS-2 texts:
+ *
+ *     #include <kelto.h>
+ *     #include <stdio.h>
+ *
+ *     int main(void)
+ *     {
+ *         MessageTable *table = NULL;
+ *         char *message = NULL, text[400], path[] = "messages.xlf";
+ *         UCS2 wide[100];
+ *         unsigned long units = 100; // the capacity; afterwards the length
+ *         size_t bytes = sizeof text;
+ *
+ *         if (KTInit() != 0)
+ *             return 1;
+ *         if (KTLoadMessages(path, &table) == 0 && KTGetMessage(table, 1, &message) == 0 && message != NULL &&
+ *             KTFormatString(NULL, false, &units, wide, message, 7, "files") == 0 &&
+ *             KTUCS2ToUTF8(wide, &bytes, text) == 0)
+ *             puts(text);
+ *         KTClean(); // releases the table too
+ *         return 0;
+ *     }
+ *
+ * **Texts.** A UCS-2 string is a zero-terminated array of 16-bit units in host byte order; a character outside the Basic
+ * Multilingual Plane is a surrogate pair and counts as two units everywhere. "Units" below are these; "bytes" are bytes
+ * of a UTF-8 or multi-byte string. U+0000 inside a text ends it.
+ *
+ * **Sizes.** A size is passed by pointer: in, the capacity of the buffer, counting the unit (byte) of the terminator;
+ * out, what was written, not counting the terminator. A format call that does not fit returns KT_ERR_BUFFER_TOO_SMALL
+ * and stores the units that it needs, so the caller supplies that number plus one and calls again. A conversion that
+ * does not fit leaves the size as it was.
+ *
+ * **Ownership.** Every buffer belongs to the caller. A loaded table belongs to the library and is named by its handle;
+ * a handle is looked up before it is used, so one that was released is answered with KT_ERR_TABLE_NOT_FOUND. A message
+ * is a pointer into its table and lives as long as the table does.
+ *
+ * **Threads.** Any number of threads may call at once. Nobody may release a table, or change values given by pointer,
+ * while another thread still uses them, and no KTInit may run beside the KTClean that ends the last use. The two locale
+ * queries change the locale of the whole process.
+ *
+ * **Results.** Functions return 0 or a negative result code (the enumeration KTResult); nothing is thrown, logged or
+ * printed. Pointers must be valid unless their description says that null is allowed.
+ *
+ * **Untrusted input.** A message file, a format string, an argument's text and the name of a character set may hold
+ * anything. What a message's conversions say of their arguments must fit the arguments that the program passes, as with
+ * printf: a program that loads files from strangers checks a message with checkSyntax() first, or passes the arguments
+ * through the KTvp… calls, which compare their number.
+ */
+#ifndef KELTO_H
+#define KELTO_H
+
+#include <stdarg.h>
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <uchar.h>
+
+/** The version of this header; the build reads it from here. */
+#define KELTO_VERSION "1.0.0"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+#pragma GCC visibility push(default)
+
+/** One 16-bit unit of text in host byte order. ICU's UChar and C++'s char16_t fit without a cast. */
+typedef char16_t UCS2;
+
+/** The results of the library: 0 is success, every failure is negative. */
+enum KTResult
+{
+    KT_ERR_NOT_INITIALIZED = -7983,             /**< the library is not started, or could not be */
+    KT_ERR_CONVERSION_FAILED = -7986,           /**< a conversion or case mapping failed for another reason */
+    KT_ERR_CONVERSION_INVALID_ARGUMENT = -7987, /**< the arguments of a conversion are impossible, as a size of 2^31 */
+    KT_ERR_CONVERTER_OPEN_FAILED = -7989,       /**< no character set is known by the name given */
+    KT_ERR_BUFFER_TOO_SMALL = -7991,            /**< the output does not fit; a format call stores the units needed */
+    KT_ERR_INVALID_PARAMETER = -7992,           /**< an argument is missing or surplus, or no date and time */
+    KT_ERR_FORMAT_SYNTAX = -7993,               /**< a malformed or unknown conversion, or positions not 1 to n */
+    KT_ERR_INVALID_MSG_ID = -7994,              /**< a message ID of 0 or above the table's highest */
+    KT_ERR_TABLE_NOT_FOUND = -7995,             /**< a table handle that is not, or no longer, loaded */
+    KT_ERR_BAD_MSG_FILE = -7996,     /**< a message file that is malformed or breaks the accepted structure */
+    KT_ERR_FILE_UNAVAILABLE = -7997, /**< there is no such file */
+    KT_ERR_FILE_NOT_OPENED = -7998,  /**< the file exists but cannot be read as a regular file */
+    KT_ERR_NO_MEMORY = -7999         /**< memory ran out */
+};
+
+/**
+ * The name of a result code, as "KT_ERR_FORMAT_SYNTAX".
+ * @return a constant text, or null for a number that is no code of this library (0 and -1 are none).
+ */
+const char *KTResultName(int code);
+
+/**
+ * A sentence that tells a person what a result means, in English, without a full stop.
+ * @return a constant text, never null: for 0, for -1 (no XML parser could be created) and for numbers that the platform
+ *         passed through as well.
+ *
+ *     fprintf(stderr, "%s: %s\n", path, KTResultText(result));
+ */
+const char *KTResultText(int code);
+
+/* ## 2. Start and stop */
+
+/**
+ * Starts one user's use of the library; the first call starts the library itself and sets the process's LC_CTYPE locale
+ * from the environment (also where the start fails). Each successful call must be matched by one KTClean().
+ * @return 0, or KT_ERR_NOT_INITIALIZED when the start failed; everything is then as before, and a later call tries again.
+ */
+int KTInit(void);
+
+/**
+ * Ends one user's use; the call that matches the first KTInit() releases every loaded table and stops the library. A
+ * call without a matching KTInit() is ignored.
+ * @return always 0.
+ */
+int KTClean(void);
+
+/* ## 3. Messages
+ *
+ * A message file is an XLIFF document: one "xliff" with one "file" (attributes "source-language", "product-name",
+ * "product-version"), which holds one "header" and one "body"; the body's "trans-unit" elements carry the message ID in
+ * "ts" or else "id" and the text in "source", where <x ts="%s" id="1"/> stands for "%s[1]". Escapes: \\ \t \r \n \".
+ */
+
+/** One loaded message file; only its address, the handle, is of use to a caller. */
+typedef struct MessageTable MessageTable;
+
+/**
+ * Loads a message file; each "x" placeholder becomes its "ts" text and its "id" in square brackets, so that a message
+ * can be used as a format string.
+ * @param path   the file, a zero-terminated path as the system's open() takes it; only regular files are read.
+ * @param table  out: the handle. Untouched by failures before the file's structure was accepted, null after later ones.
+ * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_FILE_UNAVAILABLE, KT_ERR_FILE_NOT_OPENED, KT_ERR_BAD_MSG_FILE,
+ *         KT_ERR_NO_MEMORY; -1 when no XML parser can be created; or the platform's own negative value for a file that
+ *         cannot be read.
+ *
+ *     MessageTable *table;
+ *     char path[] = "messages.xlf";
+ *     int result = KTLoadMessages(path, &table);
+ */
+int KTLoadMessages(char *path, MessageTable **table);
+
+/** Loads as KTLoadMessages() does, but a placeholder becomes its "ts" text alone: for reading, not for formatting. */
+int KTLoadRawMessages(char *path, MessageTable **table);
+
+/**
+ * Fetches a message by its number, in constant time.
+ * @param id       1 to the highest ID of the file.
+ * @param message  out: the message, zero-terminated UTF-8 (two zero bytes in fact) that the library owns, valid until
+ *                 the table is released; null where the file has no message of that number, although the result is 0,
+ *                 and on every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
+ * @return 0, KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND, or KT_ERR_INVALID_MSG_ID for an ID out of range.
+ */
+int KTGetMessage(MessageTable *table, unsigned int id, char **message);
+
+/**
+ * Releases a table with all its messages; pointers to them end with it.
+ * @return 0, KT_ERR_NOT_INITIALIZED, or KT_ERR_TABLE_NOT_FOUND (nothing is released).
+ */
+int KTFreeMessages(MessageTable *table);
+
+/** The length in bytes of a text that ends with two zero bytes, without them; needs no started library. */
+int KTMsgLen(const char *message);
+
+/**
+ * Copies a text that ends with two zero bytes, and ends the copy with two as well; needs no started library.
+ * @param destination  room for KTMsgLen(source) + 2 bytes.
+ * @return where the two zero bytes of the source begin.
+ */
+const char *KTMsgCpy(const char *source, char *destination);
+
+/**
+ * Reads the product version that a message file declares, reading no further than its first "file" element.
+ * @param version  out: room for 20 bytes. The version in UTF-8, at most 19 bytes and a zero byte; the empty text on
+ *                 every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
+ * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE also when there is no version, or one longer than 19 bytes.
+ */
+int KTGetMsgFileVer(char *path, char *version);
+
+/* ## 4. Formatting
+ *
+ * A format string is UTF-8 text with conversion specifications:
+ *
+ *     %[flags][width][.precision][h|l|L|!]name[position]      as in  "%-10s[2] costs %08.2f[1]"
+ *
+ * The last brackets are written: they hold the position of the argument, and the positions of one string are 1 to n, each
+ * used once. Arguments are passed in the order of the positions. "%%" is a percent sign. Flags are any of "-+ #0"; a '*'
+ * as width or precision takes an int argument of its own before the value. The names are
+ *
+ *     d u o x X   integers: 16 bits with 'h', 64 with '!' ("%l[1]" is "%!d[1]", "%ul[1]" is "%!u[1]"), else 32
+ *     f           double, or long double with 'L'
+ *     c           a character: char, or UCS2 with 'l'
+ *     s U         a text in UTF-8, in UCS-2
+ *     DT D T      date and time: UTF-8 text, seconds since 1970 or "2006-05-17'T08:09:10Z"
+ *     DND DNS     a distinguished name in UCS-2, written dotted or with slashes
+ *     E EID IP    an error text in UTF-8, an unsigned entry ID, an address (which takes its argument and writes nothing)
+ *     N O         open and close a region whose texts go through the table's encoder; they take a position, no argument
+ *
+ * For integers the precision also cuts digits ("%.2d[1]" of 12345 is "12000"), '0' wins over '-', and "%#x[1]" of 0 is
+ * "0x0". docs/format-strings.md has every rule with examples.
+ */
+
+/** A table of conversions; chapter 7. */
+typedef struct formTable formTable;
+
+/**
+ * Formats a message with the arguments that follow it, in the order of the positions.
+ *
+ * Of a null pointer for "s" or "U" nothing is written. Everything that the call allocates is freed before it returns.
+ *
+ * @param reserved  ignored; null will do.
+ * @param tag       whether dates, names, entry IDs and errors are wrapped in tags, as "<date>…</date>".
+ * @param size      in: the capacity of out in units, the terminator counted; out: the units of the text, the terminator
+ *                  not counted, also where the result is KT_ERR_BUFFER_TOO_SMALL: then the units that the text needs.
+ * @param out       the text, terminated. After KT_ERR_BUFFER_TOO_SMALL it holds some terminated text of no use; with a
+ *                  capacity of 0 nothing is written, and null is allowed.
+ * @param format    the format string, UTF-8.
+ * @return 0 or KT_ERR_BUFFER_TOO_SMALL. KT_ERR_NOT_INITIALIZED, KT_ERR_NO_MEMORY, KT_ERR_FORMAT_SYNTAX and
+ *         KT_ERR_CONVERSION_INVALID_ARGUMENT leave size and out alone; KT_ERR_INVALID_PARAMETER (a null argument of
+ *         KTvp…, no date) and whatever a formatter of the caller's returns make out empty and size 0.
+ *
+ *     UCS2 text[100];
+ *     unsigned long units = 100;
+ *     int result = KTFormatString(NULL, false, &units, text, message, 7, "files"); // "%s[2]: %d[1]" is "files: 7"
+ */
+int KTFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, ...);
+
+/**
+ * Formats as KTFormatString() does, with conversions of the caller's own.
+ * @param table     the conversions, or null for the built-in ones. It also gives the encoder: its own, or the first
+ *                  along its chain; there is none without a table.
+ * @param passThru  handed to every formatter as it is.
+ */
+int KTFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
+                               UCS2 *out, char *format, ...);
+
+/** KTFormatString() with the arguments as a va_list, which is used up. */
+int KTvFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, va_list arguments);
+
+/** KTFormatStringWithPassThru() with the arguments as a va_list, which is used up. */
+int KTvFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
+                                UCS2 *out, char *format, va_list arguments);
+
+/**
+ * Formats as KTFormatString() does, with the arguments by pointer; nothing is copied.
+ * @param arguments  for each argument in the order of the positions a pointer to it, of the type that the conversion
+ *                   names; for a text the text itself; then a null pointer. KT_ERR_INVALID_PARAMETER, with size and out
+ *                   untouched, where their number is not what the format needs.
+ *
+ *     int count = 7;
+ *     char what[] = "files";
+ *     void *arguments[] = {&count, what, NULL};
+ *     int result = KTvpFormatString(NULL, false, &units, text, message, arguments);
+ */
+int KTvpFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, void **arguments);
+
+/** KTvpFormatString() with a table and a pass-through pointer as in KTFormatStringWithPassThru(). */
+int KTvpFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
+                                 UCS2 *out, char *format, void **arguments);
+
+/* ## 5. Character sets
+ *
+ * A character set is named as ICU names its converters ("shift_jis", "ISO-8859-15", "EUC-JP"; case, '-' and '_' do not
+ * matter). Input that is malformed, or that the other side cannot show, becomes the substitution character: that is no
+ * failure. The functions of this chapter and the next need no started library.
+ *
+ * The conversions share their contract. The source is zero-terminated. *sizeInOut is, in, the capacity of dst in its
+ * units (UCS-2) or bytes, below 2^31; out, on success only, the units or bytes written without the terminator. The
+ * terminator is written where there is room for it: output that fills the buffer exactly is a success without one, so
+ * offer one more than the longest text expected. On failure dst becomes the empty text (where it has room, and unless no
+ * converter could be opened) and the size stays. Results: 0, KT_ERR_CONVERTER_OPEN_FAILED, KT_ERR_BUFFER_TOO_SMALL,
+ * KT_ERR_CONVERSION_INVALID_ARGUMENT (a capacity or source of 2^31 and more), KT_ERR_CONVERSION_FAILED.
+ */
+
+/**
+ * Sets the process's LC_CTYPE locale from the environment and tells its name, as "ja_JP.eucJP".
+ * @param locale  out: the name, whole; the empty text where the environment names a locale that does not exist. Names
+ *                have no fixed limit; 256 bytes hold those of every usual system.
+ * @return always 0.
+ */
+int KTGetSystemFullLocale(char *locale);
+
+/** As KTGetSystemFullLocale(), cut to its first five bytes, as "ja_JP". */
+int KTGetSystemLocale(char *locale);
+
+/**
+ * Tells the character set of the process's current LC_CTYPE locale, which KTInit() and the functions above set.
+ * @param charSet  out: the name in a form that the conversions take; 256 bytes hold every usual one.
+ * @return always 0.
+ *
+ *     char charSet[256], text[400];
+ *     size_t bytes = sizeof text;
+ *     KTGetSystemCharSet(charSet);
+ *     int result = KTUCS2ToMultiByte(charSet, 0, 0, wide, &bytes, text);
+ */
+int KTGetSystemCharSet(char *charSet);
+
+/** Converts multi-byte text to UCS-2; the reserved arguments are ignored. L bytes rarely give more than L units. */
+int KTMultiByteToUCS2(const char *charSet, unsigned short reserved1, char reserved2, const char *src, size_t *sizeInOut,
+                      UCS2 *dst);
+
+/** Converts UCS-2 to multi-byte text; the reserved arguments are ignored. */
+int KTUCS2ToMultiByte(const char *charSet, char reserved1, unsigned short reserved2, const UCS2 *src, size_t *sizeInOut,
+                      char *dst);
+
+/** Converts UTF-8 to UCS-2. L bytes give at most L units, so a capacity of L + 1 always suffices. */
+int KTUTF8ToUCS2(const char *src, size_t *sizeInOut, UCS2 *dst);
+
+/** Converts UCS-2 to UTF-8. L units give at most 3 L bytes. */
+int KTUCS2ToUTF8(const UCS2 *src, size_t *sizeInOut, char *dst);
+
+/**
+ * Converts multi-byte text to UTF-8 by way of UCS-2; the reserved arguments are ignored.
+ * @return as the other conversions, and KT_ERR_NO_MEMORY, which leaves dst alone. Here an unknown character set makes
+ *         dst empty too.
+ */
+int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const char *src, size_t *sizeInOut,
+                      char *dst);
+
+/** Converts UTF-8 to multi-byte text by way of UCS-2; otherwise as KTMultiByteToUTF8(). */
+int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const char *src, size_t *sizeInOut,
+                      char *dst);
+
+/**
+ * Converts one character to UCS-2.
+ * @param mbChar  the character's bytes, the first the most significant: 0x82A0 for the bytes 82 A0. Two bytes at most;
+ *                what stands above them is ignored.
+ * @return its first unit; 0 for the character 0 and for every failure.
+ */
+UCS2 KTMBCharToUChar(const char *charSet, unsigned int mbChar);
+
+/**
+ * Converts one unit to a character of at most three bytes.
+ * @return its bytes, the first the most significant; 0 for the unit 0 and for every failure.
+ */
+unsigned int KTUCharToMBChar(const char *charSet, UCS2 uc);
+
+/* ## 6. UCS-2 and multi-byte text */
+
+/** The units before the terminator. */
+size_t KTUCS2strlen(const UCS2 *s);
+
+/** Copies src with its terminator; dst has room for both. */
+void KTUCS2strcpy(UCS2 *dst, const UCS2 *src);
+
+/** Appends src to the text in dst, which has room for both and a terminator. */
+void KTUCS2strcat(UCS2 *dst, const UCS2 *src);
+
+/** Compares by units as unsigned numbers: -1, 0 or 1. */
+int KTUCS2strcmp(const UCS2 *a, const UCS2 *b);
+
+/** The first unit; 0 for an empty text and for null. */
+UCS2 KTFirstUChar(const UCS2 *s);
+
+/**
+ * Drops the first unit, in place, and returns the one that is first now.
+ * @return 0, and the text is left alone, where it has fewer than two units or s is null.
+ */
+UCS2 KTNextUChar(UCS2 *s);
+
+/* The functions below convert their texts of L bytes to UCS-2, work there and convert back. A character is one UCS-2 unit
+ * after the conversion. A destination needs L + 1 bytes, L being the source's length, and may be the source itself; a
+ * result that leaves no byte for its terminator does not fit. A packed character (mbChar) is as in KTMBCharToUChar().
+ */
+
+/** The length in bytes. */
+size_t KTMultiByteStrblen(const char *s);
+
+/** The length in characters, or the negative result code of the conversion, or KT_ERR_NO_MEMORY. */
+long KTMultiByteStrclen(const char *charSet, const char *s);
+
+/** The first character, packed; 0 for an empty text and for every failure. */
+unsigned int KTFirstChar(const char *charSet, const char *s);
+
+/**
+ * Drops the first character, in place, and returns the one that is first now, packed.
+ * @return 0 where there are fewer than two characters or the text cannot be converted; it is then left alone.
+ */
+unsigned int KTNextChar(const char *charSet, char *s);
+
+/**
+ * Copies at most n characters, never a part of one.
+ * @return dst, or null on failure.
+ */
+char *KTMultiByteStrncpy(char *dst, const char *charSet, const char *src, size_t n);
+
+/**
+ * Converts to upper case.
+ * @param sizeOut  out, on success: the bytes of the result; what it holds on entry is not read.
+ * @return the same number; or the negative result code of a conversion, KT_ERR_NO_MEMORY, or KT_ERR_CONVERSION_FAILED
+ *         where the text would grow (the German sharp s becomes two letters).
+ */
+long KTMultiByteStrupr(const char *charSet, const char *src, size_t *sizeOut, char *dst);
+
+/** Where sub first occurs in s: a pointer into s, or null when it does not or a conversion fails. */
+char *KTMultiByteStrstr(const char *charSet, const char *s, const char *subCharSet, const char *sub);
+
+/** Copies the part of s from the last occurrence of the character on to dst; null when there is none, or on failure. */
+char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharSet, unsigned int mbChar, char *dst);
+
+/**
+ * Compares without regard to case, each text in its own character set.
+ * @return negative, 0 or positive; also a result code where a conversion fails, which its sign cannot tell apart.
+ */
+int KTMultiByteStricmp(const char *charSet1, const char *s1, const char *charSet2, const char *s2);
+
+/** Compares by UCS-2 units, each text in its own character set; the result is as in KTMultiByteStricmp(). */
+int KTMultiByteStrcmp(const char *charSet1, const char *s1, const char *charSet2, const char *s2);
+
+/* ## 7. Extending
+ *
+ * A caller adds conversions by building a form table, usually one that holds the new ones and is chained to a private
+ * copy of the built-in table or to the built-in table itself. docs/extending.md has a complete program.
+ */
+
+/** The bits of a conversion's flags word. */
+enum KTFlag
+{
+    FLAG_MINUS = 0x1,   /**< '-' */
+    FLAG_PLUS = 0x2,    /**< '+' */
+    FLAG_SPACE = 0x4,   /**< ' ' */
+    FLAG_HASH = 0x8,    /**< '#' */
+    FLAG_ZERO = 0x10,   /**< '0' */
+    FLAG_TAG = 0x20,    /**< the call's tag argument is true */
+    FLAG_ENCODE = 0x40, /**< the conversion lies, by position, between an "N" and the next "O" */
+    FLAG_h = 0x100,     /**< 'h': 16 bits */
+    FLAG_l = 0x200,     /**< 'l' */
+    FLAG_L = 0x400,     /**< 'L': long double */
+    FLAG_BANG = 0x800   /**< '!', and the names "l" and "ul": 64 bits */
+};
+
+/** The kind of a conversion; up to CONV_IP its place in builtInFormList. */
+typedef enum Flag_t
+{
+    CONV_d = 0,
+    CONV_DND = 1,
+    CONV_DNS = 2,
+    CONV_DT = 3,
+    CONV_D = 4,
+    CONV_T = 5,
+    CONV_u = 6,
+    CONV_U = 7,
+    CONV_o = 8,
+    CONV_x = 9,
+    CONV_X = 10,
+    CONV_f = 11,
+    CONV_c = 12,
+    CONV_s = 13,
+    CONV_E = 14,
+    CONV_EID = 15,
+    CONV_IP = 16,
+    CONV_N = 18,       /**< opens an encoded region */
+    CONV_O = 19,       /**< closes it */
+    CONV_UNKNOWN = 20, /**< the name is in no table of the chain */
+    CONV_EXTERNAL = 21 /**< the name was found in another table than the built-in one */
+} Flag_t;
+
+/**
+ * Renders a value inside an encoded region in place of the formatters "c", "s" and "U".
+ *
+ * @param value      the value, as dataType says.
+ * @param dataType   0: one UCS-2 unit; 1: a zero-terminated UCS-2 text; 2: one 8-bit character.
+ * @param sizeInOut  in: the room at out in units, counting one for the terminator of the whole text; out: the units of
+ *                   the encoded text. The text fits when its length plus 1 is at most the room. An encoder that fails
+ *                   stores the length too, or 0: it is read in every case.
+ * @param out        where the text goes, never more than room units; no terminator is needed.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL with the need in *sizeInOut, or another negative code. "s" and "U" pass that code
+ *         on where the reported text fits; "c" reports every failure as KT_ERR_BUFFER_TOO_SMALL.
+ */
+typedef int (*KTEncoder)(const void *value, int dataType, unsigned long *sizeInOut, UCS2 *out);
+
+/**
+ * Renders one conversion.
+ *
+ * @param convName   the name in the table's record; a formatter of several conversions branches on it.
+ * @param width      the least units to write; -1 when the specification has none, and whatever int a '*' was given.
+ * @param precision  -1 when absent, 0 for a '.' alone, and whatever int a '*' was given.
+ * @param flags      bits of KTFlag.
+ * @param passThru1  the encoder of the call, or null.
+ * @param passThru2  the pointer that the caller gave to the format call.
+ * @param argSlot    the conversion's values, one slot per code 1 to 7 of its argTypes: texts themselves, else pointers.
+ * @param sizeInOut  in: the room at out in units, counting one for the terminator of the whole text; out: the units of
+ *                   this conversion's text, or those that it needs.
+ * @param out        where the text starts; never more than room units are written.
+ * @return 0 when the text was written (its length plus 1 is at most the room); KT_ERR_BUFFER_TOO_SMALL with the need in
+ *         *sizeInOut; or another negative code, which ends the format call.
+ */
+typedef int (*KTFormatFunction)(const char *convName, int width, int precision, int flags, KTEncoder passThru1,
+                                void *passThru2, void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+
+/** One conversion of a form table. */
+typedef struct KTFormatter
+{
+    const char *name;        /**< as written in a format string, up to 19 ASCII characters; null ends a list */
+    void *reserved;          /**< not read */
+    int argCount;            /**< the slots it takes: the number of codes 1 to 7 in argTypes */
+    const int *argTypes;     /**< the kinds of its arguments, ended by 0: see the lists below; not null */
+    KTFormatFunction format; /**< not null */
+} KTFormatter;
+
+/** A table of conversions. A record that breaks the rules above is unusable: its name counts as unknown. */
+struct formTable
+{
+    bool indexed;          /**< letterIndex is valid, and formList is grouped by first letter regardless of case */
+    int letterIndex[26];   /**< for a to z: the place in formList, counted from 1, of the first such name; else 0 */
+    KTFormatter *formList; /**< the conversions, ended by a null name; null for a table without any */
+    KTEncoder encoder;     /**< applied in encoded regions, or null */
+    formTable *nextTable;  /**< where a name that is not here is looked for, or null */
+};
+
+/** One parsed conversion specification. */
+typedef struct KTParameter
+{
+    Flag_t type;            /**< its kind */
+    int width;              /**< -1 absent, -2 taken from the arguments, else the number written */
+    int precision;          /**< -1 absent, -2 taken from the arguments, 0 for a '.' alone, else the number written */
+    int flags;              /**< bits of KTFlag */
+    int argIndex;           /**< its first slot; 0 after parsing, assigned by the format call */
+    KTFormatter *formatter; /**< its record; null ends an array */
+} KTParameter;
+
+/** The built-in table and its list of seventeen conversions. Shared by all: only KTRegisterEncoder() may change it. */
+extern formTable builtInFormTable;
+extern KTFormatter builtInFormList[18];
+
+/**
+ * Argument lists for KTFormatter::argTypes: one code and a 0. The codes, and what the slot holds: 1 a pointer to a char
+ * (UCS2 with FLAG_l); 2 a UTF-8 text; 3 a UCS-2 text; 4 and 5 a pointer to a signed, unsigned integer of 16 bits with
+ * FLAG_h, else of 64 with FLAG_BANG, else of 32; 6 a pointer to a double (long double with FLAG_L); 7 a pointer to a
+ * 64-bit value of any meaning.
+ */
+extern const int singleCharList[], utf8StrList[], ucs2StrList[], signedIntList[], unsignedIntList[], doubleList[];
+
+/**
+ * Gives the built-in table, or a private copy of it to edit.
+ * @param options  0: the shared table. Bit 0: a private copy, owned by the caller, to be freed with KTFreeFormTable();
+ *                 it carries the encoder registered now. Bits 0 and 1: a copy with d u U o x X f c s only.
+ * @param table    out: the table; null when memory ran out.
+ * @return 0, KT_ERR_NOT_INITIALIZED (nothing is stored), KT_ERR_NO_MEMORY.
+ *
+ *     formTable *copy, mine = {false, {0}, myList, NULL, NULL};
+ *     if (KTGetBuiltInFormTable(1, &copy) == 0)
+ *         mine.nextTable = copy;
+ */
+int KTGetBuiltInFormTable(int options, formTable **table);
+
+/**
+ * Sets the encoder of the shared built-in table; null removes it. It serves format calls that name that table, and
+ * copies made later. @return 0 or KT_ERR_NOT_INITIALIZED.
+ */
+int KTRegisterEncoder(KTEncoder encoder);
+
+/** @return always 0; kept for programs that ask. */
+int KTGetFormTableSize(void);
+
+/** Frees a private copy; null and the shared table are left alone. @return 0 or KT_ERR_NOT_INITIALIZED. */
+int KTFreeFormTable(formTable *table);
+
+/**
+ * Checks a format string and lists its conversions.
+ * @param format      UCS-2.
+ * @param table       where names are looked up, or null for the built-in table.
+ * @param parameters  out: one record per conversion, that of position p at p - 1, ended by one with a null formatter;
+ *                    null when there is none. Also filled in part after KT_ERR_FORMAT_SYNTAX. The library must be
+ *                    started; the array is released with ZEL_free().
+ * @return 0, KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY.
+ */
+int checkSyntax(const UCS2 *format, formTable *table, KTParameter **parameters);
+
+/** Releases what checkSyntax() stored, or null. @return 0. */
+int ZEL_free(void *block);
+
+/**
+ * Parses one specification.
+ * @param cursor  in: at its '%'; out, on success: behind its ']'.
+ * @param type    out, like those after it: CONV_UNKNOWN, with a null formatter, for a name that no table has.
+ * @return its position, or 0 when it is malformed; nothing is stored then.
+ */
+int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *width, int *precision, int *flags,
+                  KTFormatter **formatter);
+
+/** The position of a specification that checkSyntax() accepted; moves the cursor from its '%' behind its ']'. */
+int getConvSpecOrder(const UCS2 **cursor);
+
+/**
+ * Writes a checked format: copies its literal text and calls the formatters.
+ * @param parameters  from checkSyntax(), with argIndex assigned.
+ * @param size, out   as in KTFormatString().
+ * @param slots       the arguments, ended by null.
+ */
+int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsigned long *size, UCS2 *out,
+                const UCS2 *format, void **slots);
+
+/* The built-in formatters, for use in a caller's own table. Their contract is KTFormatFunction's. */
+
+/** "d". */
+int formatInteger(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                  void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "u". */
+int formatUnsigned(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "o", "x" and "X", by the first character of convName. */
+int formatOctHex(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                 void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "f", as the C library's printf writes it in the current numeric locale. KT_ERR_NO_MEMORY for some long numbers. */
+int formatDouble(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                 void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "DT", "D" and "T", by the first two characters of convName. KT_ERR_INVALID_PARAMETER, size 0, for a malformed text. */
+int formatDateTime(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "DND" and "DNS", by the third character of convName. */
+int formatDN(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+             void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "EID". */
+int formatEID(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+              void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "E". KT_ERR_NO_MEMORY when its buffer cannot be had. */
+int formatError(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "IP": writes nothing. */
+int formatIP(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+             void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "c". */
+int formatChar(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+               void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "U". */
+int formatUCS2Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                  void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+/** "s". KT_ERR_NO_MEMORY, size untouched, when its buffer cannot be had. */
+int formatUTF8Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+                  void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+
+#pragma GCC visibility pop
+#ifdef __cplusplus
+}
+#endif
+#endif
