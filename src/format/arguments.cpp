@@ -1,0 +1,163 @@
+#include "format/arguments.h"
+
+#include "lifecycle/state.h"
+
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace
+{
+
+/** A cell that holds a copy of a value; null when memory ran out. */
+template <typename Value> void *cellOf(Value value)
+{
+    void *const cell = ZEL_malloc(glbResHandle, sizeof value);
+    if (cell != nullptr)
+        std::memcpy(cell, &value, sizeof value);
+    return cell;
+}
+
+/** Takes the next argument from the list into a cell. */
+using Taker = void *(*)(va_list *arguments, int flags);
+
+void *takeInt(va_list *arguments, int /*flags*/)
+{
+    return cellOf(va_arg(*arguments, int));
+}
+
+void *takeCharacter(va_list *arguments, int flags)
+{
+    const int value = va_arg(*arguments, int);
+    return (flags & FLAG_l) != 0 ? cellOf(static_cast<UCS2>(value)) : cellOf(static_cast<char>(value));
+}
+
+void *takeUTF8(va_list *arguments, int /*flags*/)
+{
+    const char *text = va_arg(*arguments, const char *);
+    if (text == nullptr)
+        text = "";
+    const size_t size = std::strlen(text) + 1;
+    void *const cell = ZEL_malloc(glbResHandle, size);
+    if (cell != nullptr)
+        std::memcpy(cell, text, size);
+    return cell;
+}
+
+void *takeUCS2(va_list *arguments, int /*flags*/)
+{
+    const UCS2 *text = va_arg(*arguments, const UCS2 *);
+    if (text == nullptr)
+        text = u"";
+    const size_t size = (KTUCS2strlen(text) + 1) * sizeof(UCS2);
+    void *const cell = ZEL_malloc(glbResHandle, size);
+    if (cell != nullptr)
+        std::memcpy(cell, text, size);
+    return cell;
+}
+
+void *takeInteger(va_list *arguments, int flags)
+{
+    if ((flags & FLAG_h) != 0)
+        return cellOf(static_cast<int16_t>(va_arg(*arguments, int)));
+    if ((flags & FLAG_BANG) != 0)
+        return cellOf(va_arg(*arguments, int64_t));
+    return cellOf(va_arg(*arguments, int32_t));
+}
+
+void *takeFloatingPoint(va_list *arguments, int flags)
+{
+    return (flags & FLAG_L) != 0 ? cellOf(va_arg(*arguments, long double)) : cellOf(va_arg(*arguments, double));
+}
+
+void *takePointerSized(va_list *arguments, int /*flags*/)
+{
+    return cellOf(va_arg(*arguments, uint64_t));
+}
+
+/** By argument type. */
+constexpr Taker takers[] = {nullptr,     takeCharacter, takeUTF8,          takeUCS2,
+                            takeInteger, takeInteger,   takeFloatingPoint, takePointerSized};
+
+/** Fills slots one after the other, and remembers whether each could be filled. */
+class SlotWriter
+{
+public:
+    SlotWriter(void **slots, va_list *arguments) : m_slot(slots), m_arguments(arguments) {}
+
+    bool take(Taker taker, int flags)
+    {
+        *m_slot = taker(m_arguments, flags);
+        return *m_slot++ != nullptr;
+    }
+
+    bool takeConversion(const KTParameter &parameter)
+    {
+        if (parameter.width == kelto::fromArguments && !take(takeInt, 0))
+            return false;
+        if (parameter.precision == kelto::fromArguments && !take(takeInt, 0))
+            return false;
+        for (const int *type = parameter.formatter->argTypes; *type != kelto::endOfTypes; ++type)
+            if (kelto::takesSlot(*type) && !take(takers[*type], parameter.flags))
+                return false;
+        return true;
+    }
+
+private:
+    void **m_slot;
+    va_list *m_arguments;
+};
+
+} // namespace
+
+namespace kelto
+{
+
+size_t numberSlots(KTParameter *parameters, bool tag) noexcept
+{
+    if (parameters == nullptr)
+        return 0;
+    size_t count = 0;
+    int added = tag ? FLAG_TAG : 0;
+    for (KTParameter *parameter = parameters; parameter->formatter != nullptr; ++parameter)
+    {
+        if (isMarker(*parameter))
+        {
+            added = parameter->type == CONV_N ? added | FLAG_ENCODE : added & ~FLAG_ENCODE;
+            continue;
+        }
+        parameter->argIndex = static_cast<int>(count);
+        parameter->flags |= added;
+        count += parameter->width == fromArguments ? 1 : 0;
+        count += parameter->precision == fromArguments ? 1 : 0;
+        count += static_cast<size_t>(parameter->formatter->argCount);
+    }
+    return count;
+}
+
+ArgumentCells::~ArgumentCells()
+{
+    if (m_slots == nullptr)
+        return;
+    for (void **slot = m_slots.get(); *slot != nullptr; ++slot)
+        ZEL_free(*slot);
+}
+
+bool ArgumentCells::collect(const KTParameter *parameters, size_t slotCount, va_list arguments) noexcept
+{
+    m_slots = allocateZeroed<void *>(glbResHandle, slotCount + 1);
+    if (m_slots == nullptr)
+        return false;
+    if (parameters == nullptr)
+        return true;
+    va_list list;
+    va_copy(list, arguments);
+    SlotWriter writer(m_slots.get(), &list);
+    bool isComplete = true;
+    for (; isComplete && parameters->formatter != nullptr; ++parameters)
+        isComplete = isMarker(*parameters) || writer.takeConversion(*parameters);
+    va_end(list);
+    return isComplete;
+}
+
+} // namespace kelto

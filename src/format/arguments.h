@@ -1,0 +1,45 @@
+/**
+ * The arguments of a format call as slots: an array of pointers in the order of the conversions' positions and, within a
+ * conversion, width, precision, values. Slots are numbered once for both drivers; a variable argument list is then copied
+ * into cells, an array of pointers given by the caller is used as it is.
+ */
+#ifndef KELTO_FORMAT_ARGUMENTS_H
+#define KELTO_FORMAT_ARGUMENTS_H
+
+#include "format/contract.h"
+#include "platform/scoped.h"
+
+#include <cstdarg>
+
+namespace kelto
+{
+
+/**
+ * Assigns argIndex, FLAG_TAG and FLAG_ENCODE to every conversion of an array that ends with a null formatter, null
+ * standing for an empty one.
+ * @return the number of slots that they take.
+ */
+size_t numberSlots(KTParameter *parameters, bool tag) noexcept;
+
+/** The slots of a variable argument list, each a copy of its value in a cell of its own. */
+class ArgumentCells
+{
+public:
+    ArgumentCells() = default;
+    ~ArgumentCells();
+    ArgumentCells(const ArgumentCells &) = delete;
+    ArgumentCells &operator=(const ArgumentCells &) = delete;
+
+    /** Takes the arguments of numbered conversions from the list; false when memory ran out. */
+    bool collect(const KTParameter *parameters, size_t slotCount, va_list arguments) noexcept;
+
+    /** The slots, ended by null. */
+    void **slots() noexcept { return m_slots.get(); }
+
+private:
+    TagBlock<void *> m_slots;
+};
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,30 @@
+/**
+ * One conversion specification, from its '%' to its ']': flags, width, precision, modifier, name, position. The parser
+ * returns a value; parseConvSpec() and getConvSpecOrder() are its exported faces. It stops at the terminator wherever
+ * that stands, so any zero-terminated text is safe to parse.
+ */
+#ifndef KELTO_FORMAT_CONVERSION_SPEC_H
+#define KELTO_FORMAT_CONVERSION_SPEC_H
+
+#include "format/contract.h"
+
+namespace kelto
+{
+
+struct ConversionSpec
+{
+    int position;           /**< 1 or more; 0 for a malformed specification, of which nothing else is then valid */
+    Flag_t type;            /**< CONV_UNKNOWN for a name that no table has */
+    int width;              /**< absent, fromArguments, or a number */
+    int precision;          /**< likewise */
+    int flags;              /**< bits of KTFlag */
+    KTFormatter *formatter; /**< null for an unknown name */
+    const UCS2 *end;        /**< behind the ']' */
+};
+
+/** Parses the specification that begins at `percent`. */
+ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcept;
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,257 @@
+#include "kelto.h"
+
+#include "format/arguments.h"
+#include "format/conversion_spec.h"
+#include "format/form_table.h"
+#include "format/format_string.h"
+#include "lifecycle/state.h"
+#include "platform/scoped.h"
+#include "strconv/converter.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstring>
+
+namespace
+{
+
+/** What does not depend on the arguments: where the text goes, and by which encoder. */
+struct Output
+{
+    KTEncoder encoder;
+    void *passThru;
+    unsigned long *size;
+    UCS2 *out;
+};
+
+/** The text of a call as it grows: written while it fits, measured to its end in any case. */
+class GrowingText
+{
+public:
+    explicit GrowingText(const Output &output) : m_output(output), m_capacity(*output.size), m_next(output.out) {}
+
+    void appendLiteral(const UCS2 *units, size_t count)
+    {
+        if (!m_isTruncated)
+        {
+            const unsigned long free = room() > 0 ? room() - 1 : 0;
+            const size_t written = std::min<size_t>(count, free);
+            m_next = std::copy_n(units, written, m_next);
+            m_isTruncated = written < count;
+        }
+        addToTotal(count);
+    }
+
+    /** Calls the conversion's formatter; its failure, or 0 also where the text was merely too long. */
+    int appendConversion(const KTParameter &parameter, void **slots)
+    {
+        int width = parameter.width;
+        int precision = parameter.precision;
+        void **slot = slots + parameter.argIndex;
+        const KTFormatter &formatter = *parameter.formatter;
+        if (!takeFromSlot(slot, width) || !takeFromSlot(slot, precision))
+            return KT_ERR_INVALID_PARAMETER;
+        if (formatter.argCount > 0 && *slot == nullptr)
+            return KT_ERR_INVALID_PARAMETER;
+
+        unsigned long units = room();
+        const unsigned long given = units;
+        const int result = formatter.format(formatter.name, width, precision, parameter.flags, m_output.encoder,
+                                            m_output.passThru, slot, &units, m_next);
+        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+            return result;
+        // A formatter of the caller's that claims more than its room has not written a text to build upon.
+        const bool isWritten = result == 0 && (units == 0 || units < given);
+        if (isWritten && !m_isTruncated)
+            m_next += units;
+        m_isTruncated = m_isTruncated || !isWritten;
+        addToTotal(units);
+        return 0;
+    }
+
+    bool isTruncated() const { return m_isTruncated; }
+
+    int finish()
+    {
+        terminate(m_next);
+        *m_output.size = m_total;
+        return m_isTruncated || m_capacity == 0 ? KT_ERR_BUFFER_TOO_SMALL : 0;
+    }
+
+    int fail(int result)
+    {
+        terminate(m_output.out);
+        *m_output.size = 0;
+        return result;
+    }
+
+private:
+    unsigned long room() const { return m_capacity > m_total ? m_capacity - m_total : 0; }
+
+    void addToTotal(unsigned long units)
+    {
+        if (__builtin_add_overflow(m_total, units, &m_total))
+            m_total = ~0UL;
+    }
+
+    void terminate(UCS2 *where) const
+    {
+        if (m_capacity > 0)
+            *where = 0;
+    }
+
+    /** Takes a '*' width or precision from its slot, if it is one. */
+    static bool takeFromSlot(void **&slot, int &field)
+    {
+        if (field != kelto::fromArguments)
+            return true;
+        if (*slot == nullptr)
+            return false;
+        field = *static_cast<const int *>(*slot++);
+        return true;
+    }
+
+    Output m_output;
+    unsigned long m_capacity;
+    unsigned long m_total = 0;
+    UCS2 *m_next;
+    bool m_isTruncated = false;
+};
+
+/** buildBuffer() for a format of known length. */
+int writeText(const UCS2 *format, size_t length, const KTParameter *parameters, void **slots, const Output &output)
+{
+    GrowingText text(output);
+    const UCS2 *const end = format + length;
+    for (const UCS2 *from = format;;)
+    {
+        const UCS2 *percent = kelto::findPercent(from, end);
+        const bool isPercentSign = percent != end && percent[1] == u'%';
+        if (percent != from || isPercentSign)
+            text.appendLiteral(from, static_cast<size_t>(percent - from) + (isPercentSign ? 1 : 0));
+        if (percent == end)
+            return text.finish();
+        if (isPercentSign)
+        {
+            from = percent + 2;
+            continue;
+        }
+        const KTParameter &parameter = parameters[getConvSpecOrder(&percent) - 1];
+        from = percent;
+        if (kelto::isMarker(parameter))
+            continue;
+        // Once the text is cut, the caller has to come again anyway: the need is completed, and the next call tells
+        // what is wrong.
+        const int result = text.appendConversion(parameter, slots);
+        if (result != 0 && !text.isTruncated())
+            return text.fail(result);
+    }
+}
+
+/** A format string as both drivers need it: in UCS-2, checked, its slots numbered. */
+class PreparedFormat
+{
+public:
+    int prepare(const char *format, formTable *table, bool tag)
+    {
+        const size_t bytes = std::strlen(format);
+        m_text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
+        if (m_text == nullptr)
+            return KT_ERR_NO_MEMORY;
+        m_length = bytes + 1;
+        if (const int result = kelto::utf8ToUCS2(format, bytes, &m_length, m_text.get()))
+            return result;
+        KTParameter *parameters = nullptr;
+        const int result = kelto::checkFormat(m_text.get(), m_length, table, &parameters);
+        m_parameters.reset(parameters);
+        if (result == 0)
+            m_slotCount = kelto::numberSlots(parameters, tag);
+        return result;
+    }
+
+    const KTParameter *parameters() const { return m_parameters.get(); }
+    size_t slotCount() const { return m_slotCount; }
+
+    int write(void **slots, const Output &output) const
+    {
+        return writeText(m_text.get(), m_length, m_parameters.get(), slots, output);
+    }
+
+private:
+    kelto::TagBlock<UCS2> m_text;
+    size_t m_length = 0;
+    kelto::TagBlock<KTParameter> m_parameters;
+    size_t m_slotCount = 0;
+};
+
+size_t countPointers(void *const *pointers)
+{
+    size_t count = 0;
+    while (pointers[count] != nullptr)
+        ++count;
+    return count;
+}
+
+} // namespace
+
+int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsigned long *size, UCS2 *out,
+                const UCS2 *format, void **slots)
+{
+    return writeText(format, KTUCS2strlen(format), parameters, slots, {encoder, passThru, size, out});
+}
+
+int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru, unsigned long *size,
+                                UCS2 *out, char *format, va_list arguments)
+{
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    PreparedFormat prepared;
+    if (const int result = prepared.prepare(format, table, tag))
+        return result;
+    kelto::ArgumentCells cells;
+    if (!cells.collect(prepared.parameters(), prepared.slotCount(), arguments))
+        return KT_ERR_NO_MEMORY;
+    return prepared.write(cells.slots(), {kelto::findEncoder(table), passThru, size, out});
+}
+
+int KTvpFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru, unsigned long *size,
+                                 UCS2 *out, char *format, void **arguments)
+{
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    PreparedFormat prepared;
+    if (const int result = prepared.prepare(format, table, tag))
+        return result;
+    if (countPointers(arguments) != prepared.slotCount())
+        return KT_ERR_INVALID_PARAMETER;
+    return prepared.write(arguments, {kelto::findEncoder(table), passThru, size, out});
+}
+
+int KTvFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, va_list arguments)
+{
+    return KTvFormatStringWithPassThru(reserved, tag, nullptr, nullptr, size, out, format, arguments);
+}
+
+int KTvpFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, void **arguments)
+{
+    return KTvpFormatStringWithPassThru(reserved, tag, nullptr, nullptr, size, out, format, arguments);
+}
+
+int KTFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = KTvFormatStringWithPassThru(reserved, tag, nullptr, nullptr, size, out, format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+int KTFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
+                               UCS2 *out, char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = KTvFormatStringWithPassThru(reserved, tag, table, passThru, size, out, format, arguments);
+    va_end(arguments);
+    return result;
+}

@@ -1,0 +1,187 @@
+#include "format/form_table.h"
+
+#include "lifecycle/state.h"
+#include "platform/scoped.h"
+
+#include <cstring>
+
+namespace
+{
+
+/** Names of 64-bit integers that only the built-in table knows, each another way to write one of its conversions. */
+struct ShortName
+{
+    const char *name;
+    int neededFlag;
+    Flag_t type;
+};
+
+constexpr ShortName shortNames[] = {{"", FLAG_l, CONV_d}, {"ul", 0, CONV_u}};
+
+constexpr size_t listLength = sizeof builtInFormList / sizeof builtInFormList[0];
+
+/** The conversions of a reduced copy. */
+constexpr const char *printfLikeNames = "duUoxXfcs";
+
+char lowerCase(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isLetter(char c)
+{
+    const char lower = lowerCase(c);
+    return lower >= 'a' && lower <= 'z';
+}
+
+/** A record that a format call can use: it has a function, and as many slots as its argument types say. */
+bool isUsable(const KTFormatter &record)
+{
+    if (record.format == nullptr || record.argTypes == nullptr)
+        return false;
+    int slots = 0;
+    for (const int *type = record.argTypes; *type != kelto::endOfTypes; ++type)
+        slots += kelto::takesSlot(*type) ? 1 : 0;
+    return slots == record.argCount;
+}
+
+KTFormatter *findShortName(const char *name, int flags)
+{
+    for (const ShortName &row : shortNames)
+        if ((flags & row.neededFlag) == row.neededFlag && std::strcmp(name, row.name) == 0)
+            return &builtInFormList[row.type];
+    return nullptr;
+}
+
+/** The record of a name in one table, or null. */
+KTFormatter *findInTable(const char *name, const formTable &table)
+{
+    if (table.formList == nullptr || !isLetter(name[0]))
+        return nullptr;
+    const char first = lowerCase(name[0]);
+    KTFormatter *record = table.formList;
+    if (table.indexed)
+    {
+        const int place = table.letterIndex[first - 'a'];
+        if (place == 0)
+            return nullptr;
+        record += place - 1;
+    }
+    for (; record->name != nullptr; ++record)
+    {
+        if (std::strcmp(record->name, name) == 0)
+            return record;
+        if (table.indexed && lowerCase(record->name[0]) != first)
+            break;
+    }
+    return nullptr;
+}
+
+size_t namesSize()
+{
+    size_t size = 0;
+    for (const KTFormatter &record : builtInFormList)
+        size += record.name != nullptr ? std::strlen(record.name) + 1 : 0;
+    return size;
+}
+
+KTEncoder encoderOf(const formTable &table)
+{
+    return __atomic_load_n(&table.encoder, __ATOMIC_RELAXED);
+}
+
+/** Lays a copy of the built-in table out in one block: the table, its records, their names. */
+formTable *copyBuiltInTable(bool printfLikeOnly)
+{
+    static_assert(sizeof(formTable) % alignof(KTFormatter) == 0);
+    auto block = kelto::allocate<char>(glbResHandle, sizeof(formTable) + sizeof builtInFormList + namesSize());
+    if (block == nullptr)
+        return nullptr;
+    auto *copy = reinterpret_cast<formTable *>(block.release());
+    auto *records = reinterpret_cast<KTFormatter *>(copy + 1);
+    auto *names = reinterpret_cast<char *>(records + listLength);
+
+    std::memcpy(static_cast<void *>(copy), &builtInFormTable, sizeof *copy);
+    copy->encoder = encoderOf(builtInFormTable);
+    copy->formList = records;
+    std::memcpy(static_cast<void *>(records), builtInFormList, sizeof builtInFormList);
+    for (KTFormatter *record = records; record->name != nullptr; ++record)
+    {
+        const size_t size = std::strlen(record->name) + 1;
+        std::memcpy(names, record->name, size);
+        record->name = names;
+        const bool isKept = !printfLikeOnly || (size == 2 && std::strchr(printfLikeNames, names[0]) != nullptr);
+        if (!isKept)
+            names[0] = '\0';
+        names += size;
+    }
+    return copy;
+}
+
+} // namespace
+
+namespace kelto
+{
+
+Conversion findConversion(const char *name, int flags, formTable *table) noexcept
+{
+    if (table == nullptr)
+        table = &builtInFormTable;
+    for (; table != nullptr; table = table->nextTable)
+    {
+        const bool isBuiltIn = table == &builtInFormTable;
+        if (isBuiltIn)
+            if (KTFormatter *const record = findShortName(name, flags))
+                return {static_cast<Flag_t>(record - builtInFormList), record, FLAG_BANG};
+        KTFormatter *const record = findInTable(name, *table);
+        if (record == nullptr)
+            continue;
+        if (!isUsable(*record))
+            break;
+        return {isBuiltIn ? static_cast<Flag_t>(record - table->formList) : CONV_EXTERNAL, record, 0};
+    }
+    return {CONV_UNKNOWN, nullptr, 0};
+}
+
+KTEncoder findEncoder(formTable *table) noexcept
+{
+    for (; table != nullptr; table = table->nextTable)
+        if (const KTEncoder encoder = encoderOf(*table))
+            return encoder;
+    return nullptr;
+}
+
+} // namespace kelto
+
+int KTGetBuiltInFormTable(int options, formTable **table)
+{
+    constexpr int copyOption = 1;
+    constexpr int printfLikeOption = 2;
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    *table = (options & copyOption) != 0 ? copyBuiltInTable((options & printfLikeOption) != 0) : &builtInFormTable;
+    return *table != nullptr ? 0 : KT_ERR_NO_MEMORY;
+}
+
+int KTRegisterEncoder(KTEncoder encoder)
+{
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    const kelto::MutexGuard guard(formTableMutex);
+    __atomic_store_n(&builtInFormTable.encoder, encoder, __ATOMIC_RELAXED);
+    return 0;
+}
+
+int KTGetFormTableSize(void)
+{
+    return 0;
+}
+
+int KTFreeFormTable(formTable *table)
+{
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    if (table != nullptr && table != &builtInFormTable)
+        ZEL_free(table);
+    return 0;
+}

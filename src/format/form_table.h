@@ -1,0 +1,35 @@
+/**
+ * Form tables: the look-up of a conversion's name along a chain of tables, and the encoder that a format call gets from
+ * its table. The operations on tables that callers see (copy, free, register an encoder) are in kelto.h and live here
+ * too.
+ */
+#ifndef KELTO_FORMAT_FORM_TABLE_H
+#define KELTO_FORMAT_FORM_TABLE_H
+
+#include "format/contract.h"
+
+namespace kelto
+{
+
+/** A conversion as a table knows it. */
+struct Conversion
+{
+    Flag_t type;            /**< CONV_UNKNOWN when no table has the name */
+    KTFormatter *formatter; /**< null when no table has it */
+    int addedFlags;         /**< FLAG_BANG for the two short names of 64-bit integers */
+};
+
+/**
+ * Looks a name up, whole and case-sensitive, in the table and those chained to it.
+ * @param name   zero-terminated ASCII, perhaps empty.
+ * @param flags  the specification's flags so far: an empty name means something with 'l'.
+ * @param table  null for the built-in table.
+ */
+Conversion findConversion(const char *name, int flags, formTable *table) noexcept;
+
+/** The encoder of a call: the table's own, else the first along its chain; null without a table. */
+KTEncoder findEncoder(formTable *table) noexcept;
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,49 @@
+/**
+ * Dates and times: the formatter of "DT", "D" and "T" with its two readers and its one layout. The value is a text, either
+ * a count of seconds since 1970-01-01 00:00:00 or a time stamp of exactly 21 bytes; there is no time zone and no locale.
+ * The calendar has a leap year every four years, without exception.
+ */
+#ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
+#define KELTO_FORMAT_FORMATTERS_DATE_TIME_H
+
+#include "kelto.h"
+
+extern "C" {
+#pragma GCC visibility push(default)
+
+/**
+ * Writes a count of seconds; the empty text is 0.
+ * @param text  decimal digits, below 185542587187200 (the day number then fits 32 bits).
+ * @param tag   whether the parts are wrapped in tags.
+ * @param kind  CONV_DT, CONV_D or CONV_T.
+ * @param out   room for 200 units; terminated.
+ * @return 0, or KT_ERR_INVALID_PARAMETER for anything else in the text.
+ */
+int secondDateTime(const char *text, bool tag, Flag_t kind, UCS2 *out);
+
+/**
+ * Writes a time stamp, its digits as they stand and unchecked. Arguments and result are those of secondDateTime().
+ * @param text  as "2006-05-17'T08:09:10Z".
+ */
+int ISODateTime(const char *text, bool tag, Flag_t kind, UCS2 *out);
+
+/** Writes the fields that the kind asks for, "month/day/year hour:minute:second" or tagged; nothing for other kinds. */
+int _formatDateTime(const UCS2 *year, const UCS2 *month, const UCS2 *day, const UCS2 *hour, const UCS2 *minute,
+                    const UCS2 *second, bool tag, Flag_t kind, UCS2 *out);
+
+/** Moves the cursor past the character c: 0; or 1 where another one stands there, and the cursor stays. */
+int takeChar(const char **cursor, char c);
+
+/**
+ * Copies up to maxDigits digits, fewer only where the text ends; field has room for maxDigits + 1 units.
+ * @return 0, or 1 where another character comes first.
+ */
+int takeDigits(const char **cursor, int maxDigits, UCS2 *field);
+
+/** 28 to 31; 0 for a month that is not 1 to 12. */
+int numDaysInMonth(int month, int year);
+
+#pragma GCC visibility pop
+}
+
+#endif

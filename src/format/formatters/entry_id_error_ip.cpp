@@ -1,0 +1,63 @@
+#include "format/field.h"
+#include "format/formatters/integer.h"
+#include "format/formatters/texts.h"
+#include "lifecycle/state.h"
+#include "platform/scoped.h"
+#include "strconv/converter.h"
+
+#include <cstring>
+
+namespace
+{
+
+constexpr size_t entryIdDigits = 8;
+
+/** An entry ID has 32 bits: of a longer argument the low ones, of a shorter one all that there are. */
+uint32_t readEntryId(const void *slot, int flags)
+{
+    uint32_t value = 0;
+    std::memcpy(&value, slot, (flags & FLAG_h) != 0 ? sizeof(uint16_t) : sizeof(uint32_t));
+    return value;
+}
+
+} // namespace
+
+int formatEID(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
+              void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+{
+    const uint32_t value = readEntryId(*argSlot, flags);
+    char digits[kelto::integerTextSize];
+    const auto count = static_cast<size_t>(kelto::integerToText(digits, CONV_X, 0, &value));
+    const kelto::TagPair tags(flags, eid_tag_o, eid_tag_c);
+    const kelto::Field field = tags.around([&](kelto::Field &body) {
+        body.narrowText("0X", 2);
+        body.fill(u'0', entryIdDigits - count);
+        body.narrowText(digits, count);
+    });
+    const bool isTagged = (flags & FLAG_TAG) != 0;
+    return field.write(sizeInOut, out, isTagged ? kelto::Ending::terminated : kelto::Ending::open);
+}
+
+int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
+                void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+{
+    const auto *const source = static_cast<const char *>(*argSlot);
+    const size_t bytes = std::strlen(source);
+    const auto text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
+    if (text == nullptr)
+        return KT_ERR_NO_MEMORY;
+    size_t units = bytes + 1;
+    if (const int result = kelto::utf8ToUCS2(source, bytes, &units, text.get()))
+        return result;
+    const kelto::TagPair tags(flags, error_tag_o, error_tag_c);
+    return tags.around([&](kelto::Field &body) { body.text(text.get(), units); })
+        .write(sizeInOut, out, kelto::Ending::terminated);
+}
+
+// An address takes its place among the arguments and contributes no text, which fits even where there is no room.
+int formatIP(const char * /*convName*/, int /*width*/, int /*precision*/, int /*flags*/, KTEncoder /*passThru1*/,
+             void * /*passThru2*/, void ** /*argSlot*/, unsigned long *sizeInOut, UCS2 * /*out*/)
+{
+    *sizeInOut = 0;
+    return 0;
+}

@@ -1,0 +1,121 @@
+#include "format/field.h"
+#include "lifecycle/state.h"
+#include "platform/scoped.h"
+#include "strconv/converter.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+/** What an encoder is told of its value. */
+enum EncodedType : int
+{
+    encodedUnit = 0,
+    encodedText = 1,
+    encodedCharacter = 2
+};
+
+KTEncoder encoderFor(int flags, KTEncoder passThru1)
+{
+    return (flags & FLAG_ENCODE) != 0 ? passThru1 : nullptr;
+}
+
+UCS2 padUnit(int flags)
+{
+    return (flags & FLAG_ZERO) != 0 ? u'0' : u' ';
+}
+
+/** Writes a text padded to its width. */
+int writePadded(const UCS2 *text, size_t length, int width, int flags, unsigned long *sizeInOut, UCS2 *out)
+{
+    const uint64_t missing = kelto::paddingTo(width, length);
+    const bool isLeft = (flags & FLAG_MINUS) == 0;
+    kelto::Field field;
+    if (isLeft)
+        field.fill(padUnit(flags), missing);
+    field.text(text, length);
+    if (!isLeft)
+        field.fill(padUnit(flags), missing);
+    return field.write(sizeInOut, out, kelto::Ending::terminated);
+}
+
+/** Pads a text that an encoder has put at `out` already; returns `status` where the padded text fits. */
+int padInPlace(unsigned long length, int width, int flags, int status, unsigned long *sizeInOut, UCS2 *out)
+{
+    const unsigned long room = *sizeInOut;
+    const uint64_t missing = kelto::paddingTo(width, length);
+    *sizeInOut = length + missing;
+    if (!kelto::fits(length + missing, room))
+        return KT_ERR_BUFFER_TOO_SMALL;
+    if ((flags & FLAG_MINUS) != 0)
+    {
+        std::fill_n(out + length, missing, padUnit(flags));
+        return status;
+    }
+    std::copy_backward(out, out + length, out + length + missing);
+    std::fill_n(out, missing, padUnit(flags));
+    return status;
+}
+
+unsigned long cut(unsigned long length, int precision)
+{
+    return precision >= 0 ? std::min(length, static_cast<unsigned long>(precision)) : length;
+}
+
+int writeEncodedText(const UCS2 *text, int width, int precision, int flags, KTEncoder encoder, unsigned long *sizeInOut,
+                     UCS2 *out)
+{
+    unsigned long length = *sizeInOut;
+    const int status = encoder(text, encodedText, &length, out);
+    return padInPlace(cut(length, precision), width, flags, status, sizeInOut, out);
+}
+
+UCS2 readCharacter(const void *slot, int flags)
+{
+    return (flags & FLAG_l) != 0 ? *static_cast<const UCS2 *>(slot) : *static_cast<const unsigned char *>(slot);
+}
+
+} // namespace
+
+int formatChar(const char * /*convName*/, int width, int /*precision*/, int flags, KTEncoder passThru1,
+               void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+{
+    const KTEncoder encoder = encoderFor(flags, passThru1);
+    if (encoder == nullptr)
+    {
+        const UCS2 character = readCharacter(*argSlot, flags);
+        return writePadded(&character, 1, width, flags, sizeInOut, out);
+    }
+    unsigned long length = *sizeInOut;
+    if (encoder(*argSlot, (flags & FLAG_l) != 0 ? encodedUnit : encodedCharacter, &length, out) == 0)
+        return padInPlace(length, width, flags, 0, sizeInOut, out);
+    *sizeInOut = length + kelto::paddingTo(width, length);
+    return KT_ERR_BUFFER_TOO_SMALL;
+}
+
+int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
+                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+{
+    const auto *const text = static_cast<const UCS2 *>(*argSlot);
+    if (const KTEncoder encoder = encoderFor(flags, passThru1))
+        return writeEncodedText(text, width, precision, flags, encoder, sizeInOut, out);
+    return writePadded(text, cut(KTUCS2strlen(text), precision), width, flags, sizeInOut, out);
+}
+
+int formatUTF8Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
+                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+{
+    const auto *const source = static_cast<const char *>(*argSlot);
+    const size_t bytes = std::strlen(source);
+    const auto text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
+    if (text == nullptr)
+        return KT_ERR_NO_MEMORY;
+    size_t units = bytes + 1;
+    if (const int result = kelto::utf8ToUCS2(source, bytes, &units, text.get()))
+        return result;
+    if (const KTEncoder encoder = encoderFor(flags, passThru1))
+        return writeEncodedText(text.get(), width, precision, flags, encoder, sizeInOut, out);
+    return writePadded(text.get(), cut(units, precision), width, flags, sizeInOut, out);
+}
