@@ -1,0 +1,84 @@
+#include "message/structure.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+const ElementMapRow elmtMapTable[11] = {
+    {"trans-unit", ELM_TRANS_UNIT, 3},
+    {"source", ELM_SOURCE, 4},
+    {"x", ELM_X, 5},
+    {"xliff", ELM_XLIFF, 0},
+    {"file", ELM_FILE, 1},
+    {"header", ELM_HEADER, 2},
+    {"body", ELM_BODY, 2},
+    {"context-group", ELM_CONTEXT_GROUP, 4},
+    {"context", ELM_CONTEXT, 5},
+    {"note", ELM_NOTE, 4},
+    {nullptr, ELM_UNKNOWN, -1},
+};
+
+void mapElmtName(const char *name, ElementID *id, int *level)
+{
+    const ElementMapRow *row = elmtMapTable;
+    while (row->name != nullptr && !kelto::equalNames(row->name, name))
+        ++row;
+    *id = row->id;
+    *level = row->level;
+}
+
+const char *getAttrValue(const char **attrs, const char *name)
+{
+    for (; attrs[0] != nullptr; attrs += 2)
+        if (kelto::equalNames(attrs[0], name))
+            return attrs[1];
+    return nullptr;
+}
+
+namespace
+{
+
+/** The value of an attribute that has one; null when it is missing or empty. */
+const char *filledAttribute(const char **attrs, const char *name)
+{
+    const char *const value = getAttrValue(attrs, name);
+    return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
+/** The number as written, of which the low 32 bits count. */
+int parseId(const char *digits)
+{
+    const int savedErrno = errno; // a number out of range must not show there
+    const long value = std::strtol(digits, nullptr, 10);
+    errno = savedErrno;
+    return static_cast<int>(static_cast<uint32_t>(value));
+}
+
+} // namespace
+
+bool kelto::readFileAttributes(const char **attrs, FileAttributes *file) noexcept
+{
+    const char *const language = getAttrValue(attrs, "source-language");
+    const size_t length = language != nullptr ? std::strlen(language) : 0;
+    *file = {language, length == 5, filledAttribute(attrs, "product-name"), filledAttribute(attrs, "product-version")};
+    return (length == 2 || length == 5) && file->productName != nullptr && file->productVersion != nullptr;
+}
+
+// An empty "ts" is not passed over in favour of "id".
+int kelto::readMessageId(const char **attrs) noexcept
+{
+    const char *digits = getAttrValue(attrs, "ts");
+    if (digits == nullptr)
+        digits = getAttrValue(attrs, "id");
+    const int id = digits != nullptr ? parseId(digits) : 0;
+    return id > 0 ? id : 0;
+}
+
+bool kelto::readPlaceholder(const char **attrs, Placeholder *placeholder) noexcept
+{
+    const char *const text = filledAttribute(attrs, "ts");
+    const char *const position = filledAttribute(attrs, "id");
+    if (text == nullptr || position == nullptr)
+        return false;
+    *placeholder = {text, position, std::strlen(text), std::strlen(position)};
+    return true;
+}

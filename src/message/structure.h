@@ -1,0 +1,94 @@
+/**
+ * The shape of a message file: its element names, the nesting level at which each may start, and access to attributes.
+ * Both passes of the loader ask here, and take an element's attributes apart through the same three functions, so that
+ * they cannot disagree on what a file says.
+ */
+#ifndef KELTO_MESSAGE_STRUCTURE_H
+#define KELTO_MESSAGE_STRUCTURE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+enum ElementID
+{
+    ELM_UNKNOWN = 0,
+    ELM_XLIFF = 1,
+    ELM_FILE = 2,
+    ELM_HEADER = 3,
+    ELM_BODY = 4,
+    ELM_TRANS_UNIT = 5,
+    ELM_SOURCE = 6,
+    ELM_X = 7,
+    ELM_CONTEXT_GROUP = 8,
+    ELM_CONTEXT = 9,
+    ELM_NOTE = 10
+};
+
+struct ElementMapRow
+{
+    const char *name; /**< null in the last row, which answers for every unknown name */
+    ElementID id;
+    int level; /**< how many elements are open where it starts; 0 for the document element */
+};
+
+extern "C" {
+#pragma GCC visibility push(default)
+
+/** Searched from the top: the three elements that repeat with every message stand first. */
+extern const ElementMapRow elmtMapTable[11];
+
+/**
+ * Finds an element by its exact name.
+ * @param id, level  out: its row; ELM_UNKNOWN and -1 for a name that is in none.
+ */
+void mapElmtName(const char *name, ElementID *id, int *level);
+
+/**
+ * The value of the first attribute of this name, or null.
+ * @param attrs  names and values in turn, ended by a null name, as the XML parser hands them out; it owns the value.
+ */
+const char *getAttrValue(const char **attrs, const char *name);
+
+#pragma GCC visibility pop
+}
+
+namespace kelto
+{
+
+inline bool equalNames(const char *a, const char *b) noexcept
+{
+    return *a == *b && std::strcmp(a, b) == 0;
+}
+
+/** What a "file" element says; the texts are the parser's. */
+struct FileAttributes
+{
+    const char *language;    /**< two letters, or two, a separator and two for the country */
+    bool namesCountry;       /**< the latter */
+    const char *productName; /**< not empty, like the version */
+    const char *productVersion;
+};
+
+/** What an "x" element says, neither text empty. */
+struct Placeholder
+{
+    const char *text, *position;
+    size_t textLength, positionLength;
+
+    /** The bytes that the placeholder adds to its message. */
+    size_t size(bool raw) const noexcept { return raw ? textLength : textLength + positionLength + 2; }
+};
+
+/** Takes a "file" element apart; false when an attribute is missing or out of shape. */
+bool readFileAttributes(const char **attrs, FileAttributes *file) noexcept;
+
+/** The message ID of a "trans-unit", at least 1; 0 when there is none. */
+int readMessageId(const char **attrs) noexcept;
+
+/** Takes an "x" element apart; false when an attribute is missing or empty. */
+bool readPlaceholder(const char **attrs, Placeholder *placeholder) noexcept;
+
+} // namespace kelto
+
+#endif
