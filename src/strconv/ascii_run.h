@@ -1,0 +1,58 @@
+/**
+ * The leading run of ASCII in a text, copied between UTF-8 and UCS-2 sixteen units at a step. Most texts are ASCII from
+ * end to end and need no more than this. Neither function reads or writes at `limit` or beyond it, nor writes anything
+ * behind the run.
+ */
+#ifndef KELTO_STRCONV_ASCII_RUN_H
+#define KELTO_STRCONV_ASCII_RUN_H
+
+#include "kelto.h"
+
+#include <emmintrin.h>
+
+namespace kelto
+{
+
+/** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
+inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
+{
+    const __m128i zero = _mm_setzero_si128();
+    size_t run = 0;
+    for (; limit - run >= 16; run += 16)
+    {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + run));
+        if (_mm_movemask_epi8(bytes) != 0)
+            break;
+        __m128i *const units = reinterpret_cast<__m128i *>(destination + run);
+        _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, zero));
+        _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, zero));
+    }
+    for (; run < limit && static_cast<unsigned char>(source[run]) < 0x80; ++run)
+        destination[run] = static_cast<unsigned char>(source[run]);
+    return run;
+}
+
+/** Narrows the ASCII at the start of `limit` units. @return the length of the run. */
+inline size_t narrowAscii(const UCS2 *source, size_t limit, char *destination) noexcept
+{
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i beyondAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
+    size_t run = 0;
+    for (; limit - run >= 16; run += 16)
+    {
+        const __m128i *const units = reinterpret_cast<const __m128i *>(source + run);
+        const __m128i low = _mm_loadu_si128(units);
+        const __m128i high = _mm_loadu_si128(units + 1);
+        const __m128i foreign = _mm_and_si128(_mm_or_si128(low, high), beyondAscii);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(foreign, zero)) != 0xFFFF)
+            break;
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(destination + run), _mm_packus_epi16(low, high));
+    }
+    for (; run < limit && source[run] < 0x80; ++run)
+        destination[run] = static_cast<char>(source[run]);
+    return run;
+}
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,124 @@
+#include "strconv/converter.h"
+
+#include "strconv/ascii_run.h"
+#include "strconv/system_locale.h"
+
+#include <algorithm>
+#include <unicode/ustring.h>
+
+namespace
+{
+
+constexpr size_t maxSize = INT32_MAX;            // ICU counts in signed 32 bits
+constexpr size_t maxConverterUnits = 0x3FFFFFFF; // and its converters take no more room for units than this
+constexpr UChar32 replacementCharacter = 0xFFFD;
+constexpr size_t maxBytesPerUnit = 3; // of UTF-8: a surrogate pair makes four bytes of two units
+
+/** The status to begin with. ICU does nothing when it is a failure, and refuses such sizes itself where it can see them. */
+UErrorCode checkSizes(size_t length, size_t capacity)
+{
+    return length > maxSize || capacity > maxSize ? U_ILLEGAL_ARGUMENT_ERROR : U_ZERO_ERROR;
+}
+
+/** As above, for output of up to `bytesPerUnit` times the source, which ICU counts to its end even where it does not fit. */
+UErrorCode checkSizes(size_t length, size_t capacity, size_t bytesPerUnit)
+{
+    return checkSizes(length > maxSize / bytesPerUnit ? maxSize + 1 : length, capacity);
+}
+
+int resultOf(UErrorCode status)
+{
+    switch (status)
+    {
+    case U_BUFFER_OVERFLOW_ERROR:
+        return KT_ERR_BUFFER_TOO_SMALL;
+    case U_ILLEGAL_ARGUMENT_ERROR:
+        return KT_ERR_CONVERSION_INVALID_ARGUMENT;
+    default:
+        return KT_ERR_CONVERSION_FAILED;
+    }
+}
+
+/** What every conversion ends with, given ICU's status and the length of the complete output. */
+template <typename Unit> int finish(UErrorCode status, size_t written, size_t *size, Unit *destination)
+{
+    const size_t capacity = *size;
+    if (U_FAILURE(status) || written > capacity)
+    {
+        if (capacity > 0)
+            destination[0] = 0;
+        return resultOf(status);
+    }
+    if (written < capacity)
+        destination[written] = 0;
+    *size = written;
+    return 0;
+}
+
+} // namespace
+
+namespace kelto
+{
+
+Converter::Converter(const char *charSet) noexcept
+{
+    UErrorCode status = U_ZERO_ERROR;
+    m_converter.reset(ucnv_open(mapCharSet(const_cast<char *>(charSet)), &status));
+}
+
+int Converter::toUCS2(const char *source, size_t length, size_t *size, UCS2 *destination) const noexcept
+{
+    if (m_converter == nullptr)
+        return KT_ERR_CONVERTER_OPEN_FAILED;
+    UErrorCode status = checkSizes(length, *size);
+    const auto room = static_cast<int32_t>(std::min(*size, maxConverterUnits));
+    const int32_t written =
+        ucnv_toUChars(m_converter.get(), destination, room, source, static_cast<int32_t>(length), &status);
+    return finish(status, static_cast<size_t>(written), size, destination);
+}
+
+int Converter::fromUCS2(const UCS2 *source, size_t length, size_t *size, char *destination) const noexcept
+{
+    if (m_converter == nullptr)
+        return KT_ERR_CONVERTER_OPEN_FAILED;
+    const auto bytesPerUnit = static_cast<size_t>(ucnv_getMaxCharSize(m_converter.get()));
+    UErrorCode status = checkSizes(length, *size, bytesPerUnit);
+    const int32_t written = ucnv_fromUChars(m_converter.get(), destination, static_cast<int32_t>(*size), source,
+                                            static_cast<int32_t>(length), &status);
+    return finish(status, static_cast<size_t>(written), size, destination);
+}
+
+int utf8ToUCS2(const char *source, size_t length, size_t *size, UCS2 *destination) noexcept
+{
+    const size_t capacity = *size;
+    UErrorCode status = checkSizes(length, capacity);
+    if (U_FAILURE(status))
+        return finish(status, 0, size, destination);
+
+    const size_t run = widenAscii(source, std::min(length, capacity), destination);
+    int32_t rest = 0;
+    if (run < length)
+        u_strFromUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
+                             static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
+    return finish(status, run + static_cast<size_t>(rest), size, destination);
+}
+
+int ucs2ToUTF8(const UCS2 *source, size_t length, size_t *size, char *destination) noexcept
+{
+    const size_t capacity = *size;
+    UErrorCode status = checkSizes(length, capacity);
+    if (U_FAILURE(status))
+        return finish(status, 0, size, destination);
+
+    const size_t run = narrowAscii(source, std::min(length, capacity), destination);
+    int32_t rest = 0;
+    if (run < length)
+    {
+        status = checkSizes(length - run, capacity, maxBytesPerUnit);
+        u_strToUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
+                           static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
+    }
+    return finish(status, run + static_cast<size_t>(rest), size, destination);
+}
+
+} // namespace kelto

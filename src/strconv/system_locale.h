@@ -1,0 +1,17 @@
+/**
+ * The names that the environment and the C library give to the locale and its character set. The three queries are
+ * declared in kelto.h; what stands here is the one place where a name is changed before ICU sees it.
+ */
+#ifndef KELTO_STRCONV_SYSTEM_LOCALE_H
+#define KELTO_STRCONV_SYSTEM_LOCALE_H
+
+extern "C" {
+#pragma GCC visibility push(default)
+
+/** The name by which ICU knows a character set: "cp932" for "MS932" (exactly so spelt), else `charSet` itself. */
+char *mapCharSet(char *charSet);
+
+#pragma GCC visibility pop
+}
+
+#endif

@@ -1,0 +1,45 @@
+#include "kelto.h"
+
+#include <cstring>
+
+size_t KTUCS2strlen(const UCS2 *s)
+{
+    const UCS2 *end = s;
+    while (*end != 0)
+        ++end;
+    return static_cast<size_t>(end - s);
+}
+
+void KTUCS2strcpy(UCS2 *dst, const UCS2 *src)
+{
+    // memmove: a text may be moved toward its own start
+    std::memmove(dst, src, (KTUCS2strlen(src) + 1) * sizeof *dst);
+}
+
+void KTUCS2strcat(UCS2 *dst, const UCS2 *src)
+{
+    KTUCS2strcpy(dst + KTUCS2strlen(dst), src);
+}
+
+int KTUCS2strcmp(const UCS2 *a, const UCS2 *b)
+{
+    while (*a != 0 && *a == *b)
+    {
+        ++a;
+        ++b;
+    }
+    return (*a > *b) - (*a < *b);
+}
+
+UCS2 KTFirstUChar(const UCS2 *s)
+{
+    return s != nullptr ? s[0] : u'\0';
+}
+
+UCS2 KTNextUChar(UCS2 *s)
+{
+    if (s == nullptr || s[0] == 0 || s[1] == 0)
+        return 0;
+    KTUCS2strcpy(s, s + 1);
+    return s[0];
+}
