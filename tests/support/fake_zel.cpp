@@ -288,7 +288,7 @@ int ZEL_FileOpen(const char *path, int mode, int first, int second, void **handl
         const int result = REAL(ZEL_FileOpen)(path, mode, first, second, &file.real);
         if (result != 0)
         {
-            *handle = nullptr;
+            *handle = file.real; // null, as the real operation promises
             return result;
         }
     }

@@ -25,6 +25,25 @@ class LeftoverCheck : public testing::EmptyTestEventListener
 
 } // namespace
 
+// How sanitizers run these programs, also without ctest: a request for more memory than there is fails as elsewhere.
+extern "C" const char *__asan_default_options();
+extern "C" const char *__asan_default_options()
+{
+    return "allocator_may_return_null=1:detect_stack_use_after_return=1:strict_string_checks=1";
+}
+
+extern "C" const char *__tsan_default_options();
+extern "C" const char *__tsan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+
+extern "C" const char *__ubsan_default_options();
+extern "C" const char *__ubsan_default_options()
+{
+    return "print_stacktrace=1";
+}
+
 int main(int argc, char **argv)
 {
     testing::InitGoogleMock(&argc, argv);

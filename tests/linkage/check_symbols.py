@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+"""Compares what the built library exports and needs with what is promised.
+
+usage: check_symbols.py LIBRARY exported_names.txt [NM] [READELF]
+
+Every line of the list is a name and its kind, "function" or "data", sorted by name.
+"""
+
+import re
+import subprocess
+import sys
+
+NEEDED = re.compile(r"lib(icuuc|expat|stdc\+\+|gcc_s|m|c)\.so\.\d+|ld-linux-x86-64\.so\.2")
+SONAME = "libkelto.so.1"
+
+
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def exported(nm, library):
+    symbols = {}
+    for line in run(nm, "-D", "--defined-only", library).splitlines():
+        _, letter, name = line.split()
+        symbols[name] = "function" if letter in "TWi" else "data"
+    return symbols
+
+
+def dynamic(readelf, library, tag):
+    return re.findall(rf"\({tag}\).*\[(.*)\]", run(readelf, "-d", library))
+
+
+def main():
+    library, list_path = sys.argv[1:3]
+    nm, readelf = (sys.argv[3:] + ["nm", "readelf"][len(sys.argv) - 3 :])[:2]
+    with open(list_path, encoding="ascii") as lines:
+        rows = [line.split() for line in lines]
+    promised, found = dict(rows), exported(nm, library)
+
+    problems = [f"not exported: {name}" for name in promised if name not in found]
+    problems += [f"exported but not in the list: {name}" for name in sorted(found) if name not in promised]
+    problems += [
+        f"{name} is {found[name]}, not {kind}" for name, kind in rows if name in found and found[name] != kind
+    ]
+    if [name for name, _ in rows] != sorted(promised):
+        problems.append("the list is not sorted, or has a name twice")
+    if dynamic(readelf, library, "SONAME") != [SONAME]:
+        problems.append(f"the library's name is not {SONAME}")
+    problems += [
+        f"needs {name} at run time" for name in dynamic(readelf, library, "NEEDED") if not NEEDED.fullmatch(name)
+    ]
+    print("\n".join(problems) or f"{len(promised)} names as promised")
+    sys.exit(1 if problems else 0)
+
+
+if __name__ == "__main__":
+    main()
