@@ -3,7 +3,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -11,17 +10,19 @@
 namespace
 {
 
-/** The result codes that the header declares, by name. */
+/** The result codes that the header declares, by name: its lines "    KT_ERR_… = -7983, …". */
 std::map<std::string, int> declaredCodes()
 {
-    std::ifstream file(KELTO_SOURCE_DIR "/include/kelto.h");
-    std::stringstream text;
-    text << file.rdbuf();
-    const std::string header = text.str();
-    const std::regex enumerator(R"((KT_ERR_\w+) = (-\d+))");
+    std::ifstream header(KELTO_SOURCE_DIR "/include/kelto.h");
     std::map<std::string, int> codes;
-    for (std::sregex_iterator match(header.begin(), header.end(), enumerator), end; match != end; ++match)
-        codes[(*match)[1]] = std::stoi((*match)[2]);
+    for (std::string line; std::getline(header, line);)
+    {
+        std::istringstream words(line);
+        std::string name, equals;
+        int code = 0;
+        if (words >> name >> equals >> code && name.compare(0, 7, "KT_ERR_") == 0 && equals == "=")
+            codes[name] = code;
+    }
     return codes;
 }
 
