@@ -120,14 +120,12 @@ void startElement1(void *state, const char *name, const char **attrs)
     auto &pass = *static_cast<FirstPassState *>(state);
     if (pass.error != 0)
         return;
-    ElementID id;
-    int level;
-    mapElmtName(name, &id, &level);
-    pass.error = level == pass.depth ? checkStart(pass, elementRules[id], attrs) : KT_ERR_BAD_MSG_FILE;
+    const ElementMapRow &element = kelto::findElement(name);
+    pass.error = element.level == pass.depth ? checkStart(pass, elementRules[element.id], attrs) : KT_ERR_BAD_MSG_FILE;
     if (pass.error != 0)
         return;
     ++pass.depth;
-    pass.last = id;
+    pass.last = element.id;
 }
 
 void endElement1(void *state, const char *name)
@@ -135,13 +133,11 @@ void endElement1(void *state, const char *name)
     auto &pass = *static_cast<FirstPassState *>(state);
     if (pass.error != 0)
         return;
-    ElementID id;
-    int level;
-    mapElmtName(name, &id, &level);
-    const ElementRule &rule = elementRules[id];
+    const ElementMapRow &element = kelto::findElement(name);
+    const ElementRule &rule = elementRules[element.id];
     if (rule.lastAtEnd != ELM_UNKNOWN)
         pass.last = rule.lastAtEnd;
-    if (id == ELM_UNKNOWN)
+    if (element.id == ELM_UNKNOWN)
         pass.error = KT_ERR_BAD_MSG_FILE;
     else if (rule.onEnd != nullptr)
         pass.error = rule.onEnd(pass);
@@ -249,15 +245,13 @@ void startElement2(void *state, const char *name, const char **attrs)
     auto &pass = *static_cast<SecondPassState *>(state);
     if (pass.error != 0)
         return;
-    ElementID id;
-    int level;
-    mapElmtName(name, &id, &level);
-    pass.inSource = id == ELM_SOURCE;
-    if (id == ELM_TRANS_UNIT)
+    const ElementMapRow &element = kelto::findElement(name);
+    pass.inSource = element.id == ELM_SOURCE;
+    if (element.id == ELM_TRANS_UNIT)
         pass.error = openMessage(pass, attrs);
-    else if (id == ELM_X)
+    else if (element.id == ELM_X)
         pass.error = appendPlaceholder(pass, attrs);
-    else if (id == ELM_FILE)
+    else if (element.id == ELM_FILE)
         pass.error = fillFile(*pass.table, attrs);
 }
 
@@ -266,12 +260,10 @@ void endElement2(void *state, const char *name)
     auto &pass = *static_cast<SecondPassState *>(state);
     if (pass.error != 0)
         return;
-    ElementID id;
-    int level;
-    mapElmtName(name, &id, &level);
-    if (id == ELM_X)
+    const ElementMapRow &element = kelto::findElement(name);
+    if (element.id == ELM_X)
         pass.inSource = true;
-    else if (id == ELM_SOURCE)
+    else if (element.id == ELM_SOURCE)
     {
         pass.inSource = false;
         pass.error = closeMessage(pass);

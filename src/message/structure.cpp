@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 
 const ElementMapRow elmtMapTable[11] = {
     {"trans-unit", ELM_TRANS_UNIT, 3},
@@ -17,13 +18,43 @@ const ElementMapRow elmtMapTable[11] = {
     {nullptr, ELM_UNKNOWN, -1},
 };
 
+namespace
+{
+
+constexpr size_t unknownRow = std::size(elmtMapTable) - 1;
+constexpr size_t longestName = 13; // of all rows
+
+// Unrolled, the two loops below become a tree of comparisons with constants. It is asked twice for each element in each
+// pass, always for a short name that was written just now, which strcmp() takes longer to compare.
+inline bool isNamed(const ElementMapRow &row, const char *name)
+{
+#pragma GCC unroll 16
+    for (size_t i = 0; i <= longestName; ++i)
+    {
+        if (row.name[i] != name[i])
+            return false;
+        if (name[i] == '\0')
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+const ElementMapRow &kelto::findElement(const char *name) noexcept
+{
+#pragma GCC unroll 16
+    for (size_t i = 0; i < unknownRow; ++i)
+        if (isNamed(elmtMapTable[i], name))
+            return elmtMapTable[i];
+    return elmtMapTable[unknownRow];
+}
+
 void mapElmtName(const char *name, ElementID *id, int *level)
 {
-    const ElementMapRow *row = elmtMapTable;
-    while (row->name != nullptr && !kelto::equalNames(row->name, name))
-        ++row;
-    *id = row->id;
-    *level = row->level;
+    const ElementMapRow &row = kelto::findElement(name);
+    *id = row.id;
+    *level = row.level;
 }
 
 const char *getAttrValue(const char **attrs, const char *name)
@@ -44,13 +75,21 @@ const char *filledAttribute(const char **attrs, const char *name)
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-/** The number as written, of which the low 32 bits count. */
-int parseId(const char *digits)
+/** The number as written, of which the low 32 bits count. Nearly all are a few digits and nothing else. */
+int parseId(const char *text)
 {
+    constexpr int safeDigits = 9;
+    int number = 0;
+    int digits = 0;
+    for (; digits < safeDigits && text[digits] >= '0' && text[digits] <= '9'; ++digits)
+        number = number * 10 + (text[digits] - '0');
+    if (digits > 0 && digits < safeDigits)
+        return number;
+
     const int savedErrno = errno; // a number out of range must not show there
-    const long value = std::strtol(digits, nullptr, 10);
+    const long parsed = std::strtol(text, nullptr, 10);
     errno = savedErrno;
-    return static_cast<int>(static_cast<uint32_t>(value));
+    return static_cast<int>(static_cast<uint32_t>(parsed));
 }
 
 } // namespace

@@ -61,6 +61,9 @@ inline bool equalNames(const char *a, const char *b) noexcept
     return *a == *b && std::strcmp(a, b) == 0;
 }
 
+/** The row of an element: mapElmtName() for callers inside the library. */
+const ElementMapRow &findElement(const char *name) noexcept;
+
 /** What a "file" element says; the texts are the parser's. */
 struct FileAttributes
 {
