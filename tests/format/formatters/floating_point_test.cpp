@@ -1,0 +1,131 @@
+#include "format/formatting.h"
+#include "support/fake_zel.h"
+#include "support/fault_loop.h"
+
+#include <cfenv>
+#include <cfloat>
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+
+namespace
+{
+
+using FloatingPoint = StartedTest;
+
+const char flagLetters[] = "-+ #0";
+
+std::string specification(int flagSet, int width, int precision)
+{
+    std::string text = "%";
+    for (int i = 0; i < 5; ++i)
+        if ((flagSet >> i & 1) != 0)
+            text += flagLetters[i];
+    if (width >= 0)
+        text += std::to_string(width);
+    if (precision >= 0)
+        text += "." + std::to_string(precision);
+    return text;
+}
+
+/** Compares with the C library; the text may be of any length. */
+template <typename Value> void compare(const std::string &start, Value value)
+{
+    const char *const conversion = sizeof(Value) == sizeof(double) ? "f" : "Lf";
+    std::string expected(30000, '\0');
+    expected.resize(
+        static_cast<size_t>(std::snprintf(expected.data(), expected.size(), (start + conversion).c_str(), value)));
+    std::string format = start + conversion + "[1]";
+    std::u16string out(expected.size() + 1, u'#');
+    unsigned long size = out.size();
+    ASSERT_EQ(KTFormatString(nullptr, false, &size, out.data(), format.data(), value), 0) << format;
+    EXPECT_TRUE(std::string(out.begin(), out.begin() + static_cast<long>(size)) == expected)
+        << format << " of " << value;
+    size = expected.size();
+    EXPECT_EQ(KTFormatString(nullptr, false, &size, out.data(), format.data(), value), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, expected.size());
+}
+
+TEST_F(FloatingPoint, IsWhatTheCLibraryPrintsOverTheWholeProduct)
+{
+    const double values[] = {0.0,       -0.0,     0.5,    1.5,     2.5,     0.125,    -1.5,
+                             3.14159,   999999.5, 1e15,   1e16,    1e22,    1e23,     123456789.987654321,
+                             0.1,       1e-7,     5e-324, DBL_MAX, DBL_MIN, -DBL_MAX, INFINITY,
+                             -INFINITY, NAN,      -NAN};
+    for (int flagSet = 0; flagSet < 32; ++flagSet)
+        for (const int width : {-1, 1, 12, 400})
+            for (const int precision : {-1, 0, 1, 6, 17, 40})
+                for (const double value : values)
+                    compare(specification(flagSet, width, precision), value);
+}
+
+TEST_F(FloatingPoint, OfAnyMagnitudeAndPrecisionHasItsTrueLength)
+{
+    for (const int precision : {-1, 0, 303, 1073, 1074, 1075, 1100, 16444, 16445, 16446})
+        for (const int flagSet : {0, 1, 16, 24})
+        {
+            for (const double value : {DBL_MAX, 5e-324, -1.0, double(INFINITY)})
+                compare(specification(flagSet, 1200, precision), value);
+            for (const long double value : {LDBL_MAX, LDBL_TRUE_MIN, -2.5L, 1e300L, (long double)NAN})
+                compare(specification(flagSet, 6000, precision), value);
+        }
+}
+
+TEST_F(FloatingPoint, TheModifierChoosesTheType)
+{
+    EXPECT_EQ(format("%.3Lf[1] %.3lf[2] %.3!f[3] %.3hf[4]", 1.0625L, 1.5, 2.5, 3.5), ok(u"1.062 1.500 2.500 3.500"));
+}
+
+TEST_F(FloatingPoint, MeasuresHugeWidthsAndPrecisions)
+{
+    UCS2 out[1];
+    unsigned long size = 1;
+    char both[] = "%2147483647.2147483647f[1]";
+    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, both, 1.5), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, INT_MAX + 2UL);
+    char precise[] = "%.2147483647Lf[1]";
+    size = 1;
+    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, precise, 2e100L), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, INT_MAX + 102UL);
+    size = 1;
+    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, precise, (long double)INFINITY), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, 3u);
+}
+
+TEST_F(FloatingPoint, FollowsTheRoundingMode)
+{
+    for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO, FE_TONEAREST})
+    {
+        ASSERT_EQ(std::fesetround(mode), 0);
+        for (const double value : {0.5, 1.45, -2.675, 1e22 / 3, 0.1})
+            for (const char *start : {"%.0", "%.1", "%.2", "%.17"})
+            {
+                compare(start, value);
+                compare(start, static_cast<long double>(value) / 3);
+            }
+    }
+}
+
+TEST_F(FloatingPoint, TakesMemoryForLongNumbersOnlyAndReportsItsLack)
+{
+    const double usual = 1e290, tooLong = 1e300;
+    FakeZel::record();
+    EXPECT_EQ(callFormatter(formatDouble, "f", 0, &usual, 1000).size, 298u);
+    EXPECT_EQ(FakeZel::count(Operation::Malloc), 0u);
+    EXPECT_EQ(callFormatter(formatDouble, "f", 0, &tooLong, 1000).size, 308u);
+    EXPECT_EQ(FakeZel::count(Operation::Malloc), 1u);
+    FaultLoop loop;
+    loop.call = [&] { return callFormatter(formatDouble, "f", 0, &tooLong, 1000).result; };
+    EXPECT_EQ(loop.run(), 1u);
+}
+
+TEST(FloatingPointFormatter, NeedsAUnitBeyondItsText)
+{
+    const double one = 1.0;
+    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 8).result, KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 8).size, 8u);
+    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 9).text, u"1.000000");
+}
+
+} // namespace
