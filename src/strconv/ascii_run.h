@@ -27,6 +27,15 @@ inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) no
         _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, zero));
         _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, zero));
     }
+    if (limit - run >= 8)
+    {
+        const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(source + run));
+        if (_mm_movemask_epi8(bytes) == 0)
+        {
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(destination + run), _mm_unpacklo_epi8(bytes, zero));
+            run += 8;
+        }
+    }
     for (; run < limit && static_cast<unsigned char>(source[run]) < 0x80; ++run)
         destination[run] = static_cast<unsigned char>(source[run]);
     return run;

@@ -1,0 +1,263 @@
+#include "kelto.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+// A small model of text in several character sets, without any converter: five characters and their bytes.
+struct Character
+{
+    UCS2 unit, upper;
+    const char *shiftJis, *eucJp, *gb18030, *utf8;
+};
+
+constexpr Character alphabet[] = {
+    {u'a', u'A', "a", "a", "a", "a"},
+    {u'A', u'A', "A", "A", "A", "A"},
+    {0x3042, 0x3042, "\x82\xA0", "\xA4\xA2", "\xA4\xA2", "\xE3\x81\x82"},
+    {0xFF41, 0xFF21, "\x82\x81", "\xA3\xE1", "\xA3\xE1", "\xEF\xBD\x81"},
+    {0xFF21, 0xFF21, "\x82\x60", "\xA3\xC1", "\xA3\xC1", "\xEF\xBC\xA1"},
+};
+
+const Character &characterOf(UCS2 unit)
+{
+    return *std::find_if(std::begin(alphabet), std::end(alphabet), [=](const Character &c) { return c.unit == unit; });
+}
+
+struct CharSet
+{
+    const char *name;
+    std::string (*encode)(const std::u16string &);
+};
+
+template <const char *Character::*bytes> std::string encodeStateless(const std::u16string &text)
+{
+    std::string result;
+    for (const UCS2 unit : text)
+        result += characterOf(unit).*bytes;
+    return result;
+}
+
+/** The bytes of EUC-JP without their high bits, between shift sequences. */
+std::string encodeIso2022Jp(const std::u16string &text)
+{
+    std::string result;
+    bool shifted = false;
+    const auto shift = [&](bool wide) {
+        if (wide != shifted)
+            result += wide ? "\x1B$B" : "\x1B(B";
+        shifted = wide;
+    };
+    for (const UCS2 unit : text)
+    {
+        shift(unit >= 0x80);
+        for (const char byte : std::string(characterOf(unit).eucJp))
+            result += static_cast<char>(byte & 0x7F);
+    }
+    shift(false);
+    return result;
+}
+
+constexpr CharSet charSets[] = {
+    {"shift_jis", encodeStateless<&Character::shiftJis>},
+    {"EUC-JP", encodeStateless<&Character::eucJp>},
+    {"GB18030", encodeStateless<&Character::gb18030>},
+    {"utf-8", encodeStateless<&Character::utf8>},
+    {"iso-2022-jp", encodeIso2022Jp},
+};
+
+std::u16string upperCase(std::u16string text)
+{
+    for (UCS2 &unit : text)
+        unit = characterOf(unit).upper;
+    return text;
+}
+
+/** 0 for a character of more than three bytes, as shift sequences make it. */
+unsigned int packed(const std::string &bytes)
+{
+    unsigned int result = 0;
+    for (const char byte : bytes)
+        result = result << 8 | static_cast<unsigned char>(byte);
+    return bytes.size() <= 3 ? result : 0;
+}
+
+/** Every text of up to `longest` characters. */
+std::vector<std::u16string> allTexts(size_t longest)
+{
+    std::vector<std::u16string> texts = {u""};
+    for (size_t i = 0; texts[i].size() < longest; ++i)
+        for (const Character &character : alphabet)
+            texts.push_back(texts[i] + character.unit);
+    return texts;
+}
+
+/** A block of exactly the room that the functions promise to need. */
+std::vector<char> roomFor(const std::string &source)
+{
+    return std::vector<char>(source.size() + 1, '?');
+}
+
+std::vector<char> blockOf(const std::string &text)
+{
+    return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
+}
+
+int signOf(int value)
+{
+    return (value > 0) - (value < 0);
+}
+
+TEST(MultiByteString, MeasuresAndStepsLikeTheModel)
+{
+    for (const CharSet &set : charSets)
+        for (const std::u16string &text : allTexts(3))
+        {
+            const std::string bytes = set.encode(text);
+            SCOPED_TRACE(set.name + testing::PrintToString(text));
+            EXPECT_EQ(KTMultiByteStrblen(bytes.c_str()), bytes.size());
+            EXPECT_EQ(KTMultiByteStrclen(set.name, bytes.c_str()), static_cast<long>(text.size()));
+            EXPECT_EQ(KTFirstChar(set.name, bytes.c_str()), packed(set.encode(text.substr(0, 1))));
+
+            std::vector<char> walked = blockOf(bytes);
+            const bool hasNext = text.size() >= 2;
+            EXPECT_EQ(KTNextChar(set.name, walked.data()), hasNext ? packed(set.encode(text.substr(1, 1))) : 0);
+            EXPECT_STREQ(walked.data(), set.encode(hasNext ? text.substr(1) : text).c_str());
+        }
+}
+
+TEST(MultiByteString, CopiesAndUpperCasesLikeTheModelAlsoInPlace)
+{
+    for (const CharSet &set : charSets)
+        for (const std::u16string &text : allTexts(3))
+        {
+            const std::string bytes = set.encode(text);
+            SCOPED_TRACE(set.name + testing::PrintToString(text));
+            for (const size_t n : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{1} << 31, SIZE_MAX})
+            {
+                std::vector<char> copy = roomFor(bytes), inPlace = blockOf(bytes);
+                EXPECT_EQ(KTMultiByteStrncpy(copy.data(), set.name, bytes.c_str(), n), copy.data());
+                EXPECT_EQ(copy.data(), set.encode(text.substr(0, n)));
+                EXPECT_EQ(KTMultiByteStrncpy(inPlace.data(), set.name, inPlace.data(), n), inPlace.data());
+                EXPECT_STREQ(inPlace.data(), copy.data());
+            }
+
+            const std::string upper = set.encode(upperCase(text));
+            std::vector<char> copy = roomFor(bytes), inPlace = blockOf(bytes);
+            size_t size = 0; // not a capacity: an output only
+            EXPECT_EQ(KTMultiByteStrupr(set.name, bytes.c_str(), &size, copy.data()), static_cast<long>(upper.size()));
+            EXPECT_EQ(size, upper.size());
+            EXPECT_EQ(copy.data(), upper);
+            EXPECT_GE(KTMultiByteStrupr(set.name, inPlace.data(), &size, inPlace.data()), 0);
+            EXPECT_EQ(inPlace.data(), upper);
+        }
+}
+
+TEST(MultiByteString, SearchesAndComparesLikeTheModelAcrossCharacterSets)
+{
+    const std::vector<std::u16string> texts = allTexts(3), others = allTexts(2);
+    for (size_t i = 0; i < std::size(charSets); ++i)
+        for (const std::u16string &text : texts)
+        {
+            const CharSet &set = charSets[i];
+            const CharSet &otherSet = charSets[(i + 1) % std::size(charSets)];
+            const std::string bytes = set.encode(text);
+            for (const std::u16string &other : others)
+            {
+                SCOPED_TRACE(set.name + testing::PrintToString(text) + otherSet.name + testing::PrintToString(other));
+                const std::string otherBytes = otherSet.encode(other);
+                const size_t at = text.find(other);
+                const char *const found = KTMultiByteStrstr(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str());
+                const size_t tailBytes = at != std::u16string::npos ? set.encode(text.substr(at)).size() : 0;
+                EXPECT_EQ(found, at != std::u16string::npos ? bytes.c_str() + bytes.size() - tailBytes : nullptr);
+
+                EXPECT_EQ(signOf(KTMultiByteStrcmp(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str())),
+                          signOf(text.compare(other)));
+                const bool equal = upperCase(text) == upperCase(other);
+                EXPECT_EQ(KTMultiByteStricmp(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str()) == 0, equal);
+            }
+            for (const Character &character : alphabet)
+            {
+                SCOPED_TRACE(set.name + testing::PrintToString(text) + character.utf8);
+                std::vector<char> tail = roomFor(bytes);
+                const char *const found =
+                    KTMultiByteStrrchr(set.name, bytes.c_str(), "shift_jis", packed(character.shiftJis), tail.data());
+                const size_t at = text.rfind(character.unit);
+                if (at == std::u16string::npos)
+                {
+                    EXPECT_EQ(found, nullptr);
+                    continue;
+                }
+                EXPECT_EQ(found, tail.data());
+                EXPECT_EQ(tail.data(), set.encode(text.substr(at)));
+            }
+        }
+}
+
+TEST(MultiByteString, GivesTheFailureOfAConversionAsItsOwn)
+{
+    constexpr char unknown[] = "no-such-set";
+    char text[] = "ab", out[] = "??";
+    size_t size = 7;
+    EXPECT_EQ(KTMultiByteStrclen(unknown, text), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_EQ(KTFirstChar(unknown, text), 0u);
+    EXPECT_EQ(KTNextChar(unknown, text), 0u);
+    EXPECT_EQ(KTMultiByteStrncpy(out, unknown, text, 1), nullptr);
+    EXPECT_EQ(KTMultiByteStrupr(unknown, text, &size, out), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_EQ(KTMultiByteStrstr(unknown, text, "utf-8", "b"), nullptr);
+    EXPECT_EQ(KTMultiByteStrstr("utf-8", text, unknown, "b"), nullptr);
+    EXPECT_EQ(KTMultiByteStrrchr(unknown, text, "utf-8", 'b', out), nullptr);
+    EXPECT_EQ(KTMultiByteStrrchr("utf-8", text, unknown, 'b', out), nullptr);
+    EXPECT_EQ(KTMultiByteStricmp(unknown, text, "utf-8", text), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_EQ(KTMultiByteStrcmp("utf-8", text, unknown, text), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_STREQ(text, "ab");
+    EXPECT_STREQ(out, "??");
+    EXPECT_EQ(size, 7u);
+}
+
+TEST(MultiByteString, RefusesAnUpperCaseThatIsLonger)
+{
+    char out[] = "stra\xDF"
+                 "e";
+    size_t size = 7;
+    EXPECT_EQ(KTMultiByteStrupr("iso-8859-1", out, &size, out), KT_ERR_CONVERSION_FAILED);
+    EXPECT_STREQ(out, "stra\xDF"
+                      "e");
+    EXPECT_EQ(size, 7u);
+}
+
+TEST(MultiByteString, CountsAMissingTerminatorAsNotFitting)
+{
+    // Two bytes of three are one malformed character, which comes back as three: one more than the source.
+    const std::string half = "\xE3\x81";
+    std::vector<char> out = roomFor(half);
+    size_t size = 7;
+    EXPECT_EQ(KTMultiByteStrncpy(out.data(), "utf-8", half.c_str(), 1), nullptr);
+    EXPECT_EQ(KTMultiByteStrupr("utf-8", half.c_str(), &size, out.data()), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(KTMultiByteStrrchr("utf-8", half.c_str(), "utf-8", 0x80, out.data()), nullptr);
+    EXPECT_EQ(KTMultiByteStrstr("utf-8", half.c_str(), "utf-8", ""), nullptr) << "before the text's own start";
+    EXPECT_EQ(size, 7u);
+
+    std::vector<char> walked = blockOf(half + half + half + half); // 8 bytes; three characters come back as 9
+    EXPECT_EQ(KTNextChar("utf-8", walked.data()), 0xEFBFBDu);
+    EXPECT_EQ(walked.data(), half + half + half + half);
+}
+
+TEST(MultiByteString, OffersOneUnitMoreThanTheSourceHasBytes)
+{
+    const std::string pairs = "\x0B\x21\x01\x80\x80\x80\x80"; // SCSU: three bytes choose a window, each other is a pair
+    EXPECT_EQ(KTMultiByteStrclen("SCSU", pairs.c_str()), 8);
+    EXPECT_EQ(KTMultiByteStrclen("SCSU", (pairs + '\x80').c_str()), KT_ERR_BUFFER_TOO_SMALL);
+}
+
+TEST(MultiByteString, EndsATextAtAZeroUnit)
+{
+    EXPECT_EQ(KTMultiByteStrclen("utf-7", "a+AAAAYg-"), 1); // a, U+0000, b
+    EXPECT_EQ(KTMultiByteStrstr("utf-7", "a+AAAAYg-", "utf-8", "b"), nullptr);
+}
+
+} // namespace
