@@ -12,6 +12,9 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake
 install(FILES "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" "${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake"
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelto)
 
+# Relative to the file itself, so that `cmake --install --prefix` and moved trees work.
+file(RELATIVE_PATH KELTO_PC_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" KELTO_PC_TO_PREFIX "${KELTO_PC_TO_PREFIX}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${PROJECT_BINARY_DIR}/kelto.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
