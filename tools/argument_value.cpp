@@ -1,0 +1,152 @@
+#include "argument_value.h"
+
+#include "charset.h"
+#include "terminal.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <fmt/core.h>
+#include <limits>
+#include <string_view>
+#include <unicode/utf16.h>
+
+namespace tool
+{
+namespace
+{
+
+/** A whole number as a sign and a magnitude of 64 bits. */
+struct WholeNumber
+{
+    bool negative = false;
+    uint64_t magnitude = 0;
+};
+
+WholeNumber readWholeNumber(std::string_view word)
+{
+    const Unreadable fault{"is no whole number, as 12, -7 or 0x1F"};
+    WholeNumber number;
+    if (!word.empty() && (word.front() == '-' || word.front() == '+'))
+    {
+        number.negative = word.front() == '-';
+        word.remove_prefix(1);
+    }
+    int base = 10;
+    if (word.substr(0, 2) == "0x" || word.substr(0, 2) == "0X")
+    {
+        base = 16;
+        word.remove_prefix(2);
+    }
+    const char *const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, number.magnitude, base);
+    if (stop != end || error == std::errc::invalid_argument)
+        throw fault;
+    if (error == std::errc::result_out_of_range)
+        throw Unreadable{"is beyond 64 bits"};
+    return number;
+}
+
+template <typename Number> Value readInteger(const std::string &word)
+{
+    using Limits = std::numeric_limits<Number>;
+    const WholeNumber number = readWholeNumber(word);
+    const uint64_t most = static_cast<uint64_t>(Limits::max());
+    const uint64_t mostNegative = Limits::is_signed ? most + 1 : 0;
+    if (number.magnitude > (number.negative ? mostNegative : most))
+        throw Unreadable{fmt::format("is out of the range {} to {}", Limits::min(), Limits::max())};
+    const uint64_t bits = number.negative ? 0 - number.magnitude : number.magnitude;
+    return static_cast<Number>(bits);
+}
+
+template <typename Short, typename Plain, typename Long> Value readIntegerOfSize(const std::string &word, int flags)
+{
+    if ((flags & FLAG_h) != 0)
+        return readInteger<Short>(word);
+    return (flags & FLAG_BANG) != 0 ? readInteger<Long>(word) : readInteger<Plain>(word);
+}
+
+// The program never sets LC_NUMERIC, so that the decimal sign is the point.
+template <typename Number> Value readFloating(const std::string &word, Number (*convert)(const char *, char **))
+{
+    char *end = nullptr;
+    errno = 0;
+    const Number number = convert(word.c_str(), &end);
+    const bool startsWithSpace = !word.empty() && std::isspace(static_cast<unsigned char>(word.front())) != 0;
+    if (word.empty() || startsWithSpace || end != word.c_str() + word.size())
+        throw Unreadable{"is no number, as 12.5, -3 or 1e9"};
+    if (errno == ERANGE && std::isinf(number))
+        throw Unreadable{"is too large a number"};
+    return number;
+}
+
+std::u16string readText(const std::string &word)
+{
+    const std::string &charset = terminal().charset();
+    requireCharset(charset);
+    std::u16string text = ucs2(charset, word);
+    if (lossOfDecoding(charset, word, text).characters != 0)
+        throw Unreadable{fmt::format("is no text in the terminal's charset, {} (LC_ALL=C.UTF-8 sets UTF-8)",
+                                     terminal().showBytes(charset))};
+    return text;
+}
+
+Value readCharacter(const std::string &word, int flags)
+{
+    constexpr char16_t last8BitCharacter = 0xFF;
+    const std::u16string text = readText(word);
+    if (text.size() == 2 && U16_IS_LEAD(text[0]))
+        throw Unreadable{"is a character beyond U+FFFF, which takes two units"};
+    if (text.size() != 1)
+        throw Unreadable{"is not one character"};
+    if ((flags & FLAG_l) != 0)
+        return text[0];
+    if (text[0] > last8BitCharacter)
+        throw Unreadable{"is a character beyond U+00FF, which only %lc takes"};
+    return static_cast<char>(text[0]);
+}
+
+struct Reader
+{
+    int type;
+    Value (*read)(const std::string &word, int flags);
+};
+
+constexpr Reader readers[] = {
+    {1, readCharacter},
+    {2, [](const std::string &word, int) -> Value { return utf8(readText(word)); }},
+    {3, [](const std::string &word, int) -> Value { return readText(word); }},
+    {4, readIntegerOfSize<int16_t, int32_t, int64_t>},
+    {5, readIntegerOfSize<uint16_t, uint32_t, uint64_t>},
+    {6,
+     [](const std::string &word, int flags) -> Value {
+         return (flags & FLAG_L) != 0 ? readFloating(word, std::strtold) : readFloating(word, std::strtod);
+     }},
+};
+
+} // namespace
+
+void *pointerTo(Value &value)
+{
+    if (auto *text = std::get_if<std::string>(&value))
+        return text->data();
+    if (auto *text = std::get_if<std::u16string>(&value))
+        return text->data();
+    return std::visit([](auto &plain) -> void * { return &plain; }, value);
+}
+
+Value readValue(int type, int flags, const std::string &word)
+{
+    for (const Reader &reader : readers)
+        if (reader.type == type)
+            return reader.read(word, flags);
+    throw Unreadable{"is of a kind that cannot be given here"};
+}
+
+Value readStar(const std::string &word)
+{
+    return readInteger<int32_t>(word);
+}
+
+} // namespace tool

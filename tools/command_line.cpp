@@ -1,0 +1,111 @@
+#include "command_line.h"
+
+#include "terminal.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+
+namespace tool
+{
+namespace
+{
+
+/** Help with the synopsis as the table of subcommands has it. */
+class HelpFormatter : public CLI::Formatter
+{
+public:
+    explicit HelpFormatter(std::string usage) : m_usage(std::move(usage)) {}
+    std::string make_usage(const CLI::App *, std::string) const override { return m_usage; }
+
+private:
+    std::string m_usage;
+};
+
+} // namespace
+
+CommandLine::CommandLine(const Subcommand &subcommand, Words words)
+    : m_app(std::string(subcommand.summary) + "."), m_name(subcommand.name), m_words(std::move(words))
+{
+    m_app.formatter(
+        std::make_shared<HelpFormatter>(fmt::format("Usage: kelto {} {}\n", subcommand.name, subcommand.synopsis)));
+    m_app.footer(subcommand.details);
+    m_app.set_help_flag("-h,--help", "Print this help");
+    m_app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+void CommandLine::flag(const std::string &name, bool &value, const std::string &help)
+{
+    m_app.add_flag(name, value, help);
+}
+
+void CommandLine::option(const std::string &name, const std::string &valueName, std::string &value,
+                         const std::string &help)
+{
+    m_app.add_option(name, value, help)->type_name(valueName);
+}
+
+// The operands are what the parser leaves over: a declared positional would take "[a]" apart as a list.
+Words CommandLine::operands()
+{
+    parse();
+    Words rest = m_app.remaining();
+    const auto separator = std::find(rest.begin(), rest.end(), "--");
+    refuseOptions(rest.begin(), separator);
+    if (separator != rest.end())
+        rest.erase(separator);
+    return rest;
+}
+
+Words CommandLine::files()
+{
+    Words names = operands();
+    if (names.empty())
+        throw misuse("no file is given");
+    return names;
+}
+
+Words CommandLine::operandsBehindOptions(size_t fixedCount)
+{
+    m_app.prefix_command();
+    parse();
+    Words rest = m_app.remaining();
+    refuseOptions(rest.begin(), rest.begin() + !rest.empty());
+    const auto end = rest.begin() + static_cast<std::ptrdiff_t>(std::min(rest.size(), fixedCount + 1));
+    const auto separator = std::find(rest.begin(), end, "--");
+    if (separator != end)
+        rest.erase(separator);
+    return rest;
+}
+
+void CommandLine::parse()
+{
+    m_app.allow_extras();
+    Words reversed(m_words.rbegin(), m_words.rend());
+    try
+    {
+        m_app.parse(reversed);
+    }
+    catch (const CLI::CallForHelp &)
+    {
+        throw;
+    }
+    catch (const CLI::ParseError &error)
+    {
+        throw misuse(terminal().showBytes(error.what()));
+    }
+}
+
+void CommandLine::refuseOptions(Words::const_iterator begin, Words::const_iterator end) const
+{
+    const auto isOption = [](const std::string &word) { return word.size() > 1 && word[0] == '-' && word != "--"; };
+    const auto unknown = std::find_if(begin, end, isOption);
+    if (unknown != end)
+        throw misuse("unknown option " + terminal().quote(*unknown));
+}
+
+Failure CommandLine::misuse(const std::string &text) const
+{
+    return Failure(fmt::format("{}: {}\nTry 'kelto {} --help'.", m_name, text, m_name));
+}
+
+} // namespace tool

@@ -1,0 +1,77 @@
+/**
+ * The words behind the name of a subcommand: options are declared, then operands() parses. All wrong usage comes out as a
+ * Failure that ends with a pointer to the help; a request for help as CLI::CallForHelp.
+ */
+#ifndef KELTO_TOOLS_COMMAND_LINE_H
+#define KELTO_TOOLS_COMMAND_LINE_H
+
+#include "failure.h"
+#include "subcommand.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+using Words = std::vector<std::string>;
+
+class CommandLine
+{
+public:
+    CommandLine(const Subcommand &subcommand, Words words);
+
+    void flag(const std::string &name, bool &value, const std::string &help);
+    void option(const std::string &name, const std::string &valueName, std::string &value, const std::string &help);
+
+    /** Parses; the operands in their order, without the "--" that separates them from options. */
+    Words operands();
+
+    /**
+     * Parses options that stand in front only: from the first operand on every word is an operand, whatever it begins
+     * with. A "--" is taken out once, from among the fixed operands or right behind them.
+     */
+    Words operandsBehindOptions(size_t fixedCount);
+
+    /** The operands, all of them files, of which there must be one at least. */
+    Words files();
+
+    std::string help() const { return m_app.help(); }
+
+    /** Wrong usage of this subcommand. */
+    Failure misuse(const std::string &text) const;
+
+private:
+    void parse();
+    void refuseOptions(Words::const_iterator begin, Words::const_iterator end) const;
+
+    CLI::App m_app;
+    std::string m_name;
+    Words m_words;
+};
+
+/** Does the work for each file; a failure is printed and the work goes on with the next, but for that of the output. */
+template <typename Work> ExitStatus forEachFile(const Words &files, Work work)
+{
+    ExitStatus status = ExitStatus::done;
+    for (const std::string &file : files)
+        try
+        {
+            work(file);
+        }
+        catch (const OutputFailure &)
+        {
+            throw;
+        }
+        catch (const Failure &failure)
+        {
+            complain(failure.what());
+            status = ExitStatus::failed;
+        }
+    return status;
+}
+
+} // namespace tool
+
+#endif

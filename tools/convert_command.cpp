@@ -1,0 +1,99 @@
+#include "charset.h"
+#include "command_line.h"
+#include "icu.h"
+#include "output.h"
+#include "terminal.h"
+#include "transcode.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <fmt/ranges.h>
+
+namespace tool
+{
+namespace
+{
+
+/** The names of one charset, the best known first: of ICU's names the one that mail or the registry uses. */
+Words namesOf(const char *canonical)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    Words names{canonical};
+    for (uint16_t i = 0; i < ucnv_countAliases(canonical, &status); ++i)
+        names.emplace_back(ucnv_getAlias(canonical, i, &status));
+    for (const char *const standard : {"IANA", "MIME"})
+        if (const char *const name = ucnv_getStandardName(canonical, standard, &status))
+            names.insert(names.begin(), name);
+    Words unique;
+    for (const std::string &name : names)
+        if (std::find(unique.begin(), unique.end(), name) == unique.end())
+            unique.push_back(name);
+    return unique;
+}
+
+void listCharsets()
+{
+    std::vector<Words> charsets;
+    for (int32_t i = 0; i < ucnv_countAvailable(); ++i)
+        charsets.push_back(namesOf(ucnv_getAvailableName(i)));
+    std::sort(charsets.begin(), charsets.end());
+    for (const Words &names : charsets)
+        print(fmt::format("{}\n", fmt::join(names, " ")));
+}
+
+/** Whether there was anything to warn of. */
+bool warn(const std::string &subject, size_t characters, const std::string &what, const std::string &charset)
+{
+    if (characters != 0)
+        complain(fmt::format("{}: {} {} {}, replaced", subject,
+                             characters == 1 ? "1 character" : fmt::format("{} characters", characters), what,
+                             terminal().showBytes(charset)));
+    return characters != 0;
+}
+
+ExitStatus convert(const std::string &from, const std::string &to, const std::string &path, bool strict)
+{
+    const std::string input = readWhole(path);
+    Transcoded result;
+    try
+    {
+        result = transcode(from, to, input);
+    }
+    catch (const Failure &failure)
+    {
+        throw Failure(inputName(path) + ": " + failure.what());
+    }
+    print(result.bytes);
+    const bool malformed = warn(inputName(path), result.malformed, "malformed or unknown in", from);
+    const bool unshowable = warn(inputName(path), result.unshowable, "that cannot be shown in", to);
+    return strict && (malformed || unshowable) ? ExitStatus::negative : ExitStatus::done;
+}
+
+} // namespace
+
+ExitStatus convertCommand(CommandLine &line)
+{
+    std::string from;
+    std::string to;
+    bool strict = false;
+    bool list = false;
+    line.option("--from", "NAME", from, "The charset of the input");
+    line.option("--to", "NAME", to, "The charset of the output");
+    line.flag("--strict", strict, "End with status 1 if a character was replaced");
+    line.flag("--list-charsets", list, "Print the names of all charsets, one charset a line");
+    const Words files = line.operands();
+    if (list)
+    {
+        listCharsets();
+        return ExitStatus::done;
+    }
+    if (from.empty() || to.empty())
+        throw line.misuse(from.empty() ? "--from is not given" : "--to is not given");
+    if (files.size() > 1)
+        throw line.misuse("more than one file is given");
+    requireReadable(from);
+    requireCharset(to);
+    return convert(from, to, files.empty() ? "-" : files.front(), strict);
+}
+
+} // namespace tool

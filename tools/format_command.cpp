@@ -1,0 +1,107 @@
+#include "arguments.h"
+#include "charset.h"
+#include "command_line.h"
+#include "message_file.h"
+#include "output.h"
+#include "parsed_message.h"
+#include "terminal.h"
+
+#include <charconv>
+#include <fmt/core.h>
+#include <limits>
+
+namespace tool
+{
+namespace
+{
+
+constexpr size_t fileAndId = 2;
+
+unsigned readId(const CommandLine &line, const std::string &word)
+{
+    unsigned id = 0;
+    const char *const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, id);
+    if (stop != end || error != std::errc())
+        throw line.misuse(fmt::format("{} is no message ID: these are numbers from 1 to {}", terminal().quote(word),
+                                      std::numeric_limits<int32_t>::max()));
+    return id;
+}
+
+std::u16string formatMessage(std::string &message, bool tag, Arguments &arguments)
+{
+    constexpr size_t usuallyEnough = 256;
+    std::u16string text(usuallyEnough, u'\0');
+    for (;;)
+    {
+        unsigned long size = text.size();
+        const int result = KTvpFormatString(nullptr, tag, &size, text.data(), message.data(), arguments.pointers());
+        if (result == KT_ERR_BUFFER_TOO_SMALL && size >= longestText)
+            throw Failure(fmt::format("the text is too long: {} units", size));
+        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+            throw Failure(arguments.whyRefused(result));
+        text.resize(result == 0 ? size : size + 1);
+        if (result == 0)
+            return text;
+    }
+}
+
+std::u16string formatLine(std::string message, bool tag, const Words &words)
+{
+    const std::vector<Conversion> conversions = parseMessage(message);
+    Arguments arguments(conversions, words);
+    return formatMessage(message, tag, arguments) + u'\n';
+}
+
+std::string countOf(size_t characters)
+{
+    return characters == 1 ? "1 character" : fmt::format("{} characters", characters);
+}
+
+void printIn(const std::string &charset, const std::u16string &text)
+{
+    print(multiByte(charset, text));
+    const size_t lost = lossOfEncoding(charset, text).characters;
+    const bool isTerminals = charset == terminal().charset();
+    if (lost != 0)
+        complain(fmt::format("{} cannot show {} of the text, replaced in the output{}", terminal().showBytes(charset),
+                             countOf(lost), isTerminals ? "; LC_ALL=C.UTF-8 makes the terminal's charset UTF-8" : ""));
+}
+
+} // namespace
+
+ExitStatus formatCommand(CommandLine &line)
+{
+    bool tag = false;
+    std::string charset = terminal().charset();
+    line.flag("--tag", tag, "Wrap dates, names, entry IDs and errors in tags, as <date>");
+    line.option("--charset", "NAME", charset, "The charset of the output; without it, that of the terminal");
+    const Words operands = line.operandsBehindOptions(fileAndId);
+    if (operands.size() < fileAndId)
+        throw line.misuse(operands.empty() ? "no file is given" : "no message ID is given");
+    requireCharset(charset);
+
+    const unsigned id = readId(line, operands[1]);
+    const Words words(operands.begin() + fileAndId, operands.end());
+    const MessageFile file(operands[0]);
+    const std::optional<std::string> message = file.message(id);
+    const std::string subject = fmt::format("{}: message {}", terminal().showBytes(operands[0]), id);
+    if (!message)
+        throw Failure(fmt::format("{}: the file has none of this number; its IDs run from 1 to {}, with gaps", subject,
+                                  file.highestId()));
+    try
+    {
+        printIn(charset, formatLine(*message, tag, words));
+    }
+    catch (const OutputFailure &)
+    {
+        throw;
+    }
+    catch (const Failure &failure)
+    {
+        throw Failure(subject + ": " + failure.what());
+    }
+    return ExitStatus::done;
+}
+
+} // namespace tool

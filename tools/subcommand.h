@@ -1,0 +1,37 @@
+/**
+ * What main() and the subcommands share: the exit statuses, a row of the table of subcommands, and the functions of its
+ * rows. A subcommand declares its options on the CommandLine that it is given, takes its operands from it, and works;
+ * what goes wrong it throws as a Failure.
+ */
+#ifndef KELTO_TOOLS_SUBCOMMAND_H
+#define KELTO_TOOLS_SUBCOMMAND_H
+
+namespace tool
+{
+
+class CommandLine;
+
+enum class ExitStatus
+{
+    done = 0,
+    negative = 1, // the work is done, and its answer is no
+    failed = 2    // the work could not be done, or the usage was wrong
+};
+
+struct Subcommand
+{
+    const char *name;
+    const char *synopsis; // what follows the name on a command line
+    const char *summary;
+    const char *details; // for its own help
+    ExitStatus (*run)(CommandLine &line);
+};
+
+ExitStatus formatCommand(CommandLine &line);
+ExitStatus listCommand(CommandLine &line);
+ExitStatus versionCommand(CommandLine &line);
+ExitStatus convertCommand(CommandLine &line);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,164 @@
+#include "terminal.h"
+
+#include "charset.h"
+#include "kelto.h"
+
+#include <fmt/core.h>
+#include <fmt/xchar.h>
+#include <unicode/uchar.h>
+#include <unicode/ucnv_err.h>
+#include <unicode/utf16.h>
+
+namespace tool
+{
+namespace
+{
+
+/** Names of charsets and locales have no fixed limit, but the C library refuses longer ones than this. */
+constexpr size_t longestName = 256;
+
+constexpr size_t longestQuotation = 60;
+
+std::string systemCharset()
+{
+    char locale[longestName];
+    char charset[longestName];
+    KTGetSystemFullLocale(locale);
+    KTGetSystemCharSet(charset);
+    return charset;
+}
+
+CharacterSet showableCharacters(UConverter *converter)
+{
+    CharacterSet set(uset_openEmpty());
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_getUnicodeSet(converter, set.get(), UCNV_ROUNDTRIP_AND_FALLBACK_SET, &status);
+    return set;
+}
+
+bool isJoiner(UChar32 character)
+{
+    return character == 0x200C || character == 0x200D; // which spelling needs
+}
+
+/** Controls, the format characters that change the order of reading or hide, separators, surrogates without a partner. */
+bool needsEscape(UChar32 character)
+{
+    switch (u_charType(character))
+    {
+    case U_CONTROL_CHAR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+    case U_SURROGATE:
+        return true;
+    case U_FORMAT_CHAR:
+        return !isJoiner(character);
+    default:
+        return false;
+    }
+}
+
+std::u16string escapeOf(UChar32 character)
+{
+    switch (character)
+    {
+    case '\n':
+        return u"\\n";
+    case '\r':
+        return u"\\r";
+    case '\t':
+        return u"\\t";
+    default:
+        return character <= 0xFFFF ? fmt::format(u"\\u{:04X}", character) : fmt::format(u"\\U{:08X}", character);
+    }
+}
+
+} // namespace
+
+Terminal::Terminal() : m_charset(systemCharset()), m_shownCharset(m_charset)
+{
+    Converter converter = openConverter(m_charset);
+    if (converter == nullptr)
+    {
+        m_shownCharset = "US-ASCII";
+        converter = openConverter(m_shownCharset);
+    }
+    m_showable = showableCharacters(converter.get());
+}
+
+std::u16string Terminal::escaped(std::u16string_view text) const
+{
+    std::u16string result;
+    result.reserve(text.size());
+    for (size_t i = 0; i < text.size();)
+    {
+        const size_t start = i;
+        UChar32 character = 0;
+        U16_NEXT(text, i, text.size(), character);
+        if (needsEscape(character) || !uset_contains(m_showable.get(), character))
+            result += escapeOf(character);
+        else
+            result += text.substr(start, i - start);
+    }
+    return result;
+}
+
+std::string Terminal::encoded(const std::u16string &escapedText) const
+{
+    return multiByte(m_shownCharset, escapedText);
+}
+
+std::u16string Terminal::decoded(std::string_view bytes) const
+{
+    const Converter converter = openConverter(m_shownCharset);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_ESCAPE, UCNV_ESCAPE_C, nullptr, nullptr, &status);
+    std::u16string text(4 * bytes.size() + 1, u'\0'); // four units for a byte that is no character
+    const int32_t length = ucnv_toUChars(converter.get(), text.data(), static_cast<int32_t>(text.size()), bytes.data(),
+                                         static_cast<int32_t>(bytes.size()), &status);
+    text.resize(static_cast<size_t>(length));
+    return text;
+}
+
+std::string Terminal::showBytes(std::string_view bytes) const
+{
+    return show(decoded(bytes));
+}
+
+std::string Terminal::quote(std::string_view bytes) const
+{
+    return quote(decoded(bytes));
+}
+
+std::string Terminal::quote(std::u16string_view text) const
+{
+    if (text.size() <= longestQuotation)
+        return fmt::format("\"{}\"", show(text));
+    size_t end = longestQuotation;
+    U16_SET_CP_START(text, 0, end);
+    return fmt::format("\"{}\"...", show(text.substr(0, end)));
+}
+
+size_t columns(std::u16string_view text)
+{
+    size_t count = 0;
+    for (size_t i = 0; i < text.size();)
+    {
+        UChar32 character = 0;
+        U16_NEXT(text, i, text.size(), character);
+        const auto type = u_charType(character);
+        const auto width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+        if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR)
+            continue;
+        count += width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+    }
+    return count;
+}
+
+const Terminal &terminal()
+{
+    static const Terminal theTerminal;
+    return theTerminal;
+}
+
+} // namespace tool
