@@ -1,0 +1,501 @@
+#include "message/loader.h"
+
+#include "message/loading.h"
+#include "platform/zel.h"
+#include "support/fault_loop.h"
+
+#include <cerrno>
+#include <climits>
+#include <functional>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace
+{
+
+class LoaderTest : public MessageTest
+{
+};
+
+MessageFile file()
+{
+    return MessageFile();
+}
+
+std::string unit(const std::string &content)
+{
+    return "<trans-unit id=\"1\">" + content + "</trans-unit>";
+}
+
+std::string withBody(const std::string &body)
+{
+    return file().body(body).xml();
+}
+
+struct LoadRow
+{
+    const char *label;
+    std::string xml;
+    Loaded expected;
+};
+
+void expectLoads(const std::vector<LoadRow> &rows)
+{
+    for (const LoadRow &row : rows)
+    {
+        SCOPED_TRACE(row.label);
+        EXPECT_EQ(load(row.xml), row.expected);
+    }
+}
+
+// ---- What a file may look like ----
+
+TEST_F(LoaderTest, AcceptsTheStructureAndNoOther)
+{
+    const std::string attributes = R"(<file source-language="en-US" product-name="Example" product-version="1.0">)";
+    const std::string inFile = "<header/><body/>";
+    const std::string start = "<xliff>" + attributes;
+    const std::string end = "</file></xliff>";
+    const std::string s = "<source>A</source>";
+    const std::string n = "<note>N</note>";
+    const Loaded empty = loaded("#0:");
+    const Loaded a = loaded("#1: 1=\"A\"");
+    expectLoads({
+        {"no message", start + inFile + end, empty},
+        {"body before header", start + "<body/><header/>" + end, empty},
+        {"text and comments anywhere outside", start + "t<header>t</header><!-- c --><body>t<?p?></body>t" + end,
+         empty},
+        {"further attributes", "<xliff version='1.2'><file x='1'" + attributes.substr(5) + inFile + end, empty},
+        {"another document element", "<file/>", refused()},
+        {"an unknown document element", "<html/>", refused()},
+        {"no file", "<xliff/>", refused()},
+        {"two files", start + inFile + "</file>" + attributes + inFile + end, refused()},
+        {"xliff inside", start + "<xliff/>" + inFile + end, refused()},
+        {"no header", start + "<body/>" + end, refused()},
+        {"no body", start + "<header/>" + end, refused()},
+        {"two headers", start + "<header/>" + inFile + end, refused()},
+        {"two bodies", start + inFile + "<body/>" + end, refused()},
+        {"header outside of file", "<xliff><header/>" + attributes + inFile + end, refused()},
+        {"an element in header", start + "<header><note/></header><body/>" + end, refused()},
+        {"an unknown element", start + inFile + "<extra/>" + end, refused()},
+        {"a prefixed name", start + "<h:header/><body/>" + end, refused()},
+        {"a unit outside of body", start + inFile + unit(s) + end, refused()},
+        {"a unit in a unit", withBody(unit(s + unit(s))), refused()},
+        {"source in body", withBody(s), refused()},
+        {"a unit", withBody(unit("t" + s + "t")), a},
+        {"no source", withBody(unit("")), refused()},
+        {"no source in the second", withBody(unit(s) + "<trans-unit id='2'/>"), refused()},
+        {"two sources", withBody(unit(s + s)), refused()},
+        {"source after a note", withBody(unit(n + s)), refused()},
+        {"source after a group", withBody(unit("<context-group/>" + s)), refused()},
+        {"notes and groups", withBody(unit(s + n + "<context-group>t<context>t</context></context-group>" + n)), a},
+        {"context in a note", withBody(unit(s + "<note><context/></note>")), a},
+        {"context in a unit", withBody(unit(s + "<context/>")), refused()},
+        {"note in a note", withBody(unit(s + "<note>" + n + "</note>")), refused()},
+        {"placeholder in a note", withBody(unit(s + "<note>" + placeholder("%s", "1") + "</note>")), refused()},
+        {"placeholder in a unit", withBody(unit(s + placeholder("%s", "1"))), refused()},
+        {"note in source", withBody(unit("<source>" + n + "</source>")), refused()},
+        {"an element in a placeholder", file().unit(1, "<x ts='a' id='1'><context/></x>").xml(), refused()},
+        {"text in a placeholder", file().unit(1, "A<x ts='%s' id='1'>t</x>B").xml(), loaded("#1: 1=\"A%s[1]B\"")},
+        {"context ends the message", file().unit(1, "A<context>t</context>t").xml(), a},
+        {"placeholder after context", file().unit(1, "A<context/>" + placeholder("%s", "1")).xml(), refused()},
+        {"not well-formed", start + inFile + "</file>", refused()},
+        {"text behind the end", start + inFile + end + "t", refused()},
+        {"nothing at all", "", refused()},
+    });
+}
+
+TEST_F(LoaderTest, AsksForTheAttributesOfTheFile)
+{
+    const auto with = [](const char *name, const char *value) { return file().attribute(name, value).xml(); };
+    expectLoads({
+        {"language alone", with("source-language", "de"), {0, "de Example 1.0 #0:"}},
+        {"any separator", with("source-language", "de_AT"), {0, "de-AT Example 1.0 #0:"}},
+        {"five bytes in UTF-8",
+         with("source-language", "de\xC2\xB7"
+                                 "A"),
+         {0, "de-\xB7"
+             "A Example 1.0 #0:"}},
+        {"no bytes", with("source-language", ""), refused()},
+        {"3 bytes", with("source-language", "deu"), refused()},
+        {"4 bytes", with("source-language", "de-A"), refused()},
+        {"6 bytes", with("source-language", "de-AUT"), refused()},
+        {"no language", file().without("source-language").xml(), refused()},
+        {"empty name", with("product-name", ""), refused()},
+        {"no name", file().without("product-name").xml(), refused()},
+        {"empty version", with("product-version", ""), refused()},
+        {"no version", file().without("product-version").xml(), refused()},
+        {"a long name",
+         with("product-name", std::string(1000, 'n').c_str()),
+         {0, "en-US " + std::string(1000, 'n') + " 1.0 #0:"}},
+    });
+}
+
+TEST_F(LoaderTest, StoresMessagesUnderTheirIds)
+{
+    const std::string accent = "\xC3\xA9";
+    expectLoads({
+        {"any order", file().unit(5, "five").unit(2, "two").xml(), loaded("#5: 2=\"two\" 5=\"five\"")},
+        {"ts before id", file().unit("ts='7' id='3'", "A").xml(), loaded("#7: 7=\"A\"")},
+        {"empty ts", file().unit("ts='' id='3'", "A").xml(), refused()},
+        {"no ID", file().unit("name='1'", "A").xml(), refused()},
+        {"the same ID twice", file().unit(1, "A").unit("ts='1'", "B").xml(), refused()},
+        {"empty messages", file().unit(1, "").unit(2, "").xml(), loaded("#2: 1=\"\" 2=\"\"")},
+        {"line breaks and indentation", file().unit(1, "\n  a\r\n b\t").xml(), loaded("#1: 1=\"\n  a\n b\t\"")},
+        {"references and CDATA", file().unit(1, "&lt;&#233;&#x1F600;<![CDATA[<a>]]>").xml(),
+         loaded("#1: 1=\"<" + accent + "\xF0\x9F\x98\x80<a>\"")},
+        {"an entity of the file's own",
+         "<!DOCTYPE xliff [<!ENTITY e '[&#233;]'>]>" + file().declaration("").unit(1, "a&e;").xml(),
+         loaded("#1: 1=\"a[" + accent + "]\"")},
+        {"placeholders", file().unit(1, "A<x ts='%s' id='1'/>B<x id='2' ts='%d'/>\\n").xml(),
+         loaded("#1: 1=\"A%s[1]B%d[2]\n\"")},
+        {"placeholders alone", file().unit(1, "<x ts='%s' id='two'/><x ts='&lt;' id=' '/>").xml(),
+         loaded("#1: 1=\"%s[two]<[ ]\"")},
+        {"escapes from all sources", file().unit(1, "\\\\<x ts='\\t' id='\\n'/>\\q").xml(),
+         loaded("#1: 1=\"\\\t[\n]\\q\"")},
+        {"an escape across a border of placeholders", file().unit(1, "\\<x ts='n' id='1'/>").xml(),
+         loaded("#1: 1=\"\n[1]\"")},
+        {"no ts", file().unit(1, "<x id='1'/>").xml(), refused()},
+        {"placeholder with empty ts", file().unit(1, "<x ts='' id='1'/>").xml(), refused()},
+        {"no id", file().unit(1, "<x ts='a'/>").xml(), refused()},
+    });
+    EXPECT_EQ(load(file().unit(1, "A<x ts='%s' id='1'/>\\n").xml(), true), loaded("#1: 1=\"A%s\n\""));
+    EXPECT_EQ(load(file().unit(1, "A<x ts='%s' id=''/>").xml(), true), refused());
+}
+
+TEST_F(LoaderTest, TakesTheLow32BitsOfADecimalId)
+{
+    struct Row
+    {
+        const char *text;
+        int id; // 0: refused
+    };
+    for (const Row &row :
+         {Row{"7", 7}, Row{"12abc", 12}, Row{" \t+7", 7}, Row{"007", 7}, Row{"0x10", 0}, Row{"0", 0}, Row{"-3", 0},
+          Row{"abc", 0}, Row{"1.5", 1}, Row{"12345678", 12345678}, Row{"123456789", 123456789},
+          Row{"2147483647", INT_MAX}, Row{"2147483648", 0}, Row{"4294967297", 1}, Row{"-4294967295", 1},
+          Row{"0000000000000000000012", 12}, Row{"9223372036854775807", 0}, Row{"99999999999999999999", 0}})
+    {
+        FirstPassState pass = {};
+        pass.depth = 3;
+        pass.last = ELM_BODY;
+        const char *attrs[] = {"id", row.text, nullptr};
+        errno = 77;
+        startElement1(&pass, "trans-unit", attrs);
+        EXPECT_EQ(pass.error == 0 ? pass.highestId : 0, row.id) << '"' << row.text << '"';
+        EXPECT_EQ(errno, 77) << row.text;
+    }
+}
+
+TEST_F(LoaderTest, ReadsAnyEncodingThatTheParserKnows)
+{
+    const std::string text = "gr\xFC\xDF"; // ISO-8859-1
+    const std::string utf8 = "gr\xC3\xBC\xC3\x9F";
+    const auto utf16 = [&](bool bigEndian) {
+        const std::string latin = file().declaration("").unit(1, text).xml();
+        std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+        for (const char c : latin)
+            bytes += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+        return bytes;
+    };
+    const Loaded expected = loaded("#1: 1=\"" + utf8 + "\"");
+    expectLoads({
+        {"UTF-8", file().unit(1, utf8).xml(), expected},
+        {"UTF-8 with a mark", "\xEF\xBB\xBF" + file().unit(1, utf8).xml(), expected},
+        {"UTF-16, little endian", utf16(false), expected},
+        {"UTF-16, big endian", utf16(true), expected},
+        {"ISO-8859-1", file().declaration("<?xml version='1.0' encoding='ISO-8859-1'?>").unit(1, text).xml(), expected},
+        {"ISO-8859-1 without saying so", file().unit(1, text).xml(), refused()},
+        {"an unknown encoding", file().declaration("<?xml version='1.0' encoding='none'?>").xml(), refused()},
+        {"a zero byte", file().unit(1, std::string("a\0b", 3)).xml(), refused()},
+        {"a reference to zero", file().unit(1, "&#0;").xml(), refused()},
+    });
+}
+
+TEST_F(LoaderTest, ReadsNoExternalEntityAndStopsExpansionsThatExplode)
+{
+    FakeZel::file("other", "secret");
+    EXPECT_EQ(load("<!DOCTYPE xliff [<!ENTITY e SYSTEM 'other'>]>" + file().declaration("").unit(1, "a&e;b").xml()),
+              loaded("#1: 1=\"ab\""));
+    EXPECT_EQ(FakeZel::count(Operation::FileOpen), 1u);
+    std::string type = "<!DOCTYPE xliff [<!ENTITY e0 'lol'>";
+    for (int i = 1; i < 40; ++i)
+        type +=
+            "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";&e" + std::to_string(i - 1) + ";'>";
+    EXPECT_EQ(load(type + "]>" + file().declaration("").unit(1, "&e39;").xml()), refused());
+}
+
+// ---- How it is read ----
+
+TEST_F(LoaderTest, GivesTheSameTableWhereverTheChunksEnd)
+{
+    const std::string accents = "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
+    const auto padded = [&](size_t bytes) {
+        return file()
+            .header("<header>" + std::string(bytes, ' ') + "</header>")
+            .unit(1, "a" + accents + "\\n&#233;\\" + placeholder(accents, "1"), note(accents))
+            .unit("note='" + accents + "' ts='12'", accents + "\\\\\r\n<![CDATA[\\t" + accents + "]]>")
+            .xml();
+    };
+    const Loaded expected = load(padded(0));
+    ASSERT_EQ(expected, loaded("#12: 1=\"a" + accents + "\n\xC3\xA9\\" + accents + "[1]\" 12=\"" + accents + "\\\n\t" +
+                               accents + "\""));
+    for (size_t bytes = 1; bytes <= 300; ++bytes)
+        ASSERT_EQ(load(padded(bytes)), expected) << "padded by " << bytes;
+}
+
+TEST_F(LoaderTest, CallsThePlatformInThePromisedOrder)
+{
+    const std::string xml = file().unit(3, "A\\n").paddedTo(600).xml();
+    ASSERT_EQ(xml.size(), 600u) << "two full chunks, and an empty one that ends the file";
+    FakeZel::file(memoryPath, xml);
+    MessageTable *table = nullptr;
+    FakeZel::observe([&](const Call &call) {
+        const bool isBlock = call.operation == Operation::Malloc && call.number == 4 * sizeof(char *) + 5;
+        EXPECT_FALSE(isBlock && table == nullptr) << "the handle is stored before the messages are allocated";
+    });
+    FakeZel::record();
+    ASSERT_EQ(KTLoadMessages(memoryPath, &table), 0);
+    std::string calls;
+    for (const Call &call : FakeZel::calls())
+    {
+        std::ostringstream line;
+        line << call.operation << ' ' << call.number;
+        calls += line.str() + (call.operation == Operation::FileRead ? " @" + std::to_string(call.offset) : "") + "\n";
+    }
+    const std::string pass = "ParserCreate 0\nFileRead 300 @0\nFileRead 300 @300\nFileRead 300 @600\n";
+    EXPECT_EQ(calls.substr(0, calls.find("Malloc 24")), "FileOpen 1\n" + pass + "ParserFree 0\nMalloc 40\nMalloc 37\n" +
+                                                            "ParserCreate 0\nFileRead 300 @0\nMalloc 8\nMalloc 4\n" +
+                                                            pass.substr(31) + "ParserFree 0\n");
+    EXPECT_EQ(calls.substr(calls.find("Malloc 24")), "Malloc 24\nMutexAcquire 0\nMutexRelease 0\nFileClose 0\n");
+}
+
+TEST_F(LoaderTest, UndoesEverythingWhateverFails)
+{
+    FakeZel::file(memoryPath, file().unit(1, std::string(400, 'a')).xml());
+    auto *const untouched = reinterpret_cast<MessageTable *>(0x10);
+    MessageTable *table = nullptr;
+    unsigned failed = 0;
+    FaultLoop loop;
+    loop.prepare = [&] { table = untouched; };
+    loop.call = [&] { return KTLoadMessages(memoryPath, &table); };
+    // Opening, the first parser and three reads come before the table.
+    loop.afterFailure = [&] { EXPECT_EQ(table, ++failed <= 5 ? untouched : nullptr) << failed; };
+    loop.afterSuccess = [&] { EXPECT_EQ(KTFreeMessages(table), 0); };
+    EXPECT_EQ(loop.run(), 1u + (1 + 3) + 2 + (1 + 3) + 2 + 1);
+}
+
+TEST_F(LoaderTest, TellsWhyAFileCannotBeOpened)
+{
+    for (const auto &[platform, result] : {std::pair{ZEL_ERR_FILE_ACCESS, int{KT_ERR_FILE_NOT_OPENED}},
+                                           {ZEL_ERR_FILE_MISSING, int{KT_ERR_FILE_UNAVAILABLE}},
+                                           {ZEL_ERR_END_OF_FILE, int{ZEL_ERR_END_OF_FILE}},
+                                           {-1234, -1234}})
+    {
+        FakeZel::file(memoryPath, file().xml());
+        FakeZel::fail(Operation::FileOpen, 1, platform);
+        EXPECT_EQ(loadFile(), refused(result));
+        FakeZel::failOpenKeepingHandle(platform);
+        EXPECT_EQ(loadFile(), refused(result)) << "with a handle stored";
+    }
+    char missing[] = "/nowhere/at/all.xlf";
+    MessageTable *table = nullptr;
+    EXPECT_EQ(KTLoadMessages(missing, &table), KT_ERR_FILE_UNAVAILABLE);
+}
+
+// ---- Files that are damaged, or change while they are read ----
+
+const std::string victim =
+    file().unit(1, "a\\n" + placeholder("%s", "1"), note("n")).unit(3, "\xC3\xA9&amp;<context/>t").xml();
+
+/** Calls with every file that differs from the victim in one byte. */
+void forEachMutation(const std::function<void(const std::string &)> &check)
+{
+    for (size_t i = 0; i < victim.size(); ++i)
+        for (const char byte : {'\0', '<', '>', '/', '"', '&', '\\', '1', '9', ' ', 'x', '\xFF'})
+        {
+            std::string mutated = victim;
+            mutated[i] = byte;
+            SCOPED_TRACE("byte " + std::to_string(i) + " is " + std::to_string(byte));
+            check(mutated);
+        }
+}
+
+void expectAcceptedOrRefused(const Loaded &outcome)
+{
+    EXPECT_TRUE(outcome.result == 0 || outcome == refused()) << outcome;
+}
+
+TEST_F(LoaderTest, SurvivesEveryTruncationAndMutation)
+{
+    ASSERT_EQ(load(victim).result, 0);
+    const size_t end = victim.rfind('>') + 1;
+    for (size_t length = 0; length <= victim.size(); ++length)
+        EXPECT_EQ(load(victim.substr(0, length)).result, length < end ? KT_ERR_BAD_MSG_FILE : 0) << length;
+    forEachMutation([](const std::string &mutated) { expectAcceptedOrRefused(load(mutated)); });
+}
+
+Loaded loadChanging(const std::string &first, const std::string &second)
+{
+    FakeZel::file(memoryPath, first).thenBytes(second);
+    return loadFile();
+}
+
+TEST_F(LoaderTest, SurvivesAnyMutationBetweenThePasses)
+{
+    forEachMutation([](const std::string &mutated) {
+        expectAcceptedOrRefused(loadChanging(victim, mutated));
+        expectAcceptedOrRefused(loadChanging(mutated, victim));
+    });
+}
+
+TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)
+{
+    const auto body = [](const std::string &xml) { return withBody(xml); };
+    const std::string first = file().unit(1, "abcd").unit(2, "efgh").xml();
+    const std::string u2 = "<trans-unit id='2'><source>efgh</source></trans-unit>";
+    const LoadRow rows[] = {
+        {"the same amount", file().unit(1, "ABC").unit(2, "DEFGH").xml(), loaded("#2: 1=\"ABC\" 2=\"DEFGH\"")},
+        {"one byte more", file().unit(1, "abcde").unit(2, "efgh").xml(), refused()},
+        {"one byte less", file().unit(1, "abc").unit(2, "efgh").xml(), refused()},
+        {"far more", file().unit(1, std::string(100000, 'a')).xml(), refused()},
+        {"a placeholder that does not fit", file().unit(1, "abcd").unit(2, placeholder("%s", "11")).xml(), refused()},
+        {"a placeholder that just fits", file().unit(1, "abcd").unit(2, placeholder("%", "1")).xml(),
+         loaded("#2: 1=\"abcd\" 2=\"%[1]\"")},
+        {"text and no room for the zero bytes", file().unit(1, "abcd").unit(2, "efghi").xml(), refused()},
+        {"no message", file().xml(), refused()},
+        {"an ID above the highest", file().unit(1, "abcd").unit(3, "efgh").xml(), refused()},
+        {"a huge ID", file().unit(1, "abcd").unit(2147483647, "efgh").xml(), refused()},
+        {"an ID of 0", file().unit(1, "abcd").unit("id='0'", "efgh").xml(), refused()},
+        {"no ID", file().unit(1, "abcd").unit("", "efgh").xml(), refused()},
+        {"a duplicate ID", file().unit(1, "abcd").unit(1, "efgh").xml(), refused()},
+        {"the highest ID is missing", file().unit(1, "abcdefghij").xml(), refused()},
+        {"a unit without source", body("<trans-unit id='1'/>" + u2), refused()},
+        {"the last unit without source", body(unit("<source>abcdefghij</source>") + "<trans-unit id='2'/>"), refused()},
+        {"a source outside of units", body("<source>abcd</source>" + u2), refused()},
+        {"two sources in a unit", body(unit("<source>abcd</source><source>efgh</source>")), refused()},
+        {"a source in a source", body(unit("<source>ab<source>cd</source></source>") + u2), refused()},
+        {"text behind a source in a placeholder", body(unit("<source>abc<x ts='a' id='1'><source/></x>efgh</source>")),
+         refused()},
+        {"a placeholder outside of units", body("<x ts='a' id='1'/>" + unit("<source>abcd</source>")), refused()},
+        {"text behind a placeholder outside of units",
+         body("<header><x ts='a' id='1'/></header>efgh" + unit("<source>abcd</source>")), refused()},
+        {"a unit in a unit", body("<trans-unit id='1'>" + u2 + "<source>abcd</source></trans-unit>"), refused()},
+        {"two files",
+         "<r>" + file().declaration("").unit(1, "abcd").xml() + file().declaration("").body(u2).xml() + "</r>",
+         refused()},
+        {"no file", "<xliff>" + unit("<source>abcd</source>") + u2 + "</xliff>", refused()},
+        {"a file without a name", file().without("product-name").unit(1, "abcd").body(u2).xml(), refused()},
+        {"a file without a language", file().attribute("source-language", "e").unit(1, "abcd").body(u2).xml(),
+         refused()},
+        {"a placeholder without ts", file().unit(1, "ab<x id='1'/>cd").body(u2).xml(), refused()},
+        {"not well-formed", "<xliff>", refused()},
+        {"nothing", "", refused()},
+    };
+    for (const LoadRow &row : rows)
+    {
+        SCOPED_TRACE(row.label);
+        EXPECT_EQ(loadChanging(first, row.xml), row.expected);
+    }
+}
+
+// ---- Sizes ----
+
+TEST(MessageLength, IsLimitedToWhatAnIntCounts)
+{
+    for (const uint64_t length : {uint64_t{INT_MAX}, uint64_t{INT_MAX} + 1})
+    {
+        FirstPassState pass = {};
+        pass.depth = 4;
+        pass.last = ELM_TRANS_UNIT;
+        pass.textSize = 1000;
+        const char *attrs[] = {nullptr};
+        startElement1(&pass, "source", attrs);
+        pass.textSize += length - 10;
+        characterData1(&pass, "0123456789", 10);
+        endElement1(&pass, "source");
+        EXPECT_EQ(pass.error, length > INT_MAX ? KT_ERR_NO_MEMORY : 0);
+    }
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+/** Limits the address space of the process to what it has and this much. */
+class AddressSpaceLimit
+{
+public:
+    explicit AddressSpaceLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_AS, &m_before);
+        rlimit limited = m_before;
+        limited.rlim_cur = bytes;
+        setrlimit(RLIMIT_AS, &limited);
+    }
+    ~AddressSpaceLimit() { setrlimit(RLIMIT_AS, &m_before); }
+    AddressSpaceLimit(const AddressSpaceLimit &) = delete;
+    AddressSpaceLimit &operator=(const AddressSpaceLimit &) = delete;
+
+private:
+    rlimit m_before{};
+};
+
+long peakKilobytes()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST_F(LoaderTest, PaysForAHugeIdWithAddressSpaceOnly)
+{
+    FakeZel::file(memoryPath, file().unit(INT_MAX, "huge").unit(1, "one").xml());
+    MessageTable *table = nullptr;
+    {
+        const AddressSpaceLimit limit(rlim_t{8} << 30);
+        EXPECT_EQ(loadFile(), refused(KT_ERR_NO_MEMORY));
+    }
+    const long before = peakKilobytes();
+    const int result = KTLoadMessages(memoryPath, &table);
+    EXPECT_LT(peakKilobytes() - before, 100 * 1024);
+    if (result == KT_ERR_NO_MEMORY)
+        GTEST_SKIP() << "this system does not give out 16 GiB of address space";
+    ASSERT_EQ(result, 0);
+    for (const auto &[id, text] : {std::pair<unsigned, const char *>{1, "one"},
+                                   {2, nullptr},
+                                   {INT_MAX, "huge"},
+                                   {1000000000, nullptr},
+                                   {INT_MAX - 1, nullptr}})
+    {
+        char *message = nullptr;
+        EXPECT_EQ(KTGetMessage(table, id, &message), 0);
+        EXPECT_STREQ(message, text) << id;
+    }
+    EXPECT_EQ(KTFreeMessages(table), 0);
+}
+
+#endif
+
+// ---- Escapes ----
+
+TEST(Escapes, AreResolvedInPlace)
+{
+    struct Row
+    {
+        const char *before, *after;
+    };
+    for (const Row &row : {Row{"", ""}, Row{"plain", "plain"}, Row{"\\\\", "\\"}, Row{"\\t\\r\\n\\\"", "\t\r\n\""},
+                           Row{"a\\\\nb", "a\\nb"}, Row{"\\\\\\n", "\\\n"}, Row{"\\a\\0\\'\\N", "\\a\\0\\'\\N"},
+                           Row{"\\x\\n", "\\x\n"}, Row{"end\\", "end\\"}, Row{"\\", "\\"}, Row{"\\n\\", "\n\\"},
+                           Row{"\\\\\\\\", "\\\\"}, Row{"\\\xC3\xA9\\t", "\\\xC3\xA9\t"}})
+    {
+        const std::string before = row.before;
+        std::vector<char> text(before.c_str(), before.c_str() + before.size() + 1);
+        text.insert(text.end(), {'\0', '!'}); // the second zero byte, and what lies behind the message
+        handleEscape(text.data());
+        std::string expected = row.after;
+        expected.resize(before.size() + 2);
+        EXPECT_EQ(std::string(text.begin(), text.end()), expected + "!") << before;
+    }
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+#include "message/loading.h"
+
+#include <cstring>
+#include <thread>
+
+namespace
+{
+
+class LookupTest : public MessageTest
+{
+protected:
+    MessageTable *loadTable(const std::string &xml)
+    {
+        MessageTable *table = nullptr;
+        FakeZel::file(memoryPath, xml);
+        EXPECT_EQ(KTLoadMessages(memoryPath, &table), 0);
+        return table;
+    }
+};
+
+char marker[] = "untouched";
+
+TEST_F(LookupTest, AcceptsExactlyTheIdsUpToTheHighest)
+{
+    MessageTable *const table = loadTable(MessageFile().unit(5, "five").unit(2, "two").xml());
+    struct Row
+    {
+        unsigned id;
+        int result;
+        const char *text;
+    };
+    for (const Row &row : {Row{0, KT_ERR_INVALID_MSG_ID, nullptr}, Row{1, 0, nullptr}, Row{2, 0, "two"},
+                           Row{3, 0, nullptr}, Row{4, 0, nullptr}, Row{5, 0, "five"},
+                           Row{6, KT_ERR_INVALID_MSG_ID, nullptr}, Row{0xFFFFFFFF, KT_ERR_INVALID_MSG_ID, nullptr}})
+    {
+        char *message = marker;
+        EXPECT_EQ(KTGetMessage(table, row.id, &message), row.result) << row.id;
+        EXPECT_STREQ(message, row.text) << row.id;
+    }
+    MessageTable *const empty = loadTable(MessageFile().xml());
+    char *message = marker;
+    EXPECT_EQ(KTGetMessage(empty, 1, &message), KT_ERR_INVALID_MSG_ID);
+    EXPECT_EQ(message, nullptr);
+}
+
+TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
+{
+    MessageTable *const released = loadTable(MessageFile().unit(1, "one").xml());
+    EXPECT_EQ(KTFreeMessages(released), 0);
+    for (MessageTable *const handle : {released, static_cast<MessageTable *>(nullptr)})
+    {
+        char *message = marker;
+        EXPECT_EQ(KTGetMessage(handle, 1, &message), KT_ERR_TABLE_NOT_FOUND);
+        EXPECT_EQ(message, nullptr);
+        EXPECT_EQ(KTFreeMessages(handle), KT_ERR_TABLE_NOT_FOUND);
+    }
+}
+
+TEST_F(LookupTest, HoldsTheLockForTheLookupOnly)
+{
+    MessageTable *const table = loadTable(MessageFile().unit(1, "one").xml());
+    char *message = nullptr;
+    FakeZel::record();
+    EXPECT_EQ(KTGetMessage(table, 2, &message), KT_ERR_INVALID_MSG_ID);
+    EXPECT_EQ(KTGetMessage(nullptr, 1, &message), KT_ERR_TABLE_NOT_FOUND);
+    const std::vector<Operation> expected = {Operation::MutexAcquire, Operation::MutexRelease, Operation::MutexAcquire,
+                                             Operation::MutexRelease};
+    EXPECT_EQ(FakeZel::operations(), expected);
+}
+
+TEST(Lookup, RefusesWhileTheLibraryIsStoppedAndWritesNothing)
+{
+    char *message = marker;
+    auto *const untouched = reinterpret_cast<MessageTable *>(0x10);
+    MessageTable *table = untouched;
+    char version[20] = "untouched";
+    EXPECT_EQ(KTGetMessage(nullptr, 1, &message), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTFreeMessages(nullptr), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTLoadMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTLoadRawMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTGetMsgFileVer(memoryPath, version), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(message, marker);
+    EXPECT_EQ(table, untouched);
+    EXPECT_STREQ(version, "untouched");
+}
+
+TEST(StoredText, EndsAtTwoZeroBytesInARow)
+{
+    for (const std::string &text : {std::string(), std::string("abc"), std::string("a\0b", 3), std::string("\0a", 2),
+                                    std::string("a\0b\0c", 5), std::string(1000, 'x')})
+    {
+        const std::vector<char> source = [&] {
+            std::vector<char> bytes(text.begin(), text.end());
+            bytes.insert(bytes.end(), {'\0', '\0'});
+            return bytes;
+        }();
+        std::vector<char> copy(source.size(), 'z'); // a heap block of just this size
+        EXPECT_EQ(static_cast<size_t>(KTMsgLen(source.data())), text.size());
+        EXPECT_EQ(KTMsgCpy(source.data(), copy.data()), source.data() + text.size());
+        EXPECT_EQ(copy, source);
+    }
+}
+
+TEST_F(LookupTest, LetsThreadsLoadReadAndReleaseAtOnce)
+{
+    MessageTable *const shared = loadTable(MessageFile().unit(1, "shared").xml());
+    const auto work = [&] {
+        for (int i = 0; i < 20; ++i)
+        {
+            MessageTable *own = nullptr;
+            char *message = nullptr;
+            ASSERT_EQ(KTLoadMessages(memoryPath, &own), 0);
+            ASSERT_EQ(KTGetMessage(shared, 1, &message), 0);
+            ASSERT_STREQ(message, "shared");
+            ASSERT_EQ(KTGetMessage(own, 1, &message), 0);
+            ASSERT_STREQ(message, "shared");
+            ASSERT_EQ(KTFreeMessages(own), 0);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(work);
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+} // namespace
