@@ -13,28 +13,44 @@
 namespace kelto
 {
 
+/** Widens 16 bytes, or 8; false, and nothing is written, where one of them is not ASCII. */
+inline bool widenSixteen(const char *source, UCS2 *destination) noexcept
+{
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source));
+    if (_mm_movemask_epi8(bytes) != 0)
+        return false;
+    auto *const units = reinterpret_cast<__m128i *>(destination);
+    _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+    return true;
+}
+
+inline bool widenEight(const char *source, UCS2 *destination) noexcept
+{
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(source));
+    if (_mm_movemask_epi8(bytes) != 0)
+        return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(destination), _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    return true;
+}
+
 /** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
 inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
 {
-    const __m128i zero = _mm_setzero_si128();
+    // What is left behind the last whole step is done by one more that ends with the text and overlaps the one before.
     size_t run = 0;
-    for (; limit - run >= 16; run += 16)
+    if (limit >= 16)
     {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source + run));
-        if (_mm_movemask_epi8(bytes) != 0)
-            break;
-        __m128i *const units = reinterpret_cast<__m128i *>(destination + run);
-        _mm_storeu_si128(units, _mm_unpacklo_epi8(bytes, zero));
-        _mm_storeu_si128(units + 1, _mm_unpackhi_epi8(bytes, zero));
+        while (limit - run >= 16 && widenSixteen(source + run, destination + run))
+            run += 16;
+        if (limit - run < 16 && widenSixteen(source + limit - 16, destination + limit - 16))
+            return limit;
     }
-    if (limit - run >= 8)
+    else if (limit >= 8 && widenEight(source, destination))
     {
-        const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(source + run));
-        if (_mm_movemask_epi8(bytes) == 0)
-        {
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(destination + run), _mm_unpacklo_epi8(bytes, zero));
-            run += 8;
-        }
+        if (widenEight(source + limit - 8, destination + limit - 8))
+            return limit;
+        run = 8;
     }
     for (; run < limit && static_cast<unsigned char>(source[run]) < 0x80; ++run)
         destination[run] = static_cast<unsigned char>(source[run]);

@@ -88,7 +88,7 @@ UCS2 KTMBCharToUChar(const char *charSet, unsigned int mbChar)
     UCS2 units[3];
     size_t size = std::size(units);
     const int result = KTMultiByteToUCS2(charSet, 0, 0, high != '\0' ? bytes : bytes + 1, &size, units);
-    return result == 0 && size > 0 ? units[0] : u'\0';
+    return result == 0 ? units[0] : u'\0'; // no output leaves a terminator
 }
 
 unsigned int KTUCharToMBChar(const char *charSet, UCS2 uc)

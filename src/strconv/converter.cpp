@@ -9,21 +9,17 @@
 namespace
 {
 
-constexpr size_t maxSize = INT32_MAX;            // ICU counts in signed 32 bits
-constexpr size_t maxConverterUnits = 0x3FFFFFFF; // and its converters take no more room for units than this
+constexpr size_t maxSize = INT32_MAX; // ICU counts in signed 32 bits
 constexpr UChar32 replacementCharacter = 0xFFFD;
 constexpr size_t maxBytesPerUnit = 3; // of UTF-8: a surrogate pair makes four bytes of two units
 
-/** The status to begin with. ICU does nothing when it is a failure, and refuses such sizes itself where it can see them. */
-UErrorCode checkSizes(size_t length, size_t capacity)
+/**
+ * The status to begin with, given that each unit of the source makes up to `growth` of output: ICU counts the output to
+ * its end, also where it does not fit. ICU does nothing where the status is a failure already.
+ */
+UErrorCode checkSizes(size_t length, size_t capacity, size_t growth = 1)
 {
-    return length > maxSize || capacity > maxSize ? U_ILLEGAL_ARGUMENT_ERROR : U_ZERO_ERROR;
-}
-
-/** As above, for output of up to `bytesPerUnit` times the source, which ICU counts to its end even where it does not fit. */
-UErrorCode checkSizes(size_t length, size_t capacity, size_t bytesPerUnit)
-{
-    return checkSizes(length > maxSize / bytesPerUnit ? maxSize + 1 : length, capacity);
+    return length > maxSize / growth || capacity > maxSize ? U_ILLEGAL_ARGUMENT_ERROR : U_ZERO_ERROR;
 }
 
 int resultOf(UErrorCode status)
@@ -71,9 +67,8 @@ int Converter::toUCS2(const char *source, size_t length, size_t *size, UCS2 *des
     if (m_converter == nullptr)
         return KT_ERR_CONVERTER_OPEN_FAILED;
     UErrorCode status = checkSizes(length, *size);
-    const auto room = static_cast<int32_t>(std::min(*size, maxConverterUnits));
-    const int32_t written =
-        ucnv_toUChars(m_converter.get(), destination, room, source, static_cast<int32_t>(length), &status);
+    const int32_t written = ucnv_toUChars(m_converter.get(), destination, static_cast<int32_t>(*size), source,
+                                          static_cast<int32_t>(length), &status);
     return finish(status, static_cast<size_t>(written), size, destination);
 }
 
@@ -81,8 +76,7 @@ int Converter::fromUCS2(const UCS2 *source, size_t length, size_t *size, char *d
 {
     if (m_converter == nullptr)
         return KT_ERR_CONVERTER_OPEN_FAILED;
-    const auto bytesPerUnit = static_cast<size_t>(ucnv_getMaxCharSize(m_converter.get()));
-    UErrorCode status = checkSizes(length, *size, bytesPerUnit);
+    UErrorCode status = checkSizes(length, *size, static_cast<size_t>(ucnv_getMaxCharSize(m_converter.get())));
     const int32_t written = ucnv_fromUChars(m_converter.get(), destination, static_cast<int32_t>(*size), source,
                                             static_cast<int32_t>(length), &status);
     return finish(status, static_cast<size_t>(written), size, destination);
@@ -96,10 +90,11 @@ int utf8ToUCS2(const char *source, size_t length, size_t *size, UCS2 *destinatio
         return finish(status, 0, size, destination);
 
     const size_t run = widenAscii(source, std::min(length, capacity), destination);
+    if (run == length)
+        return finish(U_ZERO_ERROR, run, size, destination);
     int32_t rest = 0;
-    if (run < length)
-        u_strFromUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
-                             static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
+    u_strFromUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
+                         static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
     return finish(status, run + static_cast<size_t>(rest), size, destination);
 }
 

@@ -100,6 +100,14 @@ TEST(Conversion, SubstitutesWhatIsMalformedOrHasNoMapping)
                    [](size_t *size, char *out) { return KTUTF8ToMultiByte("iso-8859-1", 0, 0, "a\u3042", size, out); });
 }
 
+TEST(Conversion, HasRoomForTwoUnitsAByteBetweenTwoSteps)
+{
+    // SCSU: three bytes choose a window, each byte after them is a surrogate pair.
+    expectContract(std::string("\U00018080\U00018080\U00018080\U00018080\U00018080"), [](size_t *size, char *out) {
+        return KTMultiByteToUTF8("SCSU", 0, 0, "\x0B\x21\x01\x80\x80\x80\x80\x80", size, out);
+    });
+}
+
 TEST(Conversion, KeepsAZeroUnitInsideATextOnlyInOneStep)
 {
     const char *const text = "a+AAAAYg-"; // a, U+0000, b

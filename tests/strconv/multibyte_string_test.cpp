@@ -137,7 +137,7 @@ TEST(MultiByteString, CopiesAndUpperCasesLikeTheModelAlsoInPlace)
         {
             const std::string bytes = set.encode(text);
             SCOPED_TRACE(set.name + testing::PrintToString(text));
-            for (const size_t n : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{1} << 31, SIZE_MAX})
+            for (const size_t n : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{1} << 31, size_t{1} << 32})
             {
                 std::vector<char> copy = roomFor(bytes), inPlace = blockOf(bytes);
                 EXPECT_EQ(KTMultiByteStrncpy(copy.data(), set.name, bytes.c_str(), n), copy.data());
