@@ -18,8 +18,15 @@ string(REGEX REPLACE "/$" "" KELTO_PC_TO_PREFIX "${KELTO_PC_TO_PREFIX}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${PROJECT_BINARY_DIR}/kelto.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(EXISTS "${PROJECT_SOURCE_DIR}/docs/man")
-  install(FILES "${PROJECT_SOURCE_DIR}/docs/man/kelto.1" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  install(FILES "${PROJECT_SOURCE_DIR}/docs/man/kelto.3" DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
-endif()
+foreach(section 1 3)
+  file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.${section}")
+  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+if(KELTO_BUILD_TOOLS)
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/kelto.bash" RENAME kelto
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto"
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+endif()
