@@ -26,3 +26,10 @@ if(NOT KELTO_SANITIZE)
   target_link_options(kelto PRIVATE -Wl,-z,defs)
 endif()
 set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST}")
+
+# The platform stays out of it: an optimiser that sees ZEL_malloc() would no longer call the one of the program.
+if(KELTO_LTO)
+  set_target_properties(kelto PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+  set_source_files_properties("${PROJECT_SOURCE_DIR}/src/platform/zel_posix.cpp"
+    PROPERTIES COMPILE_OPTIONS -fno-lto)
+endif()

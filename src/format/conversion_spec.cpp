@@ -15,20 +15,29 @@ struct FlagCharacter
     int flag;
 };
 
-constexpr FlagCharacter flagCharacters[] = {
-    {u'-', FLAG_MINUS}, {u'+', FLAG_PLUS}, {u' ', FLAG_SPACE}, {u'#', FLAG_HASH}, {u'0', FLAG_ZERO}};
-constexpr FlagCharacter modifiers[] = {{u'h', FLAG_h}, {u'l', FLAG_l}, {u'L', FLAG_L}, {u'!', FLAG_BANG}};
+/** Rows of them, spread out by character: a format is mostly characters that set no flag. */
+class FlagTable
+{
+public:
+    template <size_t N> constexpr explicit FlagTable(const FlagCharacter (&rows)[N])
+    {
+        for (const FlagCharacter &row : rows)
+            m_flags[row.character] = static_cast<uint16_t>(row.flag);
+    }
+
+    /** The flag of a character; 0 for one that sets none. */
+    constexpr int operator[](UCS2 character) const { return character < 128 ? m_flags[character] : 0; }
+
+private:
+    uint16_t m_flags[128] = {};
+};
+
+constexpr FlagTable
+    flagCharacters({{u'-', FLAG_MINUS}, {u'+', FLAG_PLUS}, {u' ', FLAG_SPACE}, {u'#', FLAG_HASH}, {u'0', FLAG_ZERO}});
+constexpr FlagTable modifiers({{u'h', FLAG_h}, {u'l', FLAG_l}, {u'L', FLAG_L}, {u'!', FLAG_BANG}});
 
 // The markers of an encoded region share the list's last record: it has no function and takes no arguments.
 KTFormatter *const markerRecord = &builtInFormList[17];
-
-template <size_t N> int flagOf(UCS2 unit, const FlagCharacter (&characters)[N])
-{
-    for (const FlagCharacter &row : characters)
-        if (row.character == unit)
-            return row.flag;
-    return 0;
-}
 
 bool isDigit(UCS2 unit)
 {
@@ -66,7 +75,7 @@ bool takeField(const UCS2 *&cursor, int otherwise, int &field)
 int takeFlags(const UCS2 *&cursor)
 {
     int flags = 0;
-    while (const int flag = flagOf(*cursor, flagCharacters))
+    while (const int flag = flagCharacters[*cursor])
     {
         flags |= flag;
         ++cursor;
@@ -76,17 +85,17 @@ int takeFlags(const UCS2 *&cursor)
 
 int takeModifier(const UCS2 *&cursor)
 {
-    const int flag = flagOf(*cursor, modifiers);
+    const int flag = modifiers[*cursor];
     cursor += flag != 0 ? 1 : 0;
     return flag;
 }
 
-void takeName(const UCS2 *&cursor, char (&name)[kelto::maxNameLength + 1])
+kelto::ConversionName takeName(const UCS2 *&cursor)
 {
-    size_t length = 0;
-    for (; length < kelto::maxNameLength && *cursor != 0 && *cursor != u'[' && *cursor <= 127; ++cursor)
-        name[length++] = static_cast<char>(*cursor);
-    name[length] = '\0';
+    const UCS2 *const begin = cursor;
+    while (*cursor != 0 && *cursor != u'[' && *cursor <= 127 && cursor != begin + kelto::maxNameLength)
+        ++cursor;
+    return {begin, static_cast<size_t>(cursor - begin)};
 }
 
 /** Takes "[number]"; 0 when it is malformed. */
@@ -102,15 +111,14 @@ int takePosition(const UCS2 *&cursor)
     return position;
 }
 
-kelto::Conversion resolveName(const char *name, int flags, formTable *table)
+kelto::Conversion resolveName(const kelto::ConversionName &name, int flags, formTable *table)
 {
-    const bool isOneCharacter = name[0] != '\0' && name[1] == '\0';
-    if (isOneCharacter && (name[0] == 'N' || name[0] == 'O'))
-        return {name[0] == 'N' ? CONV_N : CONV_O, markerRecord, 0};
+    if (name.length == 1 && (name.begin[0] == u'N' || name.begin[0] == u'O'))
+        return {name.begin[0] == u'N' ? CONV_N : CONV_O, markerRecord, 0};
     return kelto::findConversion(name, flags, table);
 }
 
-constexpr kelto::ConversionSpec malformed = {0, CONV_UNKNOWN, 0, 0, 0, nullptr, nullptr};
+constexpr kelto::ConversionSpec malformed = {0, {CONV_UNKNOWN, 0, 0, 0, 0, nullptr}, nullptr};
 
 } // namespace
 
@@ -120,30 +128,25 @@ namespace kelto
 ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcept
 {
     const UCS2 *cursor = percent + 1;
-    ConversionSpec spec = malformed;
-    spec.flags = takeFlags(cursor);
-    if (!takeField(cursor, absent, spec.width))
+    int flags = takeFlags(cursor);
+    int width = absent;
+    if (!takeField(cursor, absent, width))
         return malformed;
-    spec.precision = absent;
+    int precision = absent;
     if (*cursor == u'.')
     {
         ++cursor;
-        if (!takeField(cursor, 0, spec.precision))
+        if (!takeField(cursor, 0, precision))
             return malformed;
     }
-    spec.flags |= takeModifier(cursor);
-    char name[maxNameLength + 1];
-    takeName(cursor, name);
-    spec.position = takePosition(cursor);
-    if (spec.position == 0)
+    flags |= takeModifier(cursor);
+    const ConversionName name = takeName(cursor);
+    const int position = takePosition(cursor);
+    if (position == 0)
         return malformed;
-    spec.end = cursor;
-
-    const Conversion conversion = resolveName(name, spec.flags, table);
-    spec.type = conversion.type;
-    spec.formatter = conversion.formatter;
-    spec.flags |= conversion.addedFlags;
-    return spec;
+    const Conversion conversion = resolveName(name, flags, table);
+    return {
+        position, {conversion.type, width, precision, flags | conversion.addedFlags, 0, conversion.formatter}, cursor};
 }
 
 } // namespace kelto
@@ -154,21 +157,25 @@ int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *widt
     const kelto::ConversionSpec spec = kelto::parseSpecification(*cursor, table);
     if (spec.position == 0)
         return 0;
-    *type = spec.type;
-    *width = spec.width;
-    *precision = spec.precision;
-    *flags = spec.flags;
-    *formatter = spec.formatter;
+    *type = spec.record.type;
+    *width = spec.record.width;
+    *precision = spec.record.precision;
+    *flags = spec.record.flags;
+    *formatter = spec.record.formatter;
     *cursor = spec.end;
     return spec.position;
 }
 
+// The string was accepted, so the first bracket is the position's, and its digits fit.
 int getConvSpecOrder(const UCS2 **cursor)
 {
-    const UCS2 *bracket = *cursor;
-    while (*bracket != u'[' && *bracket != 0)
-        ++bracket;
-    const int position = takePosition(bracket);
-    *cursor = bracket;
-    return position;
+    const UCS2 *next = *cursor;
+    while (*next != u'[' && *next != 0)
+        ++next;
+    unsigned position = 0;
+    if (*next != 0)
+        for (++next; isDigit(*next); ++next)
+            position = position * 10 + (*next - u'0');
+    *cursor = *next != 0 ? next + 1 : next;
+    return static_cast<int>(position);
 }

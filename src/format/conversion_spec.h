@@ -13,13 +13,9 @@ namespace kelto
 
 struct ConversionSpec
 {
-    int position;           /**< 1 or more; 0 for a malformed specification, of which nothing else is then valid */
-    Flag_t type;            /**< CONV_UNKNOWN for a name that no table has */
-    int width;              /**< absent, fromArguments, or a number */
-    int precision;          /**< likewise */
-    int flags;              /**< bits of KTFlag */
-    KTFormatter *formatter; /**< null for an unknown name */
-    const UCS2 *end;        /**< behind the ']' */
+    int position;       /**< 1 or more; 0 for a malformed specification, of which nothing else is then valid */
+    KTParameter record; /**< its formatter is null for an unknown name */
+    const UCS2 *end;    /**< behind the ']' */
 };
 
 /** Parses the specification that begins at `percent`. */

@@ -200,8 +200,9 @@ int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsi
     return writeText(format, KTUCS2strlen(format), parameters, slots, {encoder, passThru, size, out});
 }
 
-int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru, unsigned long *size,
-                                UCS2 *out, char *format, va_list arguments)
+// Flattened, since the many small steps of a call cost more in calls than in work.
+[[gnu::flatten]] int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru,
+                                                 unsigned long *size, UCS2 *out, char *format, va_list arguments)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
@@ -214,8 +215,8 @@ int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table,
     return prepared.write(cells.slots(), {kelto::findEncoder(table), passThru, size, out});
 }
 
-int KTvpFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru, unsigned long *size,
-                                 UCS2 *out, char *format, void **arguments)
+[[gnu::flatten]] int KTvpFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru,
+                                                  unsigned long *size, UCS2 *out, char *format, void **arguments)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;

@@ -1,6 +1,6 @@
 /**
  * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. Every
- * formatter describes its output as a field, so that the size is known before the first unit is written; the sum, the
+ * formatter hands its pieces to writeField(), so that the size is known before the first unit is written; the sum, the
  * question whether it fits, and the writing stand here and nowhere else. Counts are 64 bits wide: a field may be far
  * longer than any memory, since it is then measured only.
  */
@@ -9,6 +9,7 @@
 
 #include "kelto.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -27,6 +28,40 @@ constexpr uint64_t paddingTo(int width, uint64_t length) noexcept
     return width >= 0 && static_cast<uint64_t>(width) > length ? static_cast<uint64_t>(width) - length : 0;
 }
 
+/* The pieces. Each knows its count of units and writes them, returning the end. */
+
+/** A UCS-2 text. */
+struct Text
+{
+    const UCS2 *units;
+    uint64_t count;
+
+    UCS2 *writeTo(UCS2 *out) const noexcept { return std::copy_n(units, count, out); }
+};
+
+/** A text of 8-bit characters, each widened to one unit. Numbers are short: a loop is all they need. */
+struct NarrowText
+{
+    const char *characters;
+    uint64_t count;
+
+    UCS2 *writeTo(UCS2 *out) const noexcept
+    {
+        for (const char *next = characters; next != characters + count; ++next)
+            *out++ = static_cast<unsigned char>(*next);
+        return out;
+    }
+};
+
+/** One unit, repeated. */
+struct Fill
+{
+    UCS2 unit;
+    uint64_t count;
+
+    UCS2 *writeTo(UCS2 *out) const noexcept { return std::fill_n(out, count, unit); }
+};
+
 /** Whether a zero unit is written behind the text. */
 enum class Ending
 {
@@ -34,56 +69,20 @@ enum class Ending
     terminated
 };
 
-class Field
+/** Writes pieces under the formatters' size protocol: 0, or KT_ERR_BUFFER_TOO_SMALL with nothing written. */
+template <typename... Pieces>
+int writeField(unsigned long *sizeInOut, UCS2 *out, Ending ending, const Pieces &...pieces) noexcept
 {
-public:
-    /** Appends a UCS-2 text, which must live until the field is written. */
-    void text(const UCS2 *units, size_t count) noexcept { append({units, count, 0, Kind::wide}); }
-    /** Appends a text of 8-bit characters, each widened to one unit. */
-    void narrowText(const char *characters, size_t count) noexcept { append({characters, count, 0, Kind::narrow}); }
-    /** Appends one unit, `count` times. */
-    void fill(UCS2 unit, uint64_t count) noexcept
-    {
-        if (count > 0)
-            append({nullptr, count, unit, Kind::fill});
-    }
-
-    /** Leaves room that the caller fills in once the field is written. */
-    void reserve(size_t count) noexcept { append({nullptr, count, 0, Kind::reserved}); }
-
-    uint64_t length() const noexcept { return m_length; }
-
-    /** Writes the field under the formatters' size protocol: 0, or KT_ERR_BUFFER_TOO_SMALL with nothing written. */
-    int write(unsigned long *sizeInOut, UCS2 *out, Ending ending) const noexcept;
-
-private:
-    enum class Kind
-    {
-        wide,
-        narrow,
-        fill,
-        reserved
-    };
-    struct Piece
-    {
-        const void *source;
-        uint64_t count;
-        UCS2 unit;
-        Kind kind;
-    };
-
-    void append(const Piece &piece) noexcept
-    {
-        m_pieces[m_count++] = piece;
-        m_length += piece.count;
-    }
-
-    // A number is the longest: padding, prefix, zeros, digits, zeros behind them, padding.
-    static constexpr size_t maxPieces = 6;
-    Piece m_pieces[maxPieces];
-    size_t m_count = 0;
-    uint64_t m_length = 0;
-};
+    const unsigned long room = *sizeInOut;
+    const uint64_t length = (pieces.count + ...);
+    *sizeInOut = length;
+    if (!fits(length, room))
+        return KT_ERR_BUFFER_TOO_SMALL;
+    ((out = pieces.writeTo(out)), ...);
+    if (ending == Ending::terminated)
+        *out = 0;
+    return 0;
+}
 
 /** Where the padding of a number stands. */
 enum class Padding
@@ -96,38 +95,25 @@ enum class Padding
 /** A number in its parts, in the order in which they are written. */
 struct NumberText
 {
-    const char *prefix; /**< a sign or "0x" */
-    size_t prefixLength;
+    NarrowText prefix; /**< a sign or "0x" */
     uint64_t leadingZeros;
-    const char *digits;
-    size_t digitCount;
+    NarrowText digits;
     uint64_t trailingZeros;
 };
 
 /** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
 int writeNumber(const NumberText &number, int width, Padding padding, unsigned long *sizeInOut, UCS2 *out) noexcept;
 
-/** A pair of tags, both empty where the conversion is not tagged. */
-struct TagPair
+/** Writes pieces between a pair of tags, or alone where the flags do not ask for tags. */
+template <typename... Pieces>
+int writeTagged(int flags, const UCS2 *openTag, const UCS2 *closeTag, unsigned long *sizeInOut, UCS2 *out,
+                Ending ending, const Pieces &...pieces) noexcept
 {
-    const UCS2 *open;
-    const UCS2 *close;
-
-    TagPair(int flags, const UCS2 *openTag, const UCS2 *closeTag) noexcept
-        : open((flags & FLAG_TAG) != 0 ? openTag : u""), close((flags & FLAG_TAG) != 0 ? closeTag : u"")
-    {
-    }
-
-    /** Appends the tag, the body and the tag. `addBody(field)` appends at most four pieces. */
-    template <typename AddBody> Field around(AddBody addBody) const
-    {
-        Field field;
-        field.text(open, KTUCS2strlen(open));
-        addBody(field);
-        field.text(close, KTUCS2strlen(close));
-        return field;
-    }
-};
+    if ((flags & FLAG_TAG) == 0)
+        return writeField(sizeInOut, out, ending, pieces...);
+    return writeField(sizeInOut, out, Ending::terminated, Text{openTag, KTUCS2strlen(openTag)}, pieces...,
+                      Text{closeTag, KTUCS2strlen(closeTag)});
+}
 
 } // namespace kelto
 

@@ -28,10 +28,12 @@ char lowerCase(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool isLetter(char c)
+bool isSameName(const char *known, const kelto::ConversionName &name)
 {
-    const char lower = lowerCase(c);
-    return lower >= 'a' && lower <= 'z';
+    for (size_t i = 0; i < name.length; ++i)
+        if (static_cast<UCS2>(known[i]) != name.begin[i])
+            return false;
+    return known[name.length] == '\0';
 }
 
 /** A record that a format call can use: it has a function, and as many slots as its argument types say. */
@@ -45,20 +47,22 @@ bool isUsable(const KTFormatter &record)
     return slots == record.argCount;
 }
 
-KTFormatter *findShortName(const char *name, int flags)
+const ShortName *findShortName(const kelto::ConversionName &name, int flags)
 {
     for (const ShortName &row : shortNames)
-        if ((flags & row.neededFlag) == row.neededFlag && std::strcmp(name, row.name) == 0)
-            return &builtInFormList[row.type];
+        if ((flags & row.neededFlag) == row.neededFlag && isSameName(row.name, name))
+            return &row;
     return nullptr;
 }
 
 /** The record of a name in one table, or null. */
-KTFormatter *findInTable(const char *name, const formTable &table)
+KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &table)
 {
-    if (table.formList == nullptr || !isLetter(name[0]))
+    if (table.formList == nullptr || name.length == 0)
         return nullptr;
-    const char first = lowerCase(name[0]);
+    const char first = lowerCase(static_cast<char>(name.begin[0]));
+    if (first < 'a' || first > 'z')
+        return nullptr;
     KTFormatter *record = table.formList;
     if (table.indexed)
     {
@@ -69,7 +73,7 @@ KTFormatter *findInTable(const char *name, const formTable &table)
     }
     for (; record->name != nullptr; ++record)
     {
-        if (std::strcmp(record->name, name) == 0)
+        if (isSameName(record->name, name))
             return record;
         if (table.indexed && lowerCase(record->name[0]) != first)
             break;
@@ -123,20 +127,20 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
 namespace kelto
 {
 
-Conversion findConversion(const char *name, int flags, formTable *table) noexcept
+Conversion findConversion(const ConversionName &name, int flags, formTable *table) noexcept
 {
     if (table == nullptr)
         table = &builtInFormTable;
     for (; table != nullptr; table = table->nextTable)
     {
         const bool isBuiltIn = table == &builtInFormTable;
-        if (isBuiltIn)
-            if (KTFormatter *const record = findShortName(name, flags))
-                return {static_cast<Flag_t>(record - builtInFormList), record, FLAG_BANG};
         KTFormatter *const record = findInTable(name, *table);
+        if (record == nullptr && isBuiltIn)
+            if (const ShortName *const shortName = findShortName(name, flags))
+                return {shortName->type, &builtInFormList[shortName->type], FLAG_BANG};
         if (record == nullptr)
             continue;
-        if (!isUsable(*record))
+        if (!isBuiltIn && !isUsable(*record))
             break;
         return {isBuiltIn ? static_cast<Flag_t>(record - table->formList) : CONV_EXTERNAL, record, 0};
     }

@@ -11,6 +11,13 @@
 namespace kelto
 {
 
+/** A conversion's name as it stands in a format string: ASCII, at most maxNameLength units, not terminated. */
+struct ConversionName
+{
+    const UCS2 *begin;
+    size_t length;
+};
+
 /** A conversion as a table knows it. */
 struct Conversion
 {
@@ -21,11 +28,11 @@ struct Conversion
 
 /**
  * Looks a name up, whole and case-sensitive, in the table and those chained to it.
- * @param name   zero-terminated ASCII, perhaps empty.
+ * @param name   perhaps empty.
  * @param flags  the specification's flags so far: an empty name means something with 'l'.
  * @param table  null for the built-in table.
  */
-Conversion findConversion(const char *name, int flags, formTable *table) noexcept;
+Conversion findConversion(const ConversionName &name, int flags, formTable *table) noexcept;
 
 /** The encoder of a call: the table's own, else the first along its chain; null without a table. */
 KTEncoder findEncoder(formTable *table) noexcept;

@@ -5,7 +5,6 @@
 #include "platform/scoped.h"
 
 #include <cstring>
-#include <emmintrin.h>
 
 namespace
 {
@@ -74,9 +73,9 @@ int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray 
         {
             const kelto::ConversionSpec spec = kelto::parseSpecification(percent, table);
             const auto position = static_cast<size_t>(spec.position);
-            if (position == 0 || spec.type == CONV_UNKNOWN || (position > plainPositions && position > length))
+            if (position == 0 || spec.record.type == CONV_UNKNOWN || (position > plainPositions && position > length))
                 return KT_ERR_FORMAT_SYNTAX;
-            if (!array.store(position, {spec.type, spec.width, spec.precision, spec.flags, 0, spec.formatter}))
+            if (!array.store(position, spec.record))
                 return KT_ERR_NO_MEMORY;
             ++specifications;
             next = spec.end;
@@ -86,36 +85,32 @@ int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray 
     return array.isComplete(specifications) ? 0 : KT_ERR_FORMAT_SYNTAX;
 }
 
-constexpr size_t unitsPerVector = sizeof(__m128i) / sizeof(UCS2);
-
-/** All bits of the units that are '%'. */
-__m128i percentMask(const UCS2 *units)
-{
-    const __m128i vector = _mm_loadu_si128(reinterpret_cast<const __m128i *>(units));
-    return _mm_cmpeq_epi16(vector, _mm_set1_epi16(u'%'));
-}
-
 } // namespace
 
 namespace kelto
 {
 
-// Literal text is most of a long format: 32 units a step, and the exact place only once a step has one.
+// The C library searches bytes many at a time. A byte of another unit may look like a '%' too, so a hit is checked; the
+// first units are looked at one by one, since most literal texts end there.
 const UCS2 *findPercent(const UCS2 *from, const UCS2 *end) noexcept
 {
-    constexpr size_t step = 4 * unitsPerVector;
-    while (static_cast<size_t>(end - from) >= step)
+    constexpr ptrdiff_t fewUnits = 8;
+    for (const UCS2 *const soon = end - from > fewUnits ? from + fewUnits : end; from != soon; ++from)
+        if (*from == u'%')
+            return from;
+    while (from != end)
     {
-        const __m128i low = _mm_or_si128(percentMask(from), percentMask(from + unitsPerVector));
-        const __m128i high =
-            _mm_or_si128(percentMask(from + 2 * unitsPerVector), percentMask(from + 3 * unitsPerVector));
-        if (_mm_movemask_epi8(_mm_or_si128(low, high)) != 0)
-            break;
-        from += step;
-    }
-    while (from != end && *from != u'%')
+        const auto *const begin = reinterpret_cast<const char *>(from);
+        const auto *const hit =
+            static_cast<const char *>(std::memchr(begin, '%', static_cast<size_t>(end - from) * sizeof(UCS2)));
+        if (hit == nullptr)
+            return end;
+        from += static_cast<size_t>(hit - begin) / sizeof(UCS2);
+        if (*from == u'%')
+            return from;
         ++from;
-    return from;
+    }
+    return end;
 }
 
 int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter **parameters) noexcept

@@ -67,7 +67,7 @@ bool readSeconds(const char *text, uint64_t &seconds)
 }
 
 /** Fields of a date and time as text. */
-constexpr size_t fieldUnits = kelto::integerTextSize;
+constexpr size_t fieldUnits = kelto::IntegerText::textSize;
 enum FieldIndex
 {
     yearField,
@@ -232,7 +232,6 @@ int formatDateTime(const char *convName, int /*width*/, int /*precision*/, int f
         *sizeInOut = 0;
         return result;
     }
-    kelto::Field field;
-    field.text(formatted, KTUCS2strlen(formatted));
-    return field.write(sizeInOut, out, kelto::Ending::terminated);
+    return kelto::writeField(sizeInOut, out, kelto::Ending::terminated,
+                             kelto::Text{formatted, KTUCS2strlen(formatted)});
 }

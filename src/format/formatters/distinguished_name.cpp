@@ -106,50 +106,56 @@ size_t writtenLength(const UCS2 *name)
     return count > 0 ? length + count - 1 : 0;
 }
 
-/** Writes a name of writtenLength() units, without a terminator; returns its end. */
-UCS2 *writeName(const UCS2 *name, const Style &style, size_t length, UCS2 *out)
+/** A converted name as a piece of a field. */
+struct Name
 {
-    ComponentReader reader(name);
-    const bool isReversed = reader.isRootFirst() != style.isRootFirst;
-    UCS2 *front = out;
-    UCS2 *back = out + length;
-    Component component;
-    for (bool isFirst = true; reader.next(component); isFirst = false)
+    const UCS2 *name;
+    Style style;
+    uint64_t count; // writtenLength()
+
+    UCS2 *writeTo(UCS2 *out) const
     {
-        const UCS2 *const end = component.begin + component.length;
-        if (isReversed)
+        ComponentReader reader(name);
+        const bool isReversed = reader.isRootFirst() != style.isRootFirst;
+        UCS2 *front = out;
+        UCS2 *back = out + count;
+        Component component;
+        for (bool isFirst = true; reader.next(component); isFirst = false)
         {
-            if (!isFirst)
-                *--back = style.delimiter;
-            back = std::copy_backward(component.begin, end, back);
+            const UCS2 *const end = component.begin + component.length;
+            if (isReversed)
+            {
+                if (!isFirst)
+                    *--back = style.delimiter;
+                back = std::copy_backward(component.begin, end, back);
+            }
+            else
+            {
+                if (!isFirst)
+                    *front++ = style.delimiter;
+                front = std::copy(component.begin, end, front);
+            }
         }
-        else
-        {
-            if (!isFirst)
-                *front++ = style.delimiter;
-            front = std::copy(component.begin, end, front);
-        }
+        return out + count;
     }
-    return out + length;
+};
+
+Name nameOf(const UCS2 *name, Flag_t kind)
+{
+    return {name, styleOf(kind), writtenLength(name)};
 }
 
 } // namespace
 
 int _formatDN(const UCS2 *name, Flag_t kind, UCS2 *out)
 {
-    *writeName(name, styleOf(kind), writtenLength(name), out) = 0;
+    *nameOf(name, kind).writeTo(out) = 0;
     return 0;
 }
 
 int formatDN(const char *convName, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
              void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    const auto *const name = static_cast<const UCS2 *>(*argSlot);
-    const size_t length = writtenLength(name);
-    const kelto::TagPair tags(flags, dn_tag_o, dn_tag_c);
-    const kelto::Field field = tags.around([&](kelto::Field &body) { body.reserve(length); });
-    const int result = field.write(sizeInOut, out, kelto::Ending::terminated);
-    if (result == 0)
-        writeName(name, styleOf(kindOf(convName)), length, out + KTUCS2strlen(tags.open));
-    return result;
+    return kelto::writeTagged(flags, dn_tag_o, dn_tag_c, sizeInOut, out, kelto::Ending::terminated,
+                              nameOf(static_cast<const UCS2 *>(*argSlot), kindOf(convName)));
 }

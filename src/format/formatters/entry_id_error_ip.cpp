@@ -26,16 +26,10 @@ int formatEID(const char * /*convName*/, int /*width*/, int /*precision*/, int f
               void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const uint32_t value = readEntryId(*argSlot, flags);
-    char digits[kelto::integerTextSize];
-    const auto count = static_cast<size_t>(kelto::integerToText(digits, CONV_X, 0, &value));
-    const kelto::TagPair tags(flags, eid_tag_o, eid_tag_c);
-    const kelto::Field field = tags.around([&](kelto::Field &body) {
-        body.narrowText("0X", 2);
-        body.fill(u'0', entryIdDigits - count);
-        body.narrowText(digits, count);
-    });
-    const bool isTagged = (flags & FLAG_TAG) != 0;
-    return field.write(sizeInOut, out, isTagged ? kelto::Ending::terminated : kelto::Ending::open);
+    const kelto::IntegerText digits(CONV_X, 0, &value);
+    return kelto::writeTagged(flags, eid_tag_o, eid_tag_c, sizeInOut, out, kelto::Ending::open,
+                              kelto::NarrowText{"0X", 2}, kelto::Fill{u'0', entryIdDigits - digits.length()},
+                              kelto::NarrowText{digits.begin(), digits.length()});
 }
 
 int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
@@ -49,9 +43,8 @@ int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int
     size_t units = bytes + 1;
     if (const int result = kelto::utf8ToUCS2(source, bytes, &units, text.get()))
         return result;
-    const kelto::TagPair tags(flags, error_tag_o, error_tag_c);
-    return tags.around([&](kelto::Field &body) { body.text(text.get(), units); })
-        .write(sizeInOut, out, kelto::Ending::terminated);
+    return kelto::writeTagged(flags, error_tag_o, error_tag_c, sizeInOut, out, kelto::Ending::terminated,
+                              kelto::Text{text.get(), units});
 }
 
 // An address takes its place among the arguments and contributes no text, which fits even where there is no room.

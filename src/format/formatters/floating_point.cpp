@@ -101,7 +101,7 @@ int writeValue(Value value, int width, int precision, int flags, unsigned long *
     const char *const text = rendering.text();
     const size_t sign = *text == '-' || *text == '+' || *text == ' ' ? 1 : 0;
     const uint64_t moreDecimals = isFinite ? static_cast<uint64_t>(wanted - rendered) : 0;
-    return kelto::writeNumber({text, sign, 0, text + sign, rendering.length() - sign, moreDecimals}, width,
+    return kelto::writeNumber({{text, sign}, 0, {text + sign, rendering.length() - sign}, moreDecimals}, width,
                               paddingOf(flags, isFinite), sizeInOut, out);
 }
 

@@ -8,37 +8,48 @@
 namespace
 {
 
-/** Builds digits from the last to the first; begin() is the first of them afterwards. */
-class DigitBuilder
+/* Digits are written from the last to the first, up to `end`; the result is where they begin. */
+
+char *writeDecimal(char *end, uint64_t value)
 {
-public:
-    void prepend(char digit) { *--m_begin = digit; }
-
-    /** Moves the digits to a buffer, terminated; their number. */
-    int moveTo(char *buffer) const
+    do
     {
-        const auto count = static_cast<size_t>(m_digits + kelto::integerTextSize - m_begin);
-        std::memcpy(buffer, m_begin, count);
-        buffer[count] = '\0';
-        return static_cast<int>(count);
-    }
-
-private:
-    char m_digits[kelto::integerTextSize];
-    char *m_begin = m_digits + kelto::integerTextSize;
-};
+        *--end = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    return end;
+}
 
 /** Digits of `bits` bits each. */
-template <typename ToDigit> int writeBinaryDigits(char *buffer, uint64_t value, int bits, ToDigit toDigit)
+template <typename ToDigit> char *writeBinary(char *end, uint64_t value, int bits, ToDigit toDigit)
 {
-    DigitBuilder digits;
     const uint64_t mask = (uint64_t{1} << bits) - 1;
     do
     {
-        digits.prepend(toDigit(static_cast<int>(value & mask)));
+        *--end = toDigit(static_cast<int>(value & mask));
         value >>= bits;
     } while (value != 0);
-    return digits.moveTo(buffer);
+    return end;
+}
+
+char *writeOctal(char *end, uint64_t value)
+{
+    return writeBinary(end, value, 3, [](int digit) { return static_cast<char>('0' + digit); });
+}
+
+char *writeHexadecimal(char *end, uint64_t value, Flag_t type)
+{
+    return writeBinary(end, value, 4, [type](int digit) { return intToHex(digit, type); });
+}
+
+/** Runs one of the writers above into a buffer of the caller's, terminated; the number of digits. */
+template <typename Write> int writeToBuffer(char *buffer, Write write)
+{
+    char digits[kelto::IntegerText::textSize];
+    char *const end = digits + sizeof digits;
+    const char *const begin = write(end);
+    *std::copy(begin, static_cast<const char *>(end), buffer) = '\0';
+    return static_cast<int>(end - begin);
 }
 
 template <typename Integer> Integer read(const void *value)
@@ -82,20 +93,20 @@ kelto::Padding paddingOf(int flags)
 }
 
 /** What all integer conversions share once prefix and digits are known. */
-int writeInteger(const char *prefix, size_t prefixLength, char *digits, size_t count, int width, int precision,
-                 int flags, unsigned long *sizeInOut, UCS2 *out)
+int writeInteger(kelto::NarrowText prefix, char *digits, size_t count, int width, int precision, int flags,
+                 unsigned long *sizeInOut, UCS2 *out)
 {
     const uint64_t zeros = applyPrecision(precision, digits, count);
-    return kelto::writeNumber({prefix, prefixLength, zeros, digits, count, 0}, width, paddingOf(flags), sizeInOut, out);
+    return kelto::writeNumber({prefix, zeros, {digits, count}, 0}, width, paddingOf(flags), sizeInOut, out);
 }
 
-const char *signOf(bool isNegative, int flags)
+kelto::NarrowText signOf(bool isNegative, int flags)
 {
     if (isNegative)
-        return "-";
+        return {"-", 1};
     if ((flags & FLAG_PLUS) != 0)
-        return "+";
-    return (flags & FLAG_SPACE) != 0 ? " " : "";
+        return {"+", 1};
+    return {" ", (flags & FLAG_SPACE) != 0 ? 1U : 0U};
 }
 
 Flag_t octHexType(char name)
@@ -117,13 +128,7 @@ Flag_t octHexType(char name)
 
 int uint64ToAscii(char *buffer, uint64_t value)
 {
-    DigitBuilder digits;
-    do
-    {
-        digits.prepend(static_cast<char>('0' + value % 10));
-        value /= 10;
-    } while (value != 0);
-    return digits.moveTo(buffer);
+    return writeToBuffer(buffer, [value](char *end) { return writeDecimal(end, value); });
 }
 
 int sint64ToAscii(char *buffer, int64_t value)
@@ -139,12 +144,12 @@ int sint64ToAscii(char *buffer, int64_t value)
 
 int uint64ToOctet(char *buffer, uint64_t value)
 {
-    return writeBinaryDigits(buffer, value, 3, [](int digit) { return static_cast<char>('0' + digit); });
+    return writeToBuffer(buffer, [value](char *end) { return writeOctal(end, value); });
 }
 
 int uint64ToHex(char *buffer, uint64_t value, Flag_t type)
 {
-    return writeBinaryDigits(buffer, value, 4, [type](int digit) { return intToHex(digit, type); });
+    return writeToBuffer(buffer, [value, type](char *end) { return writeHexadecimal(end, value, type); });
 }
 
 char intToHex(int digit, Flag_t type)
@@ -157,25 +162,33 @@ char intToHex(int digit, Flag_t type)
 namespace kelto
 {
 
-int integerToText(char *text, Flag_t type, int flags, const void *value) noexcept
+IntegerText::IntegerText(Flag_t type, int flags, const void *value) noexcept
 {
+    char *const end = m_text + textSize - 1;
+    *end = '\0';
     switch (type)
     {
     case CONV_d:
     {
         const int64_t number = readSigned(value, flags);
-        return sint64ToAscii(text, number) + (number < 0 ? 1 : 0);
+        const auto magnitude = static_cast<uint64_t>(number);
+        m_begin = writeDecimal(end, number < 0 ? -magnitude : magnitude);
+        if (number < 0)
+            *--m_begin = '-';
+        break;
     }
     case CONV_u:
-        return uint64ToAscii(text, readUnsigned(value, flags));
+        m_begin = writeDecimal(end, readUnsigned(value, flags));
+        break;
     case CONV_o:
-        return uint64ToOctet(text, readUnsigned(value, flags));
+        m_begin = writeOctal(end, readUnsigned(value, flags));
+        break;
     case CONV_x:
     case CONV_X:
-        return uint64ToHex(text, readUnsigned(value, flags), type);
+        m_begin = writeHexadecimal(end, readUnsigned(value, flags), type);
+        break;
     default:
-        *text = '\0';
-        return 0;
+        m_begin = end;
     }
 }
 
@@ -183,40 +196,38 @@ int integerToText(char *text, Flag_t type, int flags, const void *value) noexcep
 
 int numToUCS2(UCS2 *out, Flag_t type, int flags, const void *value)
 {
-    char text[kelto::integerTextSize];
-    const int count = kelto::integerToText(text, type, flags, value);
-    std::copy_n(text, count + 1, out);
-    return count;
+    const kelto::IntegerText text(type, flags, value);
+    std::copy_n(text.begin(), text.length() + 1, out);
+    return static_cast<int>(text.length());
 }
 
-int formatInteger(const char * /*convName*/, int width, int precision, int flags, KTEncoder /*passThru1*/,
-                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+// Flattened for the same reason as the format calls: layout is many small steps.
+[[gnu::flatten]] int formatInteger(const char * /*convName*/, int width, int precision, int flags,
+                                   KTEncoder /*passThru1*/, void * /*passThru2*/, void **argSlot,
+                                   unsigned long *sizeInOut, UCS2 *out)
 {
-    char text[kelto::integerTextSize];
-    const auto length = static_cast<size_t>(kelto::integerToText(text, CONV_d, flags, *argSlot));
-    const size_t minus = text[0] == '-' ? 1 : 0;
-    const char *const sign = signOf(minus != 0, flags);
-    return writeInteger(sign, *sign != '\0' ? 1 : 0, text + minus, length - minus, width, precision, flags, sizeInOut,
-                        out);
+    kelto::IntegerText text(CONV_d, flags, *argSlot);
+    const size_t minus = text.isNegative() ? 1 : 0;
+    return writeInteger(signOf(text.isNegative(), flags), text.begin() + minus, text.length() - minus, width, precision,
+                        flags, sizeInOut, out);
 }
 
-int formatUnsigned(const char * /*convName*/, int width, int precision, int flags, KTEncoder /*passThru1*/,
-                   void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+[[gnu::flatten]] int formatUnsigned(const char * /*convName*/, int width, int precision, int flags,
+                                    KTEncoder /*passThru1*/, void * /*passThru2*/, void **argSlot,
+                                    unsigned long *sizeInOut, UCS2 *out)
 {
-    char digits[kelto::integerTextSize];
-    const auto count = static_cast<size_t>(kelto::integerToText(digits, CONV_u, flags, *argSlot));
-    return writeInteger("", 0, digits, count, width, precision, flags, sizeInOut, out);
+    kelto::IntegerText text(CONV_u, flags, *argSlot);
+    return writeInteger({nullptr, 0}, text.begin(), text.length(), width, precision, flags, sizeInOut, out);
 }
 
-int formatOctHex(const char *convName, int width, int precision, int flags, KTEncoder /*passThru1*/,
-                 void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+[[gnu::flatten]] int formatOctHex(const char *convName, int width, int precision, int flags, KTEncoder /*passThru1*/,
+                                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const Flag_t type = octHexType(convName[0]);
-    char digits[kelto::integerTextSize];
-    const auto count = static_cast<size_t>(kelto::integerToText(digits, type, flags, *argSlot));
+    kelto::IntegerText text(type, flags, *argSlot);
     const char prefix[] = {'0', convName[0]};
     size_t prefixLength = 0;
     if ((flags & FLAG_HASH) != 0)
         prefixLength = type == CONV_o ? 1 : 2;
-    return writeInteger(prefix, prefixLength, digits, count, width, precision, flags, sizeInOut, out);
+    return writeInteger({prefix, prefixLength}, text.begin(), text.length(), width, precision, flags, sizeInOut, out);
 }

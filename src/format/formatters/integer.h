@@ -8,16 +8,31 @@
 
 #include "kelto.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace kelto
 {
 
-/** Bytes for any integer as text, its terminator included: 22 octal digits, or a sign and 20 decimal ones. */
-constexpr int integerTextSize = 23;
+/** An integer as 8-bit text: a '-' where it is negative, and its digits. */
+class IntegerText
+{
+public:
+    /** Arguments as in numToUCS2(). */
+    IntegerText(Flag_t type, int flags, const void *value) noexcept;
 
-/** numToUCS2() in 8-bit characters; `text` has room for integerTextSize. */
-int integerToText(char *text, Flag_t type, int flags, const void *value) noexcept;
+    bool isNegative() const noexcept { return *m_begin == '-'; }
+    char *begin() noexcept { return m_begin; }
+    const char *begin() const noexcept { return m_begin; }
+    size_t length() const noexcept { return static_cast<size_t>(m_text + textSize - 1 - m_begin); }
+
+    /** Bytes for any integer, terminator included: 22 octal digits, or a sign and 20 decimal ones. */
+    static constexpr size_t textSize = 23;
+
+private:
+    char m_text[textSize];
+    char *m_begin;
+};
 
 } // namespace kelto
 

@@ -30,15 +30,11 @@ UCS2 padUnit(int flags)
 /** Writes a text padded to its width. */
 int writePadded(const UCS2 *text, size_t length, int width, int flags, unsigned long *sizeInOut, UCS2 *out)
 {
-    const uint64_t missing = kelto::paddingTo(width, length);
-    const bool isLeft = (flags & FLAG_MINUS) == 0;
-    kelto::Field field;
-    if (isLeft)
-        field.fill(padUnit(flags), missing);
-    field.text(text, length);
-    if (!isLeft)
-        field.fill(padUnit(flags), missing);
-    return field.write(sizeInOut, out, kelto::Ending::terminated);
+    const kelto::Fill padding{padUnit(flags), kelto::paddingTo(width, length)};
+    const kelto::Text piece{text, length};
+    if ((flags & FLAG_MINUS) != 0)
+        return kelto::writeField(sizeInOut, out, kelto::Ending::terminated, piece, padding);
+    return kelto::writeField(sizeInOut, out, kelto::Ending::terminated, padding, piece);
 }
 
 /** Pads a text that an encoder has put at `out` already; returns `status` where the padded text fits. */
@@ -104,8 +100,8 @@ int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags
     return writePadded(text, cut(KTUCS2strlen(text), precision), width, flags, sizeInOut, out);
 }
 
-int formatUTF8Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
-                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+[[gnu::flatten]] int formatUTF8Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
+                                   void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const auto *const source = static_cast<const char *>(*argSlot);
     const size_t bytes = std::strlen(source);
