@@ -101,6 +101,16 @@ struct NumberText
     uint64_t trailingZeros;
 };
 
+/** The sign of a signed number: '-', or what the flags put in its place. */
+inline NarrowText signOf(bool isNegative, int flags) noexcept
+{
+    if (isNegative)
+        return {"-", 1};
+    if ((flags & FLAG_PLUS) != 0)
+        return {"+", 1};
+    return {" ", (flags & FLAG_SPACE) != 0 ? 1U : 0U};
+}
+
 /** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
 int writeNumber(const NumberText &number, int width, Padding padding, unsigned long *sizeInOut, UCS2 *out) noexcept;
 

@@ -3,10 +3,13 @@
 #include "platform/scoped.h"
 
 #include <algorithm>
+#include <cfenv>
 #include <cfloat>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <langinfo.h>
 
 namespace
 {
@@ -22,27 +25,22 @@ template <> constexpr int mostDecimals<double> = DBL_MANT_DIG - DBL_MIN_EXP;
 template <> constexpr int mostDecimals<long double> = LDBL_MANT_DIG - LDBL_MIN_EXP;
 static_assert(mostDecimals<double> == 1074 && mostDecimals<long double> == 16445);
 
-template <typename Value> struct ValueFormat;
-template <> struct ValueFormat<double>
+/** The C library's format for a value without its width and sign flags. */
+template <typename Value> const char *formatOf(int flags);
+template <> const char *formatOf<double>(int flags)
 {
-    static constexpr const char *conversion = ".*f";
-};
-template <> struct ValueFormat<long double>
+    return (flags & FLAG_HASH) != 0 ? "%#.*f" : "%.*f";
+}
+template <> const char *formatOf<long double>(int flags)
 {
-    static constexpr const char *conversion = ".*Lf";
-};
+    return (flags & FLAG_HASH) != 0 ? "%#.*Lf" : "%.*Lf";
+}
 
-/** The C library's format for a value without its width: the flags that concern its digits, and the precision. */
-template <typename Value> void buildFormat(char *format, int flags)
+/** Whether the C library writes numbers as std::to_chars() does: rounded to nearest, with a point. */
+bool isPlainEnvironment()
 {
-    *format++ = '%';
-    if ((flags & FLAG_HASH) != 0)
-        *format++ = '#';
-    if ((flags & FLAG_PLUS) != 0)
-        *format++ = '+';
-    if ((flags & FLAG_SPACE) != 0)
-        *format++ = ' ';
-    std::strcpy(format, ValueFormat<Value>::conversion);
+    const char *const point = nl_langinfo(RADIXCHAR);
+    return std::fegetround() == FE_TONEAREST && point[0] == '.' && point[1] == '\0';
 }
 
 /** A number as the C library writes it, in a fixed buffer, or where that is too small in one from the tag. */
@@ -50,8 +48,11 @@ class Rendering
 {
 public:
     /** False when memory ran out. */
-    template <typename Value> bool render(const char *format, int precision, Value value)
+    template <typename Value> bool render(int flags, int precision, Value value)
     {
+        if (renderQuickly(flags, precision, value))
+            return true;
+        const char *const format = formatOf<Value>(flags);
         m_length = print(m_usual, usualSize, format, precision, value);
         if (m_length < usualSize)
             return true;
@@ -66,6 +67,18 @@ public:
     size_t length() const { return m_length; }
 
 private:
+    // The same digits at a quarter of the cost; only for doubles, since it hands long doubles to the C library anyway.
+    bool renderQuickly(int flags, int precision, double value)
+    {
+        if ((flags & FLAG_HASH) != 0 || !std::isfinite(value) || !isPlainEnvironment())
+            return false;
+        const auto [end, error] =
+            std::to_chars(m_usual, m_usual + usualSize - 1, value, std::chars_format::fixed, precision);
+        m_length = static_cast<size_t>(end - m_usual);
+        return error == std::errc();
+    }
+    bool renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) { return false; }
+
     template <typename Value> static size_t print(char *to, size_t size, const char *format, int precision, Value value)
     {
 #pragma GCC diagnostic push
@@ -93,16 +106,15 @@ int writeValue(Value value, int width, int precision, int flags, unsigned long *
     const bool isFinite = std::isfinite(value);
     const int wanted = precision >= 0 ? precision : defaultPrecision;
     const int rendered = std::min(wanted, mostDecimals<Value>);
-    char format[sizeof "%#+ .*Lf"];
-    buildFormat<Value>(format, flags);
     Rendering rendering;
-    if (!rendering.render(format, rendered, value))
+    if (!rendering.render(flags, rendered, value))
         return KT_ERR_NO_MEMORY;
     const char *const text = rendering.text();
-    const size_t sign = *text == '-' || *text == '+' || *text == ' ' ? 1 : 0;
+    const size_t minus = *text == '-' ? 1 : 0;
     const uint64_t moreDecimals = isFinite ? static_cast<uint64_t>(wanted - rendered) : 0;
-    return kelto::writeNumber({{text, sign}, 0, {text + sign, rendering.length() - sign}, moreDecimals}, width,
-                              paddingOf(flags, isFinite), sizeInOut, out);
+    return kelto::writeNumber(
+        {kelto::signOf(minus != 0, flags), 0, {text + minus, rendering.length() - minus}, moreDecimals}, width,
+        paddingOf(flags, isFinite), sizeInOut, out);
 }
 
 template <typename Value> Value read(const void *slot)

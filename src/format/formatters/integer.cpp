@@ -100,15 +100,6 @@ int writeInteger(kelto::NarrowText prefix, char *digits, size_t count, int width
     return kelto::writeNumber({prefix, zeros, {digits, count}, 0}, width, paddingOf(flags), sizeInOut, out);
 }
 
-kelto::NarrowText signOf(bool isNegative, int flags)
-{
-    if (isNegative)
-        return {"-", 1};
-    if ((flags & FLAG_PLUS) != 0)
-        return {"+", 1};
-    return {" ", (flags & FLAG_SPACE) != 0 ? 1U : 0U};
-}
-
 Flag_t octHexType(char name)
 {
     switch (name)
@@ -208,8 +199,8 @@ int numToUCS2(UCS2 *out, Flag_t type, int flags, const void *value)
 {
     kelto::IntegerText text(CONV_d, flags, *argSlot);
     const size_t minus = text.isNegative() ? 1 : 0;
-    return writeInteger(signOf(text.isNegative(), flags), text.begin() + minus, text.length() - minus, width, precision,
-                        flags, sizeInOut, out);
+    return writeInteger(kelto::signOf(text.isNegative(), flags), text.begin() + minus, text.length() - minus, width,
+                        precision, flags, sizeInOut, out);
 }
 
 [[gnu::flatten]] int formatUnsigned(const char * /*convName*/, int width, int precision, int flags,

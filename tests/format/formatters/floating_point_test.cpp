@@ -5,9 +5,10 @@
 #include <cfenv>
 #include <cfloat>
 #include <climits>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <random>
 
 namespace
 {
@@ -104,6 +105,21 @@ TEST_F(FloatingPoint, FollowsTheRoundingMode)
                 compare(start, value);
                 compare(start, static_cast<long double>(value) / 3);
             }
+    }
+}
+
+TEST_F(FloatingPoint, OfAnyBitsIsWhatTheCLibraryPrints)
+{
+    std::mt19937_64 random(7);
+    for (int round = 0; round < 20000; ++round)
+    {
+        const uint64_t bits = random();
+        double value;
+        std::memcpy(&value, &bits, sizeof value);
+        // Every other one of a usual magnitude, with ties among them.
+        if (round % 2 == 0)
+            value = static_cast<double>(static_cast<int64_t>(bits) >> 24) / static_cast<double>(1 << (bits % 20));
+        compare("%." + std::to_string(bits % 23), value);
     }
 }
 
