@@ -1,11 +1,11 @@
 #include "strconv/system_locale.h"
 
 #include "kelto.h"
+#include "support/locale_folder.h"
 
 #include <clocale>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <langinfo.h>
 #include <string>
@@ -84,33 +84,24 @@ TEST_F(LocaleTest, NamesAsciiAsIcuKnowsIt)
 
 TEST_F(LocaleTest, GivesCharacterSetsThatTheConversionsTake)
 {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / ("kelto" + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    const std::string command =
-        "localedef --no-archive -i ja_JP -f EUC-JP '" + (folder / "ja_JP.eucJP").string() + "' >/dev/null 2>&1";
-    const bool isBuilt = std::system(command.c_str()) == 0;
-    if (isBuilt)
-    {
-        setenv("LOCPATH", folder.c_str(), 1);
-        for (const char *const name : {"ja_JP", "ja_JPx"}) // five bytes, which stay whole, and six
-        {
-            std::filesystem::create_directory_symlink("ja_JP.eucJP", folder / name);
-            setenv("LANG", name, 1);
-            EXPECT_EQ(fullLocale(), name);
-            EXPECT_EQ(shortLocale(), "ja_JP");
-        }
-        setenv("LANG", "ja_JP.eucJP", 1);
-        EXPECT_EQ(shortLocale(), "ja_JP");
-        EXPECT_EQ(fullLocale(), "ja_JP.eucJP");
-        EXPECT_EQ(charSet(), "EUC-JP");
-        char text[8];
-        size_t size = sizeof text;
-        EXPECT_EQ(KTUCS2ToMultiByte(charSet().c_str(), 0, 0, u"\u3042", &size, text), 0);
-        EXPECT_STREQ(text, "\xA4\xA2");
-    }
-    std::filesystem::remove_all(folder);
-    if (!isBuilt)
+    const LocaleFolder folder;
+    if (!folder.build("ja_JP.eucJP", "ja_JP", "EUC-JP"))
         GTEST_SKIP() << "localedef or the sources of the locales are missing";
+    for (const char *const name : {"ja_JP", "ja_JPx"}) // five bytes, which stay whole, and six
+    {
+        std::filesystem::create_directory_symlink("ja_JP.eucJP", folder.path() / name);
+        setenv("LANG", name, 1);
+        EXPECT_EQ(fullLocale(), name);
+        EXPECT_EQ(shortLocale(), "ja_JP");
+    }
+    setenv("LANG", "ja_JP.eucJP", 1);
+    EXPECT_EQ(shortLocale(), "ja_JP");
+    EXPECT_EQ(fullLocale(), "ja_JP.eucJP");
+    EXPECT_EQ(charSet(), "EUC-JP");
+    char text[8];
+    size_t size = sizeof text;
+    EXPECT_EQ(KTUCS2ToMultiByte(charSet().c_str(), 0, 0, u"\u3042", &size, text), 0);
+    EXPECT_STREQ(text, "\xA4\xA2");
 }
 
 TEST(MapCharSet, ChangesOneNameOnly)

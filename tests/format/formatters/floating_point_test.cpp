@@ -1,10 +1,12 @@
 #include "format/formatting.h"
 #include "support/fake_zel.h"
 #include "support/fault_loop.h"
+#include "support/locale_folder.h"
 
 #include <cfenv>
 #include <cfloat>
 #include <climits>
+#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -121,6 +123,17 @@ TEST_F(FloatingPoint, OfAnyBitsIsWhatTheCLibraryPrints)
             value = static_cast<double>(static_cast<int64_t>(bits) >> 24) / static_cast<double>(1 << (bits % 20));
         compare("%." + std::to_string(bits % 23), value);
     }
+}
+
+TEST_F(FloatingPoint, UsesTheDecimalMarkOfTheLocale)
+{
+    const LocaleFolder folder;
+    if (!folder.build("de_DE.UTF-8", "de_DE", "UTF-8"))
+        GTEST_SKIP() << "localedef or the sources of the locales are missing";
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+    EXPECT_EQ(format("%.2f[1] %08.1f[2]", 1234.5, -2.5), ok(u"1234,50 -00002,5"));
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(format("%.2f[1]", 1234.5), ok(u"1234.50"));
 }
 
 TEST_F(FloatingPoint, TakesMemoryForLongNumbersOnlyAndReportsItsLack)
