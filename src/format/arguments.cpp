@@ -18,13 +18,7 @@ template <typename Value> void *cellOf(Value value)
     return cell;
 }
 
-/** Takes the next argument from the list into a cell. */
-using Taker = void *(*)(va_list *arguments, int flags);
-
-void *takeInt(va_list *arguments, int /*flags*/)
-{
-    return cellOf(va_arg(*arguments, int));
-}
+/* Each takes the next argument from the list into a cell, null where memory ran out. */
 
 void *takeCharacter(va_list *arguments, int flags)
 {
@@ -32,7 +26,7 @@ void *takeCharacter(va_list *arguments, int flags)
     return (flags & FLAG_l) != 0 ? cellOf(static_cast<UCS2>(value)) : cellOf(static_cast<char>(value));
 }
 
-void *takeUTF8(va_list *arguments, int /*flags*/)
+void *takeUTF8(va_list *arguments)
 {
     const char *text = va_arg(*arguments, const char *);
     if (text == nullptr)
@@ -44,7 +38,7 @@ void *takeUTF8(va_list *arguments, int /*flags*/)
     return cell;
 }
 
-void *takeUCS2(va_list *arguments, int /*flags*/)
+void *takeUCS2(va_list *arguments)
 {
     const UCS2 *text = va_arg(*arguments, const UCS2 *);
     if (text == nullptr)
@@ -70,14 +64,24 @@ void *takeFloatingPoint(va_list *arguments, int flags)
     return (flags & FLAG_L) != 0 ? cellOf(va_arg(*arguments, long double)) : cellOf(va_arg(*arguments, double));
 }
 
-void *takePointerSized(va_list *arguments, int /*flags*/)
+void *takeArgument(int type, va_list *arguments, int flags)
 {
-    return cellOf(va_arg(*arguments, uint64_t));
+    switch (type)
+    {
+    case kelto::singleCharacter:
+        return takeCharacter(arguments, flags);
+    case kelto::utf8Text:
+        return takeUTF8(arguments);
+    case kelto::ucs2Text:
+        return takeUCS2(arguments);
+    case kelto::floatingPoint:
+        return takeFloatingPoint(arguments, flags);
+    case kelto::pointerSized:
+        return cellOf(va_arg(*arguments, uint64_t));
+    default:
+        return takeInteger(arguments, flags);
+    }
 }
-
-/** By argument type. */
-constexpr Taker takers[] = {nullptr,     takeCharacter, takeUTF8,          takeUCS2,
-                            takeInteger, takeInteger,   takeFloatingPoint, takePointerSized};
 
 /** Fills slots one after the other, and remembers whether each could be filled. */
 class SlotWriter
@@ -85,25 +89,25 @@ class SlotWriter
 public:
     SlotWriter(void **slots, va_list *arguments) : m_slot(slots), m_arguments(arguments) {}
 
-    bool take(Taker taker, int flags)
-    {
-        *m_slot = taker(m_arguments, flags);
-        return *m_slot++ != nullptr;
-    }
-
     bool takeConversion(const KTParameter &parameter)
     {
-        if (parameter.width == kelto::fromArguments && !take(takeInt, 0))
+        if (parameter.width == kelto::fromArguments && !take(kelto::signedInteger, 0))
             return false;
-        if (parameter.precision == kelto::fromArguments && !take(takeInt, 0))
+        if (parameter.precision == kelto::fromArguments && !take(kelto::signedInteger, 0))
             return false;
         for (const int *type = parameter.formatter->argTypes; *type != kelto::endOfTypes; ++type)
-            if (kelto::takesSlot(*type) && !take(takers[*type], parameter.flags))
+            if (kelto::takesSlot(*type) && !take(*type, parameter.flags))
                 return false;
         return true;
     }
 
 private:
+    bool take(int type, int flags)
+    {
+        *m_slot = takeArgument(type, m_arguments, flags);
+        return *m_slot++ != nullptr;
+    }
+
     void **m_slot;
     va_list *m_arguments;
 };

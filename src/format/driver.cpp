@@ -1,7 +1,6 @@
 #include "kelto.h"
 
 #include "format/arguments.h"
-#include "format/conversion_spec.h"
 #include "format/form_table.h"
 #include "format/format_string.h"
 #include "lifecycle/state.h"
@@ -118,31 +117,26 @@ private:
     bool m_isTruncated = false;
 };
 
-/** buildBuffer() for a format of known length. */
-int writeText(const UCS2 *format, size_t length, const KTParameter *parameters, void **slots, const Output &output)
+/** buildBuffer() for a format of known length, whose places may be noted. */
+int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces &places, const KTParameter *parameters,
+              void **slots, const Output &output)
 {
     GrowingText text(output);
     const UCS2 *const end = format + length;
     for (const UCS2 *from = format;;)
     {
-        const UCS2 *percent = kelto::findPercent(from, end);
-        const bool isPercentSign = percent != end && percent[1] == u'%';
-        if (percent != from || isPercentSign)
-            text.appendLiteral(from, static_cast<size_t>(percent - from) + (isPercentSign ? 1 : 0));
-        if (percent == end)
+        const kelto::PercentPlace place = places.next(from, end);
+        const bool isPercentSign = place.position == 0 && place.begin != end;
+        if (place.begin != from || isPercentSign)
+            text.appendLiteral(from, static_cast<size_t>(place.begin - from) + (isPercentSign ? 1 : 0));
+        if (place.begin == end)
             return text.finish();
-        if (isPercentSign)
-        {
-            from = percent + 2;
-            continue;
-        }
-        const KTParameter &parameter = parameters[getConvSpecOrder(&percent) - 1];
-        from = percent;
-        if (kelto::isMarker(parameter))
+        from = place.end;
+        if (isPercentSign || kelto::isMarker(parameters[place.position - 1]))
             continue;
         // Once the text is cut, the caller has to come again anyway: the need is completed, and the next call tells
         // what is wrong.
-        const int result = text.appendConversion(parameter, slots);
+        const int result = text.appendConversion(parameters[place.position - 1], slots);
         if (result != 0 && !text.isTruncated())
             return text.fail(result);
     }
@@ -162,7 +156,7 @@ public:
         if (const int result = kelto::utf8ToUCS2(format, bytes, &m_length, m_text.get()))
             return result;
         KTParameter *parameters = nullptr;
-        const int result = kelto::checkFormat(m_text.get(), m_length, table, &parameters);
+        const int result = kelto::checkFormat(m_text.get(), m_length, table, &parameters, m_places);
         m_parameters.reset(parameters);
         if (result == 0)
             m_slotCount = kelto::numberSlots(parameters, tag);
@@ -172,14 +166,15 @@ public:
     const KTParameter *parameters() const { return m_parameters.get(); }
     size_t slotCount() const { return m_slotCount; }
 
-    int write(void **slots, const Output &output) const
+    int write(void **slots, const Output &output)
     {
-        return writeText(m_text.get(), m_length, m_parameters.get(), slots, output);
+        return writeText(m_text.get(), m_length, m_places, m_parameters.get(), slots, output);
     }
 
 private:
     kelto::TagBlock<UCS2> m_text;
     size_t m_length = 0;
+    kelto::PercentPlaces m_places;
     kelto::TagBlock<KTParameter> m_parameters;
     size_t m_slotCount = 0;
 };
@@ -197,7 +192,8 @@ size_t countPointers(void *const *pointers)
 int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsigned long *size, UCS2 *out,
                 const UCS2 *format, void **slots)
 {
-    return writeText(format, KTUCS2strlen(format), parameters, slots, {encoder, passThru, size, out});
+    kelto::PercentPlaces places;
+    return writeText(format, KTUCS2strlen(format), places, parameters, slots, {encoder, passThru, size, out});
 }
 
 // Flattened, since the many small steps of a call cost more in calls than in work.

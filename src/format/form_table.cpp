@@ -23,9 +23,12 @@ constexpr size_t listLength = sizeof builtInFormList / sizeof builtInFormList[0]
 /** The conversions of a reduced copy. */
 constexpr const char *printfLikeNames = "duUoxXfcs";
 
-char lowerCase(char c)
+constexpr unsigned letterCount = 26;
+
+/** The place of a letter in the alphabet, in either case; letterCount or more for any other character. */
+unsigned letterOf(UCS2 character)
 {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return (character | 0x20U) - 'a';
 }
 
 bool isSameName(const char *known, const kelto::ConversionName &name)
@@ -60,13 +63,13 @@ KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &tab
 {
     if (table.formList == nullptr || name.length == 0)
         return nullptr;
-    const char first = lowerCase(static_cast<char>(name.begin[0]));
-    if (first < 'a' || first > 'z')
+    const unsigned letter = letterOf(name.begin[0]);
+    if (letter >= letterCount)
         return nullptr;
     KTFormatter *record = table.formList;
     if (table.indexed)
     {
-        const int place = table.letterIndex[first - 'a'];
+        const int place = table.letterIndex[letter];
         if (place == 0)
             return nullptr;
         record += place - 1;
@@ -75,7 +78,7 @@ KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &tab
     {
         if (isSameName(record->name, name))
             return record;
-        if (table.indexed && lowerCase(record->name[0]) != first)
+        if (table.indexed && letterOf(static_cast<UCS2>(record->name[0])) != letter)
             break;
     }
     return nullptr;

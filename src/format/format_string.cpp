@@ -62,13 +62,13 @@ private:
 };
 
 /** Checks the specifications of a text into an array: 0, or the failure. */
-int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray &array)
+int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray &array, kelto::PercentPlaces &places)
 {
     const UCS2 *const end = format + length;
     size_t specifications = 0;
     for (const UCS2 *percent = kelto::findPercent(format, end); percent != end;)
     {
-        const UCS2 *next = percent + 2;
+        kelto::PercentPlace place = {percent, percent + 2, 0};
         if (percent[1] != u'%')
         {
             const kelto::ConversionSpec spec = kelto::parseSpecification(percent, table);
@@ -78,9 +78,10 @@ int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray 
             if (!array.store(position, spec.record))
                 return KT_ERR_NO_MEMORY;
             ++specifications;
-            next = spec.end;
+            place = {percent, spec.end, spec.position};
         }
-        percent = kelto::findPercent(next, end);
+        places.note(place);
+        percent = kelto::findPercent(place.end, end);
     }
     return array.isComplete(specifications) ? 0 : KT_ERR_FORMAT_SYNTAX;
 }
@@ -113,10 +114,23 @@ const UCS2 *findPercent(const UCS2 *from, const UCS2 *end) noexcept
     return end;
 }
 
-int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter **parameters) noexcept
+PercentPlace PercentPlaces::find(const UCS2 *from, const UCS2 *end) noexcept
+{
+    const UCS2 *const percent = findPercent(from, end);
+    if (percent == end)
+        return {end, end, 0};
+    if (percent[1] == u'%')
+        return {percent, percent + 2, 0};
+    const UCS2 *behind = percent;
+    const int position = getConvSpecOrder(&behind);
+    return {percent, behind, position};
+}
+
+int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter **parameters,
+                PercentPlaces &places) noexcept
 {
     ParameterArray array;
-    const int result = collect(format, length, table, array);
+    const int result = collect(format, length, table, array, places);
     *parameters = array.release();
     return result;
 }
@@ -126,5 +140,6 @@ int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter
 int checkSyntax(const UCS2 *format, formTable *table, KTParameter **parameters)
 {
     *parameters = nullptr;
-    return kelto::checkFormat(format, KTUCS2strlen(format), table, parameters);
+    kelto::PercentPlaces places;
+    return kelto::checkFormat(format, KTUCS2strlen(format), table, parameters, places);
 }
