@@ -29,9 +29,10 @@
  *         return 0;
  *     }
  *
- * **Texts.** A UCS-2 string is a zero-terminated array of 16-bit units in host byte order; a character outside the Basic
- * Multilingual Plane is a surrogate pair and counts as two units everywhere. "Units" below are these; "bytes" are bytes
- * of a UTF-8 or multi-byte string. U+0000 inside a text ends it.
+ * **Texts.** A UCS-2 string is a zero-terminated array of 16-bit units in host byte order; a character outside the
+ * Basic Multilingual Plane is a surrogate pair and counts as two units everywhere. "Units" below are these; "bytes" are
+ * bytes of a UTF-8 or multi-byte string. U+0000 inside a text ends it; only the one-step conversions of chapter 5 write
+ * it.
  *
  * **Sizes.** A size is passed by pointer: in, the capacity of the buffer, counting the unit (byte) of the terminator;
  * out, what was written, not counting the terminator. A format call that does not fit returns KT_ERR_BUFFER_TOO_SMALL
@@ -50,9 +51,11 @@
  * printed. Pointers must be valid unless their description says that null is allowed.
  *
  * **Untrusted input.** A message file, a format string, an argument's text and the name of a character set may hold
- * anything. What a message's conversions say of their arguments must fit the arguments that the program passes, as with
- * printf: a program that loads files from strangers checks a message with checkSyntax() first, or passes the arguments
- * through the KTvp… calls, which compare their number.
+ * anything: the answer is a result code. One thing remains with the program, as with printf. The conversions of a
+ * message say of what types the arguments are, and a translation that says "%s" where a number is passed reads a number
+ * as an address. The KTvp… calls compare the number of arguments, not their types. A program that loads files from
+ * strangers compares a translation's conversions with those of its own message by checkSyntax(); docs/format-strings.md
+ * shows how.
  */
 #ifndef KELTO_H
 #define KELTO_H
@@ -82,7 +85,7 @@ enum KTResult
     KT_ERR_CONVERSION_INVALID_ARGUMENT = -7987, /**< the arguments of a conversion are impossible, as a size of 2^31 */
     KT_ERR_CONVERTER_OPEN_FAILED = -7989,       /**< no character set is known by the name given */
     KT_ERR_BUFFER_TOO_SMALL = -7991,            /**< the output does not fit; a format call stores the units needed */
-    KT_ERR_INVALID_PARAMETER = -7992,           /**< an argument is missing or surplus, or no date and time */
+    KT_ERR_INVALID_PARAMETER = -7992,           /**< an argument is missing or surplus, or is no date and time */
     KT_ERR_FORMAT_SYNTAX = -7993,               /**< a malformed or unknown conversion, or positions not 1 to n */
     KT_ERR_INVALID_MSG_ID = -7994,              /**< a message ID of 0 or above the table's highest */
     KT_ERR_TABLE_NOT_FOUND = -7995,             /**< a table handle that is not, or no longer, loaded */
@@ -93,13 +96,14 @@ enum KTResult
 };
 
 /**
- * The name of a result code, as "KT_ERR_FORMAT_SYNTAX".
+ * The name of a result code, as "KT_ERR_FORMAT_SYNTAX"; needs no started library. docs/result-codes.md tells for each
+ * code what causes it and what a program does about it.
  * @return a constant text, or null for a number that is no code of this library (0 and -1 are none).
  */
 const char *KTResultName(int code);
 
 /**
- * A sentence that tells a person what a result means, in English, without a full stop.
+ * A sentence that tells a person what a result means, in English, without a full stop; needs no started library.
  * @return a constant text, never null: for 0, for -1 (no XML parser could be created) and for numbers that the platform
  *         passed through as well.
  *
@@ -112,13 +116,15 @@ const char *KTResultText(int code);
 /**
  * Starts one user's use of the library; the first call starts the library itself and sets the process's LC_CTYPE locale
  * from the environment (also where the start fails). Each successful call must be matched by one KTClean().
- * @return 0, or KT_ERR_NOT_INITIALIZED when the start failed; everything is then as before, and a later call tries again.
+ * @return 0, or KT_ERR_NOT_INITIALIZED when the start failed; everything is then as before, and a later call tries
+ *         again.
  */
 int KTInit(void);
 
 /**
- * Ends one user's use; the call that matches the first KTInit() releases every loaded table and stops the library. A
- * call without a matching KTInit() is ignored.
+ * Ends one user's use. The call that leaves no user releases every loaded table and stops the library; the calls that
+ * need a started library then return KT_ERR_NOT_INITIALIZED until the next KTInit(). A call without a matching KTInit()
+ * is ignored.
  * @return always 0.
  */
 int KTClean(void);
@@ -128,6 +134,7 @@ int KTClean(void);
  * A message file is an XLIFF document: one "xliff" with one "file" (attributes "source-language", "product-name",
  * "product-version"), which holds one "header" and one "body"; the body's "trans-unit" elements carry the message ID in
  * "ts" or else "id" and the text in "source", where <x ts="%s" id="1"/> stands for "%s[1]". Escapes: \\ \t \r \n \".
+ * docs/message-files.md has every rule with an example.
  */
 
 /** One loaded message file; only its address, the handle, is of use to a caller. */
@@ -135,12 +142,14 @@ typedef struct MessageTable MessageTable;
 
 /**
  * Loads a message file; each "x" placeholder becomes its "ts" text and its "id" in square brackets, so that a message
- * can be used as a format string.
- * @param path   the file, a zero-terminated path as the system's open() takes it; only regular files are read.
+ * can be used as a format string. The file is read twice and then no longer needed.
+ * @param path   the file, a zero-terminated path as the system's open() takes it; only regular files are read. Not
+ *               changed.
  * @param table  out: the handle. Untouched by failures before the file's structure was accepted, null after later ones.
- * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_FILE_UNAVAILABLE, KT_ERR_FILE_NOT_OPENED, KT_ERR_BAD_MSG_FILE,
- *         KT_ERR_NO_MEMORY; -1 when no XML parser can be created; or the platform's own negative value for a file that
- *         cannot be read.
+ * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_FILE_UNAVAILABLE, KT_ERR_FILE_NOT_OPENED; KT_ERR_BAD_MSG_FILE, also where
+ *         two messages have one ID or the file changes while it is read; KT_ERR_NO_MEMORY, also for a message of more
+ *         than INT_MAX bytes; -1 when no XML parser can be created; or the platform's own negative value for a file
+ *         that cannot be read. The table is not loaded then, and nothing is left to release.
  *
  *     MessageTable *table;
  *     char path[] = "messages.xlf";
@@ -148,11 +157,15 @@ typedef struct MessageTable MessageTable;
  */
 int KTLoadMessages(char *path, MessageTable **table);
 
-/** Loads as KTLoadMessages() does, but a placeholder becomes its "ts" text alone: for reading, not for formatting. */
+/**
+ * Loads as KTLoadMessages() does, with the same results, but a placeholder becomes its "ts" text alone: for reading,
+ * not for formatting.
+ */
 int KTLoadRawMessages(char *path, MessageTable **table);
 
 /**
  * Fetches a message by its number, in constant time.
+ * @param table    a handle of KTLoadMessages() or KTLoadRawMessages().
  * @param id       1 to the highest ID of the file.
  * @param message  out: the message, zero-terminated UTF-8 (two zero bytes in fact) that the library owns, valid until
  *                 the table is released; null where the file has no message of that number, although the result is 0,
@@ -167,7 +180,10 @@ int KTGetMessage(MessageTable *table, unsigned int id, char **message);
  */
 int KTFreeMessages(MessageTable *table);
 
-/** The length in bytes of a text that ends with two zero bytes, without them; needs no started library. */
+/**
+ * The length in bytes of a text that ends with two zero bytes, without them; needs no started library. A single zero
+ * byte counts as one of the text.
+ */
 int KTMsgLen(const char *message);
 
 /**
@@ -178,10 +194,16 @@ int KTMsgLen(const char *message);
 const char *KTMsgCpy(const char *source, char *destination);
 
 /**
- * Reads the product version that a message file declares, reading no further than its first "file" element.
+ * Reads the product version that a message file declares. Nothing is loaded: the file is read up to the end of the 300
+ * bytes in which its first "file" element begins, and is not checked beyond being well-formed so far.
+ * @param path     as in KTLoadMessages().
  * @param version  out: room for 20 bytes. The version in UTF-8, at most 19 bytes and a zero byte; the empty text on
  *                 every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
- * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE also when there is no version, or one longer than 19 bytes.
+ * @return as KTLoadMessages(), but never KT_ERR_NO_MEMORY; KT_ERR_BAD_MSG_FILE also when there is no version, an empty
+ *         one, or one longer than 19 bytes.
+ *
+ *     char version[20], path[] = "messages.xlf";
+ *     int result = KTGetMsgFileVer(path, version); // 0, and version is "2.1.0"
  */
 int KTGetMsgFileVer(char *path, char *version);
 
@@ -191,17 +213,21 @@ int KTGetMsgFileVer(char *path, char *version);
  *
  *     %[flags][width][.precision][h|l|L|!]name[position]      as in  "%-10s[2] costs %08.2f[1]"
  *
- * The last brackets are written: they hold the position of the argument, and the positions of one string are 1 to n, each
- * used once. Arguments are passed in the order of the positions. "%%" is a percent sign. Flags are any of "-+ #0"; a '*'
- * as width or precision takes an int argument of its own before the value. The names are
+ * Here the brackets around flags, width, precision and modifier mean that these may be left out; those around the
+ * position are part of the text. They hold the position of the argument, and the positions of one string are 1 to n,
+ * each used once. Arguments are passed in the order of the positions. "%%" is a percent sign. Flags are any of "-+ #0";
+ * a '*' as width or precision takes an int argument of its own before the value, where a negative one means none. The
+ * names are
  *
- *     d u o x X   integers: 16 bits with 'h', 64 with '!' ("%l[1]" is "%!d[1]", "%ul[1]" is "%!u[1]"), else 32
+ *     d u o x X   integers: 16 bits with 'h', 64 with '!' ("%l[1]" is "%!d[1]", "%ul[1]" is "%!u[1]"), else 32, also
+ *                 with 'l'
  *     f           double, or long double with 'L'
  *     c           a character: char, or UCS2 with 'l'
  *     s U         a text in UTF-8, in UCS-2
  *     DT D T      date and time: UTF-8 text, seconds since 1970 or "2006-05-17'T08:09:10Z"
  *     DND DNS     a distinguished name in UCS-2, written dotted or with slashes
- *     E EID IP    an error text in UTF-8, an unsigned entry ID, an address (which takes its argument and writes nothing)
+ *     E EID IP    an error text in UTF-8, an unsigned entry ID, an address (a text; it takes its argument and writes
+ *                 nothing)
  *     N O         open and close a region whose texts go through the table's encoder; they take a position, no argument
  *
  * For integers the precision also cuts digits ("%.2d[1]" of 12345 is "12000"), '0' wins over '-', and "%#x[1]" of 0 is
@@ -212,9 +238,11 @@ int KTGetMsgFileVer(char *path, char *version);
 typedef struct formTable formTable;
 
 /**
- * Formats a message with the arguments that follow it, in the order of the positions.
+ * Formats a message with the arguments that follow it, in the order of the positions: char, UCS2 and 16-bit integers as
+ * an int, 64-bit integers as an int64_t or uint64_t, texts as pointers.
  *
- * Of a null pointer for "s" or "U" nothing is written. Everything that the call allocates is freed before it returns.
+ * A null pointer for a text counts as the empty text. The arguments and the format are read only during the call, and
+ * everything that it allocates is freed before it returns.
  *
  * @param reserved  ignored; null will do.
  * @param tag       whether dates, names, entry IDs and errors are wrapped in tags, as "<date>…</date>".
@@ -222,10 +250,13 @@ typedef struct formTable formTable;
  *                  not counted, also where the result is KT_ERR_BUFFER_TOO_SMALL: then the units that the text needs.
  * @param out       the text, terminated. After KT_ERR_BUFFER_TOO_SMALL it holds some terminated text of no use; with a
  *                  capacity of 0 nothing is written, and null is allowed.
- * @param format    the format string, UTF-8.
- * @return 0 or KT_ERR_BUFFER_TOO_SMALL. KT_ERR_NOT_INITIALIZED, KT_ERR_NO_MEMORY, KT_ERR_FORMAT_SYNTAX and
- *         KT_ERR_CONVERSION_INVALID_ARGUMENT leave size and out alone; KT_ERR_INVALID_PARAMETER (a null argument of
- *         KTvp…, no date) and whatever a formatter of the caller's returns make out empty and size 0.
+ * @param format    the format string, UTF-8; not changed.
+ * @return 0 or KT_ERR_BUFFER_TOO_SMALL. Before anything is written: KT_ERR_NOT_INITIALIZED, KT_ERR_FORMAT_SYNTAX,
+ *         KT_ERR_NO_MEMORY, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a format of 2^31 bytes and more; these leave
+ *         size and out alone. From a conversion: KT_ERR_INVALID_PARAMETER (no date), KT_ERR_NO_MEMORY, and whatever a
+ *         formatter or encoder of the caller's returns; these make out empty and size 0. But where the text has not
+ *         fitted before such a conversion is reached, the result is KT_ERR_BUFFER_TOO_SMALL with the need of all
+ *         others, and the call with more room tells what is wrong.
  *
  *     UCS2 text[100];
  *     unsigned long units = 100;
@@ -236,8 +267,8 @@ int KTFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, cha
 /**
  * Formats as KTFormatString() does, with conversions of the caller's own.
  * @param table     the conversions, or null for the built-in ones. It also gives the encoder: its own, or the first
- *                  along its chain; there is none without a table.
- * @param passThru  handed to every formatter as it is.
+ *                  along its chain; there is none without a table. Nobody may change or free it during the call.
+ * @param passThru  handed to every formatter as it is; the calls without it hand null.
  */
 int KTFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
                                UCS2 *out, char *format, ...);
@@ -251,9 +282,11 @@ int KTvFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void
 
 /**
  * Formats as KTFormatString() does, with the arguments by pointer; nothing is copied.
- * @param arguments  for each argument in the order of the positions a pointer to it, of the type that the conversion
- *                   names; for a text the text itself; then a null pointer. KT_ERR_INVALID_PARAMETER, with size and out
- *                   untouched, where their number is not what the format needs.
+ * @param arguments  for each argument in the order of the positions a pointer to it, of exactly the type that the
+ *                   conversion names (char, UCS2, an integer of 16, 32 or 64 bits, double, long double; int for a '*');
+ *                   for a text the text itself; then a null pointer, so none of them can be null.
+ *                   KT_ERR_INVALID_PARAMETER, with size and out untouched, where their number is not what the format
+ *                   needs.
  *
  *     int count = 7;
  *     char what[] = "files";
@@ -275,9 +308,10 @@ int KTvpFormatStringWithPassThru(char *reserved, bool tag, formTable *table, voi
  * The conversions share their contract. The source is zero-terminated. *sizeInOut is, in, the capacity of dst in its
  * units (UCS-2) or bytes, below 2^31; out, on success only, the units or bytes written without the terminator. The
  * terminator is written where there is room for it: output that fills the buffer exactly is a success without one, so
- * offer one more than the longest text expected. On failure dst becomes the empty text (where it has room, and unless no
- * converter could be opened) and the size stays. Results: 0, KT_ERR_CONVERTER_OPEN_FAILED, KT_ERR_BUFFER_TOO_SMALL,
- * KT_ERR_CONVERSION_INVALID_ARGUMENT (a capacity or source of 2^31 and more), KT_ERR_CONVERSION_FAILED.
+ * offer one more than the longest text expected. On failure dst becomes the empty text (where it has room, and unless
+ * no converter could be opened) and the size stays. Results: 0, KT_ERR_CONVERTER_OPEN_FAILED, KT_ERR_BUFFER_TOO_SMALL,
+ * KT_ERR_CONVERSION_INVALID_ARGUMENT (a capacity or source of 2^31 and more, or a UCS-2 source so long that its output
+ * might come to as many bytes), KT_ERR_CONVERSION_FAILED. docs/charsets.md has every rule with examples.
  */
 
 /**
@@ -288,7 +322,11 @@ int KTvpFormatStringWithPassThru(char *reserved, bool tag, formTable *table, voi
  */
 int KTGetSystemFullLocale(char *locale);
 
-/** As KTGetSystemFullLocale(), cut to its first five bytes, as "ja_JP". */
+/**
+ * As KTGetSystemFullLocale(), cut to its first five bytes, as "ja_JP".
+ * @param locale  out: needs room for the whole name, which is written first.
+ * @return always 0.
+ */
 int KTGetSystemLocale(char *locale);
 
 /**
@@ -311,7 +349,13 @@ int KTMultiByteToUCS2(const char *charSet, unsigned short reserved1, char reserv
 int KTUCS2ToMultiByte(const char *charSet, char reserved1, unsigned short reserved2, const UCS2 *src, size_t *sizeInOut,
                       char *dst);
 
-/** Converts UTF-8 to UCS-2. L bytes give at most L units, so a capacity of L + 1 always suffices. */
+/**
+ * Converts UTF-8 to UCS-2. L bytes give at most L units, so a capacity of L + 1 always suffices.
+ *
+ *     UCS2 wide[6];
+ *     size_t units = 6;
+ *     int result = KTUTF8ToUCS2("files", &units, wide); // 0, units is 5, and wide is terminated
+ */
 int KTUTF8ToUCS2(const char *src, size_t *sizeInOut, UCS2 *dst);
 
 /** Converts UCS-2 to UTF-8. L units give at most 3 L bytes. */
@@ -333,7 +377,7 @@ int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const
  * Converts one character to UCS-2.
  * @param mbChar  the character's bytes, the first the most significant: 0x82A0 for the bytes 82 A0. Two bytes at most;
  *                what stands above them is ignored.
- * @return its first unit; 0 for the character 0 and for every failure.
+ * @return its first unit; 0 for the character 0 and for every failure, an unknown character set included.
  */
 UCS2 KTMBCharToUChar(const char *charSet, unsigned int mbChar);
 
@@ -366,9 +410,10 @@ UCS2 KTFirstUChar(const UCS2 *s);
  */
 UCS2 KTNextUChar(UCS2 *s);
 
-/* The functions below convert their texts of L bytes to UCS-2, work there and convert back. A character is one UCS-2 unit
- * after the conversion. A destination needs L + 1 bytes, L being the source's length, and may be the source itself; a
- * result that leaves no byte for its terminator does not fit. A packed character (mbChar) is as in KTMBCharToUChar().
+/* The functions below convert their texts of L bytes to UCS-2, work there and convert back. A character is one UCS-2
+ * unit after the conversion. A destination needs L + 1 bytes, L being the source's length, and may be the source
+ * itself; a result that leaves no byte for its terminator does not fit. A packed character (mbChar) is as in
+ * KTMBCharToUChar().
  */
 
 /** The length in bytes. */
@@ -400,10 +445,17 @@ char *KTMultiByteStrncpy(char *dst, const char *charSet, const char *src, size_t
  */
 long KTMultiByteStrupr(const char *charSet, const char *src, size_t *sizeOut, char *dst);
 
-/** Where sub first occurs in s: a pointer into s, or null when it does not or a conversion fails. */
+/**
+ * Finds the first occurrence of sub in s.
+ * @return a pointer into s, to be read only where s is; null when there is none, or on failure.
+ */
 char *KTMultiByteStrstr(const char *charSet, const char *s, const char *subCharSet, const char *sub);
 
-/** Copies the part of s from the last occurrence of the character on to dst; null when there is none, or on failure. */
+/**
+ * Copies the part of s from the last occurrence of a character on to dst.
+ * @param mbChar  the character, packed, in chCharSet.
+ * @return dst; null when there is none, or on failure.
+ */
 char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharSet, unsigned int mbChar, char *dst);
 
 /**
@@ -432,7 +484,7 @@ enum KTFlag
     FLAG_TAG = 0x20,    /**< the call's tag argument is true */
     FLAG_ENCODE = 0x40, /**< the conversion lies, by position, between an "N" and the next "O" */
     FLAG_h = 0x100,     /**< 'h': 16 bits */
-    FLAG_l = 0x200,     /**< 'l' */
+    FLAG_l = 0x200,     /**< 'l': a UCS2 for "c" */
     FLAG_L = 0x400,     /**< 'L': long double */
     FLAG_BANG = 0x800   /**< '!', and the names "l" and "ul": 64 bits */
 };
@@ -464,16 +516,22 @@ typedef enum Flag_t
 } Flag_t;
 
 /**
- * Renders a value inside an encoded region in place of the formatters "c", "s" and "U".
+ * Renders a value inside an encoded region in place of the formatters "c", "s" and "U", which then only cut and pad it.
+ *
+ * An encoder that finds too little room does best to write the units that fit, store the length of the whole text and
+ * return 0: the formatters compare the length themselves, after they have cut it by a precision, which the encoder does
+ * not know. docs/extending.md shows one.
  *
  * @param value      the value, as dataType says.
  * @param dataType   0: one UCS-2 unit; 1: a zero-terminated UCS-2 text; 2: one 8-bit character.
  * @param sizeInOut  in: the room at out in units, counting one for the terminator of the whole text; out: the units of
  *                   the encoded text. The text fits when its length plus 1 is at most the room. An encoder that fails
- *                   stores the length too, or 0: it is read in every case.
- * @param out        where the text goes, never more than room units; no terminator is needed.
+ *                   stores the length too, or 0: it is read in every case, and the room left there does not fit.
+ * @param out        where the text goes, never more than room units; no terminator is needed. It may be null where the
+ *                   room is 0.
  * @return 0, KT_ERR_BUFFER_TOO_SMALL with the need in *sizeInOut, or another negative code. "s" and "U" pass that code
- *         on where the reported text fits; "c" reports every failure as KT_ERR_BUFFER_TOO_SMALL.
+ *         on where the reported text, cut and padded, fits, and report KT_ERR_BUFFER_TOO_SMALL where it does not; "c"
+ *         reports every failure as KT_ERR_BUFFER_TOO_SMALL.
  */
 typedef int (*KTEncoder)(const void *value, int dataType, unsigned long *sizeInOut, UCS2 *out);
 
@@ -489,24 +547,31 @@ typedef int (*KTEncoder)(const void *value, int dataType, unsigned long *sizeInO
  * @param argSlot    the conversion's values, one slot per code 1 to 7 of its argTypes: texts themselves, else pointers.
  * @param sizeInOut  in: the room at out in units, counting one for the terminator of the whole text; out: the units of
  *                   this conversion's text, or those that it needs.
- * @param out        where the text starts; never more than room units are written.
+ * @param out        where the text starts; never more than room units are written. It may be null where the room is 0.
  * @return 0 when the text was written (its length plus 1 is at most the room); KT_ERR_BUFFER_TOO_SMALL with the need in
- *         *sizeInOut; or another negative code, which ends the format call.
+ *         *sizeInOut; or another negative code, which ends the format call (unless the text did not fit before).
  */
 typedef int (*KTFormatFunction)(const char *convName, int width, int precision, int flags, KTEncoder passThru1,
                                 void *passThru2, void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 
-/** One conversion of a form table. */
+/**
+ * One conversion of a form table. Its name is matched as a whole and with regard to case. It begins with a letter and
+ * holds no '['. A name that begins with 'h', 'l' or 'L' is found only behind a modifier, since the first of these
+ * letters is taken for one; "N" and "O" are never found.
+ */
 typedef struct KTFormatter
 {
-    const char *name;        /**< as written in a format string, up to 19 ASCII characters; null ends a list */
+    const char *name;        /**< up to 19 ASCII characters, see below; null ends a list */
     void *reserved;          /**< not read */
     int argCount;            /**< the slots it takes: the number of codes 1 to 7 in argTypes */
     const int *argTypes;     /**< the kinds of its arguments, ended by 0: see the lists below; not null */
     KTFormatFunction format; /**< not null */
 } KTFormatter;
 
-/** A table of conversions. A record that breaks the rules above is unusable: its name counts as unknown. */
+/**
+ * A table of conversions. A record that breaks the rules above is unusable: its name counts as unknown, also where a
+ * table that follows has it. A chain ends with null and passes through no table twice.
+ */
 struct formTable
 {
     bool indexed;          /**< letterIndex is valid, and formList is grouped by first letter regardless of case */
@@ -542,7 +607,8 @@ extern const int singleCharList[], utf8StrList[], ucs2StrList[], signedIntList[]
 /**
  * Gives the built-in table, or a private copy of it to edit.
  * @param options  0: the shared table. Bit 0: a private copy, owned by the caller, to be freed with KTFreeFormTable();
- *                 it carries the encoder registered now. Bits 0 and 1: a copy with d u U o x X f c s only.
+ *                 it carries the encoder registered now, and does not know the short names "l" and "ul". Bits 0 and 1:
+ *                 a copy with d u U o x X f c s only. Bit 1 alone is 0.
  * @param table    out: the table; null when memory ran out.
  * @return 0, KT_ERR_NOT_INITIALIZED (nothing is stored), KT_ERR_NO_MEMORY.
  *
@@ -553,12 +619,13 @@ extern const int singleCharList[], utf8StrList[], ucs2StrList[], signedIntList[]
 int KTGetBuiltInFormTable(int options, formTable **table);
 
 /**
- * Sets the encoder of the shared built-in table; null removes it. It serves format calls that name that table, and
- * copies made later. @return 0 or KT_ERR_NOT_INITIALIZED.
+ * Sets the encoder of the shared built-in table; null removes it. It serves format calls whose table is that one or is
+ * chained to it without an encoder of its own, and copies made later; not the calls without a table.
+ * @return 0 or KT_ERR_NOT_INITIALIZED.
  */
 int KTRegisterEncoder(KTEncoder encoder);
 
-/** @return always 0; kept for programs that ask. */
+/** Asks for the size of a form table; kept for programs that do. @return always 0. */
 int KTGetFormTableSize(void);
 
 /** Frees a private copy; null and the shared table are left alone. @return 0 or KT_ERR_NOT_INITIALIZED. */
@@ -569,9 +636,9 @@ int KTFreeFormTable(formTable *table);
  * @param format      UCS-2.
  * @param table       where names are looked up, or null for the built-in table.
  * @param parameters  out: one record per conversion, that of position p at p - 1, ended by one with a null formatter;
- *                    null when there is none. Also filled in part after KT_ERR_FORMAT_SYNTAX. The library must be
- *                    started; the array is released with ZEL_free().
- * @return 0, KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY.
+ *                    null when there is none. After KT_ERR_FORMAT_SYNTAX it is filled in part. In both cases the caller
+ *                    releases it with ZEL_free(), while the library is started.
+ * @return 0, KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY. Whether the library is started is not asked: it must be.
  */
 int checkSyntax(const UCS2 *format, formTable *table, KTParameter **parameters);
 
@@ -581,8 +648,10 @@ int ZEL_free(void *block);
 /**
  * Parses one specification.
  * @param cursor  in: at its '%'; out, on success: behind its ']'.
- * @param type    out, like those after it: CONV_UNKNOWN, with a null formatter, for a name that no table has.
- * @return its position, or 0 when it is malformed; nothing is stored then.
+ * @param table   where the name is looked up, or null for the built-in table.
+ * @param type    out, like those after it, as in KTParameter: CONV_UNKNOWN, with a null formatter, for a name that no
+ *                table has.
+ * @return its position, 1 or more; or 0 when it is malformed: nothing is stored then, and the cursor stays.
  */
 int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *width, int *precision, int *flags,
                   KTFormatter **formatter);
@@ -593,8 +662,12 @@ int getConvSpecOrder(const UCS2 **cursor);
 /**
  * Writes a checked format: copies its literal text and calls the formatters.
  * @param parameters  from checkSyntax(), with argIndex assigned.
+ * @param encoder     handed to every formatter, or null.
+ * @param passThru    handed to every formatter.
  * @param size, out   as in KTFormatString().
- * @param slots       the arguments, ended by null.
+ * @param format      the text that checkSyntax() accepted.
+ * @param slots       the arguments, ended by null; KT_ERR_INVALID_PARAMETER where a conversion finds a null one.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL, or what a conversion returned, with size and out as in KTFormatString().
  */
 int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsigned long *size, UCS2 *out,
                 const UCS2 *format, void **slots);
@@ -613,13 +686,16 @@ int formatOctHex(const char *convName, int width, int precision, int flags, KTEn
 /** "f", as the C library's printf writes it in the current numeric locale. KT_ERR_NO_MEMORY for some long numbers. */
 int formatDouble(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                  void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "DT", "D" and "T", by the first two characters of convName. KT_ERR_INVALID_PARAMETER, size 0, for a malformed text. */
+/**
+ * "DT", "D" and "T", by the first two characters of convName. KT_ERR_INVALID_PARAMETER, size 0, for a malformed text
+ * and for 185542587187200 seconds and more.
+ */
 int formatDateTime(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                    void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "DND" and "DNS", by the third character of convName. */
 int formatDN(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
              void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "EID". */
+/** "EID": 32 bits, of a 64-bit argument the low ones, and with 'h' 16 bits. */
 int formatEID(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
               void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "E". KT_ERR_NO_MEMORY when its buffer cannot be had. */
@@ -628,7 +704,7 @@ int formatError(const char *convName, int width, int precision, int flags, KTEnc
 /** "IP": writes nothing. */
 int formatIP(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
              void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "c". */
+/** "c". A char of 0x80 to 0xFF is the character of that number. */
 int formatChar(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "U". */
