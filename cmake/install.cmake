@@ -22,6 +22,16 @@ foreach(section 1 3)
   file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.${section}")
   install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()
+# `man KTFormatString` and the other functions lead to the one page.
+file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" KELTO_PROTOTYPES REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
+foreach(prototype IN LISTS KELTO_PROTOTYPES)
+  if(prototype MATCHES "^[a-zA-Z0-9_ *]*[ *](KT[a-zA-Z0-9]+)\\(")
+    set(page "${PROJECT_BINARY_DIR}/man3/${CMAKE_MATCH_1}.3")
+    file(CONFIGURE OUTPUT "${page}" CONTENT ".so man3/kelto.3\n")
+    install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+  endif()
+endforeach()
+
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 if(KELTO_BUILD_TOOLS)

@@ -592,8 +592,9 @@ typedef struct KTParameter
     KTFormatter *formatter; /**< its record; null ends an array */
 } KTParameter;
 
-/** The built-in table and its list of seventeen conversions. Shared by all: only KTRegisterEncoder() may change it. */
+/** The built-in table. Shared by all: only KTRegisterEncoder() may change it. */
 extern formTable builtInFormTable;
+/** Its list: seventeen conversions, each at the place that Flag_t numbers, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
 /**
@@ -619,13 +620,13 @@ extern const int singleCharList[], utf8StrList[], ucs2StrList[], signedIntList[]
 int KTGetBuiltInFormTable(int options, formTable **table);
 
 /**
- * Sets the encoder of the shared built-in table; null removes it. It serves format calls whose table is that one or is
- * chained to it without an encoder of its own, and copies made later; not the calls without a table.
+ * Sets the encoder of the shared built-in table; null removes it. It serves format calls whose table is that one, or
+ * reaches it along its chain before another encoder, and copies made later; not the calls without a table.
  * @return 0 or KT_ERR_NOT_INITIALIZED.
  */
 int KTRegisterEncoder(KTEncoder encoder);
 
-/** Asks for the size of a form table; kept for programs that do. @return always 0. */
+/** Kept for programs that ask for the size of a form table; needs no started library. @return always 0. */
 int KTGetFormTableSize(void);
 
 /** Frees a private copy; null and the shared table are left alone. @return 0 or KT_ERR_NOT_INITIALIZED. */

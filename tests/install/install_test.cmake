@@ -27,6 +27,7 @@ string(REGEX MATCH "^[0-9]+" major "${VERSION}")
 set(installed include/kelto.h "${LIBDIR}/libkelto.so" "${LIBDIR}/libkelto.so.${major}" "${LIBDIR}/libkelto.so.${VERSION}"
   "${LIBDIR}/pkgconfig/kelto.pc" "${LIBDIR}/cmake/Kelto/KeltoConfig.cmake"
   "${LIBDIR}/cmake/Kelto/KeltoConfigVersion.cmake")
+list(APPEND installed share/man/man1/kelto.1 share/man/man3/kelto.3 share/man/man3/KTFormatString.3)
 if(HAS_PROGRAM)
   list(APPEND installed bin/kelto)
 endif()

@@ -1,0 +1,219 @@
+#!/usr/bin/env python3
+"""Makes the manual page kelto.3 of the header, whose comments are the reference.
+
+    make_man_page.py HEADER >kelto.3         writes the page
+    make_man_page.py --check HEADER PAGE     fails where the page is not what the header gives
+
+It fails too where the header declares something without a comment of its own.
+"""
+
+import re
+import sys
+
+TITLE = "message catalogs, formatting with positions, and character sets"
+
+# A comment, or code up to the end of its declaration. Braces belong to the declaration.
+TOKEN = re.compile(r"/\*.*?\*/|[^/;{]+(?:\{[^}]*\}[^;]*)?;", re.DOTALL)
+CHAPTER = re.compile(r"^## (\d+\. .*)$")
+TAG = re.compile(r"^@(?:param ([\w, ]+?)  +|param (\w+) |return )(.*)$")
+MEMBER = re.compile(r"^\s*([^/]*?),?;?\s*(?:/\*\*< (.*?) \*/)?$")
+
+
+class Page:
+    def __init__(self):
+        self.lines = []
+
+    def request(self, line):
+        self.lines.append(line)
+
+    def text(self, line):
+        """A line of running text: with **bold**, and with the names of functions in bold."""
+        line = escape(line)
+        line = re.sub(r"\*\*(.+?)\*\*", r"\\fB\1\\fR", line)
+        line = re.sub(r"\b((?:KT|ZEL_|check)\w+)\(\)", r"\\fB\1\\fR()", line)
+        self.lines.append(protect(line))
+
+    def code(self, lines):
+        self.request(".PP")
+        self.request(".RS 4")
+        self.request(".nf")
+        for line in lines:
+            self.lines.append(protect(escape_code(line)))
+        self.request(".fi")
+        self.request(".RE")
+
+
+def escape(text):
+    text = text.replace("\\", "\\e")
+    return "".join(c if ord(c) < 128 else f"\\[u{ord(c):04X}]" for c in text)
+
+
+def escape_code(text):
+    text = escape(text).replace("-", "\\-")
+    return text.replace("'", "\\(aq").replace("`", "\\(ga").replace("^", "\\(ha").replace("~", "\\(ti")
+
+
+def protect(line):
+    return "\\&" + line if line[:1] in (".", "'") else line
+
+
+def comment_lines(comment):
+    """The text of a comment without its frame."""
+    body = re.sub(r"^/\*\*?<? ?|\s*\*/$", "", comment)
+    lines = [re.sub(r"^ \* ?", "", line) for line in body.split("\n")]
+    while lines and not lines[0].strip():
+        del lines[0]
+    return lines
+
+
+def write_comment(page, lines):
+    """Paragraphs, indented code, @param and @return."""
+    # @return may follow a sentence on its line.
+    lines = [part for line in lines for part in re.split(r"(?<=\S) (?=@return)", line)]
+    pending = False  # a paragraph ended, and nothing has begun since
+    hanging = False  # inside @param or @return
+    i = 0
+    while i < len(lines):
+        line = lines[i]
+        tag = TAG.match(line)
+        if not line.strip():
+            pending = True
+        elif line.startswith("    ") and not hanging or line.startswith("    ") and pending:
+            block = []
+            while i < len(lines) and (lines[i].startswith("    ") or not lines[i].strip()):
+                block.append(lines[i][4:])
+                i += 1
+            while not block[-1].strip():
+                block.pop()
+            page.code(block)
+            pending = hanging = False
+            page.request(".PP")
+            continue
+        elif tag:
+            name = tag.group(1) or tag.group(2)
+            page.request(".TP")
+            page.request(f".I {escape(name.strip())}" if name else ".B Returns")
+            page.text(tag.group(3))
+            hanging, pending = True, False
+        else:
+            if pending:
+                page.request(".PP")
+                hanging = False
+            page.text(line.strip())
+            pending = False
+        i += 1
+
+
+def names_of(declaration):
+    """What a declaration declares, for its heading."""
+    record = re.match(r"(?:typedef )?(?:struct|enum) (\w+)", declaration)
+    if record and "{" in declaration:
+        return [record.group(1)]
+    pointer = re.match(r"typedef .*?\(\*(\w+)\)", declaration, re.DOTALL)
+    if pointer:
+        return [pointer.group(1)]
+    function = re.match(r"[^(]*?(\w+)\(", declaration)
+    if function and not declaration.startswith("typedef"):
+        return [function.group(1)]
+    if declaration.startswith("typedef"):
+        return [re.search(r"(\w+);$", declaration).group(1)]
+    return re.findall(r"(\w+)(?:\[\d*\])?(?=[,;])", declaration)
+
+
+def write_declaration(page, declaration):
+    """A declaration as code; the members of a record with their comments as a list."""
+    members = re.match(r"(.*?)\{(.*)\}(.*)$", declaration, re.DOTALL)
+    if not members:
+        page.code(declaration.split("\n"))
+        return []
+    described = []
+    silent = []
+    for line in members.group(2).strip("\n").split("\n"):
+        name, comment = MEMBER.match(line).groups()
+        (described if comment else silent).append((name, comment))
+    page.code([members.group(1).strip() + " { ... }" + members.group(3)])
+    if silent:
+        page.request(".PP")
+        page.text(", ".join(name for name, _ in silent))
+    return described
+
+
+def strip_preprocessor(source):
+    code = re.sub(r"^#(?:.*\\\n)*.*$", "", source, flags=re.MULTILINE)
+    return code.replace('extern "C" {', "").replace("\n}\n", "\n")
+
+
+def make_page(header):
+    version = re.search(r'#define KELTO_VERSION "(.*)"', header).group(1)
+    page = Page()
+    page.request('.\\" Made by make_man_page.py of kelto.h; change the comments there.')
+    page.request(f'.TH KELTO 3 "" "Kelto {version}" "Library Functions"')
+    page.request(".nh")
+    page.request(".ad l")
+    page.request(".SH NAME")
+    page.request(f"kelto \\- {TITLE}")
+    page.request(".SH SYNOPSIS")
+    page.request(".nf")
+    page.request(".B #include <kelto.h>")
+    page.request(".PP")
+    page.request("Compile and link with \\fIpkg\\-config \\-\\-cflags \\-\\-libs kelto\\fR.")
+    page.request(".fi")
+
+    comment = None  # the one in front of what comes next
+    for token in TOKEN.findall(strip_preprocessor(header)):
+        token = token.strip()
+        if token.startswith("/*"):
+            lines = comment_lines(token)
+            if token.startswith("/**") and lines[0].startswith("@file"):
+                lines = lines[3:]
+                token = "/*"
+            if token.startswith("/**"):
+                comment = lines
+                continue
+            chapter = CHAPTER.match(lines[0])
+            if chapter:
+                page.request(f".SH {chapter.group(1).upper()}")
+                lines = lines[1:]
+                while lines and not lines[0].strip():
+                    del lines[0]
+            else:
+                page.request(".SS About the functions that follow")
+            write_comment(page, lines)
+            continue
+        names = names_of(token)
+        if comment is None:
+            raise SystemExit(f"kelto.h: {', '.join(names)} has no comment")
+        page.request(f".SS {', '.join(names)}")
+        described = write_declaration(page, token)
+        page.request(".PP")
+        write_comment(page, comment)
+        for name, meaning in described:
+            page.request(".TP")
+            page.request(f".B {escape(name)}")
+            page.text(meaning)
+        comment = None
+
+    page.request(".SH SEE ALSO")
+    page.request(".BR kelto (1),")
+    page.request(".BR printf (3),")
+    page.request(".BR setlocale (3)")
+    return "\n".join(page.lines) + "\n"
+
+
+def main(arguments):
+    check = arguments[:1] == ["--check"]
+    if check:
+        del arguments[0]
+    if len(arguments) != (2 if check else 1):
+        raise SystemExit(__doc__)
+    with open(arguments[0], encoding="utf-8") as file:
+        page = make_page(file.read())
+    if not check:
+        sys.stdout.write(page)
+        return
+    with open(arguments[1], encoding="utf-8") as file:
+        if file.read() != page:
+            raise SystemExit(f"{arguments[1]} is older than {arguments[0]}: make it anew with make_man_page.py")
+
+
+main(sys.argv[1:])
