@@ -26,7 +26,7 @@ protected:
 struct Loaded
 {
     int result;
-    std::string content; // as in: en-US Example 1.0 #5: 2="text" 5="%s[1]"
+    std::string content; // as in: en-US Example 1.0 #5: 2="text" 5="%s[1]"; else what became of the handle
 
     bool operator==(const Loaded &other) const { return result == other.result && content == other.content; }
 };
@@ -36,9 +36,16 @@ inline std::ostream &operator<<(std::ostream &out, const Loaded &loaded)
     return out << loaded.result << ' ' << loaded.content;
 }
 
+/** Refused by the first pass or before it, which leaves the handle alone. */
 inline Loaded refused(int result = KT_ERR_BAD_MSG_FILE)
 {
-    return {result, ""};
+    return {result, "untouched"};
+}
+
+/** Refused once the table had been allocated. */
+inline Loaded refusedLate(int result = KT_ERR_BAD_MSG_FILE)
+{
+    return {result, "null"};
 }
 
 inline Loaded loaded(const std::string &messages)
@@ -94,11 +101,12 @@ inline Loaded loadFile(bool raw = false)
     MessageTable *table = untouched;
     const Outstanding before = FakeZel::outstanding();
     FakeZel::record();
-    Loaded outcome = refused(raw ? KTLoadRawMessages(memoryPath, &table) : KTLoadMessages(memoryPath, &table));
+    Loaded outcome = {raw ? KTLoadRawMessages(memoryPath, &table) : KTLoadMessages(memoryPath, &table), ""};
     const std::vector<uint64_t> sizes = blockSizes();
     if (outcome.result != 0)
     {
-        EXPECT_EQ(table, sizes.empty() ? untouched : nullptr);
+        outcome.content = table == untouched ? "untouched" : table == nullptr ? "null" : "left pointing somewhere";
+        EXPECT_EQ(table == untouched, sizes.empty());
         EXPECT_EQ(FakeZel::outstanding(), before);
         EXPECT_EQ(KTFreeMessages(table), KT_ERR_TABLE_NOT_FOUND);
         return outcome;

@@ -56,18 +56,6 @@ TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
     }
 }
 
-TEST_F(LookupTest, HoldsTheLockForTheLookupOnly)
-{
-    MessageTable *const table = loadTable(MessageFile().unit(1, "one").xml());
-    char *message = nullptr;
-    FakeZel::record();
-    EXPECT_EQ(KTGetMessage(table, 2, &message), KT_ERR_INVALID_MSG_ID);
-    EXPECT_EQ(KTGetMessage(nullptr, 1, &message), KT_ERR_TABLE_NOT_FOUND);
-    const std::vector<Operation> expected = {Operation::MutexAcquire, Operation::MutexRelease, Operation::MutexAcquire,
-                                             Operation::MutexRelease};
-    EXPECT_EQ(FakeZel::operations(), expected);
-}
-
 TEST(Lookup, RefusesWhileTheLibraryIsStoppedAndWritesNothing)
 {
     char *message = marker;

@@ -88,17 +88,6 @@ TEST_F(MsgTableListTest, IsWellLinkedAfterAnyInsertionsAndRemovals)
     }
 }
 
-TEST_F(MsgTableListTest, NeverReadsThroughAHandleThatIsNotInIt)
-{
-    MsgTableList list;
-    for (auto *const handle : {static_cast<MessageTable *>(nullptr), reinterpret_cast<MessageTable *>(0x10)})
-    {
-        EXPECT_EQ(list.IsInList(handle), nullptr);
-        EXPECT_EQ(list.Remove(handle), KT_ERR_TABLE_NOT_FOUND);
-    }
-    EXPECT_TRUE(tablesOf(list).empty());
-}
-
 TEST_F(MsgTableListTest, FreesEveryTableAndNodeAtItsEnd)
 {
     const Outstanding before = FakeZel::outstanding();
@@ -111,17 +100,6 @@ TEST_F(MsgTableListTest, FreesEveryTableAndNodeAtItsEnd)
     EXPECT_EQ(FakeZel::outstanding(), before);
     EXPECT_EQ(FakeZel::count(Operation::Free), 3 * 4u + 3 + 1);
     EXPECT_EQ(FakeZel::count(Operation::MutexAcquire), 0u);
-}
-
-TEST_F(MsgTableListTest, TakesItsNodeBeforeTheLock)
-{
-    MsgTableList list;
-    FakeZel::record();
-    ASSERT_EQ(list.Insert(makeTable()), 0);
-    const std::vector<Operation> expected = {Operation::Malloc, Operation::Malloc,       Operation::Malloc,
-                                             Operation::Malloc, // the table's
-                                             Operation::Malloc, Operation::MutexAcquire, Operation::MutexRelease};
-    EXPECT_EQ(FakeZel::operations(), expected);
 }
 
 TEST_F(MsgTableListTest, LeavesATableToTheCallerWhenThereIsNoNodeForIt)
