@@ -235,13 +235,24 @@ TEST_F(Files, TwoHandlesOfOneFileAreApart)
 
 TEST_F(Files, ClosingForgetsTheHandleAndFreesTheDescriptor)
 {
+    const auto lowestFreeDescriptor = [] {
+        const int descriptor = dup(STDERR_FILENO);
+        close(descriptor);
+        return descriptor;
+    };
     const std::string name = write("file", "text");
-    for (int i = 0; i < 5000; ++i)
+    const int before = lowestFreeDescriptor();
+    void *handle = nullptr;
+    ASSERT_EQ(ZEL_FileOpen(name.c_str(), 1, 0, 0, &handle), 0);
+    EXPECT_GT(lowestFreeDescriptor(), before);
+    EXPECT_EQ(ZEL_FileClose(&handle), 0);
+    EXPECT_EQ(handle, nullptr);
+    EXPECT_EQ(lowestFreeDescriptor(), before);
+
+    for (const std::string &refused : {m_folder.string(), path("nowhere"), std::string("/dev/null")})
     {
-        void *handle = nullptr;
-        ASSERT_EQ(ZEL_FileOpen(name.c_str(), 1, 0, 0, &handle), 0) << i;
-        ASSERT_EQ(ZEL_FileClose(&handle), 0);
-        ASSERT_EQ(handle, nullptr);
+        EXPECT_LT(openCode(refused), 0);
+        EXPECT_EQ(lowestFreeDescriptor(), before) << refused;
     }
 }
 
