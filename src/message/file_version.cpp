@@ -10,20 +10,19 @@ namespace
 
 constexpr size_t maxVersionBytes = 19;
 
-int queryVersion(const char *path, char *version)
+int queryVersion(const char *path, VersionQueryState &state)
 {
     kelto::File file;
     int result = kelto::openMessageFile(file, path);
     if (result != 0)
         return result;
-    VersionQueryState state = {false, version};
     const kelto::Parser parser(&state);
     if (!parser.isValid())
         return -1;
     XML_SetElementHandler(parser.get(), startElement, nullptr);
     const auto isDone = [](const void *query) { return static_cast<const VersionQueryState *>(query)->done; };
     result = kelto::parseFile(file, parser, isDone, &state);
-    return result == 0 && *version == '\0' ? KT_ERR_BAD_MSG_FILE : result;
+    return result == 0 && *state.version == '\0' ? KT_ERR_BAD_MSG_FILE : result;
 }
 
 } // namespace
@@ -45,7 +44,8 @@ int KTGetMsgFileVer(char *path, char *version)
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
     *version = '\0';
-    const int result = queryVersion(path, version);
+    VersionQueryState state = {false, version};
+    const int result = queryVersion(path, state);
     if (result != 0)
         *version = '\0'; // the file may have turned out malformed behind the version
     return result;

@@ -384,11 +384,10 @@ int createTable(kelto::File &file, const FirstPassState &measured, MessageTable 
     if (result != 0)
         return result;
 
-    block.release();
-    table->messages = messages;
+    table->messages = reinterpret_cast<char **>(block.release());
     result = msgTableList->Insert(table.get());
     if (result == 0)
-        table.release(); // the list's now, which may have freed it already
+        static_cast<void>(table.release()); // the list's now, which may have freed it already
     return result;
 }
 

@@ -43,7 +43,7 @@ tableItem *MsgTableList::Head()
     return head != nullptr ? head->next : nullptr;
 }
 
-unsigned MsgTableList::TableCount()
+unsigned MsgTableList::TableCount() // NOLINT(readability-make-member-function-const): exported as it is
 {
     return count;
 }
@@ -86,7 +86,7 @@ int MsgTableList::Remove(MessageTable *table)
     return 0;
 }
 
-void MsgTableList::freeTableItem(tableItem *item)
+void MsgTableList::freeTableItem(tableItem *item) // NOLINT(readability-convert-member-functions-to-static): likewise
 {
     if (item->table != nullptr)
         kelto::freeTable(item->table);
