@@ -273,10 +273,10 @@ int KTFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, cha
 int KTFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
                                UCS2 *out, char *format, ...);
 
-/** KTFormatString() with the arguments as a va_list, which is used up. */
+/** KTFormatString() with the arguments as a va_list. It is not advanced, so it serves a second call with more room too. */
 int KTvFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, va_list arguments);
 
-/** KTFormatStringWithPassThru() with the arguments as a va_list, which is used up. */
+/** KTFormatStringWithPassThru() with the arguments as a va_list, as in KTvFormatString(). */
 int KTvFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
                                 UCS2 *out, char *format, va_list arguments);
 
@@ -561,7 +561,7 @@ typedef int (*KTFormatFunction)(const char *convName, int width, int precision, 
  */
 typedef struct KTFormatter
 {
-    const char *name;        /**< up to 19 ASCII characters, see below; null ends a list */
+    const char *name;        /**< up to 19 ASCII characters, see above; null ends a list */
     void *reserved;          /**< not read */
     int argCount;            /**< the slots it takes: the number of codes 1 to 7 in argTypes */
     const int *argTypes;     /**< the kinds of its arguments, ended by 0: see the lists below; not null */

@@ -9,26 +9,28 @@ const int unsignedIntList[] = {kelto::unsignedInteger, kelto::endOfTypes};
 const int doubleList[] = {kelto::floatingPoint, kelto::endOfTypes};
 
 // The order is that of Flag_t, and records of one first letter stand together.
+// clang-format off
 KTFormatter builtInFormList[18] = {
-    {"d", nullptr, 1, signedIntList, formatInteger},    //
-    {"DND", nullptr, 1, ucs2StrList, formatDN},         //
-    {"DNS", nullptr, 1, ucs2StrList, formatDN},         //
-    {"DT", nullptr, 1, utf8StrList, formatDateTime},    //
-    {"D", nullptr, 1, utf8StrList, formatDateTime},     //
-    {"T", nullptr, 1, utf8StrList, formatDateTime},     //
-    {"u", nullptr, 1, unsignedIntList, formatUnsigned}, //
-    {"U", nullptr, 1, ucs2StrList, formatUCS2Str},      //
-    {"o", nullptr, 1, unsignedIntList, formatOctHex},   //
-    {"x", nullptr, 1, unsignedIntList, formatOctHex},   //
-    {"X", nullptr, 1, unsignedIntList, formatOctHex},   //
-    {"f", nullptr, 1, doubleList, formatDouble},        //
-    {"c", nullptr, 1, singleCharList, formatChar},      //
-    {"s", nullptr, 1, utf8StrList, formatUTF8Str},      //
-    {"E", nullptr, 1, utf8StrList, formatError},        //
-    {"EID", nullptr, 1, unsignedIntList, formatEID},    //
-    {"IP", nullptr, 1, utf8StrList, formatIP},          //
+    {"d", nullptr, 1, signedIntList, formatInteger},
+    {"DND", nullptr, 1, ucs2StrList, formatDN},
+    {"DNS", nullptr, 1, ucs2StrList, formatDN},
+    {"DT", nullptr, 1, utf8StrList, formatDateTime},
+    {"D", nullptr, 1, utf8StrList, formatDateTime},
+    {"T", nullptr, 1, utf8StrList, formatDateTime},
+    {"u", nullptr, 1, unsignedIntList, formatUnsigned},
+    {"U", nullptr, 1, ucs2StrList, formatUCS2Str},
+    {"o", nullptr, 1, unsignedIntList, formatOctHex},
+    {"x", nullptr, 1, unsignedIntList, formatOctHex},
+    {"X", nullptr, 1, unsignedIntList, formatOctHex},
+    {"f", nullptr, 1, doubleList, formatDouble},
+    {"c", nullptr, 1, singleCharList, formatChar},
+    {"s", nullptr, 1, utf8StrList, formatUTF8Str},
+    {"E", nullptr, 1, utf8StrList, formatError},
+    {"EID", nullptr, 1, unsignedIntList, formatEID},
+    {"IP", nullptr, 1, utf8StrList, formatIP},
     {nullptr, nullptr, 0, nullptr, nullptr},
 };
+// clang-format on
 
 formTable builtInFormTable = {
     true,

@@ -1,6 +1,6 @@
 /**
  * What parser, driver and formatters agree on beyond the public records: the argument-type codes of a conversion, the
- * value that stands for "taken from the arguments", and the shape of a function that can serve as a formatter. Everything
+ * values that stand for "absent" and "taken from the arguments", what a marker is, how long a name can be. Everything
  * else of the contract is in kelto.h, chapter "Extending".
  */
 #ifndef KELTO_FORMAT_CONTRACT_H

@@ -15,7 +15,7 @@ struct FlagCharacter
     int flag;
 };
 
-/** Rows of them, spread out by character: a format is mostly characters that set no flag. */
+/** Rows of them, spread out by character: one access for a unit instead of a search. */
 class FlagTable
 {
 public:
@@ -57,19 +57,19 @@ int takeNumber(const UCS2 *&cursor)
 }
 
 /** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `otherwise`. */
-bool takeField(const UCS2 *&cursor, int otherwise, int &field)
+bool takeWidthOrPrecision(const UCS2 *&cursor, int otherwise, int &value)
 {
-    field = otherwise;
+    value = otherwise;
     if (*cursor == u'*')
     {
         ++cursor;
-        field = kelto::fromArguments;
+        value = kelto::fromArguments;
         return true;
     }
     if (!isDigit(*cursor))
         return true;
-    field = takeNumber(cursor);
-    return field != tooLarge;
+    value = takeNumber(cursor);
+    return value != tooLarge;
 }
 
 int takeFlags(const UCS2 *&cursor)
@@ -130,13 +130,13 @@ ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcep
     const UCS2 *cursor = percent + 1;
     int flags = takeFlags(cursor);
     int width = absent;
-    if (!takeField(cursor, absent, width))
+    if (!takeWidthOrPrecision(cursor, absent, width))
         return malformed;
     int precision = absent;
     if (*cursor == u'.')
     {
         ++cursor;
-        if (!takeField(cursor, 0, precision))
+        if (!takeWidthOrPrecision(cursor, 0, precision))
             return malformed;
     }
     flags |= takeModifier(cursor);

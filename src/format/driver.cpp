@@ -1,15 +1,14 @@
 #include "kelto.h"
 
 #include "format/arguments.h"
+#include "format/converted_text.h"
 #include "format/form_table.h"
 #include "format/format_string.h"
 #include "lifecycle/state.h"
 #include "platform/scoped.h"
-#include "strconv/converter.h"
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstring>
 
 namespace
 {
@@ -33,8 +32,8 @@ public:
     {
         if (!m_isTruncated)
         {
-            const unsigned long free = room() > 0 ? room() - 1 : 0;
-            const size_t written = std::min<size_t>(count, free);
+            const unsigned long writable = room() > 0 ? room() - 1 : 0;
+            const size_t written = std::min<size_t>(count, writable);
             m_next = std::copy_n(units, written, m_next);
             m_isTruncated = written < count;
         }
@@ -61,8 +60,7 @@ public:
             return result;
         // A formatter of the caller's that claims more than its room has not written a text to build upon.
         const bool isWritten = result == 0 && (units == 0 || units < given);
-        if (isWritten && !m_isTruncated)
-            m_next += units;
+        m_next += isWritten ? units : 0;
         m_isTruncated = m_isTruncated || !isWritten;
         addToTotal(units);
         return 0;
@@ -132,11 +130,14 @@ int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces &places, c
         if (place.begin == end)
             return text.finish();
         from = place.end;
-        if (isPercentSign || kelto::isMarker(parameters[place.position - 1]))
+        if (isPercentSign)
+            continue;
+        const KTParameter &parameter = parameters[place.position - 1];
+        if (kelto::isMarker(parameter))
             continue;
         // Once the text is cut, the caller has to come again anyway: the need is completed, and the next call tells
         // what is wrong.
-        const int result = text.appendConversion(parameters[place.position - 1], slots);
+        const int result = text.appendConversion(parameter, slots);
         if (result != 0 && !text.isTruncated())
             return text.fail(result);
     }
@@ -148,15 +149,10 @@ class PreparedFormat
 public:
     int prepare(const char *format, formTable *table, bool tag)
     {
-        const size_t bytes = std::strlen(format);
-        m_text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
-        if (m_text == nullptr)
-            return KT_ERR_NO_MEMORY;
-        m_length = bytes + 1;
-        if (const int result = kelto::utf8ToUCS2(format, bytes, &m_length, m_text.get()))
+        if (const int result = m_text.convert(format))
             return result;
         KTParameter *parameters = nullptr;
-        const int result = kelto::checkFormat(m_text.get(), m_length, table, &parameters, m_places);
+        const int result = kelto::checkFormat(m_text.units(), m_text.length(), table, &parameters, m_places);
         m_parameters.reset(parameters);
         if (result == 0)
             m_slotCount = kelto::numberSlots(parameters, tag);
@@ -168,12 +164,11 @@ public:
 
     int write(void **slots, const Output &output)
     {
-        return writeText(m_text.get(), m_length, m_places, m_parameters.get(), slots, output);
+        return writeText(m_text.units(), m_text.length(), m_places, m_parameters.get(), slots, output);
     }
 
 private:
-    kelto::TagBlock<UCS2> m_text;
-    size_t m_length = 0;
+    kelto::ConvertedText m_text;
     kelto::PercentPlaces m_places;
     kelto::TagBlock<KTParameter> m_parameters;
     size_t m_slotCount = 0;

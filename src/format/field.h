@@ -1,7 +1,8 @@
 /**
  * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. Every
  * formatter hands its pieces to writeField(), so that the size is known before the first unit is written; the sum, the
- * question whether it fits, and the writing stand here and nowhere else. Counts are 64 bits wide: a field may be far
+ * question whether it fits, and the writing stand here and nowhere else, except for a text that an encoder has put in
+ * its place already. Counts are 64 bits wide: a field may be far
  * longer than any memory, since it is then measured only.
  */
 #ifndef KELTO_FORMAT_FIELD_H
@@ -99,6 +100,7 @@ struct NumberText
     uint64_t leadingZeros;
     NarrowText digits;
     uint64_t trailingZeros;
+    uint64_t uncounted = 0; /**< units that a width does not count */
 };
 
 /** The sign of a signed number: '-', or what the flags put in its place. */

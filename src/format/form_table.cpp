@@ -87,8 +87,8 @@ KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &tab
 size_t namesSize()
 {
     size_t size = 0;
-    for (const KTFormatter &record : builtInFormList)
-        size += record.name != nullptr ? std::strlen(record.name) + 1 : 0;
+    for (const KTFormatter *record = builtInFormList; record->name != nullptr; ++record)
+        size += std::strlen(record->name) + 1;
     return size;
 }
 
@@ -108,9 +108,12 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
     auto *records = reinterpret_cast<KTFormatter *>(copy + 1);
     auto *names = reinterpret_cast<char *>(records + listLength);
 
-    std::memcpy(static_cast<void *>(copy), &builtInFormTable, sizeof *copy);
-    copy->encoder = encoderOf(builtInFormTable);
+    // Field by field, since the encoder may be changing.
+    copy->indexed = builtInFormTable.indexed;
+    std::memcpy(copy->letterIndex, builtInFormTable.letterIndex, sizeof copy->letterIndex);
     copy->formList = records;
+    copy->encoder = encoderOf(builtInFormTable);
+    copy->nextTable = nullptr;
     std::memcpy(static_cast<void *>(records), builtInFormList, sizeof builtInFormList);
     for (KTFormatter *record = records; record->name != nullptr; ++record)
     {
@@ -137,10 +140,10 @@ Conversion findConversion(const ConversionName &name, int flags, formTable *tabl
     for (; table != nullptr; table = table->nextTable)
     {
         const bool isBuiltIn = table == &builtInFormTable;
-        KTFormatter *const record = findInTable(name, *table);
-        if (record == nullptr && isBuiltIn)
+        if (isBuiltIn)
             if (const ShortName *const shortName = findShortName(name, flags))
                 return {shortName->type, &builtInFormList[shortName->type], FLAG_BANG};
+        KTFormatter *const record = findInTable(name, *table);
         if (record == nullptr)
             continue;
         if (!isBuiltIn && !isUsable(*record))

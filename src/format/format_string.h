@@ -24,7 +24,8 @@ struct PercentPlace
 
 /**
  * The places of a checked format in the order of the text. The check notes the first of them, so that the driver need
- * not look for them again; the others, or all of a format that was checked elsewhere, are found anew.
+ * not look for them again; the others, or all of a format that was checked elsewhere, are found anew. They can be walked
+ * through once.
  */
 class PercentPlaces
 {

@@ -238,6 +238,28 @@ TEST_F(OwnFormatters, AFailureBehindATruncationStillMeasuresTheRest)
     EXPECT_EQ(call(&size, out, false, "abcd%own[1]ef%3d[2]", 1, 2), -77) << "the retry tells what is wrong";
 }
 
+TEST_F(OwnFormatters, WriteOneBehindTheOtherAlsoAfterATruncation)
+{
+    codeToReturn = KT_ERR_BUFFER_TOO_SMALL;
+    sizeToReport = 1;
+    static UCS2 *places[2];
+    static int calls;
+    calls = 0;
+    KTFormatter noting[] = {
+        {"at", nullptr, 0, noTypes,
+         [](const char *, int, int, int, KTEncoder, void *, void **, unsigned long *units, UCS2 *at) {
+             places[calls++] = at;
+             *units = 2;
+             return 0;
+         }},
+        {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable chained = {false, {}, noting, nullptr, &table};
+    EXPECT_EQ(formatInto(&size, out, {false, &chained, nullptr}, "ab%none[1]%at[2]%at[3]"), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(places[0], out + 2);
+    EXPECT_EQ(places[1], out + 4);
+    EXPECT_EQ(size, 7u);
+}
+
 TEST_F(OwnFormatters, CannotClaimMoreThanTheirRoom)
 {
     for (const unsigned long claim : {3UL, 20UL, ~0UL})
@@ -296,21 +318,23 @@ TEST_F(Driver, PassesPointerSizedValuesThrough)
     EXPECT_EQ(received, ~uint64_t{1});
 }
 
-int callList(unsigned long *size, UCS2 *out, const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    const int result = KTvFormatString(nullptr, false, size, out, text(format), arguments);
-    va_end(arguments);
-    return result;
-}
-
-TEST_F(Driver, TakesAnArgumentList)
+/** Formats into too little room, then again with what was asked for and the same list. */
+std::u16string formatTwice(const char *format, ...)
 {
     UCS2 out[20];
-    unsigned long size = 20;
-    EXPECT_EQ(callList(&size, out, "%s[2]: %d[1]", 7, "x"), 0);
-    EXPECT_EQ(asString(out), u"x: 7");
+    unsigned long size = 2;
+    va_list arguments;
+    va_start(arguments, format);
+    EXPECT_EQ(KTvFormatString(nullptr, false, &size, out, text(format), arguments), KT_ERR_BUFFER_TOO_SMALL);
+    ++size;
+    EXPECT_EQ(KTvFormatString(nullptr, false, &size, out, text(format), arguments), 0);
+    va_end(arguments);
+    return asString(out, size);
+}
+
+TEST_F(Driver, AnArgumentListServesTheRetryToo)
+{
+    EXPECT_EQ(formatTwice("%s[2]: %d[1]", 7, "x"), u"x: 7");
 }
 
 TEST_F(Driver, TakesExactlyTheBlocksThatItPromises)

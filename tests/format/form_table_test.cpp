@@ -183,7 +183,7 @@ TEST(StoppedFormTable, IsRefusedBeforeAnythingIsTouched)
     EXPECT_EQ(KTGetFormTableSize(), 0);
 }
 
-TEST_F(FormTable, TheEncoderMayChangeWhileOthersFormat)
+TEST_F(FormTable, TheEncoderMayChangeWhileOthersFormatAndCopy)
 {
     std::thread writer([] {
         for (int i = 0; i < 200; ++i)
@@ -195,6 +195,8 @@ TEST_F(FormTable, TheEncoderMayChangeWhileOthersFormat)
         unsigned long size = 10;
         ASSERT_EQ(formatInto(&size, out, {false, &builtInFormTable, nullptr}, "%N[1]%s[2]", "a"), 0);
         ASSERT_LE(size, 1u);
+        const Copy copy(1);
+        ASSERT_TRUE(copy->encoder == nullptr || copy->encoder == encodeNothing);
     }
     writer.join();
     KTRegisterEncoder(nullptr);

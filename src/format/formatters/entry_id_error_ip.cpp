@@ -1,9 +1,7 @@
+#include "format/converted_text.h"
 #include "format/field.h"
 #include "format/formatters/integer.h"
 #include "format/formatters/texts.h"
-#include "lifecycle/state.h"
-#include "platform/scoped.h"
-#include "strconv/converter.h"
 
 #include <cstring>
 
@@ -35,16 +33,11 @@ int formatEID(const char * /*convName*/, int /*width*/, int /*precision*/, int f
 int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
                 void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    const auto *const source = static_cast<const char *>(*argSlot);
-    const size_t bytes = std::strlen(source);
-    const auto text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
-    if (text == nullptr)
-        return KT_ERR_NO_MEMORY;
-    size_t units = bytes + 1;
-    if (const int result = kelto::utf8ToUCS2(source, bytes, &units, text.get()))
+    kelto::ConvertedText text;
+    if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
     return kelto::writeTagged(flags, error_tag_o, error_tag_c, sizeInOut, out, kelto::Ending::terminated,
-                              kelto::Text{text.get(), units});
+                              kelto::Text{text.units(), text.length()});
 }
 
 // An address takes its place among the arguments and contributes no text, which fits even where there is no room.

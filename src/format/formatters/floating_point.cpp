@@ -53,21 +53,20 @@ public:
         if (renderQuickly(flags, precision, value))
             return true;
         const char *const format = formatOf<Value>(flags);
-        m_length = print(m_usual, usualSize, format, precision, value);
+        if (!print(m_usual, usualSize, format, precision, value))
+            return false;
         if (m_length < usualSize)
             return true;
         m_long = kelto::allocate<char>(glbResHandle, m_length + 1);
-        if (m_long == nullptr)
-            return false;
-        print(m_long.get(), m_length + 1, format, precision, value);
-        return true;
+        return m_long != nullptr && print(m_long.get(), m_length + 1, format, precision, value);
     }
 
     const char *text() const { return m_long != nullptr ? m_long.get() : m_usual; }
     size_t length() const { return m_length; }
 
 private:
-    // The same digits at a quarter of the cost; only for doubles, since it hands long doubles to the C library anyway.
+    // The same digits at a quarter of the cost; only for doubles, since std::to_chars() hands long doubles to
+    // the C library anyway.
     bool renderQuickly(int flags, int precision, double value)
     {
         if ((flags & FLAG_HASH) != 0 || !std::isfinite(value) || !isPlainEnvironment())
@@ -79,12 +78,15 @@ private:
     }
     bool renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) { return false; }
 
-    template <typename Value> static size_t print(char *to, size_t size, const char *format, int precision, Value value)
+    // The C library takes memory of its own for a very long number, and fails without it.
+    template <typename Value> bool print(char *to, size_t size, const char *format, int precision, Value value)
     {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-        return static_cast<size_t>(std::snprintf(to, size, format, precision, value));
+        const int length = std::snprintf(to, size, format, precision, value);
 #pragma GCC diagnostic pop
+        m_length = length >= 0 ? static_cast<size_t>(length) : 0;
+        return length >= 0;
     }
 
     char m_usual[usualSize];
@@ -92,12 +94,19 @@ private:
     size_t m_length = 0;
 };
 
-/** As in the C library, and unlike integers: '-' wins over '0', and what is no number is not padded with zeros. */
+/** As in the C library, and unlike integers: '-' wins over '0', and infinity and what is no number are not
+ * padded with zeros. */
 kelto::Padding paddingOf(int flags, bool isFinite)
 {
     if ((flags & FLAG_MINUS) != 0)
         return kelto::Padding::right;
     return (flags & FLAG_ZERO) != 0 && isFinite ? kelto::Padding::zeros : kelto::Padding::left;
+}
+
+/** What the mark of some locales has in bytes beyond the one that the C library counts for it in a width. */
+uint64_t uncountedBytes(bool hasMark)
+{
+    return hasMark ? std::strlen(nl_langinfo(RADIXCHAR)) - 1 : 0;
 }
 
 template <typename Value>
@@ -112,9 +121,12 @@ int writeValue(Value value, int width, int precision, int flags, unsigned long *
     const char *const text = rendering.text();
     const size_t minus = *text == '-' ? 1 : 0;
     const uint64_t moreDecimals = isFinite ? static_cast<uint64_t>(wanted - rendered) : 0;
-    return kelto::writeNumber(
-        {kelto::signOf(minus != 0, flags), 0, {text + minus, rendering.length() - minus}, moreDecimals}, width,
-        paddingOf(flags, isFinite), sizeInOut, out);
+    return kelto::writeNumber({kelto::signOf(minus != 0, flags),
+                               0,
+                               {text + minus, rendering.length() - minus},
+                               moreDecimals,
+                               uncountedBytes(isFinite && (wanted > 0 || (flags & FLAG_HASH) != 0))},
+                              width, paddingOf(flags, isFinite), sizeInOut, out);
 }
 
 template <typename Value> Value read(const void *slot)

@@ -1,10 +1,7 @@
+#include "format/converted_text.h"
 #include "format/field.h"
-#include "lifecycle/state.h"
-#include "platform/scoped.h"
-#include "strconv/converter.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -45,6 +42,8 @@ int padInPlace(unsigned long length, int width, int flags, int status, unsigned 
     *sizeInOut = length + missing;
     if (!kelto::fits(length + missing, room))
         return KT_ERR_BUFFER_TOO_SMALL;
+    if (missing == 0)
+        return status;
     if ((flags & FLAG_MINUS) != 0)
     {
         std::fill_n(out + length, missing, padUnit(flags));
@@ -60,12 +59,16 @@ unsigned long cut(unsigned long length, int precision)
     return precision >= 0 ? std::min(length, static_cast<unsigned long>(precision)) : length;
 }
 
-int writeEncodedText(const UCS2 *text, int width, int precision, int flags, KTEncoder encoder, unsigned long *sizeInOut,
-                     UCS2 *out)
+/** Writes a terminated text, or has it encoded: what "U" and "s" share once the text is UCS-2. */
+int writeText(const UCS2 *text, size_t length, int width, int precision, int flags, KTEncoder passThru1,
+              unsigned long *sizeInOut, UCS2 *out)
 {
-    unsigned long length = *sizeInOut;
-    const int status = encoder(text, encodedText, &length, out);
-    return padInPlace(cut(length, precision), width, flags, status, sizeInOut, out);
+    const KTEncoder encoder = encoderFor(flags, passThru1);
+    if (encoder == nullptr)
+        return writePadded(text, cut(length, precision), width, flags, sizeInOut, out);
+    unsigned long encodedLength = *sizeInOut;
+    const int status = encoder(text, encodedText, &encodedLength, out);
+    return padInPlace(cut(encodedLength, precision), width, flags, status, sizeInOut, out);
 }
 
 UCS2 readCharacter(const void *slot, int flags)
@@ -95,23 +98,15 @@ int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags
                   void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const auto *const text = static_cast<const UCS2 *>(*argSlot);
-    if (const KTEncoder encoder = encoderFor(flags, passThru1))
-        return writeEncodedText(text, width, precision, flags, encoder, sizeInOut, out);
-    return writePadded(text, cut(KTUCS2strlen(text), precision), width, flags, sizeInOut, out);
+    return writeText(text, KTUCS2strlen(text), width, precision, flags, passThru1, sizeInOut, out);
 }
 
+// Flattened for the same reason as the format calls: most messages have a text among their arguments.
 [[gnu::flatten]] int formatUTF8Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
                                    void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    const auto *const source = static_cast<const char *>(*argSlot);
-    const size_t bytes = std::strlen(source);
-    const auto text = kelto::allocate<UCS2>(glbResHandle, bytes + 1);
-    if (text == nullptr)
-        return KT_ERR_NO_MEMORY;
-    size_t units = bytes + 1;
-    if (const int result = kelto::utf8ToUCS2(source, bytes, &units, text.get()))
+    kelto::ConvertedText text;
+    if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
-    if (const KTEncoder encoder = encoderFor(flags, passThru1))
-        return writeEncodedText(text.get(), width, precision, flags, encoder, sizeInOut, out);
-    return writePadded(text.get(), cut(units, precision), width, flags, sizeInOut, out);
+    return writeText(text.units(), text.length(), width, precision, flags, passThru1, sizeInOut, out);
 }

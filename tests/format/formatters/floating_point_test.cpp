@@ -128,11 +128,20 @@ TEST_F(FloatingPoint, OfAnyBitsIsWhatTheCLibraryPrints)
 TEST_F(FloatingPoint, UsesTheDecimalMarkOfTheLocale)
 {
     const LocaleFolder folder;
-    if (!folder.build("de_DE.UTF-8", "de_DE", "UTF-8"))
-        GTEST_SKIP() << "localedef or the sources of the locales are missing";
-    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
-    EXPECT_EQ(format("%.2f[1] %08.1f[2]", 1234.5, -2.5), ok(u"1234,50 -00002,5"));
-    std::setlocale(LC_NUMERIC, "C");
+    for (const char *name : {"de_DE", "ps_AF"}) // a comma, and a mark of two bytes
+    {
+        if (!folder.build(name, name, "UTF-8"))
+            GTEST_SKIP() << "localedef or the sources of the locales are missing";
+        ASSERT_NE(std::setlocale(LC_NUMERIC, name), nullptr);
+        for (int flagSet = 0; flagSet < 32; ++flagSet)
+            for (const int width : {-1, 12})
+                for (const int precision : {0, 2})
+                {
+                    compare(specification(flagSet, width, precision), 1234.5);
+                    compare(specification(flagSet, width, precision), -1234.5L);
+                }
+        std::setlocale(LC_NUMERIC, "C");
+    }
     EXPECT_EQ(format("%.2f[1]", 1234.5), ok(u"1234.50"));
 }
 
