@@ -1,4 +1,4 @@
-# What `cmake --install` lays down: library, header, package files, program, man pages, examples.
+# What `cmake --install` lays down: library, header, package files, program, man pages, guides, examples.
 
 include(CMakePackageConfigHelpers)
 
@@ -32,6 +32,9 @@ foreach(prototype IN LISTS KELTO_PROTOTYPES)
   endif()
 endforeach()
 
+file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
+list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/docs/architecture.md")
+install(FILES ${guides} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 if(KELTO_BUILD_TOOLS)
