@@ -1,0 +1,54 @@
+// Formatting by {fmt}, with formats that are known only at run time, as those of a catalog are.
+
+#include "format.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace bench
+{
+namespace
+{
+
+using Bytes = std::array<char, formatRoom>;
+
+const Register fmtW1("W1", "{fmt}", [] {
+    return job([format = std::string("{1}: {0}"), out = Bytes()]() mutable {
+        keep(format.data());
+        const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), 7, "files");
+        return std::string_view(out.data(), end.size);
+    });
+});
+
+const Register fmtW2("W2", "{fmt}", [] {
+    const std::string format = "{0:<14}|{1:5}|{2:7.2f}|{3:08x}|{4}|{5:12.3f}|{6}|{7:.1f}|{8:<6}|{9:>10}";
+    return job([format, a = TenArguments(), out = Bytes()]() mutable {
+        keep(format.data());
+        keep(&a);
+        const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), a.user, a.files, a.done, a.mask,
+                                          a.volume, a.size, a.id, a.load, a.delta, a.state);
+        return std::string_view(out.data(), end.size);
+    });
+});
+
+const Register fmtW3("W3", "{fmt}", [] {
+    return job([format = longText("{0}"), out = Bytes()]() mutable {
+        keep(format.data());
+        const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), 7);
+        return std::string_view(out.data(), end.size);
+    });
+});
+
+const Register fmtW4("W4", "{fmt}", [] {
+    return job([format = std::string("{1}: {0}"), out = Bytes()]() mutable {
+        keep(format.data());
+        auto end = fmt::format_to_n(out.data(), shortRoom, fmt::runtime(format), 7, "files");
+        if (end.size > shortRoom)
+            end = fmt::format_to_n(out.data(), end.size, fmt::runtime(format), 7, "files");
+        return std::string_view(out.data(), end.size);
+    });
+});
+
+} // namespace
+} // namespace bench

@@ -1,0 +1,94 @@
+// Loading a message file, beside what two passes of the XML parser cost by themselves.
+
+#include "workload.h"
+
+#include "kelto.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+namespace bench
+{
+namespace
+{
+
+/** What the contenders are compared by: how many messages there are. */
+std::string_view answer(std::string &text, int messages)
+{
+    text = std::to_string(messages);
+    return text;
+}
+
+std::unique_ptr<Job> keltoLoad(const char *file, unsigned int messages)
+{
+    return job([path = catalog(file), messages, text = std::string()]() mutable {
+        MessageTable *table = nullptr;
+        char *last = nullptr;
+        KTLoadMessages(path.data(), &table);
+        const bool complete = KTGetMessage(table, messages, &last) == 0 && last != nullptr &&
+                              KTGetMessage(table, messages + 1, &last) == KT_ERR_INVALID_MSG_ID;
+        KTFreeMessages(table);
+        return answer(text, complete ? static_cast<int>(messages) : -1);
+    });
+}
+
+/** Bare expat, twice, in chunks of 300 bytes from memory, with the three handlers that a loader needs, doing nothing. */
+class ExpatPasses
+{
+public:
+    explicit ExpatPasses(const char *file)
+    {
+        std::ifstream input(catalog(file), std::ios::binary);
+        m_document.assign(std::istreambuf_iterator<char>(input), {});
+        require(!m_document.empty(), "a message file cannot be read");
+    }
+    /** Parses once; the elements seen that a loader takes for a message. */
+    int parse()
+    {
+        constexpr size_t chunkBytes = 300;
+        int messages = 0;
+        XML_Parser parser = XML_ParserCreate(nullptr);
+        XML_SetUserData(parser, &messages);
+        XML_SetElementHandler(parser, start, end);
+        XML_SetCharacterDataHandler(parser, text);
+        XML_Status status = XML_STATUS_OK;
+        for (size_t at = 0; at <= m_document.size() && status == XML_STATUS_OK; at += chunkBytes)
+        {
+            const size_t length = std::min(chunkBytes, m_document.size() - at);
+            status = XML_Parse(parser, m_document.data() + at, static_cast<int>(length), length < chunkBytes);
+        }
+        XML_ParserFree(parser);
+        require(status == XML_STATUS_OK, "expat rejects a message file");
+        return messages;
+    }
+
+private:
+    static void start(void *messages, const char *name, const char **)
+    {
+        if (name[0] == 't')
+            ++*static_cast<int *>(messages);
+    }
+    static void end(void *, const char *) {}
+    static void text(void *, const char *, int) {}
+
+    std::string m_document;
+};
+
+std::unique_ptr<Job> expatLoad(const char *file)
+{
+    return job([passes = ExpatPasses(file), text = std::string()]() mutable {
+        passes.parse();
+        return answer(text, passes.parse());
+    });
+}
+
+const Register kelto2000("W6/2000", kelto, [] { return keltoLoad("messages-2000.xlf", 2000); });
+const Register kelto20000("W6/20000", kelto, [] { return keltoLoad("messages-20000.xlf", 20000); });
+const Register expat2000("W6/2000", "expat", [] { return expatLoad("messages-2000.xlf"); });
+const Register expat20000("W6/20000", "expat", [] { return expatLoad("messages-20000.xlf"); });
+
+} // namespace
+} // namespace bench
