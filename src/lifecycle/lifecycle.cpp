@@ -5,7 +5,9 @@
 #include "message/table_list.h"
 #include "platform/zel.h"
 
+#include <algorithm>
 #include <clocale>
+#include <iterator>
 #include <new>
 
 namespace
@@ -16,15 +18,17 @@ constexpr long mutexParameter = 1000;
 /** The mutexes in the order of their creation, which is also that of their destruction. */
 void **const mutexes[] = {&tableListMutex, &formTableMutex, &refCountMutex};
 
+bool createMutex(void **mutex)
+{
+    if (ZEL_LMutexCreate(mutex, mutexParameter) == 0)
+        return true;
+    *mutex = nullptr;
+    return false;
+}
+
 bool createMutexes()
 {
-    for (void **mutex : mutexes)
-        if (ZEL_LMutexCreate(mutex, mutexParameter) != 0)
-        {
-            *mutex = nullptr;
-            return false;
-        }
-    return true;
+    return std::all_of(std::begin(mutexes), std::end(mutexes), createMutex);
 }
 
 bool createTableList()

@@ -96,7 +96,7 @@ int ZEL_LeaveSpinLock(void **lock)
 namespace
 {
 
-constexpr size_t readAheadBytes = 32 * 1024;
+constexpr size_t readAheadBytes = size_t{32} * 1024;
 
 struct OpenFile
 {

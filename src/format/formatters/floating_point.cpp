@@ -76,7 +76,7 @@ private:
         m_length = static_cast<size_t>(end - m_usual);
         return error == std::errc();
     }
-    bool renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) { return false; }
+    static bool renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) { return false; }
 
     // The C library takes memory of its own for a very long number, and fails without it.
     template <typename Value> bool print(char *to, size_t size, const char *format, int precision, Value value)
