@@ -23,7 +23,7 @@ int kelto::openMessageFile(File &file, const char *path) noexcept
     }
 }
 
-int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(const void *state), const void *state) noexcept
+int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, uint64_t), void *state) noexcept
 {
     if (!parser.isValid())
         return -1;
@@ -41,7 +41,7 @@ int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(const void
         const bool isFinal = length < chunkBytes;
         if (XML_Parse(parser.get(), chunk, static_cast<int>(length), isFinal) != XML_STATUS_OK)
             return KT_ERR_BAD_MSG_FILE;
-        if (isFinal || isDone(state))
+        if (isDone(state, offset) || isFinal)
             return 0;
     }
 }

@@ -2,7 +2,6 @@
 
 #include "kelto.h"
 #include "lifecycle/state.h"
-#include "message/file_reader.h"
 #include "message/structure.h"
 
 namespace
@@ -20,7 +19,7 @@ int queryVersion(const char *path, VersionQueryState &state)
     if (!parser.isValid())
         return -1;
     XML_SetElementHandler(parser.get(), startElement, nullptr);
-    const auto isDone = [](const void *query) { return static_cast<const VersionQueryState *>(query)->done; };
+    const auto isDone = [](void *query, uint64_t) { return static_cast<VersionQueryState *>(query)->done; };
     result = kelto::parseFile(file, parser, isDone, &state);
     return result == 0 && *state.version == '\0' ? KT_ERR_BAD_MSG_FILE : result;
 }

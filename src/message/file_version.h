@@ -5,10 +5,13 @@
 #ifndef KELTO_MESSAGE_FILE_VERSION_H
 #define KELTO_MESSAGE_FILE_VERSION_H
 
+#include "message/file_reader.h"
+
 struct VersionQueryState
 {
     bool done;     /**< a "file" element was seen */
     char *version; /**< the caller's buffer of 20 bytes */
+    kelto::Declarations declarations = {};
 };
 
 extern "C" {

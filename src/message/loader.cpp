@@ -1,7 +1,6 @@
 #include "message/loader.h"
 
 #include "lifecycle/state.h"
-#include "message/file_reader.h"
 #include "message/table_list.h"
 #include "platform/zero_fill.h"
 
@@ -339,6 +338,20 @@ struct Handlers
 constexpr Handlers firstPass = {startElement1, endElement1, characterData1};
 constexpr Handlers secondPass = {startElement2, endElement2, characterData2};
 
+constexpr uint64_t unquestionedTextBytes = uint64_t{8} << 20;
+constexpr uint64_t maxExpansion = 100;
+
+/** Refuses a text that is far longer than the file it stands in, as entities and default attributes can make it. */
+void limitExpansion(FirstPassState &pass, uint64_t bytesRead)
+{
+    if (pass.error == 0 && pass.textSize > unquestionedTextBytes && pass.textSize / maxExpansion > bytesRead)
+        pass.error = KT_ERR_BAD_MSG_FILE;
+}
+
+void limitExpansion(SecondPassState &, uint64_t)
+{
+} // it has no more room than the first pass measured
+
 template <typename State> int runPass(kelto::File &file, const Handlers &handlers, State &state)
 {
     const kelto::Parser parser(&state);
@@ -346,7 +359,11 @@ template <typename State> int runPass(kelto::File &file, const Handlers &handler
         return -1;
     XML_SetElementHandler(parser.get(), handlers.start, handlers.end);
     XML_SetCharacterDataHandler(parser.get(), handlers.characterData);
-    const auto hasFailed = [](const void *pass) { return static_cast<const State *>(pass)->error != 0; };
+    const auto hasFailed = [](void *passState, uint64_t bytesRead) {
+        auto &pass = *static_cast<State *>(passState);
+        limitExpansion(pass, bytesRead);
+        return pass.error != 0;
+    };
     const int result = kelto::parseFile(file, parser, hasFailed, &state);
     return result != 0 ? result : state.error;
 }

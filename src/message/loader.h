@@ -8,6 +8,7 @@
 #define KELTO_MESSAGE_LOADER_H
 
 #include "kelto.h"
+#include "message/file_reader.h"
 #include "message/structure.h"
 
 /** The first pass, all zero at its start except `raw`. */
@@ -22,6 +23,7 @@ struct FirstPassState
     int highestId;          /**< of all messages so far */
     uint64_t textSize;      /**< the bytes that all messages need, with two zero bytes after each */
     uint64_t messageOffset; /**< `textSize` where the current message began */
+    kelto::Declarations declarations;
 };
 
 /** The second pass, which fills `table` and the block behind `messages`. */
@@ -35,6 +37,7 @@ struct SecondPassState
     int currentId;   /**< the message being written; 0 when there is none */
     char *cursor;    /**< the next free byte of the block; it and all after it are zero */
     const char *end; /**< the end of the block */
+    kelto::Declarations declarations = {};
 };
 
 extern "C" {
