@@ -273,7 +273,9 @@ int KTFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, cha
 int KTFormatStringWithPassThru(char *reserved, bool tag, formTable *table, void *passThru, unsigned long *size,
                                UCS2 *out, char *format, ...);
 
-/** KTFormatString() with the arguments as a va_list. It is not advanced, so it serves a second call with more room too. */
+/**
+ * KTFormatString() with the arguments as a va_list. It is not advanced, so it serves a second call with more room too.
+ */
 int KTvFormatString(char *reserved, bool tag, unsigned long *size, UCS2 *out, char *format, va_list arguments);
 
 /** KTFormatStringWithPassThru() with the arguments as a va_list, as in KTvFormatString(). */
@@ -594,7 +596,7 @@ typedef struct KTParameter
 
 /** The built-in table. Shared by all: only KTRegisterEncoder() may change it. */
 extern formTable builtInFormTable;
-/** Its list: seventeen conversions, each at the place that Flag_t numbers, and a last record of zeros. Not to be changed. */
+/** Its list: the seventeen conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
 /**
