@@ -26,7 +26,6 @@ struct WholeNumber
 
 WholeNumber readWholeNumber(std::string_view word)
 {
-    const Unreadable fault{"is no whole number, as 12, -7 or 0x1F"};
     WholeNumber number;
     if (!word.empty() && (word.front() == '-' || word.front() == '+'))
     {
@@ -42,7 +41,7 @@ WholeNumber readWholeNumber(std::string_view word)
     const char *const end = word.data() + word.size();
     const auto [stop, error] = std::from_chars(word.data(), end, number.magnitude, base);
     if (stop != end || error == std::errc::invalid_argument)
-        throw fault;
+        throw Unreadable{"is no whole number, as 12, -7 or 0x1F"};
     if (error == std::errc::result_out_of_range)
         throw Unreadable{"is beyond 64 bits"};
     return number;

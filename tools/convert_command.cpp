@@ -34,6 +34,7 @@ Words namesOf(const char *canonical)
 void listCharsets()
 {
     std::vector<Words> charsets;
+    charsets.reserve(static_cast<size_t>(ucnv_countAvailable()));
     for (int32_t i = 0; i < ucnv_countAvailable(); ++i)
         charsets.push_back(namesOf(ucnv_getAvailableName(i)));
     std::sort(charsets.begin(), charsets.end());

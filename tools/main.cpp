@@ -32,8 +32,8 @@ the value. Options stand in front of FILE: an argument may begin with '-'.
   DND DNS        a name, as alice.staff.corp, corp/staff/alice or CN=alice,O=corp
   DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
 
-Example: message 3 is "%d[1] of %d[2] files copied"
-  kelto format en.xlf 3 5 12
+Example: message 3 is "%d[1] of %d[2] files copied (%3d[3]%% done)"
+  kelto format en.xlf 3 5 12 41
 )",
      formatCommand},
     {"list", "[--raw] FILE...", "List the messages of files",
@@ -111,8 +111,9 @@ Failure unknownSubcommand(const std::string &word)
     constexpr size_t farthest = 3;
     const bool isOption = word[0] == '-';
     const auto distance = [&](const Subcommand &row) { return editDistance(word, row.name); };
-    const auto nearest = std::min_element(std::begin(subcommands), std::end(subcommands),
-                                          [&](const auto &a, const auto &b) { return distance(a) < distance(b); });
+    const auto *const nearest =
+        std::min_element(std::begin(subcommands), std::end(subcommands),
+                         [&](const auto &a, const auto &b) { return distance(a) < distance(b); });
     const bool isNear = !isOption && distance(*nearest) <= farthest;
     return Failure(fmt::format("unknown {} {}{}\nTry 'kelto --help'.", isOption ? "option" : "subcommand",
                                terminal().quote(word),

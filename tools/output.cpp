@@ -65,7 +65,7 @@ private:
     throw OutputFailure("standard output: " + systemText(errno));
 }
 
-constexpr size_t leastRoom = 64 * 1024;
+constexpr size_t leastRoom = 65536;
 
 } // namespace
 

@@ -86,18 +86,15 @@ std::u16string lastPart(View text, size_t most)
 {
     if (text.size() <= most)
         return std::u16string(text);
-    size_t begin = text.size() - most;
-    U16_SET_CP_LIMIT(text, 0, begin, text.size());
-    return u"..." + std::u16string(text.substr(begin));
+    const size_t begin = text.size() - most;
+    return u"..." + std::u16string(text.substr(U16_IS_TRAIL(text[begin]) ? begin + 1 : begin));
 }
 
 std::u16string firstPart(View text, size_t most)
 {
     if (text.size() <= most)
         return std::u16string(text);
-    size_t end = most;
-    U16_SET_CP_START(text, 0, end);
-    return std::u16string(text.substr(0, end)) + u"...";
+    return std::u16string(text.substr(0, U16_IS_LEAD(text[most - 1]) ? most - 1 : most)) + u"...";
 }
 
 /** The text, or what of it surrounds the place, with carets below: two lines. */
