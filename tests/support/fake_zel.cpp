@@ -357,18 +357,37 @@ FakeFile &FakeFile::readError(unsigned n, int code)
     return *this;
 }
 
+FakeFile &FakeFile::withBlanks(uint64_t position, uint64_t count)
+{
+    m_blanksAt = position;
+    m_blanks = count;
+    return *this;
+}
+
 int FakeFile::read(unsigned pass, unsigned n, uint64_t *offset, void *buffer, unsigned long *length) const
 {
     if (const auto error = m_errors.find(n); error != m_errors.end())
         return error->second;
     const std::string &bytes = pass > 1 && m_laterBytes != nullptr ? *m_laterBytes : m_bytes;
-    if (*offset >= bytes.size())
+    if (*offset >= bytes.size() + m_blanks)
         return ZEL_ERR_END_OF_FILE;
     unsigned long limit = *length;
     if (const auto shortened = m_shortReads.find(n); shortened != m_shortReads.end())
         limit = std::min(limit, shortened->second);
-    *length = bytes.copy(static_cast<char *>(buffer), limit, *offset);
-    *offset += *length;
+    auto *const to = static_cast<char *>(buffer);
+    unsigned long done = 0;
+    if (*offset < m_blanksAt)
+        done = bytes.copy(to, std::min(limit, m_blanksAt - *offset), *offset);
+    if (const uint64_t position = *offset + done; done < limit && position < m_blanksAt + m_blanks)
+    {
+        const uint64_t blanks = std::min(limit - done, m_blanksAt + m_blanks - position);
+        std::memset(to + done, ' ', blanks);
+        done += blanks;
+    }
+    if (done < limit)
+        done += bytes.copy(to + done, limit - done, *offset + done - m_blanks);
+    *length = done;
+    *offset += done;
     return 0;
 }
 

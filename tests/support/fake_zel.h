@@ -84,6 +84,9 @@ public:
     /** The n-th read fails. */
     FakeFile &readError(unsigned n, int code);
 
+    /** Puts this many blanks into the file, in front of the byte at this position; they take no memory. */
+    FakeFile &withBlanks(uint64_t position, uint64_t count);
+
     /** Serves one read as ZEL_FileRead() does. */
     int read(unsigned pass, unsigned n, uint64_t *offset, void *buffer, unsigned long *length) const;
 
@@ -92,6 +95,7 @@ private:
     std::shared_ptr<std::string> m_laterBytes;
     std::map<unsigned, unsigned long> m_shortReads;
     std::map<unsigned, int> m_errors;
+    uint64_t m_blanksAt = 0, m_blanks = 0;
 };
 
 class FakeZel
