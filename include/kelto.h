@@ -429,7 +429,9 @@ unsigned int KTFirstChar(const char *charSet, const char *s);
 
 /**
  * Drops the first character, in place, and returns the one that is first now, packed.
- * @return 0 where there are fewer than two characters or the text cannot be converted; it is then left alone.
+ * @return 0 where there are fewer than two characters or the text cannot be converted; it is then left alone. Also 0
+ *         where the character that is first now cannot be packed. Malformed text whose rest no longer fits its own bytes
+ *         is left alone although the result is not 0: a walk must end when the text does not change.
  */
 unsigned int KTNextChar(const char *charSet, char *s);
 

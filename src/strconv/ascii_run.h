@@ -13,7 +13,8 @@
 namespace kelto
 {
 
-/** Widens 16 bytes, or 8; false, and nothing is written, where one of them is not ASCII. */
+/* The next two widen 16 bytes and 8; false, and nothing is written, where one of them is not ASCII. */
+
 inline bool widenSixteen(const char *source, UCS2 *destination) noexcept
 {
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source));

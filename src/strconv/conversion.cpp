@@ -8,30 +8,25 @@
 namespace
 {
 
-/** The most that a conversion takes as a capacity: a longer source is then refused for its own length. */
-size_t clampCapacity(size_t units)
-{
-    return std::min<size_t>(units, INT32_MAX);
-}
-
 /**
- * Converts by way of UCS-2, with the two steps as functions of (size, UCS-2 buffer) and of (UCS-2 text). The text between
- * them has room for `units` with the terminator, and is terminated even where it fills them all.
+ * Converts by way of UCS-2, with the two steps as functions of (size, UCS-2 buffer) and of (UCS-2 text).
+ * @param room, capacity  units of the text between them, and what of it the first step is offered, its terminator
+ *                        counted; no source needs more than capacity - 1.
  */
 template <typename ToUCS2, typename FromUCS2>
-int convertByWayOfUCS2(size_t units, ToUCS2 toUCS2, FromUCS2 fromUCS2, const size_t *sizeInOut, char *dst)
+int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fromUCS2, const size_t *sizeInOut,
+                       char *dst)
 {
-    const kelto::HeapBlock<UCS2> text = kelto::allocateHeap<UCS2>(units + 1);
+    const kelto::HeapBlock<UCS2> text = kelto::allocateHeap<UCS2>(room);
     if (text == nullptr)
         return KT_ERR_NO_MEMORY;
 
-    size_t length = clampCapacity(units);
+    // A capacity that ICU does not take is that of a source which it does not take either, and is to be refused for that.
+    size_t length = std::min<size_t>(capacity, INT32_MAX);
     int result = toUCS2(&length, text.get());
+    text[room - 1] = 0;
     if (result == 0)
-    {
-        text[length] = 0;
         result = fromUCS2(text.get());
-    }
     if (result != 0 && *sizeInOut > 0)
         dst[0] = '\0';
     return result;
@@ -41,12 +36,12 @@ int convertByWayOfUCS2(size_t units, ToUCS2 toUCS2, FromUCS2 fromUCS2, const siz
 
 int KTMultiByteToUCS2(const char *charSet, unsigned short, char, const char *src, size_t *sizeInOut, UCS2 *dst)
 {
-    return kelto::Converter(charSet).toUCS2(src, std::strlen(src), sizeInOut, dst);
+    return kelto::Converter(charSet).toUCS2(src, sizeInOut, dst);
 }
 
 int KTUCS2ToMultiByte(const char *charSet, char, unsigned short, const UCS2 *src, size_t *sizeInOut, char *dst)
 {
-    return kelto::Converter(charSet).fromUCS2(src, KTUCS2strlen(src), sizeInOut, dst);
+    return kelto::Converter(charSet).fromUCS2(src, sizeInOut, dst);
 }
 
 int KTUTF8ToUCS2(const char *src, size_t *sizeInOut, UCS2 *dst)
@@ -66,7 +61,8 @@ int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const
         return KTMultiByteToUCS2(charSet, static_cast<unsigned char>(reserved1), reserved2, src, size, text);
     };
     const auto toUTF8 = [=](const UCS2 *text) { return KTUCS2ToUTF8(text, sizeInOut, dst); };
-    return convertByWayOfUCS2(2 * std::strlen(src) + 1, toUCS2, toUTF8, sizeInOut, dst);
+    const size_t room = 2 * std::strlen(src) + 1;
+    return convertByWayOfUCS2(room, room, toUCS2, toUTF8, sizeInOut, dst);
 }
 
 int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const char *src, size_t *sizeInOut,
@@ -76,7 +72,8 @@ int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const
     const auto toMultiByte = [=](const UCS2 *text) {
         return KTUCS2ToMultiByte(charSet, reserved1, static_cast<unsigned char>(reserved2), text, sizeInOut, dst);
     };
-    return convertByWayOfUCS2(std::strlen(src) + 1, toUCS2, toMultiByte, sizeInOut, dst);
+    const size_t capacity = std::strlen(src) + 1;
+    return convertByWayOfUCS2(capacity + 1, capacity, toUCS2, toMultiByte, sizeInOut, dst);
 }
 
 UCS2 KTMBCharToUChar(const char *charSet, unsigned int mbChar)

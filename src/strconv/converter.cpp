@@ -4,6 +4,7 @@
 #include "strconv/system_locale.h"
 
 #include <algorithm>
+#include <cstring>
 #include <unicode/ustring.h>
 
 namespace
@@ -62,20 +63,23 @@ Converter::Converter(const char *charSet) noexcept
     m_converter.reset(ucnv_open(mapCharSet(const_cast<char *>(charSet)), &status));
 }
 
-int Converter::toUCS2(const char *source, size_t length, size_t *size, UCS2 *destination) const noexcept
+int Converter::toUCS2(const char *source, size_t *size, UCS2 *destination) const noexcept
 {
     if (m_converter == nullptr)
         return KT_ERR_CONVERTER_OPEN_FAILED;
+    const size_t length = std::strlen(source);
     UErrorCode status = checkSizes(length, *size);
     const int32_t written = ucnv_toUChars(m_converter.get(), destination, static_cast<int32_t>(*size), source,
                                           static_cast<int32_t>(length), &status);
     return finish(status, static_cast<size_t>(written), size, destination);
 }
 
-int Converter::fromUCS2(const UCS2 *source, size_t length, size_t *size, char *destination) const noexcept
+int Converter::fromUCS2(const UCS2 *source, size_t *size, char *destination) const noexcept
 {
     if (m_converter == nullptr)
         return KT_ERR_CONVERTER_OPEN_FAILED;
+    const size_t length = KTUCS2strlen(source);
+    // No strict bound for character sets with states, but near enough that ICU's count cannot wrap.
     UErrorCode status = checkSizes(length, *size, static_cast<size_t>(ucnv_getMaxCharSize(m_converter.get())));
     const int32_t written = ucnv_fromUChars(m_converter.get(), destination, static_cast<int32_t>(*size), source,
                                             static_cast<int32_t>(length), &status);

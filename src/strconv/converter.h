@@ -1,5 +1,5 @@
 /**
- * The one conversion step, in its four directions. Each takes a measured source, whatever it holds, and follows the
+ * The one conversion step, in its four directions. Each follows the
  * contract of the conversions in kelto.h: the size is the capacity in and the length out, a terminator is written where
  * there is room, and a failure leaves the empty text and the size as it was.
  */
@@ -21,8 +21,9 @@ public:
     /** Opens by the name that mapCharSet() gives; where there is none, each conversion says so and touches nothing. */
     explicit Converter(const char *charSet) noexcept;
 
-    int toUCS2(const char *source, size_t length, size_t *size, UCS2 *destination) const noexcept;
-    int fromUCS2(const UCS2 *source, size_t length, size_t *size, char *destination) const noexcept;
+    /* The source is zero-terminated, and read only once a converter is open. */
+    int toUCS2(const char *source, size_t *size, UCS2 *destination) const noexcept;
+    int fromUCS2(const UCS2 *source, size_t *size, char *destination) const noexcept;
 
 private:
     struct Close

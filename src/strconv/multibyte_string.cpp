@@ -47,7 +47,8 @@ private:
 
 /**
  * Converts back to where there is room for `maxBytes` and a terminator.
- * @return the bytes written, or a result code; dst is terminated in either case, unless no converter can be opened.
+ * @return the bytes written, or a result code; dst is terminated, and on failure empty, unless no converter could be
+ *         opened.
  */
 long convertBack(const char *charSet, const UCS2 *text, size_t maxBytes, char *dst)
 {
@@ -177,9 +178,9 @@ char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharS
     if (unit == 0)
         return nullptr;
 
-    for (const UCS2 *at = text.units() + text.length(); at-- != text.units();)
-        if (*at == unit)
-            return convertBack(charSet, at, text.bytes(), dst) >= 0 ? dst : nullptr;
+    for (size_t i = text.length(); i-- > 0;)
+        if (text.units()[i] == unit)
+            return convertBack(charSet, text.units() + i, text.bytes(), dst) >= 0 ? dst : nullptr;
     return nullptr;
 }
 

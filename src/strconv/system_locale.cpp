@@ -32,6 +32,6 @@ int KTGetSystemCharSet(char *charSet)
 
 char *mapCharSet(char *charSet)
 {
-    static char cp932[] = "cp932";
-    return std::strcmp(charSet, "MS932") == 0 ? cp932 : charSet;
+    static const char cp932[] = "cp932";
+    return std::strcmp(charSet, "MS932") == 0 ? const_cast<char *>(cp932) : charSet;
 }
