@@ -1,5 +1,7 @@
 #include "faults/heap_faults.h"
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
 #include "kelto.h"
 
 #include <algorithm>
@@ -92,8 +94,6 @@ void forget(void *block)
 
 } // namespace
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-
 extern "C" {
 
 void *__libc_malloc(size_t size);
@@ -137,20 +137,6 @@ void *operator new(size_t size, const std::nothrow_t &) noexcept
     return fails(caller) ? nullptr : taken(__libc_malloc(size), caller);
 }
 
-bool HeapFaults::arePossible()
-{
-    return true;
-}
-
-#else
-
-bool HeapFaults::arePossible()
-{
-    return false;
-}
-
-#endif
-
 void HeapFaults::arm(unsigned n)
 {
     isLibrary(nullptr); // finds the modules, for which the heap must not be watched yet
@@ -167,3 +153,31 @@ long HeapFaults::outstanding()
 {
     return std::count_if(heap.blocks.begin(), heap.blocks.end(), [](void *block) { return block != nullptr; });
 }
+
+bool HeapFaults::arePossible()
+{
+    return true;
+}
+
+#else
+
+bool HeapFaults::arePossible()
+{
+    return false;
+}
+
+void HeapFaults::arm(unsigned)
+{
+}
+
+unsigned HeapFaults::disarm()
+{
+    return 0;
+}
+
+long HeapFaults::outstanding()
+{
+    return 0;
+}
+
+#endif
