@@ -139,14 +139,14 @@ TEST(FormatStrings, EveryExampleOfThePageGivesTheOutputShown)
         for (const Row &row :
              rowsUnder(page, tag ? "| Format | Arguments | Output with tags |" : "| Format | Arguments | Output |"))
         {
-            ASSERT_EQ(row.size(), 3u) << row[0];
+            ASSERT_EQ(row.size(), 3U) << row[0];
             SCOPED_TRACE(row[0] + " of " + row[1]);
             EXPECT_EQ(formatted(unquoted(row[0]), row[1], tag), unquoted(row[2]));
             addNames(unquoted(row[0]), names);
             ++count;
         }
-    EXPECT_GT(count, 100u) << "tables are not found";
+    EXPECT_GT(count, 100U) << "tables are not found";
     for (const KTFormatter *record = builtInFormList; record->name != nullptr; ++record)
-        EXPECT_EQ(names.count(record->name), 1u) << "no example of " << record->name;
+        EXPECT_EQ(names.count(record->name), 1U) << "no example of " << record->name;
     KTClean();
 }

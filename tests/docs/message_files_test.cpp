@@ -52,7 +52,7 @@ TEST_F(MessageFiles, TheCompleteExampleHoldsTheMessagesOfItsTable)
     const size_t begin = page.find(fence) + fence.size();
     const std::string example = page.substr(begin, page.find("```", begin) - begin);
     const std::vector<Row> rows = rowsUnder(page, "| ID | `KTLoadMessages` | `KTLoadRawMessages` |");
-    ASSERT_GT(rows.size(), 5u);
+    ASSERT_GT(rows.size(), 5U);
     for (const bool raw : {false, true})
     {
         ASSERT_EQ(load(example, raw), 0);
@@ -66,7 +66,7 @@ TEST_F(MessageFiles, TheCompleteExampleHoldsTheMessagesOfItsTable)
 TEST_F(MessageFiles, SourcesBecomeTheMessagesShown)
 {
     const std::vector<Row> rows = rowsUnder(page, "| In `source` | Message |");
-    ASSERT_GT(rows.size(), 10u);
+    ASSERT_GT(rows.size(), 10U);
     for (const Row &row : rows)
     {
         ASSERT_EQ(loadUnits("<trans-unit id=\"1\"><source>" + row[0] + "</source></trans-unit>"), 0) << row[0];
@@ -77,7 +77,7 @@ TEST_F(MessageFiles, SourcesBecomeTheMessagesShown)
 TEST_F(MessageFiles, IdsAreReadAsShown)
 {
     const std::vector<Row> rows = rowsUnder(page, "| Attributes of `trans-unit` | ID |");
-    ASSERT_GT(rows.size(), 5u);
+    ASSERT_GT(rows.size(), 5U);
     for (const Row &row : rows)
     {
         const int result = loadUnits("<trans-unit " + row[0] + "><source>text</source></trans-unit>");
@@ -94,7 +94,7 @@ TEST_F(MessageFiles, IdsAreReadAsShown)
 TEST_F(MessageFiles, FileAttributesAreAcceptedAsShown)
 {
     const std::vector<Row> rows = rowsUnder(page, "| Attributes of `file` | |");
-    ASSERT_GT(rows.size(), 3u);
+    ASSERT_GT(rows.size(), 3U);
     for (const Row &row : rows)
         EXPECT_EQ(loadUnits("", row[0]), row[1] == "loads" ? 0 : KT_ERR_BAD_MSG_FILE) << row[0];
 }
@@ -102,7 +102,7 @@ TEST_F(MessageFiles, FileAttributesAreAcceptedAsShown)
 TEST_F(MessageFiles, BodiesAreRefusedAsShown)
 {
     const std::vector<Row> rows = rowsUnder(page, "| In `body` | Refused, since |");
-    ASSERT_GT(rows.size(), 8u);
+    ASSERT_GT(rows.size(), 8U);
     for (const Row &row : rows)
         EXPECT_EQ(loadUnits(row[0]), KT_ERR_BAD_MSG_FILE) << row[0];
 }

@@ -10,7 +10,7 @@ TEST(ResultCodes, ThePageHasEveryCodeOfTheHeaderWithItsNameAndText)
     size_t named = 0;
     for (const Row &row : rowsUnder(page, "| Code | Name | Text |"))
     {
-        ASSERT_EQ(row.size(), 3u);
+        ASSERT_EQ(row.size(), 3U);
         const int code = std::stoi(row[0]);
         const char *const name = KTResultName(code);
         EXPECT_EQ(row[1], name != nullptr ? name : "") << code;
@@ -26,5 +26,5 @@ TEST(ResultCodes, ThePageHasEveryCodeOfTheHeaderWithItsNameAndText)
     for (std::string line; std::getline(header, line);)
         declared += line.compare(0, 11, "    KT_ERR_") == 0 ? 1 : 0;
     EXPECT_EQ(named, declared);
-    EXPECT_GT(declared, 0u);
+    EXPECT_GT(declared, 0U);
 }
