@@ -32,8 +32,8 @@ the value. Options stand in front of FILE: an argument may begin with '-'.
   DND DNS        a name, as alice.staff.corp, corp/staff/alice or CN=alice,O=corp
   DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
 
-Example: message 3 is "%d[1] of %d[2] files copied (%3d[3]%% done)"
-  kelto format en.xlf 3 5 12 41
+Example: message 1 is "Hello %s[1], you have %u[2] new messages."
+  kelto format en.xlf 1 Ada 7
 )",
      formatCommand},
     {"list", "[--raw] FILE...", "List the messages of files",
