@@ -2,10 +2,51 @@
 
 #include "kelto.h"
 
+#include <new>
+
 namespace
 {
 
 constexpr unsigned long chunkBytes = 300;
+
+// A parser may read what it holds of an unfinished token anew with every call. Up to the first size it does that; a longer
+// token is fed in doubling steps, so that its work stays in proportion; and one beyond the second is refused.
+constexpr uint64_t shortToken = 4096;
+constexpr uint64_t longestToken = uint64_t{64} << 20;
+
+/** The bytes to read before the next call of a parser that has been given `fed` bytes. */
+uint64_t nextStep(const kelto::Parser &parser, uint64_t fed)
+{
+    const XML_Index event = XML_GetCurrentByteIndex(parser.get());
+    const uint64_t unfinished =
+        event >= 0 && static_cast<uint64_t>(event) < fed ? fed - static_cast<uint64_t>(event) : 0;
+    return unfinished < shortToken ? chunkBytes : (unfinished + chunkBytes - 1) / chunkBytes * chunkBytes;
+}
+
+/** Bytes read and not yet parsed. */
+struct Step
+{
+    char *bytes;
+    unsigned long length = 0;
+    bool isFinal = false; // the file ends here
+};
+
+/** Reads chunks until the step has `wanted` bytes or the file ends; 0, or the failure. */
+int readStep(kelto::File &file, uint64_t &offset, uint64_t wanted, Step &step)
+{
+    while (step.length < wanted && !step.isFinal)
+    {
+        unsigned long length = chunkBytes;
+        const int result = file.read(&offset, step.bytes + step.length, &length);
+        if (result == ZEL_ERR_END_OF_FILE)
+            length = 0;
+        else if (result != 0)
+            return result;
+        step.isFinal = length < chunkBytes;
+        step.length += length;
+    }
+    return 0;
+}
 
 } // namespace
 
@@ -25,23 +66,25 @@ int kelto::openMessageFile(File &file, const char *path) noexcept
 
 int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, uint64_t), void *state) noexcept
 {
-    if (!parser.isValid())
-        return -1;
     char chunk[chunkBytes];
     uint64_t offset = 0;
+    uint64_t wanted = chunkBytes;
     for (;;)
     {
-        unsigned long length = chunkBytes;
-        const int result = file.read(&offset, chunk, &length);
-        if (result == ZEL_ERR_END_OF_FILE)
-            length = 0;
-        else if (result != 0)
+        std::unique_ptr<char[]> longStep;
+        if (wanted > chunkBytes)
+            longStep.reset(new (std::nothrow) char[wanted]);
+        if (wanted > chunkBytes && longStep == nullptr)
+            return KT_ERR_NO_MEMORY;
+        Step step = {longStep != nullptr ? longStep.get() : chunk};
+        if (const int result = readStep(file, offset, wanted, step))
             return result;
-
-        const bool isFinal = length < chunkBytes;
-        if (XML_Parse(parser.get(), chunk, static_cast<int>(length), isFinal) != XML_STATUS_OK)
+        if (XML_Parse(parser.get(), step.bytes, static_cast<int>(step.length), step.isFinal) != XML_STATUS_OK)
             return KT_ERR_BAD_MSG_FILE;
-        if (isDone(state, offset) || isFinal)
+        if (isDone(state, offset) || step.isFinal)
             return 0;
+        wanted = nextStep(parser, offset);
+        if (wanted > longestToken)
+            return KT_ERR_BAD_MSG_FILE;
     }
 }

@@ -7,7 +7,10 @@
 
 #include "platform/scoped.h"
 
+#include <cstring>
 #include <expat.h>
+#include <memory>
+#include <type_traits>
 
 namespace kelto
 {
@@ -16,80 +19,95 @@ namespace kelto
 int openMessageFile(File &file, const char *path) noexcept;
 
 /**
- * What a document type declares, counted. Entities that refer to one another cost stack when they are expanded, and an
- * attribute with a default value costs time and memory with every element that leaves it out; where there are many, the
- * parser stops at once: it may have read far ahead of what it handles.
+ * What a document type declares that costs more than its length, counted: an entity that refers to another costs stack
+ * when it is expanded, an attribute with a default value costs time and memory with every element that leaves it out.
+ * Where there are too many, the parser stops at once: it may have read far ahead of what it handles.
  */
 class Declarations
 {
 public:
     void attach(XML_Parser parser) noexcept { m_parser = parser; }
-    void addEntity() noexcept { add(m_entities); }
-    void addDefaultAttribute() noexcept { add(m_defaultAttributes); }
+
+    void addEntity(const char *value, int length) noexcept
+    {
+        if (value != nullptr && std::memchr(value, '&', static_cast<size_t>(length)) != nullptr)
+            add(m_nestedEntities, mostNestedEntities);
+    }
+
+    void addAttribute(const char *defaultValue) noexcept
+    {
+        if (defaultValue != nullptr)
+            add(m_defaultAttributes, mostDefaultAttributes);
+    }
 
 private:
-    static constexpr unsigned most = 1000;
+    static constexpr unsigned mostNestedEntities = 100; // a chain of them fits the smallest stack of a thread
+    static constexpr unsigned mostDefaultAttributes = 250;
 
-    void add(unsigned &count) noexcept
+    void add(unsigned &count, unsigned most) noexcept
     {
         if (++count > most)
             XML_StopParser(m_parser, XML_FALSE);
     }
 
     XML_Parser m_parser = nullptr;
-    unsigned m_entities = 0;
+    unsigned m_nestedEntities = 0;
     unsigned m_defaultAttributes = 0;
 };
 
-/** An XML parser for one pass over a document. */
+/** An XML parser, for one pass over a document after the other. */
 class Parser
 {
 public:
-    /** @param state  what the handlers receive first; has Declarations. Without memory the parser is invalid. */
-    template <typename State> explicit Parser(State *state) noexcept : m_parser(XML_ParserCreate(nullptr))
+    /**
+     * Frees the parser of the pass before and creates one for the next.
+     * @param state  what the handlers receive first; has Declarations.
+     * @return false when there is no memory for it.
+     */
+    template <typename State> bool restart(State *state) noexcept
     {
+        m_parser.reset();
+        m_parser.reset(XML_ParserCreate(nullptr));
         if (m_parser == nullptr)
-            return;
-        state->declarations.attach(m_parser);
-        XML_SetUserData(m_parser, state);
-        XML_SetEntityDeclHandler(m_parser, countEntity<State>);
-        XML_SetAttlistDeclHandler(m_parser, countAttribute<State>);
+            return false;
+        state->declarations.attach(get());
+        XML_SetUserData(get(), state);
+        XML_SetEntityDeclHandler(get(), countEntity<State>);
+        XML_SetAttlistDeclHandler(get(), countAttribute<State>);
+        return true;
     }
-    ~Parser()
-    {
-        if (m_parser != nullptr)
-            XML_ParserFree(m_parser);
-    }
-    Parser(const Parser &) = delete;
-    Parser &operator=(const Parser &) = delete;
 
-    bool isValid() const noexcept { return m_parser != nullptr; }
-    XML_Parser get() const noexcept { return m_parser; }
+    XML_Parser get() const noexcept { return m_parser.get(); }
 
 private:
-    template <typename State>
-    static void countEntity(void *state, const char *, int, const char *, int, const char *, const char *, const char *,
-                            const char *) noexcept
+    struct Free
     {
-        static_cast<State *>(state)->declarations.addEntity();
+        void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
+    };
+
+    template <typename State>
+    static void countEntity(void *state, const char *, int, const char *value, int length, const char *, const char *,
+                            const char *, const char *) noexcept
+    {
+        static_cast<State *>(state)->declarations.addEntity(value, length);
     }
 
     template <typename State>
     static void countAttribute(void *state, const char *, const char *, const char *, const char *defaultValue,
                                int) noexcept
     {
-        if (defaultValue != nullptr)
-            static_cast<State *>(state)->declarations.addDefaultAttribute();
+        static_cast<State *>(state)->declarations.addAttribute(defaultValue);
     }
 
-    XML_Parser m_parser;
+    std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> m_parser;
 };
 
 /**
- * Parses a file from its beginning until it ends or the handlers have seen enough, which is asked after each chunk.
+ * Parses a file from its beginning until it ends or the handlers have seen enough, which is asked after each step: one
+ * chunk, or as many as a long tag or comment needs.
  * @param isDone  the question, put to `state`, with the bytes read so far.
- * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed or declares too much; -1 for an invalid parser; a read
- *         failure unchanged.
+ * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed or declares too much; KT_ERR_NO_MEMORY; a read failure
+ *         unchanged.
  */
 int parseFile(File &file, const Parser &parser, bool (*isDone)(void *state, uint64_t bytesRead), void *state) noexcept;
 

@@ -15,8 +15,8 @@ int queryVersion(const char *path, VersionQueryState &state)
     int result = kelto::openMessageFile(file, path);
     if (result != 0)
         return result;
-    const kelto::Parser parser(&state);
-    if (!parser.isValid())
+    kelto::Parser parser;
+    if (!parser.restart(&state))
         return -1;
     XML_SetElementHandler(parser.get(), startElement, nullptr);
     const auto isDone = [](void *query, uint64_t) { return static_cast<VersionQueryState *>(query)->done; };

@@ -333,38 +333,43 @@ struct Handlers
     XML_StartElementHandler start;
     XML_EndElementHandler end;
     XML_CharacterDataHandler characterData;
+    bool (*endStep)(void *state, uint64_t bytesRead);
 };
-
-constexpr Handlers firstPass = {startElement1, endElement1, characterData1};
-constexpr Handlers secondPass = {startElement2, endElement2, characterData2};
 
 constexpr uint64_t unquestionedTextBytes = uint64_t{8} << 20;
 constexpr uint64_t maxExpansion = 100;
 
-/** Refuses a text that is far longer than the file it stands in, as entities and default attributes can make it. */
-void limitExpansion(FirstPassState &pass, uint64_t bytesRead)
+/** Whether a text is far longer than the file it stands in, as entities and default attributes can make it. */
+bool isOutOfProportion(uint64_t textBytes, uint64_t bytesRead)
 {
-    if (pass.error == 0 && pass.textSize > unquestionedTextBytes && pass.textSize / maxExpansion > bytesRead)
-        pass.error = KT_ERR_BAD_MSG_FILE;
+    return textBytes > unquestionedTextBytes && textBytes / maxExpansion > bytesRead;
 }
 
-void limitExpansion(SecondPassState &, uint64_t)
+/** What follows each step of the first pass: whether it is over. */
+bool endStep1(void *state, uint64_t bytesRead)
 {
-} // it has no more room than the first pass measured
+    auto &pass = *static_cast<FirstPassState *>(state);
+    if (pass.error == 0 && isOutOfProportion(pass.textSize, bytesRead))
+        pass.error = KT_ERR_BAD_MSG_FILE;
+    return pass.error != 0;
+}
 
-template <typename State> int runPass(kelto::File &file, const Handlers &handlers, State &state)
+/** The same of the second, which has no more room for text than the first measured. */
+bool endStep2(void *state, uint64_t /*bytesRead*/)
 {
-    const kelto::Parser parser(&state);
-    if (!parser.isValid())
+    return static_cast<SecondPassState *>(state)->error != 0;
+}
+
+constexpr Handlers firstPass = {startElement1, endElement1, characterData1, endStep1};
+constexpr Handlers secondPass = {startElement2, endElement2, characterData2, endStep2};
+
+template <typename State> int runPass(kelto::File &file, kelto::Parser &parser, const Handlers &handlers, State &state)
+{
+    if (!parser.restart(&state))
         return -1;
     XML_SetElementHandler(parser.get(), handlers.start, handlers.end);
     XML_SetCharacterDataHandler(parser.get(), handlers.characterData);
-    const auto hasFailed = [](void *passState, uint64_t bytesRead) {
-        auto &pass = *static_cast<State *>(passState);
-        limitExpansion(pass, bytesRead);
-        return pass.error != 0;
-    };
-    const int result = kelto::parseFile(file, parser, hasFailed, &state);
+    const int result = kelto::parseFile(file, parser, handlers.endStep, &state);
     return result != 0 ? result : state.error;
 }
 
@@ -380,7 +385,7 @@ kelto::TagBlock<char> allocateMessages(size_t pointerBytes, uint64_t textBytes)
 }
 
 /** Fills a table with what the first pass measured and hands it to the list. */
-int createTable(kelto::File &file, const FirstPassState &measured, MessageTable **created)
+int createTable(kelto::File &file, kelto::Parser &parser, const FirstPassState &measured, MessageTable **created)
 {
     TableOwner table(kelto::allocateZeroed<MessageTable>(glbResHandle, 1).release());
     *created = table.get();
@@ -395,7 +400,7 @@ int createTable(kelto::File &file, const FirstPassState &measured, MessageTable 
     auto *const messages = reinterpret_cast<char **>(block.get());
     char *const text = block.get() + pointerBytes;
     SecondPassState pass = {measured.raw, 0, false, table.get(), messages, 0, text, text + measured.textSize};
-    int result = runPass(file, secondPass, pass);
+    int result = runPass(file, parser, secondPass, pass);
     if (result == 0 && !isComplete(pass))
         result = KT_ERR_BAD_MSG_FILE;
     if (result != 0)
@@ -420,10 +425,11 @@ int _KTLoadMessages(char *path, MessageTable **table, bool raw)
         return result;
     FirstPassState measured = {};
     measured.raw = raw;
-    result = runPass(file, firstPass, measured);
+    kelto::Parser parser;
+    result = runPass(file, parser, firstPass, measured);
     if (result != 0)
         return result;
-    result = createTable(file, measured, table);
+    result = createTable(file, parser, measured, table);
     if (result != 0)
         *table = nullptr;
     return result;

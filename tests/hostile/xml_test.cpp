@@ -82,30 +82,26 @@ TEST_F(HostileXml, RefusesEntitiesThatExplode)
 // Each step of the chain costs the parser stack: 30,000 of them end a process that has 8 MiB.
 TEST_F(HostileXml, RefusesChainsOfEntitiesThatWouldExhaustTheStack)
 {
-    const auto chain = [](size_t n, const char *reference, const char *kind) {
+    const auto chain = [](size_t n) {
         return repeat(n, [&](size_t i) {
-            return std::string("<!ENTITY ") + kind + "e" + number(i) + " '" + reference + "e" +
-                   number(i == 0 ? n : i - 1) + ";'>";
+            return std::string("<!ENTITY e") + number(i) + " '&e" + number(i == 0 ? n : i - 1) + ";'>";
         });
     };
-    constexpr size_t many = 100000, few = 900;
+    constexpr size_t many = 100000, few = 90;
     for (const auto &[n, result] : {std::pair{many, int{KT_ERR_BAD_MSG_FILE}}, {few, 0}})
     {
         const std::string last = "e" + number(n - 1) + ";";
-        const std::string start = "<!ENTITY e" + number(n) + " 'end'>", general = chain(n, "&", "");
-        const std::string parameter = "<!ENTITY % e" + number(n) + " ''>" + chain(n, "&#37;", "% ");
-        for (const std::string &xml : {withDeclarations(start + general, "&" + last),
-                                       withDeclarations(start + general, "<x ts='&" + last + "' id='1'/>"),
-                                       withDeclarations(parameter + "%" + last, "")})
+        const std::string declarations = "<!ENTITY e" + number(n) + " 'end'>" + chain(n);
+        for (const std::string &xml : {withDeclarations(declarations, "&" + last),
+                                       withDeclarations(declarations, "<x ts='&" + last + "' id='1'/>")})
         {
             EXPECT_EQ(load(xml).result, result) << n;
             EXPECT_EQ(version(xml), result) << n;
         }
     }
-    EXPECT_EQ(
-        load(withDeclarations(
-            "<!--" + std::string(100000, ' ') + "-->" + "<!ENTITY e100000 'end'>" + chain(many, "&", ""), "&e99999;")),
-        refused())
+    EXPECT_EQ(load(withDeclarations("<!--" + std::string(100000, ' ') + "-->" + "<!ENTITY e100000 'end'>" + chain(many),
+                                    "&e99999;")),
+              refused())
         << "behind a token that parsers hold back until it is complete";
 }
 
@@ -151,7 +147,7 @@ TEST_F(HostileXml, TakesDefaultAttributesAndLimitsThem)
     const auto attributes = [](size_t n) {
         return repeat(n, [](size_t i) { return " a" + number(i) + " CDATA 'v'"; });
     };
-    EXPECT_EQ(load(withBody("<!ATTLIST note" + attributes(900) + ">", "")).result, 0);
+    EXPECT_EQ(load(withBody("<!ATTLIST note" + attributes(200) + ">", "")).result, 0);
     EXPECT_EQ(load(withBody("<!ATTLIST note" + attributes(5000) + ">", "")), refused())
         << "each would be given to each element";
 
@@ -282,7 +278,7 @@ TEST_F(HostileXml, ATokenOfAMegabyteIsNotReadAnewWithEveryChunk)
             .unit(1, "", before + std::string(bytes, '\xC3') + after)
             .xml();
     };
-    constexpr size_t few = 50000, megabyte = 1000000;
+    constexpr size_t megabyte = 1000000;
     for (const auto &[before, after] : {std::pair{"<!--", "-->"},
                                         {"<note a='", "'/>"},
                                         {"<?p ", "?>"},
@@ -290,11 +286,6 @@ TEST_F(HostileXml, ATokenOfAMegabyteIsNotReadAnewWithEveryChunk)
                                         {"<note><![CDATA[", "]]></note>"}})
     {
         SCOPED_TRACE(before);
-        const size_t work = countWork(withToken(before, few, after));
-        if (work > 20 * few)
-            GTEST_SKIP() << XML_ExpatVersion()
-                         << " reads an unfinished token anew with every chunk (CVE-2023-52425): " << work
-                         << " looks at " << few / 2 << " characters";
         EXPECT_LE(countWork(withToken(before, megabyte, after)), 10 * megabyte) << "both passes together";
     }
 }

@@ -244,10 +244,11 @@ TEST_F(LoaderTest, CallsThePlatformInThePromisedOrder)
         calls += line.str() + (call.operation == Operation::FileRead ? " @" + std::to_string(call.offset) : "") + "\n";
     }
     const std::string pass = "ParserCreate 0\nFileRead 300 @0\nFileRead 300 @300\nFileRead 300 @600\n";
-    EXPECT_EQ(calls.substr(0, calls.find("Malloc 24")), "FileOpen 1\n" + pass + "ParserFree 0\nMalloc 40\nMalloc 37\n" +
+    EXPECT_EQ(calls.substr(0, calls.find("Malloc 24")), "FileOpen 1\n" + pass + "Malloc 40\nMalloc 37\nParserFree 0\n" +
                                                             "ParserCreate 0\nFileRead 300 @0\nMalloc 8\nMalloc 4\n" +
-                                                            pass.substr(31) + "ParserFree 0\n");
-    EXPECT_EQ(calls.substr(calls.find("Malloc 24")), "Malloc 24\nMutexAcquire 0\nMutexRelease 0\nFileClose 0\n");
+                                                            pass.substr(31));
+    EXPECT_EQ(calls.substr(calls.find("Malloc 24")),
+              "Malloc 24\nMutexAcquire 0\nMutexRelease 0\nParserFree 0\nFileClose 0\n");
 }
 
 TEST_F(LoaderTest, UndoesEverythingWhateverFails)
