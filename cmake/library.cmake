@@ -11,7 +11,7 @@ target_include_directories(kelto
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
   PRIVATE "${PROJECT_SOURCE_DIR}/src")
 target_link_libraries(kelto PRIVATE ICU::uc EXPAT::EXPAT)
-target_compile_options(kelto PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition)
+target_compile_options(kelto PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition -fno-plt)
 set_target_properties(kelto PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}

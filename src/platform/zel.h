@@ -1,8 +1,8 @@
 /**
- * The ZEL operations: the only door from the library to the operating system's memory, locks and files. Everything above
+ * The ZEL operations: the only door from the library to tag memory, locks and files. Everything above
  * calls these names and nothing beside them, and a program may define any of them itself, in which case the library
  * calls the program's: they are dynamic symbols while all other functions bind inside the library. Success is 0
- * everywhere; failures are negative.
+ * everywhere; failures are negative where nothing else is said.
  */
 #ifndef KELTO_PLATFORM_ZEL_H
 #define KELTO_PLATFORM_ZEL_H
@@ -39,6 +39,7 @@ int ZEL_free(void *block);
 int ZEL_LMutexCreate(void **mutex, long parameter);
 /** Destroys an unlocked mutex and sets *mutex to null. */
 int ZEL_LMutexDestroy(void **mutex);
+/** Lock and unlock; what is not 0 is the system's error number, and means that the caller has broken the rules. */
 int ZEL_LMutexAcquire(void *mutex);
 int ZEL_LMutexRelease(void *mutex);
 

@@ -71,12 +71,12 @@ int ZEL_LMutexDestroy(void **mutex)
 
 int ZEL_LMutexAcquire(void *mutex)
 {
-    return pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex)) == 0 ? 0 : ZEL_ERR_RESOURCES;
+    return pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex));
 }
 
 int ZEL_LMutexRelease(void *mutex)
 {
-    return pthread_mutex_unlock(static_cast<pthread_mutex_t *>(mutex)) == 0 ? 0 : ZEL_ERR_RESOURCES;
+    return pthread_mutex_unlock(static_cast<pthread_mutex_t *>(mutex));
 }
 
 // The holder may start the whole library inside the lock, so waiting gives the processor away instead of burning it.

@@ -9,6 +9,7 @@
 #include "kelto.h"
 
 #include <emmintrin.h>
+#include <type_traits>
 
 namespace kelto
 {
@@ -35,48 +36,73 @@ inline bool widenEight(const char *source, UCS2 *destination) noexcept
     return true;
 }
 
-/** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
-inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
+/* The same the other way round. */
+
+inline bool isAscii(__m128i units) noexcept
 {
-    // What is left behind the last whole step is done by one more that ends with the text and overlaps the one before.
+    const __m128i beyondAscii = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(beyondAscii, _mm_setzero_si128())) == 0xFFFF;
+}
+
+inline bool narrowSixteen(const UCS2 *source, char *destination) noexcept
+{
+    const auto *const units = reinterpret_cast<const __m128i *>(source);
+    const __m128i low = _mm_loadu_si128(units);
+    const __m128i high = _mm_loadu_si128(units + 1);
+    if (!isAscii(_mm_or_si128(low, high)))
+        return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(destination), _mm_packus_epi16(low, high));
+    return true;
+}
+
+inline bool narrowEight(const UCS2 *source, char *destination) noexcept
+{
+    const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source));
+    if (!isAscii(units))
+        return false;
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(destination), _mm_packus_epi16(units, units));
+    return true;
+}
+
+/**
+ * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is left
+ * behind the last whole step is done by one more that ends with the text and overlaps the one before.
+ */
+template <typename From, typename To>
+size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixteen)(const From *, To *),
+                 bool (*eight)(const From *, To *)) noexcept
+{
     size_t run = 0;
     if (limit >= 16)
     {
-        while (limit - run >= 16 && widenSixteen(source + run, destination + run))
+        while (limit - run >= 16 && sixteen(source + run, destination + run))
             run += 16;
-        if (limit - run < 16 && widenSixteen(source + limit - 16, destination + limit - 16))
+        if (limit - run < 16 && sixteen(source + limit - 16, destination + limit - 16))
             return limit;
     }
-    else if (limit >= 8 && widenEight(source, destination))
+    else if (limit >= 8 && eight(source, destination))
     {
-        if (widenEight(source + limit - 8, destination + limit - 8))
+        if (eight(source + limit - 8, destination + limit - 8))
             return limit;
         run = 8;
     }
-    for (; run < limit && static_cast<unsigned char>(source[run]) < 0x80; ++run)
-        destination[run] = static_cast<unsigned char>(source[run]);
+    for (;
+         run < limit && static_cast<std::conditional_t<sizeof(From) == 1, unsigned char, char16_t>>(source[run]) < 0x80;
+         ++run)
+        destination[run] = static_cast<To>(source[run]);
     return run;
+}
+
+/** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
+inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
+{
+    return copyAscii(source, limit, destination, widenSixteen, widenEight);
 }
 
 /** Narrows the ASCII at the start of `limit` units. @return the length of the run. */
 inline size_t narrowAscii(const UCS2 *source, size_t limit, char *destination) noexcept
 {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i beyondAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
-    size_t run = 0;
-    for (; limit - run >= 16; run += 16)
-    {
-        const __m128i *const units = reinterpret_cast<const __m128i *>(source + run);
-        const __m128i low = _mm_loadu_si128(units);
-        const __m128i high = _mm_loadu_si128(units + 1);
-        const __m128i foreign = _mm_and_si128(_mm_or_si128(low, high), beyondAscii);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(foreign, zero)) != 0xFFFF)
-            break;
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(destination + run), _mm_packus_epi16(low, high));
-    }
-    for (; run < limit && source[run] < 0x80; ++run)
-        destination[run] = static_cast<char>(source[run]);
-    return run;
+    return copyAscii(source, limit, destination, narrowSixteen, narrowEight);
 }
 
 } // namespace kelto
