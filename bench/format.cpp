@@ -58,6 +58,14 @@ const Register keltoW3("W3", kelto, [] {
     });
 });
 
+const Register keltoW3Mixed("W3/mixed", kelto, [] {
+    return job([format = Format(longMixedText("%d[1]")), out = Units()]() mutable {
+        unsigned long units = out.size();
+        KTFormatString(nullptr, false, &units, out.data(), format.get(), 7);
+        return std::u16string_view(out.data(), units);
+    });
+});
+
 const Register keltoW4("W4", kelto, [] {
     return job([format = Format("%s[2]: %d[1]"), out = Units()]() mutable {
         unsigned long units = shortRoom;
@@ -88,6 +96,13 @@ const Register snprintfW2("W2", "snprintf", [] {
 
 const Register snprintfW3("W3", "snprintf", [] {
     return job([format = Format(longText("%1$d")), out = Bytes()]() mutable {
+        const int length = snprintf(out.data(), out.size(), format.get(), 7);
+        return std::string_view(out.data(), static_cast<size_t>(length));
+    });
+});
+
+const Register snprintfW3Mixed("W3/mixed", "snprintf", [] {
+    return job([format = Format(longMixedText("%1$d")), out = Bytes()]() mutable {
         const int length = snprintf(out.data(), out.size(), format.get(), 7);
         return std::string_view(out.data(), static_cast<size_t>(length));
     });

@@ -25,13 +25,21 @@ struct TenArguments
     const char *state = "mounted";
 };
 
-/** 2,000 letters with a conversion behind the first thousand. */
+/** 2,000 units of literal text with a conversion in the middle: letters of the English alphabet, or several scripts. */
 inline std::string longText(std::string_view conversion)
 {
-    std::string text;
+    std::string half;
     for (size_t i = 0; i < 1000; ++i)
-        text += static_cast<char>("The quick brown fox jumps over the lazy dog. "[i % 45]);
-    return text.substr(0, 1000).append(conversion).append(text);
+        half += "The quick brown fox jumps over the lazy dog. "[i % 45];
+    return half + std::string(conversion) + half;
+}
+
+inline std::string longMixedText(std::string_view conversion)
+{
+    std::string half;
+    for (size_t i = 0; i < 40; ++i)
+        half += u8"Größe, мир, ファイル、文書 数. "; // 25 units
+    return half + std::string(conversion) + half;
 }
 
 } // namespace bench

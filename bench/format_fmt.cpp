@@ -40,6 +40,14 @@ const Register fmtW3("W3", "{fmt}", [] {
     });
 });
 
+const Register fmtW3Mixed("W3/mixed", "{fmt}", [] {
+    return job([format = longMixedText("{0}"), out = Bytes()]() mutable {
+        keep(format.data());
+        const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), 7);
+        return std::string_view(out.data(), end.size);
+    });
+});
+
 const Register fmtW4("W4", "{fmt}", [] {
     return job([format = std::string("{1}: {0}"), out = Bytes()]() mutable {
         keep(format.data());

@@ -15,10 +15,17 @@ namespace
 
 using Units = std::array<UChar, formatRoom>;
 
-/** A pattern of ours in ICU's units: ASCII. */
+/** A text of ours in ICU's units. */
 std::u16string wide(std::string_view text)
 {
-    return std::u16string(text.begin(), text.end());
+    std::u16string units(text.size() + 1, u'\0');
+    int32_t length = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
+                  static_cast<int32_t>(text.size()), &status);
+    require(U_SUCCESS(status), "a text of the benchmarks is no UTF-8");
+    units.resize(static_cast<size_t>(length));
+    return units;
 }
 
 std::u16string_view given(const Units &out, int32_t length)
@@ -61,12 +68,7 @@ const Register uSnprintfW4("W4", "ICU u_snprintf", [] {
     });
 });
 
-/** The text of W3 with an argument that ICU's message formats understand. */
-std::u16string longPattern()
-{
-    return wide(longText("{0,number,integer}"));
-}
-
+constexpr const char *anInteger = "{0,number,integer}";
 constexpr std::u16string_view swapped = u"{1}: {0,number,integer}";
 
 /** A message format that stays open: its pattern is parsed once. */
@@ -101,7 +103,7 @@ const Register uFormatMessageW1("W1", "ICU u_formatMessage", [] {
 });
 
 const Register uFormatMessageW3("W3", "ICU u_formatMessage", [] {
-    return job([pattern = longPattern(), out = Units()]() mutable {
+    return job([pattern = wide(longText(anInteger)), out = Units()]() mutable {
         UErrorCode status = U_ZERO_ERROR;
         keep(pattern.data());
         return given(out, u_formatMessage("en", pattern.data(), static_cast<int32_t>(pattern.size()), out.data(),
@@ -117,7 +119,14 @@ const Register umsgFormatW1("W1", "ICU umsg_format, kept open", [] {
 });
 
 const Register umsgFormatW3("W3", "ICU umsg_format, kept open", [] {
-    return job([format = MessageFormat(longPattern()), out = Units()]() mutable {
+    return job([format = MessageFormat(wide(longText(anInteger))), out = Units()]() mutable {
+        UErrorCode status = U_ZERO_ERROR;
+        return given(out, umsg_format(format.get(), out.data(), formatRoom, &status, 7));
+    });
+});
+
+const Register umsgFormatW3Mixed("W3/mixed", "ICU umsg_format, kept open", [] {
+    return job([format = MessageFormat(wide(longMixedText(anInteger))), out = Units()]() mutable {
         UErrorCode status = U_ZERO_ERROR;
         return given(out, umsg_format(format.get(), out.data(), formatRoom, &status, 7));
     });

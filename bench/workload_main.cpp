@@ -1,7 +1,7 @@
 /**
  * Runs one piece of work a number of times and does nothing else, for tools that count.
  *
- *     bench_workload --list              work, contender, calls to count, goal and description, by tabs
+ *     bench_workload --list              work, contender, calls to count, goals and description, by tabs
  *     bench_workload --compare           compares what the contenders give; fails where they differ
  *     bench_workload WORK CONTENDER N    sets up, then makes N calls
  */
@@ -33,7 +33,8 @@ void list()
     for (const bench::Contender &contender : bench::contenders())
     {
         const bench::Work &work = bench::workNamed(contender.work);
-        printf("%s\t%s\t%zu\t%s\t%s\n", work.name, contender.name.c_str(), work.calls, work.goal, work.text);
+        printf("%s\t%s\t%zu\t%s\t%s\t%s\n", work.name.c_str(), contender.name.c_str(), work.calls, work.goal,
+               work.timeGoal, work.text);
     }
 }
 

@@ -24,7 +24,11 @@ class Contender:
     name: str
     calls: int  # how many are counted
     goal: str  # instructions, or a factor and the contender that it is relative to; "" for none
+    time_goal: str  # the same for time
     text: str  # what the work is
+
+    def is_growth(self):
+        return self.work.startswith("W11/")
 
     def is_kelto(self):
         return self.name == KELTO
@@ -39,12 +43,15 @@ class Programs:
     ENVIRONMENT = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8"}
 
     def __init__(self, folder):
-        self.workload = str(folder / "bench_workload")
+        self.workload = str(folder / "bench" / "bench_workload")
+        self.timing = str(folder / "bench" / "bench_kelto")
+        self.memory = str(folder / "bench" / "bench_memory")
+        self.library = str(folder / "libkelto.so")
 
     def contenders(self):
         lines = subprocess.run([self.workload, "--list"], capture_output=True, check=True, text=True).stdout.splitlines()
         rows = [line.split("\t") for line in lines]
-        return [Contender(work, name, int(calls), goal, text) for work, name, calls, goal, text in rows]
+        return [Contender(work, name, int(calls), *rest) for work, name, calls, *rest in rows]
 
     def compare(self):
         if subprocess.run([self.workload, "--compare"], env=self.ENVIRONMENT).returncode != 0:
@@ -61,4 +68,4 @@ def build(root):
         if "Benchmarks:" in line:
             print(line.lstrip("- "), file=sys.stderr)
     quietly(["cmake", "--build", str(folder)], root)
-    return Programs(folder / "bench")
+    return Programs(folder)
