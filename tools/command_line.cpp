@@ -69,8 +69,11 @@ Words CommandLine::operandsBehindOptions(size_t fixedCount)
     m_app.prefix_command();
     parse();
     Words rest = m_app.remaining();
-    refuseOptions(rest.begin(), rest.begin() + !rest.empty());
-    const auto end = rest.begin() + static_cast<std::ptrdiff_t>(std::min(rest.size(), fixedCount + 1));
+    const auto upTo = [&rest](size_t count) {
+        return rest.begin() + static_cast<std::ptrdiff_t>(std::min(rest.size(), count));
+    };
+    refuseOptions(rest.begin(), upTo(1));
+    const auto end = upTo(fixedCount + 1);
     const auto separator = std::find(rest.begin(), end, "--");
     if (separator != end)
         rest.erase(separator);

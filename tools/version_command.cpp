@@ -14,8 +14,9 @@ namespace
 
 constexpr size_t versionRoom = 20;
 
-std::string versionOf(std::string path)
+std::string versionOf(const std::string &file)
 {
+    std::string path = file; // the library takes it without const
     char version[versionRoom];
     const int result = KTGetMsgFileVer(path.data(), version);
     if (result != 0)
