@@ -76,6 +76,7 @@ int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, ui
             longStep.reset(new (std::nothrow) char[wanted]);
         if (wanted > chunkBytes && longStep == nullptr)
             return KT_ERR_NO_MEMORY;
+        // cppcheck-suppress legacyUninitvar; it is read into
         Step step = {longStep != nullptr ? longStep.get() : chunk};
         if (const int result = readStep(file, offset, wanted, step))
             return result;
