@@ -81,6 +81,16 @@ std::unique_ptr<Job> keltoOut(size_t bytes)
     });
 }
 
+/** The same as a program would write it that knows the user's character set by name only. */
+std::unique_ptr<Job> keltoOutByName(size_t bytes)
+{
+    return job([text = wide(mixedText(bytes)), out = std::string(bytes + 1, '\0')]() mutable {
+        size_t length = out.size();
+        KTUCS2ToMultiByte("UTF-8", 0, 0, text.c_str(), &length, out.data());
+        return std::string_view(out.data(), length);
+    });
+}
+
 std::unique_ptr<Job> icuOut(size_t bytes)
 {
     return job([text = wide(mixedText(bytes)), out = std::string(bytes + 1, '\0')]() mutable {
@@ -170,9 +180,16 @@ private:
 };
 
 const RegisterSizes contenders[] = {
-    {"W7/in", kelto, keltoIn},    {"W7/in", "ICU bare", icuIn},   {"W7/in", "iconv", iconvIn},
-    {"W7/out", kelto, keltoOut},  {"W7/out", "ICU bare", icuOut}, {"W7/out", "iconv", iconvOut},
-    {"W8", kelto, keltoShiftJis}, {"W8", "ICU", icuShiftJis},     {"W8", "iconv", iconvShiftJis},
+    {"W7/in", kelto, keltoIn},
+    {"W7/in", "ICU bare", icuIn},
+    {"W7/in", "iconv", iconvIn},
+    {"W7/out", kelto, keltoOut},
+    {"W7/out", "Kelto, KTUCS2ToMultiByte", keltoOutByName},
+    {"W7/out", "ICU bare", icuOut},
+    {"W7/out", "iconv", iconvOut},
+    {"W8", kelto, keltoShiftJis},
+    {"W8", "ICU", icuShiftJis},
+    {"W8", "iconv", iconvShiftJis},
 };
 
 } // namespace

@@ -41,6 +41,15 @@ const Register keltoW1("W1", kelto, [] {
     });
 });
 
+const Register pointersW1("W1", "Kelto, KTvpFormatString", [] {
+    return job([format = Format("%s[2]: %d[1]"), number = 7, text = std::string("files"), out = Units()]() mutable {
+        unsigned long units = out.size();
+        void *arguments[] = {&number, text.data(), nullptr};
+        KTvpFormatString(nullptr, false, &units, out.data(), format.get(), arguments);
+        return std::u16string_view(out.data(), units);
+    });
+});
+
 const Register keltoW2("W2", kelto, [] {
     return job([format = Format(tenConversions), a = TenArguments(), out = Units()]() mutable {
         unsigned long units = out.size();

@@ -23,6 +23,10 @@ std::vector<bench::Work> listWorks()
         {"W8/42B", "Shift-JIS to UTF-8, 42 bytes", 500, "1.05 ICU"},
         {"W8/64KiB", "Shift-JIS to UTF-8, 64 KiB", 5, "1.05 ICU"},
         {"W9", "from key to UTF-8 text: get, format, convert", 2000, "2600"},
+        {"P/block", "a block of 32 bytes, taken and released", 2000, ""},
+        {"P/lock", "a lock that nobody else wants, taken and released", 2000, ""},
+        {"P/text", "12 bytes of UTF-8 become UCS-2", 2000, ""},
+        {"P/double", "the digits of 12345.678", 1000, ""},
     };
     struct Family
     {

@@ -30,6 +30,9 @@ class Contender:
     def is_growth(self):
         return self.work.startswith("W11/")
 
+    def is_part(self):
+        return self.work.startswith("P/")
+
     def is_kelto(self):
         return self.name == KELTO
 

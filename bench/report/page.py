@@ -36,9 +36,9 @@ def package(name):
     return version("dpkg-query", "-W", "-f", "${Version}", name) or "unknown"
 
 
-def setting():
+def setting(root):
     model = re.search(r"^model name\s*:\s*(.*)$", open("/proc/cpuinfo", encoding="ascii", errors="replace").read(), re.M)
-    commit = version("git", "rev-parse", "--short=10", "HEAD")
+    commit = version("git", "-C", str(root), "rev-parse", "--short=10", "HEAD")
     return "Measured on %s at commit %s: %s, %s, %s, glibc %s, ICU %s, expat %s." % (
         datetime.date.today().isoformat(), commit, model.group(1) if model else platform.machine(),
         version("sh", "-c", ". /etc/os-release && echo $PRETTY_NAME"), version("c++", "--version"),
@@ -52,7 +52,7 @@ def verdict(met):
 def comparison(contenders, counts, times, used):
     lines = ["| Work | By | Instructions | Time, ns | of Kelto's time | Blocks | Peak, bytes | Goal |",
              "|---|---|--:|--:|--:|--:|--:|---|"]
-    for work, text, group in table.by_work(contenders):
+    for work, text, group in table.by_work([c for c in contenders if not c.is_part()]):
         for index, c in enumerate(group):
             key = (work, c.name)
             blocks, peak = used[key]
@@ -65,6 +65,15 @@ def comparison(contenders, counts, times, used):
             lines.append("| %s | %s | %s | %s | %.2f | %d | %s | %s |" % (
                 "**%s** %s" % (work, text) if index == 0 else "", name, f"{counts[key]:,.0f}", table.number(times[key]),
                 times[key] / times[(work, table.KELTO)], blocks, f"{peak:,}", goal))
+    return "\n".join(lines)
+
+
+def parts_table(contenders, counts, times):
+    lines = ["| Part | By | Instructions | Time, ns |", "|---|---|--:|--:|"]
+    for c in contenders:
+        if c.is_part():
+            key = (c.work, c.name)
+            lines.append("| %s | %s | %s | %s |" % (c.text, c.name, f"{counts[key]:,.0f}", table.number(times[key])))
     return "\n".join(lines)
 
 
@@ -110,9 +119,10 @@ def write(root, programs, contenders, counts, times, used, speed_up):
     goals = [table.is_met(c.goal, c.work, counts) for c in contenders if c.is_kelto() and c.goal]
     goals += [table.is_met(c.time_goal, c.work, times) for c in contenders if c.is_kelto() and c.time_goal]
     blocks = {
-        "setting": setting() + " %d of %d goals are met." % (goals.count(True), len(goals)),
+        "setting": setting(root) + " %d of %d goals are met." % (goals.count(True), len(goals)),
         "pictures": picture("instructions", "Instructions per call of Kelto and its peers, for each work"),
         "comparison": comparison(contenders, counts, times, used),
+        "parts": parts_table(contenders, counts, times),
         "threads": thread_text(speed_up),
         "growth": picture("growth", "How the cost grows with the work: a panel for each family") + "\n\n" +
                   growth_table(contenders, counts),

@@ -52,8 +52,8 @@ def short(value):
     return table.number(value) if value >= 100 or value != round(value) else f"{value:.0f}"
 
 
-NAMES, BARS, NUMBERS, GAP = 170, 190, 62, 28
-ROW, HEAD = 17, 40
+MARGIN, NAMES, BARS, NUMBERS, GAP = 4, 180, 185, 58, 36
+ROW, HEAD, TOP = 17, 40, 58
 # Bars end at so many times what Kelto needs: far behind is far behind.
 LONGEST = 3.0
 
@@ -76,7 +76,7 @@ def panel(drawing, x, y, work, text, group, needed):
         drawing.bar(left, top, width, 12, "kelto" if c.is_kelto() else "bar")
         if need > longest * 1.001:
             broken_end(drawing, left + width, top)
-        drawing.text(left + width + 6, top + 10, short(need), "kelto" if c.is_kelto() else "faint", 11)
+        drawing.text(left + BARS + NUMBERS, top + 10, short(need), "kelto" if c.is_kelto() else "faint", 11, "end")
     bottom = y + HEAD + len(group) * ROW
     if most is not None:
         at = left + BARS * most / longest
@@ -93,15 +93,18 @@ def comparison(contenders, needed, unit, theme):
     """All works, in two columns: a bar for each contender, the fastest first."""
     drawing = Drawing("Kelto and its peers: %s per call" % unit, THEMES[theme])
     column = NAMES + BARS + NUMBERS + GAP
-    drawing.text(0, 18, "%s per call: shorter is better" % unit.capitalize(), size=16, weight="bold")
-    drawing.text(0, 36, "dashed: the goal. A bar cut by two strokes is longer than %g times Kelto's." % LONGEST, "faint")
-    heights = [52, 52]
-    for work, text, group in table.by_work(contenders):
-        if (work, table.KELTO) not in needed:
-            continue
-        side = 0 if heights[0] <= heights[1] else 1
-        heights[side] += panel(drawing, side * column, heights[side], work, text, group, needed)
-    return drawing.svg(2 * column - GAP, max(heights))
+    drawing.text(MARGIN, 18, "%s per call: shorter is better" % unit.capitalize(), size=16, weight="bold")
+    drawing.text(MARGIN, 36, "dashed: the goal. A bar cut by two strokes is longer than %g times Kelto's." % LONGEST, "faint")
+    panels = [p for p in table.by_work(contenders) if (p[0], table.KELTO) in needed]
+    half = sum(HEAD + len(group) * ROW for _, _, group in panels) / 2
+    x, y, lowest, drawn = MARGIN, TOP, TOP, 0
+    for work, text, group in panels:
+        if x == MARGIN and drawn >= half:
+            x, y = MARGIN + column, TOP
+        y += panel(drawing, x, y, work, text, group, needed)
+        drawn += HEAD + len(group) * ROW
+        lowest = max(lowest, y)
+    return drawing.svg(2 * column - GAP + 2 * MARGIN, lowest)
 
 
 CELL_WIDTH, CELL_HEIGHT, COLUMNS = 190, 160, 5
@@ -110,14 +113,14 @@ CELL_WIDTH, CELL_HEIGHT, COLUMNS = 190, 160, 5
 def growth_plot(contenders, counts, theme):
     """A panel for each family: what 1, 4, 16 and 64 times the size costs, beside a dashed line for proportional cost."""
     drawing = Drawing("How the cost grows with the work", THEMES[theme])
-    drawing.text(0, 18, "Cost at 1, 4, 16 and 64 times the size", size=16, weight="bold")
-    drawing.text(0, 36, "instructions relative to the smallest; both scales are logarithmic; dashed: proportional",
+    drawing.text(MARGIN, 18, "Cost at 1, 4, 16 and 64 times the size", size=16, weight="bold")
+    drawing.text(MARGIN, 36, "instructions relative to the smallest; both scales are logarithmic; dashed: proportional",
                  "faint")
     families = growth.families(contenders, counts)
     for index, (name, _, by_size) in enumerate(families):
-        left, top = index % COLUMNS * CELL_WIDTH, 56 + index // COLUMNS * CELL_HEIGHT
+        left, top = MARGIN + index % COLUMNS * CELL_WIDTH, TOP + index // COLUMNS * CELL_HEIGHT
         drawing.text(left, top + 12, name, weight="bold")
-        width, height, x, y = CELL_WIDTH - 40, CELL_HEIGHT - 62, left + 6, top + 24
+        width, height, x, y = CELL_WIDTH - 52, CELL_HEIGHT - 62, left + 4, top + 24
         steps = sorted(by_size)
         highest = max(64.0, max(by_size.values()) / by_size[1])
 
@@ -137,4 +140,4 @@ def growth_plot(contenders, counts, theme):
         drawing.text(points[-1][0] + 5, points[-1][1] + 4, "×" + (f"{last:.1f}" if last < 10 else f"{last:.0f}"), "text",
                      10.5)
     rows = math.ceil(len(families) / COLUMNS)
-    return drawing.svg(COLUMNS * CELL_WIDTH, 56 + rows * CELL_HEIGHT - 10)
+    return drawing.svg(COLUMNS * CELL_WIDTH, TOP + rows * CELL_HEIGHT - 10)
