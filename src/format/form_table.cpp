@@ -8,16 +8,6 @@
 namespace
 {
 
-/** Names of 64-bit integers that only the built-in table knows, each another way to write one of its conversions. */
-struct ShortName
-{
-    const char *name;
-    int neededFlag;
-    Flag_t type;
-};
-
-constexpr ShortName shortNames[] = {{"", FLAG_l, CONV_d}, {"ul", 0, CONV_u}};
-
 constexpr size_t listLength = sizeof builtInFormList / sizeof builtInFormList[0];
 
 /** The conversions of a reduced copy. */
@@ -50,12 +40,12 @@ bool isUsable(const KTFormatter &record)
     return slots == record.argCount;
 }
 
-const ShortName *findShortName(const kelto::ConversionName &name, int flags)
+/** What the two short names of 64-bit integers stand for, which only the built-in table knows; CONV_UNKNOWN for others. */
+Flag_t shortNameType(const kelto::ConversionName &name, int flags)
 {
-    for (const ShortName &row : shortNames)
-        if ((flags & row.neededFlag) == row.neededFlag && isSameName(row.name, name))
-            return &row;
-    return nullptr;
+    if (name.length == 0 && (flags & FLAG_l) != 0)
+        return CONV_d;
+    return name.length == 2 && name.begin[0] == u'u' && name.begin[1] == u'l' ? CONV_u : CONV_UNKNOWN;
 }
 
 /** The record of a name in one table, or null. */
@@ -141,8 +131,8 @@ Conversion findConversion(const ConversionName &name, int flags, formTable *tabl
     {
         const bool isBuiltIn = table == &builtInFormTable;
         if (isBuiltIn)
-            if (const ShortName *const shortName = findShortName(name, flags))
-                return {shortName->type, &builtInFormList[shortName->type], FLAG_BANG};
+            if (const Flag_t type = shortNameType(name, flags); type != CONV_UNKNOWN)
+                return {type, &builtInFormList[type], FLAG_BANG};
         KTFormatter *const record = findInTable(name, *table);
         if (record == nullptr)
             continue;
