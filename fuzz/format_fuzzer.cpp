@@ -87,8 +87,8 @@ class Table
 public:
     explicit Table(FuzzedDataProvider &source)
     {
-        const KTEncoder encoder = source.ConsumeBool() ? encode : nullptr;
-        require(KTRegisterEncoder(encoder) == 0, "an encoder is registered");
+        m_hasEncoder = source.ConsumeBool();
+        require(KTRegisterEncoder(m_hasEncoder ? encode : nullptr) == 0, "an encoder is registered");
         m_own.formList = ownList;
         m_empty.nextTable = &m_own;
         m_kind = source.ConsumeIntegralInRange(0, 6);
@@ -111,7 +111,10 @@ public:
         return tables[m_kind];
     }
 
+    bool hasEncoder() const { return m_hasEncoder; }
+
 private:
+    bool m_hasEncoder;
     formTable m_own = {}, m_empty = {};
     formTable *m_copy = nullptr;
     int m_kind;
@@ -193,7 +196,8 @@ private:
         require(Platform::outstanding() == before, "a format call leaves nothing behind");
         if (result == 0)
         {
-            require(size < capacity && out[size] == 0 && out.isUntouched(size + 1), "a text ends where its size says");
+            require(size < capacity && out[size] == 0, "a text ends where its size says");
+            require(m_table.hasEncoder() || out.isUntouched(size + 1), "only what an encoder wrote lies behind a text");
             return {0, size, std::u16string(out.data(), size)};
         }
         if (result == KT_ERR_BUFFER_TOO_SMALL)
