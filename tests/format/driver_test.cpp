@@ -49,6 +49,31 @@ TEST_F(Driver, FindsEveryPercentSignInLongTextsWhereverItStands)
         }
 }
 
+TEST_F(Driver, IsNotMisledByUnitsThatLookLikePercentSigns)
+{
+    const std::string alike = "\xE2\x94\xA5"; // U+2525
+    std::string source;
+    std::u16string expected;
+    for (int i = 0; i < 20; ++i)
+    {
+        source += alike;
+        expected += u"\u2525";
+    }
+    EXPECT_EQ(format((source + "%d[1]" + source).c_str(), 7), ok(expected + u"7" + expected));
+}
+
+TEST_F(Driver, WritesMorePlacesThanItNotes)
+{
+    std::string source;
+    std::u16string expected;
+    for (int i = 0; i < 20; ++i)
+    {
+        source += "a%%";
+        expected += u"a%";
+    }
+    EXPECT_EQ(format((source + "%N[1]%s[3]%d[2]" + source).c_str(), 1, "b"), ok(expected + u"b1" + expected));
+}
+
 TEST_F(Driver, ReportsTheNeedAndATerminatedTextWhenTheOutputDoesNotFit)
 {
     UCS2 out[4];

@@ -270,6 +270,13 @@ extern "C" void XML_SetElementHandler(XML_Parser parser, XML_StartElementHandler
 namespace
 {
 
+TEST_F(HostileXml, RefusesATokenOfMoreThan64MiB)
+{
+    EXPECT_EQ(load(MessageFile().declaration("<!--" + std::string(65 << 20, ' ') + "-->").unit(1, "a").xml()),
+              refused());
+    EXPECT_TRUE(blockSizes().empty());
+}
+
 TEST_F(HostileXml, ATokenOfAMegabyteIsNotReadAnewWithEveryChunk)
 {
     const auto withToken = [](const std::string &before, size_t bytes, const std::string &after) {
