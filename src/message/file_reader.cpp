@@ -10,9 +10,9 @@ namespace
 constexpr unsigned long chunkBytes = 300;
 
 // A parser may read what it holds of an unfinished token anew with every call. Up to the first size it does that; a longer
-// token is fed in doubling steps, so that its work stays in proportion; and one beyond the second is refused.
+// token is fed in steps that double, so that its work stays in proportion; and no step is longer than the second.
 constexpr uint64_t shortToken = 4096;
-constexpr uint64_t longestToken = uint64_t{64} << 20;
+constexpr uint64_t longestToken = uint64_t{16} << 20;
 
 /** The bytes to read before the next call of a parser that has been given `fed` bytes. */
 uint64_t nextStep(const kelto::Parser &parser, uint64_t fed)

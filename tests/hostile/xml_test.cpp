@@ -270,9 +270,9 @@ extern "C" void XML_SetElementHandler(XML_Parser parser, XML_StartElementHandler
 namespace
 {
 
-TEST_F(HostileXml, RefusesATokenOfMoreThan64MiB)
+TEST_F(HostileXml, RefusesATokenOfMoreThan32MiB)
 {
-    EXPECT_EQ(load(MessageFile().declaration("<!--" + std::string(65 << 20, ' ') + "-->").unit(1, "a").xml()),
+    EXPECT_EQ(load(MessageFile().declaration("<!--" + std::string(33 << 20, ' ') + "-->").unit(1, "a").xml()),
               refused());
     EXPECT_TRUE(blockSizes().empty());
 }
