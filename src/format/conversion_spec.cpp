@@ -83,6 +83,18 @@ int takeFlags(const UCS2 *&cursor)
     return flags;
 }
 
+/** Takes flags, width and precision; false where a number is too large. */
+bool takeOptions(const UCS2 *&cursor, int &flags, int &width, int &precision)
+{
+    flags = takeFlags(cursor);
+    if (!takeWidthOrPrecision(cursor, kelto::absent, width))
+        return false;
+    if (*cursor != u'.')
+        return true;
+    ++cursor;
+    return takeWidthOrPrecision(cursor, 0, precision);
+}
+
 int takeModifier(const UCS2 *&cursor)
 {
     const int flag = modifiers[*cursor];
@@ -111,7 +123,7 @@ int takePosition(const UCS2 *&cursor)
     return position;
 }
 
-kelto::Conversion resolveName(const kelto::ConversionName &name, int flags, formTable *table)
+kelto::Conversion resolveName(const kelto::ConversionName &name, int flags, formTable &table)
 {
     if (name.length == 1 && (name.begin[0] == u'N' || name.begin[0] == u'O'))
         return {name.begin[0] == u'N' ? CONV_N : CONV_O, markerRecord, 0};
@@ -125,20 +137,15 @@ constexpr kelto::ConversionSpec malformed = {0, {CONV_UNKNOWN, 0, 0, 0, 0, nullp
 namespace kelto
 {
 
-ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcept
+ConversionSpec parseSpecification(const UCS2 *percent, formTable &table) noexcept
 {
     const UCS2 *cursor = percent + 1;
-    int flags = takeFlags(cursor);
+    int flags = 0;
     int width = absent;
-    if (!takeWidthOrPrecision(cursor, absent, width))
-        return malformed;
     int precision = absent;
-    if (*cursor == u'.')
-    {
-        ++cursor;
-        if (!takeWidthOrPrecision(cursor, 0, precision))
-            return malformed;
-    }
+    // What all of these are written with stands before the letters, with which most specifications go on at once.
+    if (*cursor < u'A' && !takeOptions(cursor, flags, width, precision))
+        return malformed;
     flags |= takeModifier(cursor);
     const ConversionName name = takeName(cursor);
     const int position = takePosition(cursor);
@@ -154,7 +161,7 @@ ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcep
 int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *width, int *precision, int *flags,
                   KTFormatter **formatter)
 {
-    const kelto::ConversionSpec spec = kelto::parseSpecification(*cursor, table);
+    const kelto::ConversionSpec spec = kelto::parseSpecification(*cursor, kelto::tableOrBuiltIn(table));
     if (spec.position == 0)
         return 0;
     *type = spec.record.type;

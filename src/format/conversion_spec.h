@@ -19,7 +19,7 @@ struct ConversionSpec
 };
 
 /** Parses the specification that begins at `percent`. */
-ConversionSpec parseSpecification(const UCS2 *percent, formTable *table) noexcept;
+ConversionSpec parseSpecification(const UCS2 *percent, formTable &table) noexcept;
 
 } // namespace kelto
 

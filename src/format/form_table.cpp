@@ -123,11 +123,9 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
 namespace kelto
 {
 
-Conversion findConversion(const ConversionName &name, int flags, formTable *table) noexcept
+Conversion findConversion(const ConversionName &name, int flags, formTable &first) noexcept
 {
-    if (table == nullptr)
-        table = &builtInFormTable;
-    for (; table != nullptr; table = table->nextTable)
+    for (formTable *table = &first; table != nullptr; table = table->nextTable)
     {
         const bool isBuiltIn = table == &builtInFormTable;
         if (isBuiltIn)

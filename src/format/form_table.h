@@ -27,12 +27,17 @@ struct Conversion
 };
 
 /**
- * Looks a name up, whole and case-sensitive, in the table and those chained to it.
+ * Looks a name up, whole and case-sensitive, in the first table and those chained to it.
  * @param name   perhaps empty.
  * @param flags  the specification's flags so far: an empty name means something with 'l'.
- * @param table  null for the built-in table.
  */
-Conversion findConversion(const ConversionName &name, int flags, formTable *table) noexcept;
+Conversion findConversion(const ConversionName &name, int flags, formTable &first) noexcept;
+
+/** The table that a caller names, null standing for the built-in one. */
+inline formTable &tableOrBuiltIn(formTable *table) noexcept
+{
+    return table != nullptr ? *table : builtInFormTable;
+}
 
 /** The encoder of a call: the table's own, else the first along its chain; null without a table. */
 KTEncoder findEncoder(formTable *table) noexcept;

@@ -1,6 +1,7 @@
 #include "format/format_string.h"
 
 #include "format/conversion_spec.h"
+#include "format/form_table.h"
 #include "lifecycle/state.h"
 #include "platform/scoped.h"
 
@@ -62,7 +63,7 @@ private:
 };
 
 /** Checks the specifications of a text into an array: 0, or the failure. */
-int collect(const UCS2 *format, size_t length, formTable *table, ParameterArray &array, kelto::PercentPlaces &places)
+int collect(const UCS2 *format, size_t length, formTable &table, ParameterArray &array, kelto::PercentPlaces &places)
 {
     const UCS2 *const end = format + length;
     size_t specifications = 0;
@@ -130,7 +131,7 @@ int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter
                 PercentPlaces &places) noexcept
 {
     ParameterArray array;
-    const int result = collect(format, length, table, array, places);
+    const int result = collect(format, length, tableOrBuiltIn(table), array, places);
     *parameters = array.release();
     return result;
 }
