@@ -37,11 +37,13 @@ int formatNone(const char *, int, int, int, KTEncoder, void *, void **, unsigned
     return writeUnits(u"none", size, out);
 }
 
-int formatPair(const char *, int width, int, int, KTEncoder, void *passThru, void **slots, unsigned long *size,
+int formatPair(const char *, int width, int, int flags, KTEncoder, void *passThru, void **slots, unsigned long *size,
                UCS2 *out)
 {
     require(passThru == &ownFailure, "the pass-through pointer arrives");
-    const auto count = static_cast<size_t>(*static_cast<const int *>(slots[0]) & 7);
+    const int number =
+        (flags & FLAG_h) != 0 ? *static_cast<const int16_t *>(slots[0]) : *static_cast<const int *>(slots[0]);
+    const auto count = static_cast<size_t>(number & 7);
     const std::string text = static_cast<const char *>(slots[1]);
     return writeUnits(std::u16string(count + (width > 0 ? 1 : 0), u'p') + std::u16string(text.begin(), text.end()),
                       size, out);
