@@ -54,8 +54,9 @@ int KTUCS2ToUTF8(const UCS2 *src, size_t *sizeInOut, char *dst)
     return kelto::ucs2ToUTF8(src, KTUCS2strlen(src), sizeInOut, dst);
 }
 
-int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const char *src, size_t *sizeInOut,
-                      char *dst)
+// Flattened, since a short text feels each of the calls between the two steps.
+[[gnu::flatten]] int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const char *src,
+                                       size_t *sizeInOut, char *dst)
 {
     const auto toUCS2 = [=](size_t *size, UCS2 *text) {
         return KTMultiByteToUCS2(charSet, static_cast<unsigned char>(reserved1), reserved2, src, size, text);
@@ -65,8 +66,8 @@ int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const
     return convertByWayOfUCS2(room, room, toUCS2, toUTF8, sizeInOut, dst);
 }
 
-int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const char *src, size_t *sizeInOut,
-                      char *dst)
+[[gnu::flatten]] int KTUTF8ToMultiByte(const char *charSet, char reserved1, char reserved2, const char *src,
+                                       size_t *sizeInOut, char *dst)
 {
     const auto toUCS2 = [=](size_t *size, UCS2 *text) { return KTUTF8ToUCS2(src, size, text); };
     const auto toMultiByte = [=](const UCS2 *text) {
