@@ -50,6 +50,7 @@ void *takeUCS2(va_list *arguments)
     return cell;
 }
 
+// 'h' wins where a name brings its own '!'.
 void *takeInteger(va_list *arguments, int flags)
 {
     if ((flags & FLAG_h) != 0)
@@ -78,6 +79,8 @@ void *takeArgument(int type, va_list *arguments, int flags)
         return takeFloatingPoint(arguments, flags);
     case kelto::pointerSized:
         return cellOf(va_arg(*arguments, uint64_t));
+    case kelto::signedInteger:
+    case kelto::unsignedInteger:
     default:
         return takeInteger(arguments, flags);
     }

@@ -15,8 +15,9 @@ namespace kelto
 {
 
 /**
- * Assigns argIndex, FLAG_TAG and FLAG_ENCODE to every conversion of an array that ends with a null formatter, null
- * standing for an empty one.
+ * Assigns argIndex, FLAG_TAG and FLAG_ENCODE to every conversion. Regions open and close in the order of the positions,
+ * not of the text.
+ * @param parameters  ended by a null formatter; null is an empty array.
  * @return the number of slots that they take.
  */
 size_t numberSlots(KTParameter *parameters, bool tag) noexcept;

@@ -36,7 +36,8 @@ constexpr FlagTable
     flagCharacters({{u'-', FLAG_MINUS}, {u'+', FLAG_PLUS}, {u' ', FLAG_SPACE}, {u'#', FLAG_HASH}, {u'0', FLAG_ZERO}});
 constexpr FlagTable modifiers({{u'h', FLAG_h}, {u'l', FLAG_l}, {u'L', FLAG_L}, {u'!', FLAG_BANG}});
 
-// The markers of an encoded region share the list's last record: it has no function and takes no arguments.
+// The markers of an encoded region share the record that ends the list: it takes no arguments, and since it is not null,
+// a marker does not look like the end of a parameter array.
 KTFormatter *const markerRecord = &builtInFormList[17];
 
 bool isDigit(UCS2 unit)
@@ -56,10 +57,10 @@ int takeNumber(const UCS2 *&cursor)
     return value <= INT_MAX ? static_cast<int>(value) : tooLarge;
 }
 
-/** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `otherwise`. */
-bool takeWidthOrPrecision(const UCS2 *&cursor, int otherwise, int &value)
+/** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `ifMissing`. */
+bool takeWidthOrPrecision(const UCS2 *&cursor, int ifMissing, int &value)
 {
-    value = otherwise;
+    value = ifMissing;
     if (*cursor == u'*')
     {
         ++cursor;
@@ -143,7 +144,7 @@ ConversionSpec parseSpecification(const UCS2 *percent, formTable &table) noexcep
     int flags = 0;
     int width = absent;
     int precision = absent;
-    // What all of these are written with stands before the letters, with which most specifications go on at once.
+    // Flags, digits, '*' and '.' are all below 'A': where a letter follows the '%', there is nothing to take.
     if (*cursor < u'A' && !takeOptions(cursor, flags, width, precision))
         return malformed;
     flags |= takeModifier(cursor);

@@ -13,6 +13,9 @@
 namespace
 {
 
+// A call is: convert and check the format (PreparedFormat), number and fill the slots (arguments.h), write the text
+// (writeText). Its two forms, a list of arguments and pointers to them, differ in the second step alone.
+
 /** What does not depend on the arguments: where the text goes, and by which encoder. */
 struct Output
 {
@@ -22,7 +25,10 @@ struct Output
     UCS2 *out;
 };
 
-/** The text of a call as it grows: written while it fits, measured to its end in any case. */
+/**
+ * The text of a call as it grows: written while it fits, measured to its end in any case. The room counts the terminator,
+ * and what is written never exceeds what is counted, so the room at m_next is at least room().
+ */
 class GrowingText
 {
 public:
@@ -58,7 +64,7 @@ public:
                                             m_output.passThru, slot, &units, m_next);
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
             return result;
-        // A formatter of the caller's that claims more than its room has not written a text to build upon.
+        // What claims more than its room counts as not written; nothing at all may be written into no room.
         const bool isWritten = result == 0 && (units == 0 || units < given);
         m_next += isWritten ? units : 0;
         m_isTruncated = m_isTruncated || !isWritten;
@@ -98,13 +104,13 @@ private:
     }
 
     /** Takes a '*' width or precision from its slot, if it is one. */
-    static bool takeFromSlot(void **&slot, int &field)
+    static bool takeFromSlot(void **&slot, int &value)
     {
-        if (field != kelto::fromArguments)
+        if (value != kelto::fromArguments)
             return true;
         if (*slot == nullptr)
             return false;
-        field = *static_cast<const int *>(*slot++);
+        value = *static_cast<const int *>(*slot++);
         return true;
     }
 
@@ -135,8 +141,8 @@ int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces &places, c
         const KTParameter &parameter = parameters[place.position - 1];
         if (kelto::isMarker(parameter))
             continue;
-        // Once the text is cut, the caller has to come again anyway: the need is completed, and the next call tells
-        // what is wrong.
+        // Once the text is cut, the caller has to come again anyway: go on measuring, this conversion counting nothing;
+        // the next call tells what is wrong.
         const int result = text.appendConversion(parameter, slots);
         if (result != 0 && !text.isTruncated())
             return text.fail(result);
@@ -191,7 +197,7 @@ int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsi
     return writeText(format, KTUCS2strlen(format), places, parameters, slots, {encoder, passThru, size, out});
 }
 
-// Flattened, since the many small steps of a call cost more in calls than in work.
+// Flattened: the steps are many and small, and calling them would cost more than they do.
 [[gnu::flatten]] int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru,
                                                  unsigned long *size, UCS2 *out, char *format, va_list arguments)
 {

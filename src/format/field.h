@@ -1,9 +1,9 @@
 /**
  * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. Every
  * formatter hands its pieces to writeField(), so that the size is known before the first unit is written; the sum, the
- * question whether it fits, and the writing stand here and nowhere else, except for a text that an encoder has put in
- * its place already. Counts are 64 bits wide: a field may be far
- * longer than any memory, since it is then measured only.
+ * question whether it fits, and the writing stand here and nowhere else. (A text that an encoder has written itself is
+ * only padded: formatters/text.cpp.) Counts are 64 bits wide: a field may be far longer than any memory, since it is then
+ * measured only.
  */
 #ifndef KELTO_FORMAT_FIELD_H
 #define KELTO_FORMAT_FIELD_H
@@ -63,7 +63,7 @@ struct Fill
     UCS2 *writeTo(UCS2 *out) const noexcept { return std::fill_n(out, count, unit); }
 };
 
-/** Whether a zero unit is written behind the text. */
+/** Whether a zero unit is written behind the text, as some conversions promise to those who call them directly. */
 enum class Ending
 {
     open,
@@ -100,7 +100,7 @@ struct NumberText
     uint64_t leadingZeros;
     NarrowText digits;
     uint64_t trailingZeros;
-    uint64_t uncounted = 0; /**< units that a width does not count */
+    uint64_t uncounted = 0; /**< units that a width does not count: of a decimal mark of several bytes all but one */
 };
 
 /** The sign of a signed number: '-', or what the flags put in its place. */
@@ -116,7 +116,7 @@ inline NarrowText signOf(bool isNegative, int flags) noexcept
 /** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
 int writeNumber(const NumberText &number, int width, Padding padding, unsigned long *sizeInOut, UCS2 *out) noexcept;
 
-/** Writes pieces between a pair of tags, or alone where the flags do not ask for tags. */
+/** Writes pieces between a pair of tags, terminated; or where the flags do not ask for tags alone, with `ending`. */
 template <typename... Pieces>
 int writeTagged(int flags, const UCS2 *openTag, const UCS2 *closeTag, unsigned long *sizeInOut, UCS2 *out,
                 Ending ending, const Pieces &...pieces) noexcept

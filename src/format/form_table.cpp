@@ -110,6 +110,7 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
         const size_t size = std::strlen(record->name) + 1;
         std::memcpy(names, record->name, size);
         record->name = names;
+        // An empty name is never found, and ends the search of its letter, whose kept names stand before it.
         const bool isKept = !printfLikeOnly || (size == 2 && std::strchr(printfLikeNames, names[0]) != nullptr);
         if (!isKept)
             names[0] = '\0';
@@ -125,6 +126,7 @@ namespace kelto
 
 Conversion findConversion(const ConversionName &name, int flags, formTable &first) noexcept
 {
+    constexpr Conversion unknown = {CONV_UNKNOWN, nullptr, 0};
     for (formTable *table = &first; table != nullptr; table = table->nextTable)
     {
         const bool isBuiltIn = table == &builtInFormTable;
@@ -135,10 +137,10 @@ Conversion findConversion(const ConversionName &name, int flags, formTable &firs
         if (record == nullptr)
             continue;
         if (!isBuiltIn && !isUsable(*record))
-            break;
+            return unknown;
         return {isBuiltIn ? static_cast<Flag_t>(record - table->formList) : CONV_EXTERNAL, record, 0};
     }
-    return {CONV_UNKNOWN, nullptr, 0};
+    return unknown;
 }
 
 KTEncoder findEncoder(formTable *table) noexcept

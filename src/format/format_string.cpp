@@ -12,7 +12,7 @@ namespace
 
 // A position is believed up to this, or up to the length of the string that names it: every string that can be correct
 // passes, and a short one cannot ask for gigabytes.
-constexpr size_t plainPositions = 1000;
+constexpr size_t alwaysBelieved = 1000;
 
 constexpr size_t growthStep = 10;
 constexpr size_t linearGrowthLimit = 100;
@@ -30,7 +30,10 @@ public:
         return true;
     }
 
-    /** Whether each of the positions 1 to n has a record; an empty one stands behind the last of them at most. */
+    /**
+     * Whether each of the positions 1 to n has a record, n being how many were stored. A gap or a repetition leaves one of
+     * them empty, at the latest the one behind the highest, so the loop stays inside the array.
+     */
     bool isComplete(size_t n) const
     {
         for (size_t i = 0; i < n; ++i)
@@ -63,7 +66,8 @@ private:
 };
 
 /** Checks the specifications of a text into an array: 0, or the failure. */
-int collect(const UCS2 *format, size_t length, formTable &table, ParameterArray &array, kelto::PercentPlaces &places)
+int checkSpecifications(const UCS2 *format, size_t length, formTable &table, ParameterArray &array,
+                        kelto::PercentPlaces &places)
 {
     const UCS2 *const end = format + length;
     size_t specifications = 0;
@@ -74,7 +78,7 @@ int collect(const UCS2 *format, size_t length, formTable &table, ParameterArray 
         {
             const kelto::ConversionSpec spec = kelto::parseSpecification(percent, table);
             const auto position = static_cast<size_t>(spec.position);
-            if (position == 0 || spec.record.type == CONV_UNKNOWN || (position > plainPositions && position > length))
+            if (position == 0 || spec.record.type == CONV_UNKNOWN || (position > alwaysBelieved && position > length))
                 return KT_ERR_FORMAT_SYNTAX;
             if (!array.store(position, spec.record))
                 return KT_ERR_NO_MEMORY;
@@ -131,7 +135,7 @@ int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter
                 PercentPlaces &places) noexcept
 {
     ParameterArray array;
-    const int result = collect(format, length, tableOrBuiltIn(table), array, places);
+    const int result = checkSpecifications(format, length, tableOrBuiltIn(table), array, places);
     *parameters = array.release();
     return result;
 }

@@ -24,8 +24,8 @@ struct PercentPlace
 
 /**
  * The places of a checked format in the order of the text. The check notes the first of them, so that the driver need
- * not look for them again; the others, or all of a format that was checked elsewhere, are found anew. They can be walked
- * through once.
+ * not look for them again; the others, or all of a format that was checked elsewhere, are found anew. An empty object
+ * finds all of them. They can be walked through once.
  */
 class PercentPlaces
 {
@@ -40,7 +40,7 @@ public:
     /** The next place, `from` being the end of the one before or the beginning of the format. */
     PercentPlace next(const UCS2 *from, const UCS2 *end) noexcept
     {
-        return m_given < m_noted ? m_places[m_given++] : find(from, end);
+        return m_nextNoted < m_noted ? m_places[m_nextNoted++] : find(from, end);
     }
 
 private:
@@ -49,7 +49,7 @@ private:
     static constexpr size_t maxNoted = 16;
     PercentPlace m_places[maxNoted];
     size_t m_noted = 0;
-    size_t m_given = 0;
+    size_t m_nextNoted = 0;
 };
 
 /**
