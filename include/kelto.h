@@ -147,7 +147,7 @@ typedef struct MessageTable MessageTable;
  *               changed.
  * @param table  out: the handle. Untouched by failures before the file's structure was accepted, null after later ones.
  * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_FILE_UNAVAILABLE, KT_ERR_FILE_NOT_OPENED; KT_ERR_BAD_MSG_FILE, also where
- *         two messages have one ID or the file changes while it is read; KT_ERR_NO_MEMORY, also for a message of more
+ *         two messages have one ID or the file changes in length or structure while it is read; KT_ERR_NO_MEMORY, also for a message of more
  *         than INT_MAX bytes; -1 when no XML parser can be created; or the platform's own negative value for a file
  *         that cannot be read. The table is not loaded then, and nothing is left to release.
  *
@@ -164,7 +164,7 @@ int KTLoadMessages(char *path, MessageTable **table);
 int KTLoadRawMessages(char *path, MessageTable **table);
 
 /**
- * Fetches a message by its number, in constant time.
+ * Fetches a message by its number, in a time that does not depend on how many the file has.
  * @param table    a handle of KTLoadMessages() or KTLoadRawMessages().
  * @param id       1 to the highest ID of the file.
  * @param message  out: the message, zero-terminated UTF-8 (two zero bytes in fact) that the library owns, valid until
@@ -199,8 +199,8 @@ const char *KTMsgCpy(const char *source, char *destination);
  * @param path     as in KTLoadMessages().
  * @param version  out: room for 20 bytes. The version in UTF-8, at most 19 bytes and a zero byte; the empty text on
  *                 every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
- * @return as KTLoadMessages(), but never KT_ERR_NO_MEMORY; KT_ERR_BAD_MSG_FILE also when there is no version, an empty
- *         one, or one longer than 19 bytes.
+ * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE also when there is no version, an empty one, or one longer than 19
+ *         bytes.
  *
  *     char version[20], path[] = "messages.xlf";
  *     int result = KTGetMsgFileVer(path, version); // 0, and version is "2.1.0"

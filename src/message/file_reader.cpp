@@ -9,12 +9,14 @@ namespace
 
 constexpr unsigned long chunkBytes = 300;
 
-// A parser may read what it holds of an unfinished token anew with every call. Up to the first size it does that; a longer
-// token is fed in steps that double, so that its work stays in proportion; and no step is longer than the second.
+// A parser may read what it holds of an unfinished token (a tag, a comment) anew with every call. One of this size and more
+// is fed in steps that double, so that the work stays in proportion to its length.
 constexpr uint64_t shortToken = 4096;
-constexpr uint64_t longestToken = uint64_t{16} << 20;
 
-/** The bytes to read before the next call of a parser that has been given `fed` bytes. */
+// A token that would need a longer step is refused.
+constexpr uint64_t longestStep = uint64_t{16} << 20;
+
+/** The bytes to read for the next call of a parser that has been given `fed`: a chunk, or as many as are unfinished. */
 uint64_t nextStep(const kelto::Parser &parser, uint64_t fed)
 {
     const XML_Index event = XML_GetCurrentByteIndex(parser.get());
@@ -85,7 +87,7 @@ int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, ui
         if (isDone(state, offset) || step.isFinal)
             return 0;
         wanted = nextStep(parser, offset);
-        if (wanted > longestToken)
+        if (wanted > longestStep)
             return KT_ERR_BAD_MSG_FILE;
     }
 }

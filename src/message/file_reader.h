@@ -106,7 +106,7 @@ private:
  * Parses a file from its beginning until it ends or the handlers have seen enough, which is asked after each step: one
  * chunk, or as many as a long tag or comment needs.
  * @param isDone  the question, put to `state`, with the bytes read so far.
- * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed or declares too much; KT_ERR_NO_MEMORY; a read failure
+ * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed, declares too much or has too long a tag; KT_ERR_NO_MEMORY; a read failure
  *         unchanged.
  */
 int parseFile(File &file, const Parser &parser, bool (*isDone)(void *state, uint64_t bytesRead), void *state) noexcept;

@@ -92,6 +92,7 @@ constexpr ElementRule elementRules[] = {
     /* trans-unit    */ {ELM_BODY, nullptr, startMessage, ELM_BODY, endMessage},
     /* source        */ {ELM_TRANS_UNIT, &FirstPassState::sourceSeen, startText, ELM_TRANS_UNIT, endText},
     /* x             */ {ELM_SOURCE, nullptr, countPlaceholder, ELM_SOURCE, nullptr},
+    // A message ends at these: what follows them inside it is no part of its text, and no "x" or "source" may follow.
     /* context-group */ {},
     /* context       */ {},
     /* note          */ {},
@@ -354,7 +355,7 @@ bool endStep1(void *state, uint64_t bytesRead)
     return pass.error != 0;
 }
 
-/** The same of the second, which has no more room for text than the first measured. */
+/** The same of the second, whose text is bounded by what the first measured. */
 bool endStep2(void *state, uint64_t /*bytesRead*/)
 {
     return static_cast<SecondPassState *>(state)->error != 0;

@@ -1,6 +1,6 @@
 /**
  * The leading run of ASCII in a text, copied between UTF-8 and UCS-2 sixteen units at a step. Most texts are ASCII from
- * end to end and need no more than this. Neither function reads or writes at `limit` or beyond it, nor writes anything
+ * end to end and need no more than this. Neither widenAscii() nor narrowAscii() reads or writes at `limit` or beyond it, nor writes anything
  * behind the run.
  */
 #ifndef KELTO_STRCONV_ASCII_RUN_H
@@ -77,6 +77,7 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
     {
         while (limit - run >= 16 && sixteen(source + run, destination + run))
             run += 16;
+        // All before the tail is ASCII here; what overlaps is written again as it is.
         if (limit - run < 16 && sixteen(source + limit - 16, destination + limit - 16))
             return limit;
     }

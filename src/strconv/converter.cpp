@@ -93,6 +93,7 @@ int utf8ToUCS2(const char *source, size_t length, size_t *size, UCS2 *destinatio
     if (U_FAILURE(status))
         return finish(status, 0, size, destination);
 
+    // ASCII is whole characters, and ICU keeps no state from one to the next: it may begin behind any of them.
     const size_t run = widenAscii(source, std::min(length, capacity), destination);
     if (run == length)
         return finish(U_ZERO_ERROR, run, size, destination);

@@ -10,7 +10,7 @@
 namespace
 {
 
-/** The longest seconds text; what is longer is read as a time stamp. */
+/** The longest seconds text, a byte less than a time stamp; what is longer is read as one. */
 constexpr size_t maxSecondsLength = 20;
 
 /** Units for any formatted date and time: tags, separators and a year of seven digits are well under this. */
@@ -94,6 +94,7 @@ struct StampStep
     const char *separators;
 };
 
+// The apostrophe is a part of the notation.
 constexpr StampStep stampSteps[] = {{yearField, 4, "-"}, {monthField, 2, "-"},  {dayField, 2, "'T"},
                                     {hourField, 2, ":"}, {minuteField, 2, ":"}, {secondField, 2, "Z"}};
 

@@ -40,7 +40,8 @@ int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int
                               kelto::Text{text.units(), text.length()});
 }
 
-// An address takes its place among the arguments and contributes no text, which fits even where there is no room.
+// An address takes its place among the arguments and contributes no text. Unlike other empty texts, it fits where there
+// is no room at all.
 int formatIP(const char * /*convName*/, int /*width*/, int /*precision*/, int /*flags*/, KTEncoder /*passThru1*/,
              void * /*passThru2*/, void ** /*argSlot*/, unsigned long *sizeInOut, UCS2 * /*out*/)
 {

@@ -78,14 +78,14 @@ bool scale(double value, int places, uint64_t &scaled)
     constexpr int productBits = DBL_MANT_DIG + 64;
     scaled = 0;
     if (shift > productBits)
-        return true; // less than half of the last place
+        return true; // the product is less than 2^117, and so less than half of the last place
     const Wide product = Wide{mantissa} * powers[places];
     const Wide whole = product >> shift;
     const Wide rest = product - (whole << shift);
     const Wide half = Wide{1} << (shift - 1);
     scaled = static_cast<uint64_t>(whole);
     scaled += rest > half || (rest == half && (scaled & 1) != 0) ? 1 : 0;
-    return whole < UINT64_MAX;
+    return whole < UINT64_MAX; // with room for rounding up
 }
 
 /** A number as the C library writes it, in a fixed buffer, or where that is too small in one from the tag. */
@@ -112,7 +112,7 @@ public:
     size_t length() const { return m_length; }
 
 private:
-    // The same digits at a fraction of the cost, for doubles of usual size.
+    // The same digits, since the C library rounds exactly too, at a fraction of the cost; for doubles of usual size.
     bool renderQuickly(int flags, int precision, double value)
     {
         uint64_t scaled = 0;
@@ -166,10 +166,10 @@ kelto::Padding paddingOf(int flags, bool isFinite)
     return (flags & FLAG_ZERO) != 0 && isFinite ? kelto::Padding::zeros : kelto::Padding::left;
 }
 
-/** What the mark of some locales has in bytes beyond the one that the C library counts for it in a width. */
-uint64_t uncountedBytes(bool hasMark)
+/** The bytes of the locale's decimal point beyond the first: in a width the C library counts it as one. */
+uint64_t uncountedBytes(bool hasPoint)
 {
-    return hasMark ? std::strlen(nl_langinfo(RADIXCHAR)) - 1 : 0;
+    return hasPoint ? std::strlen(nl_langinfo(RADIXCHAR)) - 1 : 0;
 }
 
 template <typename Value>

@@ -73,7 +73,7 @@ uint64_t readUnsigned(const void *value, int flags)
     return (flags & FLAG_BANG) != 0 ? read<uint64_t>(value) : read<uint32_t>(value);
 }
 
-/** A precision is a number of significant digits: zeros are put before too few, and in the place of those too many. */
+/** A precision is a number of digits: 42 with four is 0042, and 12345 with two is 12000. */
 uint64_t applyPrecision(int precision, char *digits, size_t count)
 {
     if (precision < 0)

@@ -9,9 +9,9 @@ namespace
 /** What an encoder is told of its value. */
 enum EncodedType : int
 {
-    encodedUnit = 0,
+    encodedUnit = 0, // of UCS-2
     encodedText = 1,
-    encodedCharacter = 2
+    encodedCharacter = 2 // of 8 bits
 };
 
 KTEncoder encoderFor(int flags, KTEncoder passThru1)
@@ -34,7 +34,10 @@ int writePadded(const UCS2 *text, size_t length, int width, int flags, unsigned 
     return kelto::writeField(sizeInOut, out, kelto::Ending::terminated, padding, piece);
 }
 
-/** Pads a text that an encoder has put at `out` already; returns `status` where the padded text fits. */
+/**
+ * Pads a text that an encoder has put at `out` already; returns `status` where the padded text fits. The length counts
+ * also where the encoder has failed.
+ */
 int padInPlace(unsigned long length, int width, int flags, int status, unsigned long *sizeInOut, UCS2 *out)
 {
     const unsigned long room = *sizeInOut;
@@ -88,6 +91,7 @@ int formatChar(const char * /*convName*/, int width, int /*precision*/, int flag
         return writePadded(&character, 1, width, flags, sizeInOut, out);
     }
     unsigned long length = *sizeInOut;
+    // Unlike with texts, every failure of the encoder is a matter of room.
     if (encoder(*argSlot, (flags & FLAG_l) != 0 ? encodedUnit : encodedCharacter, &length, out) == 0)
         return padInPlace(length, width, flags, 0, sizeInOut, out);
     *sizeInOut = length + kelto::paddingTo(width, length);
