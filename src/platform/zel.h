@@ -1,8 +1,8 @@
 /**
- * The ZEL operations: the only door from the library to tag memory, locks and files. Everything above
- * calls these names and nothing beside them, and a program may define any of them itself, in which case the library
- * calls the program's: they are dynamic symbols while all other functions bind inside the library. Success is 0
- * everywhere; failures are negative where nothing else is said.
+ * The ZEL operations: the only door from the library to tag memory, locks and files. Everything above calls these names
+ * and nothing beside them, and a program may define any of them itself, in which case the library calls the program's:
+ * they are dynamic symbols while all other functions bind inside the library. Success is 0 everywhere; failures are
+ * negative where nothing else is said.
  */
 #ifndef KELTO_PLATFORM_ZEL_H
 #define KELTO_PLATFORM_ZEL_H
