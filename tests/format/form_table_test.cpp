@@ -102,6 +102,15 @@ TEST_F(FormTable, TheShortNamesBelongToTheBuiltInTableAlone)
     EXPECT_EQ(typeOf(u"ul", copy.get()), CONV_u);
 }
 
+TEST_F(FormTable, TheShortNamesComeBeforeTheRecords)
+{
+    const char *const name = builtInFormList[CONV_U].name;
+    builtInFormList[CONV_U].name = "ul";
+    EXPECT_EQ(typeOf(u"ul", nullptr), CONV_u);
+    builtInFormList[CONV_U].name = name;
+    EXPECT_EQ(typeOf(u"U", nullptr), CONV_U);
+}
+
 TEST_F(FormTable, LooksAlongTheChainAndTakesTheFirst)
 {
     KTFormatter second[] = {{"beta", nullptr, 1, signedIntList, doNothing},

@@ -108,6 +108,16 @@ TEST(Conversion, HasRoomForTwoUnitsAByteBetweenTwoSteps)
     });
 }
 
+TEST(Conversion, ReadsNoSourceBeforeItsConverterIsOpen)
+{
+    size_t size = 5;
+    UCS2 units[5];
+    char bytes[5];
+    EXPECT_EQ(KTMultiByteToUCS2("nope", 0, 0, nullptr, &size, units), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_EQ(KTUCS2ToMultiByte("nope", 0, 0, nullptr, &size, bytes), KT_ERR_CONVERTER_OPEN_FAILED);
+    EXPECT_EQ(size, 5u);
+}
+
 TEST(Conversion, KeepsAZeroUnitInsideATextOnlyInOneStep)
 {
     const char *const text = "a+AAAAYg-"; // a, U+0000, b
