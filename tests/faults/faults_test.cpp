@@ -178,7 +178,7 @@ TEST_F(Faults, OfThePlatformAreReportedAndUndone)
     {
         FaultLoop loop;
         if (row.isStartUp)
-            loop.expected = [](Operation, int) { return static_cast<int>(KT_ERR_NOT_INITIALIZED); };
+            loop.expected = [](Operation) { return std::set<int>{KT_ERR_NOT_INITIALIZED}; };
         run(row, loop, [] {});
     }
 }
@@ -192,8 +192,9 @@ TEST_F(Faults, OfTheHeapAreReportedAndUndone)
         if (row.heapFailures.empty())
             continue;
         FaultLoop loop;
-        loop.possible = row.heapFailures;
-        loop.source = {HeapFaults::arm, HeapFaults::disarm};
+        loop.expected = [&](Operation) { return row.heapFailures; };
+        loop.arm = HeapFaults::arm;
+        loop.disarm = HeapFaults::disarm;
         run(row, loop, [] { EXPECT_EQ(HeapFaults::outstanding(), 0) << "blocks left over"; });
     }
 }

@@ -74,7 +74,7 @@ TEST_F(FileFaults, WhatIsNoRegularFileIsRefusedAtOnce)
     close(socketFile);
 }
 
-const std::string threeChunks = MessageFile().unit(1, std::string(500, 'a')).unit(2, "b").paddedTo(900).xml();
+const std::string threeChunks = MessageFile().unit(1, std::string(500, 'a')).unit(2, "b").xml(900);
 
 // Each pass has four reads: three chunks, and one that finds no more bytes.
 TEST_F(FileFaults, AShortReadEndsTheDocument)
@@ -82,7 +82,7 @@ TEST_F(FileFaults, AShortReadEndsTheDocument)
     for (const unsigned read : {1, 2, 3, 5, 6, 7})
         for (const unsigned long bytes : {0UL, 1UL, 150UL, 299UL})
         {
-            FakeZel::file(memoryPath, threeChunks).shortRead(read, bytes);
+            FakeZel::file(memoryPath, threeChunks).shortReads[read] = bytes;
             const bool hasEverything = read % 4 == 3 && bytes == 299; // but the line break at the end
             EXPECT_EQ(loadFile().result, hasEverything ? 0 : KT_ERR_BAD_MSG_FILE) << "read " << read << ": " << bytes;
         }
@@ -92,7 +92,7 @@ TEST_F(FileFaults, AReadErrorIsPassedOnFromEveryChunk)
 {
     for (int read = 1; read <= 8; ++read)
     {
-        FakeZel::file(memoryPath, threeChunks).readError(static_cast<unsigned>(read), -1000 - read);
+        FakeZel::file(memoryPath, threeChunks).readErrors[static_cast<unsigned>(read)] = -1000 - read;
         EXPECT_EQ(loadFile().result, -1000 - read);
     }
 }
@@ -157,7 +157,9 @@ TEST_F(FileFaults, BlanksWithoutEndTakeNoMemory)
                                                        {"</xliff>", patience, 2, 0}})
     {
         SCOPED_TRACE(place);
-        FakeZel::file(memoryPath, xml).withBlanks(xml.find(place), count);
+        FakeFile &file = FakeZel::file(memoryPath, xml);
+        file.blanksAt = xml.find(place);
+        file.blanks = count;
         uint64_t reads = 0;
         FakeZel::observe([&](const Call &call) { reads += call.operation == Operation::FileRead ? 1 : 0; });
         EXPECT_EQ(loadPath(memoryPath), result);

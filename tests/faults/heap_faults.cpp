@@ -1,17 +1,11 @@
 #include "faults/heap_faults.h"
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-
-#include "kelto.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <expat.h>
-#include <link.h>
+#include <cstring>
+#include <dlfcn.h>
 #include <new>
-#include <unicode/ucnv.h>
 
 namespace
 {
@@ -19,77 +13,35 @@ namespace
 struct Heap
 {
     bool isWatched = false;
-    unsigned untilFailure = 0;
-    unsigned failures = 0;
+    unsigned untilFailure = 0, failures = 0;
     std::array<void *, 1000> blocks = {}; // that exist, and null where one was freed
 };
 
 thread_local Heap heap;
 
-/** Where the code of a library lies. */
-struct Module
-{
-    uintptr_t begin, end;
-
-    bool contains(const void *code) const
-    {
-        const auto address = reinterpret_cast<uintptr_t>(code);
-        return begin <= address && address < end;
-    }
-};
-
-template <typename Function> Module moduleOf(Function *function)
-{
-    Module module = {reinterpret_cast<uintptr_t>(function), 0};
-    dl_iterate_phdr(
-        [](dl_phdr_info *info, size_t, void *found) {
-            auto &wanted = *static_cast<Module *>(found);
-            for (int i = 0; i < info->dlpi_phnum; ++i)
-            {
-                const auto &segment = info->dlpi_phdr[i];
-                const uintptr_t begin = info->dlpi_addr + segment.p_vaddr;
-                if (segment.p_type != PT_LOAD ||
-                    !Module{begin, begin + segment.p_memsz}.contains(reinterpret_cast<const void *>(wanted.begin)))
-                    continue;
-                wanted = {begin, begin + segment.p_memsz};
-                return 1;
-            }
-            return 0;
-        },
-        &module);
-    return module;
-}
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 bool isLibrary(const void *caller)
 {
-    static const std::array modules = {moduleOf(KTGetFormTableSize), moduleOf(XML_ParserCreate_MM),
-                                       moduleOf(ucnv_toUChars)};
-    for (const Module &module : modules)
-        if (module.contains(caller))
-            return true;
-    return false;
-}
-
-/** Counts one request of a watched library; whether it is to fail. */
-bool fails(const void *caller)
-{
-    if (!heap.isWatched || !isLibrary(caller) || --heap.untilFailure != 0)
+    Dl_info code;
+    if (dladdr(caller, &code) == 0)
         return false;
-    ++heap.failures;
-    return true;
+    const auto isIn = [&](const char *name) { return std::strstr(code.dli_fname, name) != nullptr; };
+    return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.");
 }
 
-void *taken(void *block, const void *caller)
+/** One request: null where it is to fail. */
+template <typename Take> void *take(const void *caller, Take real, void *old = nullptr)
 {
-    if (heap.isWatched && block != nullptr && isLibrary(caller))
+    const bool isTheirs = heap.isWatched && isLibrary(caller);
+    if (isTheirs && --heap.untilFailure == 0)
+        return ++heap.failures, nullptr;
+    if (heap.isWatched && old != nullptr)
+        std::replace(heap.blocks.begin(), heap.blocks.end(), old, static_cast<void *>(nullptr));
+    void *const block = real();
+    if (isTheirs && block != nullptr)
         *std::find(heap.blocks.begin(), heap.blocks.end() - 1, nullptr) = block;
     return block;
-}
-
-void forget(void *block)
-{
-    if (heap.isWatched && block != nullptr)
-        std::replace(heap.blocks.begin(), heap.blocks.end(), block, static_cast<void *>(nullptr));
 }
 
 } // namespace
@@ -103,29 +55,22 @@ void __libc_free(void *block);
 
 void *malloc(size_t size) noexcept
 {
-    const void *const caller = __builtin_return_address(0);
-    return fails(caller) ? nullptr : taken(__libc_malloc(size), caller);
+    return take(__builtin_return_address(0), [=] { return __libc_malloc(size); });
 }
 
 void *calloc(size_t count, size_t size) noexcept
 {
-    const void *const caller = __builtin_return_address(0);
-    return fails(caller) ? nullptr : taken(__libc_calloc(count, size), caller);
+    return take(__builtin_return_address(0), [=] { return __libc_calloc(count, size); });
 }
 
 void *realloc(void *block, size_t size) noexcept
 {
-    const void *const caller = __builtin_return_address(0);
-    if (fails(caller))
-        return nullptr;
-    forget(block); // no request of these libraries fails by itself
-    return taken(__libc_realloc(block, size), caller);
+    return take(__builtin_return_address(0), [=] { return __libc_realloc(block, size); }, block);
 }
 
 void free(void *block) noexcept
 {
-    forget(block);
-    __libc_free(block);
+    take(nullptr, [=] { return __libc_free(block), nullptr; }, block);
 }
 
 } // extern "C"
@@ -133,13 +78,27 @@ void free(void *block) noexcept
 // The library creates its few objects with these; nothing else in this program does.
 void *operator new(size_t size, const std::nothrow_t &) noexcept
 {
-    const void *const caller = __builtin_return_address(0);
-    return fails(caller) ? nullptr : taken(__libc_malloc(size), caller);
+    return take(__builtin_return_address(0), [=] { return __libc_malloc(size); });
 }
+
+bool HeapFaults::arePossible()
+{
+    return true;
+}
+
+#else
+
+} // namespace
+
+bool HeapFaults::arePossible()
+{
+    return false;
+}
+
+#endif
 
 void HeapFaults::arm(unsigned n)
 {
-    isLibrary(nullptr); // finds the modules, for which the heap must not be watched yet
     heap = {true, n, 0, {}};
 }
 
@@ -153,31 +112,3 @@ long HeapFaults::outstanding()
 {
     return std::count_if(heap.blocks.begin(), heap.blocks.end(), [](void *block) { return block != nullptr; });
 }
-
-bool HeapFaults::arePossible()
-{
-    return true;
-}
-
-#else
-
-bool HeapFaults::arePossible()
-{
-    return false;
-}
-
-void HeapFaults::arm(unsigned)
-{
-}
-
-unsigned HeapFaults::disarm()
-{
-    return 0;
-}
-
-long HeapFaults::outstanding()
-{
-    return 0;
-}
-
-#endif

@@ -5,14 +5,10 @@
 #ifndef KELTO_TESTS_FAULTS_HEAP_FAULTS_H
 #define KELTO_TESTS_FAULTS_HEAP_FAULTS_H
 
-class HeapFaults
+struct HeapFaults
 {
-public:
-    HeapFaults() = delete;
-
     /** Whether this program has its own heap. */
     static bool arePossible();
-
     /** Lets the n-th allocation of this thread from here on fail. */
     static void arm(unsigned n);
     /** Takes that back; how many allocations failed. */

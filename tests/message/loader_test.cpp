@@ -226,7 +226,7 @@ TEST_F(LoaderTest, GivesTheSameTableWhereverTheChunksEnd)
 
 TEST_F(LoaderTest, CallsThePlatformInThePromisedOrder)
 {
-    const std::string xml = file().unit(3, "A\\n").paddedTo(600).xml();
+    const std::string xml = file().unit(3, "A\\n").xml(600);
     ASSERT_EQ(xml.size(), 600u) << "two full chunks, and an empty one that ends the file";
     FakeZel::file(memoryPath, xml);
     MessageTable *table = nullptr;
