@@ -1,140 +1,167 @@
-// Every operation that allocates, opens, reads or locks, with each of these failing in turn: first the platform's, then the
-// allocations that the library, expat and ICU make of the C heap.
+// Every operation that allocates, opens, reads or starts something, with each of its steps failing in turn: first those of
+// the platform, then the allocations that the library, expat and ICU make of the C heap. Whatever fails, the result is one
+// of the row's, the outputs are untouched or empty, and nothing is left over.
 
 #include "faults/heap_faults.h"
-#include "message/loading.h"
-#include "support/fault_loop.h"
+#include "support/fake_zel.h"
+#include "support/message_file_builder.h"
 #include "support/ucs2.h"
 
 #include <array>
 #include <cstdarg>
-#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <set>
 #include <unistd.h>
 
 namespace
 {
 
 char messagePath[] = "/tmp/kelto-faults-XXXXXX";
-
-constexpr int untouchedByte = '?';
+constexpr char eucJp[] = "EUC-JP";
+constexpr char bytesOfEucJp[] = "a\xA4\xA2"
+                                "b";
 auto *const untouchedTable = reinterpret_cast<MessageTable *>(0x10);
 
 /** Where the calls of the rows put their results. */
 struct Outputs
 {
-    MessageTable *table;
-    std::array<char, 20> version;
-    Ucs2Buffer text{600};
-    unsigned long size;
-    KTParameter *parameters;
-    formTable *copy;
+    MessageTable *table = untouchedTable;
+    formTable *copy = &builtInFormTable;
+    KTParameter *parameters = nullptr;
+    std::array<char, 20> text = {"?"};
+    Ucs2Buffer units{600};
+    unsigned long size = 600;
+    size_t bytes = 20;
+
+    void expectNothing() const
+    {
+        EXPECT_TRUE(table == untouchedTable || table == nullptr);
+        EXPECT_TRUE(copy == &builtInFormTable || copy == nullptr);
+        EXPECT_EQ(parameters, nullptr);
+        EXPECT_TRUE(text[0] == '?' || text[0] == '\0');
+        EXPECT_EQ(bytes, 20u);
+        EXPECT_TRUE(units.untouched() ? size == 600 : size == 0 && units[0] == 0);
+    }
+
+    void release() const
+    {
+        EXPECT_EQ(table != untouchedTable ? KTFreeMessages(table) : 0, 0);
+        EXPECT_EQ(copy != &builtInFormTable ? KTFreeFormTable(copy) : 0, 0);
+        ZEL_free(parameters);
+    }
 };
 
-Outputs outputs;
+Outputs got;
 
-void prepare()
-{
-    outputs.table = untouchedTable;
-    outputs.version.fill(untouchedByte);
-    outputs.text = Ucs2Buffer(600);
-    outputs.size = outputs.text.capacity();
-    outputs.parameters = nullptr;
-    outputs.copy = &builtInFormTable;
-    FakeZel::record();
-}
-
-void expectTableUntouched()
-{
-    EXPECT_TRUE(outputs.table == untouchedTable || outputs.table == nullptr);
-}
-
-void expectTextUntouched()
-{
-    EXPECT_TRUE(outputs.text.untouched() ? outputs.size == outputs.text.capacity()
-                                         : outputs.size == 0 && outputs.text[0] == 0);
-}
-
-void freeTable()
-{
-    char *message = nullptr;
-    EXPECT_EQ(KTGetMessage(outputs.table, 2, &message), 0);
-    EXPECT_STREQ(message, "%s[1]");
-    EXPECT_EQ(KTFreeMessages(outputs.table), 0);
-}
-
-// A long text, an own width, and a number longer than the formatter's own buffer: each takes memory of its own.
-constexpr UCS2 manyPositions[] = u"%d[12]%d[11]%d[10]%d[9]%d[8]%d[7]%d[6]%d[5]%d[4]%d[3]%d[2]%d[1]";
-char formatText[] = "%s[1]%U[2]%*d[3]%E[4]%DND[5]%D[6]%.400Lf[7]%s[8]%s[9]%s[10]%s[11]";
-
-int callList(formTable *table, ...)
+int formatList(const char *format, ...)
 {
     va_list arguments;
-    va_start(arguments, table);
-    const int result = KTvFormatStringWithPassThru(nullptr, true, table, nullptr, &outputs.size, outputs.text.data(),
-                                                   formatText, arguments);
+    va_start(arguments, format);
+    const int result = KTvFormatStringWithPassThru(nullptr, true, &builtInFormTable, nullptr, &got.size,
+                                                   got.units.data(), const_cast<char *>(format), arguments);
     va_end(arguments);
     return result;
 }
 
-int formatList()
-{
-    return callList(&builtInFormTable, "a", u"b", 4, 5, "e", u"n", "1", 1.5L, "", "", "", "");
-}
+// A long text, an own width, and a number longer than the formatter's own buffer: each takes memory of its own.
+char manyForms[] = "%s[1]%U[2]%*d[3]%E[4]%DND[5]%D[6]%.400Lf[7]%s[8]%s[9]%s[10]%s[11]";
 
 int formatPointers()
 {
     int width = 4, number = 5;
     long double real = 1.5L;
-    std::array<char, 2> s = {"a"};
-    std::array<UCS2, 2> u = {u"b"};
-    void *slots[] = {s.data(), u.data(), &width,   &number,  s.data(), u.data(), s.data() + 1,
-                     &real,    s.data(), s.data(), s.data(), s.data(), nullptr};
-    return KTvpFormatString(nullptr, true, &outputs.size, outputs.text.data(), formatText, slots);
+    char s[] = "a";
+    UCS2 u[] = u"b";
+    void *slots[] = {s, u, &width, &number, s, u, s + 1, &real, s, s, s, s, nullptr};
+    return KTvpFormatString(nullptr, true, &got.size, got.units.data(), manyForms, slots);
 }
+
+/** 0 where a function gave what it gives when nothing fails, else what it gave. */
+int compared(long outcome, long success)
+{
+    return outcome == success ? 0 : outcome == 0 ? -1 : static_cast<int>(outcome);
+}
+
+constexpr int noMemory = KT_ERR_NO_MEMORY, notOpened = KT_ERR_CONVERTER_OPEN_FAILED;
+
+// No parser; a parser that runs out of memory and so takes no more of the file; a file without its buffer; the rest.
+const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPENED, noMemory};
 
 struct Row
 {
     const char *label;
+    unsigned steps; // of the platform, which can fail
     std::function<int()> call;
-    std::function<void()> afterFailure, afterSuccess;
-    std::set<int> heapFailures; // what the call may return when the heap fails; none: it asks the platform only
+    std::set<int> heapFailures = {}; // what the call may return when the heap fails; none: it asks the platform only
     bool isStartUp = false;
+
+    friend std::ostream &operator<<(std::ostream &out, const Row &row) { return out << row.label; }
 };
 
-// No parser; a parser that runs out of memory and so takes no more of the file; a file without its buffer; the rest.
-const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPENED, KT_ERR_NO_MEMORY};
+const Row rows[] = {
+    {"start", 6, KTInit, {KT_ERR_NOT_INITIALIZED}, true},
+    // Opening; a parser and four reads, twice; the table and its texts, the block and a working copy, the list's item.
+    {"load", 16, [] { return KTLoadMessages(messagePath, &got.table); }, fileFailures},
+    {"version", 3, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }, fileFailures},
+    {"copy of the form table", 1, [] { return KTGetBuiltInFormTable(3, &got.copy); }},
+    {"records of a format, ten and then twenty", 2,
+     [] {
+         return checkSyntax(u"%d[1]%d[2]%d[3]%d[4]%d[5]%d[6]%d[7]%d[8]%d[9]%d[10]%d[11]", nullptr, &got.parameters);
+     }},
+    // The format, the records twice, the slots; a cell per argument, and what the conversions write first elsewhere.
+    {"list", 23, [] { return formatList(manyForms, "a", u"b", 4, 5, "e", u"n", "1", 1.5L, "", "", "", ""); }},
+    {"pointers", 10, formatPointers},
+    {"long number", 5, [] { return formatList("%f[1]", 1e300); }},
 
-std::vector<Row> rows()
+    {"no memory needed", 0, [] { return compared(KTUTF8ToUCS2("a\u3042", &got.bytes, got.units.data()), 0); }, {0}},
+    {"to UCS-2",
+     0,
+     [] { return KTMultiByteToUCS2(eucJp, 0, 0, bytesOfEucJp, &got.bytes, got.units.data()); },
+     {notOpened}},
+    {"to UTF-8",
+     0,
+     [] { return KTMultiByteToUTF8(eucJp, 0, 0, bytesOfEucJp, &got.bytes, got.text.data()); },
+     {noMemory, notOpened}},
+    {"from UTF-8",
+     0,
+     [] { return KTUTF8ToMultiByte(eucJp, 0, 0, "a\u3042", &got.bytes, got.text.data()); },
+     {noMemory, notOpened}},
+    {"first unit", 0, [] { return compared(KTMBCharToUChar(eucJp, 0xA4A2), 0x3042); }, {-1}},
+    {"length", 0, [] { return compared(KTMultiByteStrclen(eucJp, bytesOfEucJp), 3); }, {noMemory, notOpened}},
+    {"first", 0, [] { return compared(KTFirstChar(eucJp, bytesOfEucJp), 'a'); }, {-1}},
+    {"copy", 0, [] { return KTMultiByteStrncpy(got.text.data(), eucJp, bytesOfEucJp, 2) != nullptr ? 0 : -1; }, {-1}},
+    {"upper",
+     0,
+     [] { return compared(KTMultiByteStrupr(eucJp, bytesOfEucJp, &got.bytes, got.text.data()), 4); },
+     {noMemory, notOpened}},
+    {"find", 0, [] { return KTMultiByteStrstr(eucJp, bytesOfEucJp, eucJp, "b") != nullptr ? 0 : -1; }, {-1}},
+    {"find last",
+     0,
+     [] { return KTMultiByteStrrchr(eucJp, bytesOfEucJp, eucJp, 'b', got.text.data()) != nullptr ? 0 : -1; },
+     {-1}},
+    {"compare", 0, [] { return compared(KTMultiByteStrcmp(eucJp, "a", "utf-8", "a"), 0); }, {noMemory, notOpened}},
+    {"step",
+     0,
+     [] {
+         char text[] = "a\xA4\xA2"
+                       "b";
+         const unsigned next = KTNextChar(eucJp, text);
+         const bool isStepped = std::string(text) == bytesOfEucJp + 1;
+         EXPECT_TRUE(isStepped || std::string(text) == bytesOfEucJp) << "a text stays whole";
+         return next == 0xA4A2 && isStepped ? 0 : -1; // the character is known before the rest can fail
+     },
+     {-1}},
+};
+
+int lowestFreeDescriptor()
 {
-    const auto nothing = [] {};
-    const auto emptyVersion = [] { EXPECT_STREQ(outputs.version.data(), ""); };
-    const auto fullVersion = [] { EXPECT_STREQ(outputs.version.data(), "1.0"); };
-    const auto textWritten = [] { EXPECT_EQ(outputs.text.text().size(), outputs.size); };
-    const auto noParameters = [] { EXPECT_EQ(outputs.parameters, nullptr); };
-    return {
-        {"KTInit", [] { return KTInit(); }, nothing, [] { KTClean(); }, {KT_ERR_NOT_INITIALIZED}, true},
-        {"KTLoadMessages", [] { return KTLoadMessages(messagePath, &outputs.table); }, expectTableUntouched, freeTable,
-         fileFailures},
-        {"KTLoadRawMessages", [] { return KTLoadRawMessages(messagePath, &outputs.table); }, expectTableUntouched,
-         [] { EXPECT_EQ(KTFreeMessages(outputs.table), 0); }, fileFailures},
-        {"KTGetMsgFileVer", [] { return KTGetMsgFileVer(messagePath, outputs.version.data()); }, emptyVersion,
-         fullVersion, fileFailures},
-        {"KTvFormatStringWithPassThru", formatList, expectTextUntouched, textWritten, {}},
-        {"KTvpFormatString", formatPointers, expectTextUntouched, textWritten, {}},
-        {"checkSyntax",
-         [] { return checkSyntax(manyPositions, nullptr, &outputs.parameters); },
-         noParameters,
-         [] { ZEL_free(outputs.parameters); },
-         {}},
-        {"KTGetBuiltInFormTable",
-         [] { return KTGetBuiltInFormTable(3, &outputs.copy); },
-         [] { EXPECT_EQ(outputs.copy, nullptr); },
-         [] { EXPECT_EQ(KTFreeFormTable(outputs.copy), 0); },
-         {}},
-    };
+    const int descriptor = open("/dev/null", O_RDONLY);
+    close(descriptor);
+    return descriptor;
 }
 
-class Faults : public testing::Test
+class Faults : public testing::TestWithParam<Row>
 {
 protected:
     static void SetUpTestSuite()
@@ -146,57 +173,65 @@ protected:
     }
     static void TearDownTestSuite() { unlink(messagePath); }
 
-    /** Runs a row with the library started, unless it starts it. */
-    static void run(const Row &row, FaultLoop &loop, const std::function<void()> &afterEachFailure)
+    void SetUp() override { ASSERT_EQ(GetParam().isStartUp ? 0 : KTInit(), 0); }
+    void TearDown() override { GetParam().isStartUp ? 0 : KTClean(); }
+
+    void runOnce(unsigned n, unsigned &failures, const std::function<void(unsigned)> &arm,
+                 const std::function<unsigned()> &disarm, const std::function<std::set<int>()> &expected)
     {
-        SCOPED_TRACE(row.label);
-        ASSERT_EQ(row.isStartUp ? 0 : KTInit(), 0);
-        const auto expectLocksReleased = [] {
-            EXPECT_EQ(FakeZel::count(Operation::MutexAcquire), FakeZel::count(Operation::MutexRelease));
-            EXPECT_EQ(FakeZel::count(Operation::EnterSpinLock), FakeZel::count(Operation::LeaveSpinLock));
-        };
-        loop.prepare = prepare;
-        loop.call = row.call;
-        loop.afterFailure = [&] {
-            afterEachFailure();
-            row.afterFailure();
-            expectLocksReleased();
-        };
-        loop.afterSuccess = [&] {
-            expectLocksReleased();
-            row.afterSuccess();
-        };
-        EXPECT_GT(loop.run(), 0u) << "operations that failed";
-        if (!row.isStartUp)
-            KTClean();
+        SCOPED_TRACE(GetParam().label + (": step " + std::to_string(n)));
+        const Outstanding before = FakeZel::outstanding();
+        const int descriptor = lowestFreeDescriptor();
+        got = Outputs();
+        arm(n);
+        const int result = GetParam().call();
+        failures = disarm();
+        EXPECT_EQ((failures > 0 ? expected() : std::set<int>{0}).count(result), 1u) << result;
+        if (result == 0)
+            GetParam().isStartUp ? (void)KTClean() : got.release();
+        else
+            got.expectNothing();
+        EXPECT_EQ(FakeZel::outstanding(), before);
+        EXPECT_EQ(lowestFreeDescriptor(), descriptor) << "a file stays open";
     }
 };
 
-TEST_F(Faults, OfThePlatformAreReportedAndUndone)
+std::set<int> expectedOfPlatform(bool isStartUp)
 {
-    for (const Row &row : rows())
-    {
-        FaultLoop loop;
-        if (row.isStartUp)
-            loop.expected = [](Operation) { return std::set<int>{KT_ERR_NOT_INITIALIZED}; };
-        run(row, loop, [] {});
-    }
+    const Operation operation = FakeZel::lastFault();
+    if (operation == Operation::FileOpen || operation == Operation::FileRead)
+        return {FakeZel::defaultCode};
+    return {isStartUp ? KT_ERR_NOT_INITIALIZED : operation == Operation::ParserCreate ? -1 : noMemory};
 }
 
-TEST_F(Faults, OfTheHeapAreReportedAndUndone)
+TEST_P(Faults, OfThePlatformAreReportedAndUndone)
 {
-    if (!HeapFaults::arePossible())
-        GTEST_SKIP() << "the sanitizer's heap does not fail";
-    for (const Row &row : rows())
-    {
-        if (row.heapFailures.empty())
-            continue;
-        FaultLoop loop;
-        loop.expected = [&](Operation) { return row.heapFailures; };
-        loop.arm = HeapFaults::arm;
-        loop.disarm = HeapFaults::disarm;
-        run(row, loop, [] { EXPECT_EQ(HeapFaults::outstanding(), 0) << "blocks left over"; });
-    }
+    unsigned n = 0;
+    for (unsigned failures = 1; failures > 0 && n < 100;)
+        runOnce(
+            ++n, failures, [](unsigned step) { FakeZel::failNth(step); }, FakeZel::clearFaults,
+            [] { return expectedOfPlatform(GetParam().isStartUp); });
+    EXPECT_EQ(n - 1, GetParam().steps);
 }
+
+TEST_P(Faults, OfTheHeapAreReportedAndUndone)
+{
+    if (!HeapFaults::arePossible || GetParam().heapFailures.empty())
+        return;
+    unsigned n = 0;
+    runOnce(1000, n, HeapFaults::arm, HeapFaults::disarm, [] { return GetParam().heapFailures; }); // fills caches
+    for (unsigned failures = 1; failures > 0 && n < 1000;)
+    {
+        runOnce(++n, failures, HeapFaults::arm, HeapFaults::disarm, [] { return GetParam().heapFailures; });
+        EXPECT_TRUE(failures == 0 || HeapFaults::outstanding() == 0) << n;
+    }
+    EXPECT_EQ(n == 1, GetParam().heapFailures.count(0) == 1) << "only what needs none is never refused";
+}
+
+INSTANTIATE_TEST_SUITE_P(, Faults, testing::ValuesIn(rows), [](const auto &row) {
+    std::string name = row.param.label;
+    name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return std::isalnum(c) == 0; }), name.end());
+    return name;
+});
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "faults/heap_faults.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <dlfcn.h>
@@ -14,33 +12,51 @@ struct Heap
 {
     bool isWatched = false;
     unsigned untilFailure = 0, failures = 0;
-    std::array<void *, 1000> blocks = {}; // that exist, and null where one was freed
+    long outstanding = 0;
 };
 
 thread_local Heap heap;
 
+} // namespace
+
+void HeapFaults::arm(unsigned n)
+{
+    heap = {true, n, 0, 0};
+}
+
+unsigned HeapFaults::disarm()
+{
+    heap.isWatched = false;
+    return heap.failures;
+}
+
+long HeapFaults::outstanding()
+{
+    return heap.outstanding;
+}
+
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+namespace
+{
 
 bool isLibrary(const void *caller)
 {
     Dl_info code;
-    if (dladdr(caller, &code) == 0)
-        return false;
-    const auto isIn = [&](const char *name) { return std::strstr(code.dli_fname, name) != nullptr; };
+    const bool isKnown = dladdr(caller, &code) != 0;
+    const auto isIn = [&](const char *name) { return isKnown && std::strstr(code.dli_fname, name) != nullptr; };
     return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.");
 }
 
-/** One request: null where it is to fail. */
-template <typename Take> void *take(const void *caller, Take real, void *old = nullptr)
+/** One request for a block in the place of another: null where it is to fail. */
+template <typename Take> void *take(const void *caller, Take real, const void *old = nullptr)
 {
-    const bool isTheirs = heap.isWatched && isLibrary(caller);
-    if (isTheirs && --heap.untilFailure == 0)
+    if (!heap.isWatched)
+        return real();
+    if (isLibrary(caller) && --heap.untilFailure == 0)
         return ++heap.failures, nullptr;
-    if (heap.isWatched && old != nullptr)
-        std::replace(heap.blocks.begin(), heap.blocks.end(), old, static_cast<void *>(nullptr));
     void *const block = real();
-    if (isTheirs && block != nullptr)
-        *std::find(heap.blocks.begin(), heap.blocks.end() - 1, nullptr) = block;
+    heap.outstanding += (block != nullptr ? 1 : 0) - (old != nullptr ? 1 : 0);
     return block;
 }
 
@@ -65,12 +81,14 @@ void *calloc(size_t count, size_t size) noexcept
 
 void *realloc(void *block, size_t size) noexcept
 {
-    return take(__builtin_return_address(0), [=] { return __libc_realloc(block, size); }, block);
+    return take(
+        __builtin_return_address(0), [=] { return __libc_realloc(block, size); }, block);
 }
 
 void free(void *block) noexcept
 {
-    take(nullptr, [=] { return __libc_free(block), nullptr; }, block);
+    take(
+        nullptr, [=] { return __libc_free(block), nullptr; }, block);
 }
 
 } // extern "C"
@@ -81,34 +99,4 @@ void *operator new(size_t size, const std::nothrow_t &) noexcept
     return take(__builtin_return_address(0), [=] { return __libc_malloc(size); });
 }
 
-bool HeapFaults::arePossible()
-{
-    return true;
-}
-
-#else
-
-} // namespace
-
-bool HeapFaults::arePossible()
-{
-    return false;
-}
-
 #endif
-
-void HeapFaults::arm(unsigned n)
-{
-    heap = {true, n, 0, {}};
-}
-
-unsigned HeapFaults::disarm()
-{
-    heap.isWatched = false;
-    return heap.failures;
-}
-
-long HeapFaults::outstanding()
-{
-    return std::count_if(heap.blocks.begin(), heap.blocks.end(), [](void *block) { return block != nullptr; });
-}

@@ -5,16 +5,22 @@
 #ifndef KELTO_TESTS_FAULTS_HEAP_FAULTS_H
 #define KELTO_TESTS_FAULTS_HEAP_FAULTS_H
 
-struct HeapFaults
+namespace HeapFaults
 {
-    /** Whether this program has its own heap. */
-    static bool arePossible();
-    /** Lets the n-th allocation of this thread from here on fail. */
-    static void arm(unsigned n);
-    /** Takes that back; how many allocations failed. */
-    static unsigned disarm();
-    /** The blocks of the libraries that were taken and not freed since arm(). */
-    static long outstanding();
-};
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+constexpr bool arePossible = true;
+#else
+constexpr bool arePossible = false;
+#endif
+
+/** Lets the n-th allocation of this thread from here on fail. */
+void arm(unsigned n);
+/** Takes that back; how many allocations failed. */
+unsigned disarm();
+/** The blocks that this thread took and did not free between arm() and disarm(). */
+long outstanding();
+
+} // namespace HeapFaults
 
 #endif

@@ -20,7 +20,7 @@ namespace
         return found;                                                                                                  \
     }())
 
-std::atomic<long> blocks, files, mutexes, tags, parsers;
+std::atomic<long> blocks, files, mutexes, tags, parsers, locked;
 
 void add(std::atomic<long> &counter, long change)
 {
@@ -101,17 +101,19 @@ struct OpenFile
 
 extern "C" {
 
-#define FORWARD(operation, name, parameters, arguments, object, number)                                                \
+#define FORWARD(operation, name, parameters, arguments, object, number, lockedChange)                                  \
     int name parameters                                                                                                \
     {                                                                                                                  \
         const int fault = enter(Operation::operation, object, static_cast<uint64_t>(number));                          \
+        add(locked, lockedChange);                                                                                     \
         return fault != 0 ? fault : REAL(name) arguments;                                                              \
     }
+// What fails may have stored something all the same.
 #define CREATE(operation, name, parameters, arguments, object, number, counter)                                        \
     int name parameters                                                                                                \
     {                                                                                                                  \
         if (const int fault = enter(Operation::operation, object, static_cast<uint64_t>(number)))                      \
-            return fault;                                                                                              \
+            return *(object) = reinterpret_cast<void *>(0x10), fault;                                                  \
         const int result = REAL(name) arguments;                                                                       \
         add(counter, result == 0 ? 1 : 0);                                                                             \
         return result;                                                                                                 \
@@ -123,12 +125,12 @@ extern "C" {
         add(counter, -1);                                                                                              \
         return REAL(name)(object);                                                                                     \
     }
-FORWARD(Startup, ZEL_Startup, (long handle, long reserved), (handle, reserved), nullptr, handle)
-FORWARD(Cleanup, ZEL_Cleanup, (long handle), (handle), nullptr, handle)
-FORWARD(MutexAcquire, ZEL_LMutexAcquire, (void *mutex), (mutex), mutex, 0)
-FORWARD(MutexRelease, ZEL_LMutexRelease, (void *mutex), (mutex), mutex, 0)
-FORWARD(EnterSpinLock, ZEL_EnterSpinLock, (void **lock), (lock), lock, 0)
-FORWARD(LeaveSpinLock, ZEL_LeaveSpinLock, (void **lock), (lock), lock, 0)
+FORWARD(Startup, ZEL_Startup, (long handle, long reserved), (handle, reserved), nullptr, handle, 0)
+FORWARD(Cleanup, ZEL_Cleanup, (long handle), (handle), nullptr, handle, 0)
+FORWARD(MutexAcquire, ZEL_LMutexAcquire, (void *mutex), (mutex), mutex, 0, 1)
+FORWARD(MutexRelease, ZEL_LMutexRelease, (void *mutex), (mutex), mutex, 0, -1)
+FORWARD(EnterSpinLock, ZEL_EnterSpinLock, (void **lock), (lock), lock, 0, 1)
+FORWARD(LeaveSpinLock, ZEL_LeaveSpinLock, (void **lock), (lock), lock, 0, -1)
 CREATE(AllocMemTag, ZEL_AllocMemTag, (long handle, void **tag), (handle, tag), tag, handle, tags)
 CREATE(MutexCreate, ZEL_LMutexCreate, (void **mutex, long parameter), (mutex, parameter), mutex, parameter, mutexes)
 DESTROY(FreeMemTag, ZEL_FreeMemTag, tags)
@@ -186,10 +188,12 @@ int ZEL_FileRead(void *handle, uint64_t *offset, void *buffer, unsigned long *le
 
 int ZEL_FileClose(void **handle)
 {
-    const std::unique_ptr<OpenFile> file(static_cast<OpenFile *>(std::exchange(*handle, nullptr)));
+    const std::unique_ptr<OpenFile> file(static_cast<OpenFile *>(*handle));
     enter(Operation::FileClose, file.get());
     add(files, -1);
-    return file->fake != nullptr ? 0 : REAL(ZEL_FileClose)(&file->real);
+    const int result = file->fake != nullptr ? 0 : REAL(ZEL_FileClose)(&file->real);
+    *handle = file->real; // null, if the real one does its work
+    return result;
 }
 
 XML_Parser XML_ParserCreate(const XML_Char *encoding)
@@ -212,8 +216,6 @@ void XML_ParserFree(XML_Parser parser)
 
 int FakeFile::read(unsigned pass, unsigned n, uint64_t *offset, void *buffer, unsigned long *length) const
 {
-    if (const auto error = readErrors.find(n); error != readErrors.end())
-        return error->second;
     const std::string &content = pass > 1 ? laterBytes : bytes;
     if (*offset >= content.size() + blanks)
         return ZEL_ERR_END_OF_FILE;
@@ -310,7 +312,7 @@ void FakeZel::observe(std::function<void(const Call &)> observer)
 
 Outstanding FakeZel::outstanding()
 {
-    return {blocks, files, mutexes, tags, parsers};
+    return {blocks, files, mutexes, tags, parsers, locked};
 }
 
 std::ostream &operator<<(std::ostream &out, Operation operation)

@@ -24,7 +24,8 @@
 
 #define KELTO_FALLIBLE(X) X(Startup) X(AllocMemTag) X(Malloc) X(MutexCreate) X(FileOpen) X(FileRead) X(ParserCreate)
 #define KELTO_INFALLIBLE(X)                                                                                            \
-    X(Cleanup) X(FreeMemTag) X(Free) X(MutexDestroy) X(MutexAcquire) X(MutexRelease) X(EnterSpinLock) X(LeaveSpinLock) \
+    X(Cleanup)                                                                                                         \
+    X(FreeMemTag) X(Free) X(MutexDestroy) X(MutexAcquire) X(MutexRelease) X(EnterSpinLock) X(LeaveSpinLock)            \
         X(FileClose) X(ParserFree)
 #define KELTO_NAME(name) name,
 enum class Operation
@@ -44,17 +45,17 @@ struct Call
 std::ostream &operator<<(std::ostream &out, Operation operation);
 std::ostream &operator<<(std::ostream &out, const Call &call);
 
-/** The objects that exist: blocks, files, mutexes, tags, parsers. */
-using Outstanding = std::array<long, 5>;
+/** The objects that exist: blocks, files, mutexes, tags, parsers, locks that are held. */
+using Outstanding = std::array<long, 6>;
 
 /** A file in memory, and how reading it goes. Reads are counted from 1 over all passes of one opening. */
 struct FakeFile
 {
     std::string bytes;
-    std::string laterBytes = bytes;     // what every pass after the first finds; a pass begins with a read at position 0
+    std::string laterBytes = bytes; // what every pass after the first finds; a pass begins with a read at position 0
     std::map<unsigned, unsigned long> shortReads = {}; // the n-th read hands out at most this many bytes
-    std::map<unsigned, int> readErrors = {};           // the n-th read fails
-    uint64_t blanksAt = 0, blanks = 0;  // this many blanks stand in front of the byte at this position, and take no memory
+    uint64_t blanksAt = 0,
+             blanks = 0; // this many blanks stand in front of the byte at this position, and take no memory
 
     FakeFile &thenBytes(std::string later) { return laterBytes = std::move(later), *this; }
 
