@@ -519,6 +519,21 @@ typedef enum Flag_t
     CONV_EXTERNAL = 21 /**< the name was found in another table than the built-in one */
 } Flag_t;
 
+/** What a width or precision is where no number gives it. */
+enum
+{
+    KT_ABSENT = -1,        /**< the conversion specification has none */
+    KT_FROM_ARGUMENTS = -2 /**< '*': it stands in the arguments */
+};
+
+/** What an encoder is told of its value. */
+enum KTEncodedType
+{
+    KT_ENCODE_UNIT = 0,     /**< a pointer to one UCS-2 unit */
+    KT_ENCODE_UCS2 = 1,     /**< a zero-terminated UCS-2 text */
+    KT_ENCODE_CHARACTER = 2 /**< a pointer to one 8-bit character */
+};
+
 /**
  * Renders a value inside an encoded region in place of the formatters "c", "s" and "U", which then only cut and pad it.
  *
@@ -527,7 +542,7 @@ typedef enum Flag_t
  * not know. docs/extending.md shows one.
  *
  * @param value      the value, as dataType says.
- * @param dataType   0: one UCS-2 unit; 1: a zero-terminated UCS-2 text; 2: one 8-bit character.
+ * @param dataType   one of KTEncodedType.
  * @param sizeInOut  in: the room at out in units, counting one for the terminator of the whole text; out: the units of
  *                   the encoded text. The text fits when its length plus 1 is at most the room. An encoder that fails
  *                   stores the length too, or 0: it is read in every case, and the room left there does not fit.
@@ -585,12 +600,12 @@ struct formTable
     formTable *nextTable;  /**< where a name that is not here is looked for, or null */
 };
 
-/** One parsed conversion specification. */
+/** One conversion specification, parsed. */
 typedef struct KTParameter
 {
     Flag_t type;            /**< its kind */
-    int width;              /**< -1 absent, -2 taken from the arguments, else the number written */
-    int precision;          /**< -1 absent, -2 taken from the arguments, 0 for a '.' alone, else the number written */
+    int width;              /**< KT_ABSENT, KT_FROM_ARGUMENTS, else the number written */
+    int precision;          /**< KT_ABSENT, KT_FROM_ARGUMENTS, 0 for a '.' alone, else the number written */
     int flags;              /**< bits of KTFlag */
     int argIndex;           /**< its first slot; 0 after parsing, assigned by the format call */
     KTFormatter *formatter; /**< its record; null ends an array */
@@ -601,12 +616,20 @@ extern formTable builtInFormTable;
 /** Its list: the seventeen conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
-/**
- * Argument lists for KTFormatter::argTypes: one code and a 0. The codes, and what the slot holds: 1 a pointer to a char
- * (UCS2 with FLAG_l); 2 a UTF-8 text; 3 a UCS-2 text; 4 and 5 a pointer to a signed, unsigned integer of 16 bits with
- * FLAG_h, else of 64 with FLAG_BANG, else of 32; 6 a pointer to a double (long double with FLAG_L); 7 a pointer to a
- * 64-bit value of any meaning.
- */
+/** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Codes above these take no argument. */
+enum KTArgumentCode
+{
+    KT_ARG_END = 0,       /**< ends a list */
+    KT_ARG_CHARACTER = 1, /**< a pointer to a char (UCS2 with FLAG_l) */
+    KT_ARG_UTF8 = 2,      /**< a UTF-8 text */
+    KT_ARG_UCS2 = 3,      /**< a UCS-2 text */
+    KT_ARG_SIGNED = 4,    /**< a pointer to an integer of 16 bits with FLAG_h, else of 64 with FLAG_BANG, else of 32 */
+    KT_ARG_UNSIGNED = 5,  /**< likewise */
+    KT_ARG_DOUBLE = 6,    /**< a pointer to a double (long double with FLAG_L) */
+    KT_ARG_POINTER = 7    /**< a pointer to a 64-bit value of any meaning */
+};
+
+/** Argument lists for KTFormatter::argTypes: one code and KT_ARG_END. */
 extern const int singleCharList[], utf8StrList[], ucs2StrList[], signedIntList[], unsignedIntList[], doubleList[];
 
 /**

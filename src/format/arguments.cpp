@@ -69,18 +69,18 @@ void *takeArgument(int type, va_list *arguments, int flags)
 {
     switch (type)
     {
-    case kelto::singleCharacter:
+    case KT_ARG_CHARACTER:
         return takeCharacter(arguments, flags);
-    case kelto::utf8Text:
+    case KT_ARG_UTF8:
         return takeUTF8(arguments);
-    case kelto::ucs2Text:
+    case KT_ARG_UCS2:
         return takeUCS2(arguments);
-    case kelto::floatingPoint:
+    case KT_ARG_DOUBLE:
         return takeFloatingPoint(arguments, flags);
-    case kelto::pointerSized:
+    case KT_ARG_POINTER:
         return cellOf(va_arg(*arguments, uint64_t));
-    case kelto::signedInteger:
-    case kelto::unsignedInteger:
+    case KT_ARG_SIGNED:
+    case KT_ARG_UNSIGNED:
     default:
         return takeInteger(arguments, flags);
     }
@@ -94,11 +94,11 @@ public:
 
     bool takeConversion(const KTParameter &parameter)
     {
-        if (parameter.width == kelto::fromArguments && !take(kelto::signedInteger, 0))
+        if (parameter.width == KT_FROM_ARGUMENTS && !take(KT_ARG_SIGNED, 0))
             return false;
-        if (parameter.precision == kelto::fromArguments && !take(kelto::signedInteger, 0))
+        if (parameter.precision == KT_FROM_ARGUMENTS && !take(KT_ARG_SIGNED, 0))
             return false;
-        for (const int *type = parameter.formatter->argTypes; *type != kelto::endOfTypes; ++type)
+        for (const int *type = parameter.formatter->argTypes; *type != KT_ARG_END; ++type)
             if (kelto::takesSlot(*type) && !take(*type, parameter.flags))
                 return false;
         return true;
@@ -135,8 +135,8 @@ size_t numberSlots(KTParameter *parameters, bool tag) noexcept
         }
         parameter->argIndex = static_cast<int>(count);
         parameter->flags |= added;
-        count += parameter->width == fromArguments ? 1 : 0;
-        count += parameter->precision == fromArguments ? 1 : 0;
+        count += parameter->width == KT_FROM_ARGUMENTS ? 1 : 0;
+        count += parameter->precision == KT_FROM_ARGUMENTS ? 1 : 0;
         count += static_cast<size_t>(parameter->formatter->argCount);
     }
     return count;

@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_ARGUMENTS_H
 #define KELTO_FORMAT_ARGUMENTS_H
 
-#include "format/contract.h"
+#include "format/records.h"
 #include "platform/scoped.h"
 
 #include <cstdarg>

@@ -1,12 +1,12 @@
-#include "format/contract.h"
+#include "format/records.h"
 
 // Constants have internal linkage unless declared before: kelto.h does that for all of these.
-const int singleCharList[] = {kelto::singleCharacter, kelto::endOfTypes};
-const int utf8StrList[] = {kelto::utf8Text, kelto::endOfTypes};
-const int ucs2StrList[] = {kelto::ucs2Text, kelto::endOfTypes};
-const int signedIntList[] = {kelto::signedInteger, kelto::endOfTypes};
-const int unsignedIntList[] = {kelto::unsignedInteger, kelto::endOfTypes};
-const int doubleList[] = {kelto::floatingPoint, kelto::endOfTypes};
+const int singleCharList[] = {KT_ARG_CHARACTER, KT_ARG_END};
+const int utf8StrList[] = {KT_ARG_UTF8, KT_ARG_END};
+const int ucs2StrList[] = {KT_ARG_UCS2, KT_ARG_END};
+const int signedIntList[] = {KT_ARG_SIGNED, KT_ARG_END};
+const int unsignedIntList[] = {KT_ARG_UNSIGNED, KT_ARG_END};
+const int doubleList[] = {KT_ARG_DOUBLE, KT_ARG_END};
 
 // The order is that of Flag_t, and records of one first letter stand together.
 // clang-format off

@@ -36,10 +36,6 @@ constexpr FlagTable
     flagCharacters({{u'-', FLAG_MINUS}, {u'+', FLAG_PLUS}, {u' ', FLAG_SPACE}, {u'#', FLAG_HASH}, {u'0', FLAG_ZERO}});
 constexpr FlagTable modifiers({{u'h', FLAG_h}, {u'l', FLAG_l}, {u'L', FLAG_L}, {u'!', FLAG_BANG}});
 
-// The markers of an encoded region share the record that ends the list: it takes no arguments, and since it is not null,
-// a marker does not look like the end of a parameter array.
-KTFormatter *const markerRecord = &builtInFormList[17];
-
 bool isDigit(UCS2 unit)
 {
     return unit >= u'0' && unit <= u'9';
@@ -64,7 +60,7 @@ bool takeWidthOrPrecision(const UCS2 *&cursor, int ifMissing, int &value)
     if (*cursor == u'*')
     {
         ++cursor;
-        value = kelto::fromArguments;
+        value = KT_FROM_ARGUMENTS;
         return true;
     }
     if (!isDigit(*cursor))
@@ -88,7 +84,7 @@ int takeFlags(const UCS2 *&cursor)
 bool takeOptions(const UCS2 *&cursor, int &flags, int &width, int &precision)
 {
     flags = takeFlags(cursor);
-    if (!takeWidthOrPrecision(cursor, kelto::absent, width))
+    if (!takeWidthOrPrecision(cursor, KT_ABSENT, width))
         return false;
     if (*cursor != u'.')
         return true;
@@ -126,8 +122,10 @@ int takePosition(const UCS2 *&cursor)
 
 kelto::Conversion resolveName(const kelto::ConversionName &name, int flags, formTable &table)
 {
+    // The markers of an encoded region share the record that ends the list: it takes no arguments, and since it is not
+    // null, a marker does not look like the end of a parameter array.
     if (name.length == 1 && (name.begin[0] == u'N' || name.begin[0] == u'O'))
-        return {name.begin[0] == u'N' ? CONV_N : CONV_O, markerRecord, 0};
+        return {name.begin[0] == u'N' ? CONV_N : CONV_O, kelto::terminatingRecord(), 0};
     return kelto::findConversion(name, flags, table);
 }
 
@@ -142,8 +140,8 @@ ConversionSpec parseSpecification(const UCS2 *percent, formTable &table) noexcep
 {
     const UCS2 *cursor = percent + 1;
     int flags = 0;
-    int width = absent;
-    int precision = absent;
+    int width = KT_ABSENT;
+    int precision = KT_ABSENT;
     // Flags, digits, '*' and '.' are all below 'A': where a letter follows the '%', there is nothing to take.
     if (*cursor < u'A' && !takeOptions(cursor, flags, width, precision))
         return malformed;

@@ -32,7 +32,10 @@ struct Output
 class GrowingText
 {
 public:
-    explicit GrowingText(const Output &output) : m_output(output), m_capacity(*output.size), m_next(output.out) {}
+    explicit GrowingText(const Output &output)
+        : m_output(output), m_capacity(*output.size), m_next(output.out), m_isTruncated(m_capacity == 0)
+    {
+    }
 
     void appendLiteral(const UCS2 *units, size_t count)
     {
@@ -78,7 +81,7 @@ public:
     {
         terminate(m_next);
         *m_output.size = m_total;
-        return m_isTruncated || m_capacity == 0 ? KT_ERR_BUFFER_TOO_SMALL : 0;
+        return m_isTruncated ? KT_ERR_BUFFER_TOO_SMALL : 0;
     }
 
     int fail(int result)
@@ -106,7 +109,7 @@ private:
     /** Takes a '*' width or precision from its slot, if it is one. */
     static bool takeFromSlot(void **&slot, int &value)
     {
-        if (value != kelto::fromArguments)
+        if (value != KT_FROM_ARGUMENTS)
             return true;
         if (*slot == nullptr)
             return false;
@@ -118,7 +121,7 @@ private:
     unsigned long m_capacity;
     unsigned long m_total = 0;
     UCS2 *m_next;
-    bool m_isTruncated = false;
+    bool m_isTruncated; // from the start where there is no room at all
 };
 
 /** buildBuffer() for a format of known length, whose places may be noted. */

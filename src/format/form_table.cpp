@@ -35,7 +35,7 @@ bool isUsable(const KTFormatter &record)
     if (record.format == nullptr || record.argTypes == nullptr)
         return false;
     int slots = 0;
-    for (const int *type = record.argTypes; *type != kelto::endOfTypes; ++type)
+    for (const int *type = record.argTypes; *type != KT_ARG_END; ++type)
         slots += kelto::takesSlot(*type) ? 1 : 0;
     return slots == record.argCount;
 }

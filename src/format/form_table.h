@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORM_TABLE_H
 #define KELTO_FORMAT_FORM_TABLE_H
 
-#include "format/contract.h"
+#include "format/records.h"
 
 namespace kelto
 {

@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMAT_STRING_H
 #define KELTO_FORMAT_FORMAT_STRING_H
 
-#include "format/contract.h"
+#include "format/records.h"
 
 namespace kelto
 {

@@ -2,7 +2,7 @@
 
 #include "format/field.h"
 #include "format/formatters/integer.h"
-#include "format/formatters/texts.h"
+#include "format/formatters/tags.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "format/formatters/distinguished_name.h"
 
 #include "format/field.h"
-#include "format/formatters/texts.h"
+#include "format/formatters/tags.h"
 
 #include <algorithm>
 #include <string.h>

@@ -1,7 +1,7 @@
 #include "format/converted_text.h"
 #include "format/field.h"
 #include "format/formatters/integer.h"
-#include "format/formatters/texts.h"
+#include "format/formatters/tags.h"
 
 #include <cstring>
 

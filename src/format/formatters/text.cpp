@@ -6,14 +6,6 @@
 namespace
 {
 
-/** What an encoder is told of its value. */
-enum EncodedType : int
-{
-    encodedUnit = 0, // of UCS-2
-    encodedText = 1,
-    encodedCharacter = 2 // of 8 bits
-};
-
 KTEncoder encoderFor(int flags, KTEncoder passThru1)
 {
     return (flags & FLAG_ENCODE) != 0 ? passThru1 : nullptr;
@@ -70,7 +62,7 @@ int writeText(const UCS2 *text, size_t length, int width, int precision, int fla
     if (encoder == nullptr)
         return writePadded(text, cut(length, precision), width, flags, sizeInOut, out);
     unsigned long encodedLength = *sizeInOut;
-    const int status = encoder(text, encodedText, &encodedLength, out);
+    const int status = encoder(text, KT_ENCODE_UCS2, &encodedLength, out);
     return padInPlace(cut(encodedLength, precision), width, flags, status, sizeInOut, out);
 }
 
@@ -92,7 +84,7 @@ int formatChar(const char * /*convName*/, int width, int /*precision*/, int flag
     }
     unsigned long length = *sizeInOut;
     // Unlike with texts, every failure of the encoder is a matter of room.
-    if (encoder(*argSlot, (flags & FLAG_l) != 0 ? encodedUnit : encodedCharacter, &length, out) == 0)
+    if (encoder(*argSlot, (flags & FLAG_l) != 0 ? KT_ENCODE_UNIT : KT_ENCODE_CHARACTER, &length, out) == 0)
         return padInPlace(length, width, flags, 0, sizeInOut, out);
     *sizeInOut = length + kelto::paddingTo(width, length);
     return KT_ERR_BUFFER_TOO_SMALL;

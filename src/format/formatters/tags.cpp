@@ -1,4 +1,4 @@
-#include "format/formatters/texts.h"
+#include "format/formatters/tags.h"
 
 const UCS2 ucs2_space[] = u" ";
 const UCS2 ucs2_slash[] = u"/";

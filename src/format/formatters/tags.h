@@ -2,8 +2,8 @@
  * The constant UCS-2 texts that formatters write: one-character separators, and the tags around a tagged value. All are
  * exported, zero-terminated arrays.
  */
-#ifndef KELTO_FORMAT_FORMATTERS_TEXTS_H
-#define KELTO_FORMAT_FORMATTERS_TEXTS_H
+#ifndef KELTO_FORMAT_FORMATTERS_TAGS_H
+#define KELTO_FORMAT_FORMATTERS_TAGS_H
 
 #include "kelto.h"
 
