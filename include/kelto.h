@@ -207,6 +207,44 @@ const char *KTMsgCpy(const char *source, char *destination);
  */
 int KTGetMsgFileVer(char *path, char *version);
 
+/**
+ * Finds the catalog of a user's language: the first of the files DIRECTORY/LANGUAGE/NAME.ktc and
+ * DIRECTORY/LANGUAGE/NAME.xlf that can be opened, with the languages in the order of KTLanguages(). Nothing outside the
+ * directory is looked at, whatever the languages are called.
+ * @param directory  the folder that holds a folder per language; not empty.
+ * @param name       the name of the catalog, the program's own as a rule; not empty, without a '/'.
+ * @param languages  as in KTLanguages(): null for the user's.
+ * @param size       in: the capacity of path in bytes, the terminator counted; out, on success and after
+ *                   KT_ERR_BUFFER_TOO_SMALL: the bytes of the path, the terminator not counted.
+ * @param path       out: the path; the empty text on every other result but KT_ERR_NOT_INITIALIZED and
+ *                   KT_ERR_INVALID_PARAMETER. Null is allowed where the capacity is 0.
+ * @return 0; KT_ERR_FILE_UNAVAILABLE when there is no such file in any language; KT_ERR_FILE_NOT_OPENED when all that
+ *         there are cannot be opened; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for a null, an empty or an
+ *         impossible argument; KT_ERR_NOT_INITIALIZED, KT_ERR_NO_MEMORY.
+ *
+ *     char path[4096];
+ *     size_t size = sizeof path;
+ *     int result = KTFindCatalog("/usr/share/store/messages", "store", NULL, &size, path);
+ */
+int KTFindCatalog(const char *directory, const char *name, const char *languages, size_t *size, char *path);
+
+/**
+ * The languages in which KTFindCatalog() looks, in its order. "de_AT.UTF-8@euro:fr" becomes
+ * "de_AT@euro:de_AT:de@euro:de:fr": each name without its character set, then with less and less behind it. "C" and
+ * "POSIX" stand for the texts in the program and end the list. What cannot be the name of a language (longer than 63
+ * bytes, or with other characters than letters, digits, '_', '-' and, behind an '@', "+=,") is left out. Needs no
+ * started library.
+ * @param languages  names separated by ':', the most wanted first; null for the user's: of the variables LC_ALL,
+ *                   LC_MESSAGES and LANG the first that is set and not empty, and where that is neither "C" nor
+ *                   "POSIX", LANGUAGE in its place if that is set.
+ * @param size       in: the capacity of list in bytes, the terminator counted; out: the bytes of the list, the
+ *                   terminator not counted, also where it does not fit.
+ * @param list       out: the names separated by ':'; the empty text where there is none, and where they do not fit.
+ *                   Null is allowed where the capacity is 0.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL, or KT_ERR_INVALID_PARAMETER for a null where none is allowed.
+ */
+int KTLanguages(const char *languages, size_t *size, char *list);
+
 /* ## 4. Formatting
  *
  * A format string is UTF-8 text with conversion specifications:

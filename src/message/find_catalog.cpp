@@ -1,0 +1,73 @@
+#include "kelto.h"
+#include "lifecycle/state.h"
+#include "message/bounded_text.h"
+#include "message/languages.h"
+#include "platform/scoped.h"
+
+#include <cstring>
+
+namespace
+{
+
+// A compiled catalog is loaded faster, so it comes first.
+constexpr const char *suffixes[] = {".ktc", ".xlf"};
+constexpr size_t suffixLength = 4;
+
+/** A name that is that of a file in a folder, and of none elsewhere. */
+bool isFileName(const char *name)
+{
+    return *name != '\0' && std::strchr(name, '/') == nullptr;
+}
+
+/** "directory/language/name.suffix"; out has the room. */
+void writePath(char *out, size_t room, const char *directory, const char *language, const char *name,
+               const char *suffix)
+{
+    kelto::BoundedText path(out, room);
+    for (const char *piece : {directory, "/", language, "/", name, suffix})
+        path.append(piece);
+    path.finish(&room);
+}
+
+/** Finds the first path that can be read, into a buffer of `room` bytes; 0, or why there is none. */
+int findPath(const char *directory, const char *name, const char *languages, char *path, size_t room)
+{
+    int result = KT_ERR_FILE_UNAVAILABLE;
+    kelto::LanguageWalk walk(languages);
+    while (const char *const language = walk.next())
+        for (const char *suffix : suffixes)
+        {
+            writePath(path, room, directory, language, name, suffix);
+            kelto::File file;
+            const int opened = file.open(path);
+            if (opened == 0)
+                return 0;
+            if (opened != ZEL_ERR_FILE_MISSING)
+                result = KT_ERR_FILE_NOT_OPENED;
+        }
+    return result;
+}
+
+} // namespace
+
+int KTFindCatalog(const char *directory, const char *name, const char *languages, size_t *size, char *path)
+{
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    if (directory == nullptr || *directory == '\0' || name == nullptr || !isFileName(name) || size == nullptr ||
+        (path == nullptr && *size != 0))
+        return KT_ERR_INVALID_PARAMETER;
+    if (*size > 0)
+        *path = '\0';
+    const size_t room =
+        std::strlen(directory) + 1 + kelto::maxLanguageLength + 1 + std::strlen(name) + suffixLength + 1;
+    const kelto::TagBlock<char> found = kelto::allocate<char>(glbResHandle, room);
+    if (found == nullptr)
+        return KT_ERR_NO_MEMORY;
+    const int result = findPath(directory, name, languages, found.get(), room);
+    if (result != 0)
+        return result;
+    kelto::BoundedText text(path, *size);
+    text.append(found.get());
+    return text.finish(size);
+}
