@@ -1,28 +1,38 @@
-# What `cmake --install` lays down: library, header, package files, program, man pages, guides, examples.
+# What `cmake --install` lays down: library, header, package files, program, man pages, guides, examples. Each file belongs
+# to one of three components, which are also the three packages: runtime, development, tools.
 
 include(CMakePackageConfigHelpers)
+set(KELTO_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/Kelto")
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 
-install(TARGETS kelto EXPORT KeltoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES "${PROJECT_SOURCE_DIR}/include/kelto.h" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT KeltoTargets NAMESPACE Kelto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelto)
+install(TARGETS kelto EXPORT KeltoTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+file(GLOB headers CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/include/*.h" "${PROJECT_SOURCE_DIR}/include/*.hpp")
+install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# find_package(Kelto)
+install(EXPORT KeltoTargets NAMESPACE Kelto:: DESTINATION ${KELTO_CMAKE_DIR})
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/KeltoConfig.cmake.in"
-  "${PROJECT_BINARY_DIR}/KeltoConfig.cmake"
-  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelto)
+  "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" INSTALL_DESTINATION ${KELTO_CMAKE_DIR})
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
-install(FILES "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" "${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake"
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Kelto)
+file(GLOB functions CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/KeltoMessages.cmake")
+install(FILES "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" "${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake" ${functions}
+        DESTINATION ${KELTO_CMAKE_DIR})
 
-# Relative to the file itself, so that `cmake --install --prefix` and moved trees work.
-file(RELATIVE_PATH KELTO_PC_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-string(REGEX REPLACE "/$" "" KELTO_PC_TO_PREFIX "${KELTO_PC_TO_PREFIX}")
+# pkg-config. The paths are relative to the file itself, so that `cmake --install --prefix` and moved trees work.
+foreach(path PREFIX FULL_INCLUDEDIR FULL_LIBDIR)
+  file(RELATIVE_PATH KELTO_PC_TO_${path} "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_${path}}")
+  string(REGEX REPLACE "/$" "" KELTO_PC_TO_${path} "${KELTO_PC_TO_${path}}")
+endforeach()
 configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${PROJECT_BINARY_DIR}/kelto.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-foreach(section 1 3)
+# The manual: section 1 comes with the program, the others with the header. `man KTFormatString` and the other functions
+# lead to the one page of them all.
+foreach(section 3 5 7)
   file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.${section}")
   install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()
-# `man KTFormatString` and the other functions lead to the one page.
 file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" KELTO_PROTOTYPES REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
 foreach(prototype IN LISTS KELTO_PROTOTYPES)
   if(prototype MATCHES "^[a-zA-Z0-9_ *]*[ *](KT[a-zA-Z0-9]+)\\(")
@@ -32,14 +42,28 @@ foreach(prototype IN LISTS KELTO_PROTOTYPES)
   endif()
 endforeach()
 
+# Guides and examples.
 file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
 list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/docs/architecture.md")
-install(FILES ${guides} DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${guides} "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
-if(KELTO_BUILD_TOOLS)
+# The program. It has an export file of its own, since the library may be installed without it.
+if(TARGET kelto-cli)
+  set_target_properties(kelto-cli PROPERTIES EXPORT_NAME program)
+  file(RELATIVE_PATH KELTO_BIN_TO_LIB "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(kelto-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${KELTO_BIN_TO_LIB}")
+  install(TARGETS kelto-cli EXPORT KeltoProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(EXPORT KeltoProgram NAMESPACE Kelto:: DESTINATION ${KELTO_CMAKE_DIR} COMPONENT tools)
+  file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.1")
+  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/kelto.bash" RENAME kelto
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto"
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
+endif()
+
+# Packages are made of Kelto alone, not of a project that it is a part of.
+if(CMAKE_SOURCE_DIR STREQUAL PROJECT_SOURCE_DIR)
+  include("${PROJECT_SOURCE_DIR}/cmake/packaging.cmake")
 endif()

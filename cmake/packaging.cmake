@@ -1,0 +1,72 @@
+# What `cpack` makes of a build: Debian packages, and the source archive. A build for packages is configured with
+#     -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON
+# so that files go where Debian has them; scripts/package does it all.
+
+set(CPACK_PACKAGE_NAME kelto)
+set(CPACK_PACKAGE_VENDOR "Kelto project")
+set(CPACK_PACKAGE_CONTACT "Kelto project <maintainers@kelto.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "message catalogs and formatting for native programs")
+set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
+set(CPACK_GENERATOR DEB)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+
+set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET kelto-cli)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
+set(KELTO_DEBIAN_VERSION "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
+
+set(what "Kelto loads message catalogs (XLIFF), fetches messages by number, formats them
+with arguments that each conversion names by its position, and converts text
+between character sets.
+.
+")
+
+# The library. Programs built against it depend on the version that first had all that they can use.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkelto${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libexpat1 (>= 2.4)")
+# A trigger calls ldconfig. cpack would add scripts that do, unless others are named here; these do not exist.
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/packaging/triggers"
+    "${PROJECT_BINARY_DIR}/packaging/no/postinst" "${PROJECT_BINARY_DIR}/packaging/no/postrm")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${what}This package has the shared library.")
+
+# The headers. pkg-config looks at the packages of the libraries that the library itself uses.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkelto-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+  "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), libicu-dev, libexpat1-dev (>= 2.4)")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "kelto-tools, pkg-config")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${what}This package has the header, the manual, the guides and example programs.")
+
+# The program.
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME kelto-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION})")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${what}This package has the program kelto for message files and character sets.")
+
+# What Debian wants beside each package's files.
+set(KELTO_PACKAGES "runtime=${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}" "development=${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}"
+    "tools=${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
+configure_file("${PROJECT_SOURCE_DIR}/packaging/finish.cmake.in" "${PROJECT_BINARY_DIR}/packaging/finish.cmake" @ONLY)
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_BINARY_DIR}/packaging/finish.cmake")
+
+# The source archive: kelto-VERSION.tar.gz, which unpacks to a folder of that name.
+set(CPACK_SOURCE_GENERATOR TGZ)
+set(CPACK_SOURCE_PACKAGE_FILE_NAME "kelto-${PROJECT_VERSION}")
+set(CPACK_SOURCE_IGNORE_FILES "/\\.git(/|$)" "^${PROJECT_SOURCE_DIR}/build/" "^${PROJECT_BINARY_DIR}/" "\\.swp$" "~$")
+
+include(CPack)
