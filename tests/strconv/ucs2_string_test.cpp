@@ -10,9 +10,7 @@ TEST(Ucs2String, MeasuresEveryLengthWithinItsBlock)
 {
     for (size_t length = 0; length < 20; ++length)
     {
-        std::vector<UCS2> text(length, 0xD83D);
-        text.push_back(0);
-        text.shrink_to_fit();
+        Ucs2Buffer text = std::u16string(length, 0xD83D);
         EXPECT_EQ(KTUCS2strlen(text.data()), length);
     }
 }

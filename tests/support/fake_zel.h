@@ -25,8 +25,8 @@
 #define KELTO_FALLIBLE(X) X(Startup) X(AllocMemTag) X(Malloc) X(MutexCreate) X(FileOpen) X(FileRead) X(ParserCreate)
 #define KELTO_INFALLIBLE(X)                                                                                            \
     X(Cleanup)                                                                                                         \
-    X(FreeMemTag) X(Free) X(MutexDestroy) X(MutexAcquire) X(MutexRelease) X(EnterSpinLock) X(LeaveSpinLock)            \
-        X(FileClose) X(ParserFree)
+    X(FreeMemTag)                                                                                                      \
+    X(Free) X(MutexDestroy) X(MutexAcquire) X(MutexRelease) X(EnterSpinLock) X(LeaveSpinLock) X(FileClose) X(ParserFree)
 #define KELTO_NAME(name) name,
 enum class Operation
 {
