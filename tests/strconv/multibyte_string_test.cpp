@@ -7,72 +7,22 @@
 namespace
 {
 
-// A small model of text in several character sets, without any converter: five characters and their bytes.
-struct Character
-{
-    UCS2 unit, upper;
-    const char *shiftJis, *eucJp, *gb18030, *utf8;
-};
+// A small model of text: five characters, and their bytes as the conversions give them.
+constexpr UCS2 alphabet[] = {u'a', u'A', 0x3042, 0xFF41, 0xFF21};
+constexpr const char *charSets[] = {"shift_jis", "EUC-JP", "GB18030", "utf-8", "iso-2022-jp"};
 
-constexpr Character alphabet[] = {
-    {u'a', u'A', "a", "a", "a", "a"},
-    {u'A', u'A', "A", "A", "A", "A"},
-    {0x3042, 0x3042, "\x82\xA0", "\xA4\xA2", "\xA4\xA2", "\xE3\x81\x82"},
-    {0xFF41, 0xFF21, "\x82\x81", "\xA3\xE1", "\xA3\xE1", "\xEF\xBD\x81"},
-    {0xFF21, 0xFF21, "\x82\x60", "\xA3\xC1", "\xA3\xC1", "\xEF\xBC\xA1"},
-};
-
-const Character &characterOf(UCS2 unit)
+std::string encode(const std::string &charSet, const std::u16string &text)
 {
-    return *std::find_if(std::begin(alphabet), std::end(alphabet), [=](const Character &c) { return c.unit == unit; });
+    char bytes[100];
+    size_t size = sizeof bytes;
+    EXPECT_EQ(KTUCS2ToMultiByte(charSet.c_str(), 0, 0, text.c_str(), &size, bytes), 0);
+    return {bytes, size};
 }
-
-struct CharSet
-{
-    const char *name;
-    std::string (*encode)(const std::u16string &);
-};
-
-template <const char *Character::*bytes> std::string encodeStateless(const std::u16string &text)
-{
-    std::string result;
-    for (const UCS2 unit : text)
-        result += characterOf(unit).*bytes;
-    return result;
-}
-
-/** The bytes of EUC-JP without their high bits, between shift sequences. */
-std::string encodeIso2022Jp(const std::u16string &text)
-{
-    std::string result;
-    bool shifted = false;
-    const auto shift = [&](bool wide) {
-        if (wide != shifted)
-            result += wide ? "\x1B$B" : "\x1B(B";
-        shifted = wide;
-    };
-    for (const UCS2 unit : text)
-    {
-        shift(unit >= 0x80);
-        for (const char byte : std::string(characterOf(unit).eucJp))
-            result += static_cast<char>(byte & 0x7F);
-    }
-    shift(false);
-    return result;
-}
-
-constexpr CharSet charSets[] = {
-    {"shift_jis", encodeStateless<&Character::shiftJis>},
-    {"EUC-JP", encodeStateless<&Character::eucJp>},
-    {"GB18030", encodeStateless<&Character::gb18030>},
-    {"utf-8", encodeStateless<&Character::utf8>},
-    {"iso-2022-jp", encodeIso2022Jp},
-};
 
 std::u16string upperCase(std::u16string text)
 {
     for (UCS2 &unit : text)
-        unit = characterOf(unit).upper;
+        unit = unit == u'a' ? u'A' : unit == 0xFF41 ? 0xFF21 : unit;
     return text;
 }
 
@@ -90,8 +40,8 @@ std::vector<std::u16string> allTexts(size_t longest)
 {
     std::vector<std::u16string> texts = {u""};
     for (size_t i = 0; texts[i].size() < longest; ++i)
-        for (const Character &character : alphabet)
-            texts.push_back(texts[i] + character.unit);
+        for (const UCS2 unit : alphabet)
+            texts.push_back(texts[i] + unit);
     return texts;
 }
 
@@ -108,36 +58,37 @@ int signOf(int value)
 
 TEST(MultiByteString, MeasuresStepsCopiesAndUpperCasesLikeTheModelAlsoInPlace)
 {
-    for (const CharSet &set : charSets)
+    for (const std::string set : charSets)
         for (const std::u16string &text : allTexts(3))
         {
-            const std::string bytes = set.encode(text), upper = set.encode(upperCase(text));
-            SCOPED_TRACE(set.name + testing::PrintToString(text));
+            const std::string bytes = encode(set, text), upper = encode(set, upperCase(text));
+            SCOPED_TRACE(set + testing::PrintToString(text));
             EXPECT_EQ(KTMultiByteStrblen(bytes.c_str()), bytes.size());
-            EXPECT_EQ(KTMultiByteStrclen(set.name, bytes.c_str()), static_cast<long>(text.size()));
-            EXPECT_EQ(KTFirstChar(set.name, bytes.c_str()), packed(set.encode(text.substr(0, 1))));
+            EXPECT_EQ(KTMultiByteStrclen(set.c_str(), bytes.c_str()), static_cast<long>(text.size()));
+            EXPECT_EQ(KTFirstChar(set.c_str(), bytes.c_str()), packed(encode(set, text.substr(0, 1))));
 
             Guarded<char> inPlace = bytes;
             const bool hasNext = text.size() >= 2;
-            EXPECT_EQ(KTNextChar(set.name, inPlace.data()), hasNext ? packed(set.encode(text.substr(1, 1))) : 0);
-            EXPECT_EQ(inPlace.text(), set.encode(hasNext ? text.substr(1) : text));
+            EXPECT_EQ(KTNextChar(set.c_str(), inPlace.data()), hasNext ? packed(encode(set, text.substr(1, 1))) : 0);
+            EXPECT_EQ(inPlace.text(), encode(set, hasNext ? text.substr(1) : text));
 
             for (const size_t n : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{1} << 31, size_t{1} << 32})
             {
                 Guarded<char> copy = roomFor(bytes);
                 inPlace = bytes;
-                EXPECT_EQ(KTMultiByteStrncpy(copy.data(), set.name, bytes.c_str(), n), copy.data());
-                EXPECT_EQ(copy.text(), set.encode(text.substr(0, n)));
-                EXPECT_EQ(KTMultiByteStrncpy(inPlace.data(), set.name, inPlace.data(), n), inPlace.data());
+                EXPECT_EQ(KTMultiByteStrncpy(copy.data(), set.c_str(), bytes.c_str(), n), copy.data());
+                EXPECT_EQ(copy.text(), encode(set, text.substr(0, n)));
+                EXPECT_EQ(KTMultiByteStrncpy(inPlace.data(), set.c_str(), inPlace.data(), n), inPlace.data());
                 EXPECT_EQ(inPlace.text(), copy.text());
             }
             Guarded<char> copy = roomFor(bytes);
             inPlace = bytes;
             size_t size = 0; // not a capacity: an output only
-            EXPECT_EQ(KTMultiByteStrupr(set.name, bytes.c_str(), &size, copy.data()), static_cast<long>(upper.size()));
+            EXPECT_EQ(KTMultiByteStrupr(set.c_str(), bytes.c_str(), &size, copy.data()),
+                      static_cast<long>(upper.size()));
             EXPECT_EQ(size, upper.size());
             EXPECT_EQ(copy.text(), upper);
-            EXPECT_GE(KTMultiByteStrupr(set.name, inPlace.data(), &size, inPlace.data()), 0);
+            EXPECT_GE(KTMultiByteStrupr(set.c_str(), inPlace.data(), &size, inPlace.data()), 0);
             EXPECT_EQ(inPlace.text(), upper);
         }
 }
@@ -148,32 +99,33 @@ TEST(MultiByteString, SearchesAndComparesLikeTheModelAcrossCharacterSets)
     for (size_t i = 0; i < std::size(charSets); ++i)
         for (const std::u16string &text : texts)
         {
-            const CharSet &set = charSets[i];
-            const CharSet &otherSet = charSets[(i + 1) % std::size(charSets)];
-            const std::string bytes = set.encode(text);
+            const std::string set = charSets[i], otherSet = charSets[(i + 1) % std::size(charSets)];
+            const std::string bytes = encode(set, text);
             for (const std::u16string &other : others)
             {
-                SCOPED_TRACE(set.name + testing::PrintToString(text) + otherSet.name + testing::PrintToString(other));
-                const std::string otherBytes = otherSet.encode(other);
+                SCOPED_TRACE(set + testing::PrintToString(text) + otherSet + testing::PrintToString(other));
+                const std::string otherBytes = encode(otherSet, other);
                 const size_t at = text.find(other);
-                const char *const found = KTMultiByteStrstr(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str());
-                const size_t tailBytes = at != std::u16string::npos ? set.encode(text.substr(at)).size() : 0;
+                const char *const found =
+                    KTMultiByteStrstr(set.c_str(), bytes.c_str(), otherSet.c_str(), otherBytes.c_str());
+                const size_t tailBytes = at != std::u16string::npos ? encode(set, text.substr(at)).size() : 0;
                 EXPECT_EQ(found, at != std::u16string::npos ? bytes.c_str() + bytes.size() - tailBytes : nullptr);
 
-                EXPECT_EQ(signOf(KTMultiByteStrcmp(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str())),
+                EXPECT_EQ(signOf(KTMultiByteStrcmp(set.c_str(), bytes.c_str(), otherSet.c_str(), otherBytes.c_str())),
                           signOf(text.compare(other)));
                 const bool equal = upperCase(text) == upperCase(other);
-                EXPECT_EQ(KTMultiByteStricmp(set.name, bytes.c_str(), otherSet.name, otherBytes.c_str()) == 0, equal);
+                EXPECT_EQ(KTMultiByteStricmp(set.c_str(), bytes.c_str(), otherSet.c_str(), otherBytes.c_str()) == 0,
+                          equal);
             }
-            for (const Character &character : alphabet)
+            for (const UCS2 unit : alphabet)
             {
-                SCOPED_TRACE(set.name + testing::PrintToString(text) + character.utf8);
+                SCOPED_TRACE(set + testing::PrintToString(text + unit));
                 Guarded<char> tail = roomFor(bytes);
-                const char *const found =
-                    KTMultiByteStrrchr(set.name, bytes.c_str(), "shift_jis", packed(character.shiftJis), tail.data());
-                const size_t at = text.rfind(character.unit);
+                const char *const found = KTMultiByteStrrchr(set.c_str(), bytes.c_str(), "shift_jis",
+                                                             packed(encode("shift_jis", {unit})), tail.data());
+                const size_t at = text.rfind(unit);
                 ASSERT_EQ(found, at != std::u16string::npos ? tail.data() : nullptr);
-                EXPECT_TRUE(found == nullptr || tail.text() == set.encode(text.substr(at)));
+                EXPECT_TRUE(found == nullptr || tail.text() == encode(set, text.substr(at)));
             }
         }
 }
