@@ -31,9 +31,12 @@ void expectStopped()
 /** The platform calls of an action, one a line, as in "MutexCreate tableListMutex 1000"; zeros are left out. */
 std::string stepsOf(const std::function<void()> &action)
 {
-    const std::pair<const void *, const char *> names[] = {
-        {&ktpLock, "ktpLock"},          {&glbResHandle, "glbResHandle"},   {&tableListMutex, "tableListMutex"},
-        {&formTableMutex, "formTableMutex"}, {&refCountMutex, "refCountMutex"}, {refCountMutex, "refCount"}};
+    const std::pair<const void *, const char *> names[] = {{&ktpLock, "ktpLock"},
+                                                           {&glbResHandle, "glbResHandle"},
+                                                           {&tableListMutex, "tableListMutex"},
+                                                           {&formTableMutex, "formTableMutex"},
+                                                           {&refCountMutex, "refCountMutex"},
+                                                           {refCountMutex, "refCount"}};
     FakeZel::record();
     action();
     std::ostringstream text;
@@ -78,8 +81,9 @@ const std::string startSteps[] = {"Startup\n",
                                   "MutexCreate refCountMutex 1000\n",
                                   "Malloc 24\n"};
 const std::string enter = "EnterSpinLock ktpLock\n", leave = "LeaveSpinLock ktpLock\n";
-const std::string stopSteps = "Free\nMutexDestroy tableListMutex\nMutexDestroy formTableMutex\nMutexDestroy refCountMutex\n"
-                              "FreeMemTag glbResHandle\n";
+const std::string stopSteps =
+    "Free\nMutexDestroy tableListMutex\nMutexDestroy formTableMutex\nMutexDestroy refCountMutex\n"
+    "FreeMemTag glbResHandle\n";
 
 } // namespace
 
@@ -105,12 +109,9 @@ TEST(Lifecycle, UndoesAStartThatFailsAnywhere)
     const std::string undo = stopSteps.substr(stopSteps.find('\n') + 1);
     const size_t tag = undo.find("FreeMemTag"), second = undo.find("MutexDestroy formTableMutex"),
                  third = undo.find("MutexDestroy refCountMutex");
-    const std::string undone[] = {"",
-                                  "",
-                                  undo.substr(tag),
-                                  undo.substr(0, second) + undo.substr(tag),
-                                  undo.substr(0, third) + undo.substr(tag),
-                                  undo};
+    const std::string undone[] = {
+        "",  "", undo.substr(tag), undo.substr(0, second) + undo.substr(tag), undo.substr(0, third) + undo.substr(tag),
+        undo};
     std::string tried = enter;
     const Outstanding before = FakeZel::outstanding();
     for (unsigned n = 1; n <= 6; ++n)
@@ -241,8 +242,8 @@ TEST(StoppedLibrary, RefusesWhatUsesSharedStateAndWritesNothing)
             SCOPED_TRACE(row.name);
             table = noTable, copy = noFormTable, message = path, version[0] = '?', units = 10, text[0] = u'x';
             EXPECT_EQ(stepsOf([&] { EXPECT_EQ(row.call(), KT_ERR_NOT_INITIALIZED); }), "");
-            EXPECT_TRUE(table == noTable && copy == noFormTable && message == path && version[0] == '?' && units == 10 &&
-                        text[0] == u'x');
+            EXPECT_TRUE(table == noTable && copy == noFormTable && message == path && version[0] == '?' &&
+                        units == 10 && text[0] == u'x');
         }
     }
     EXPECT_EQ(KTGetFormTableSize(), 0) << "needs no started library";

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
@@ -13,8 +12,7 @@
 namespace
 {
 
-constexpr size_t mebibyte = 1024 * 1024;
-constexpr size_t largeBytes = 65 * mebibyte;
+constexpr size_t largeBytes = size_t{65} << 20;
 constexpr char dirt = '\xA5';
 
 /** Memory of the system, released at the end of the scope. */
@@ -24,12 +22,12 @@ public:
     Mapping(size_t bytes, int flags, int descriptor = -1)
         : m_bytes(bytes), m_start(mmap(nullptr, bytes, PROT_READ | PROT_WRITE, flags, descriptor, 0))
     {
+        EXPECT_NE(m_start, MAP_FAILED);
     }
     ~Mapping() { munmap(m_start, m_bytes); }
     Mapping(const Mapping &) = delete;
     Mapping &operator=(const Mapping &) = delete;
 
-    bool isValid() const { return m_start != MAP_FAILED; }
     char *data() const { return static_cast<char *>(m_start); }
 
     size_t residentPages() const
@@ -54,6 +52,7 @@ bool isAll(const char *bytes, size_t count, char value)
 /** Clears the middle of dirty memory and checks that it alone is zero. */
 void expectOnlyTheBlockIsCleared(const Mapping &memory, size_t bytes, size_t before, size_t behind)
 {
+    SCOPED_TRACE(std::to_string(bytes) + " bytes from " + std::to_string(before));
     std::memset(memory.data(), dirt, bytes);
     errno = 99;
     kelto::zeroFill(memory.data() + before, bytes - before - behind);
@@ -69,18 +68,12 @@ TEST(ZeroFill, ClearsTheBlockAndNothingBesideIt)
 {
     for (const size_t bytes : {size_t{100}, size_t{3 * 4096}, largeBytes})
         for (const size_t before : {size_t{0}, size_t{1}, size_t{13}})
-        {
-            SCOPED_TRACE(std::to_string(bytes) + " bytes from " + std::to_string(before));
-            const Mapping memory(bytes, MAP_PRIVATE | MAP_ANONYMOUS);
-            ASSERT_TRUE(memory.isValid());
-            expectOnlyTheBlockIsCleared(memory, bytes, before, 29);
-        }
+            expectOnlyTheBlockIsCleared(Mapping(bytes, MAP_PRIVATE | MAP_ANONYMOUS), bytes, before, 29);
 }
 
 TEST(ZeroFill, GivesThePagesOfALargeBlockBack)
 {
     const Mapping memory(largeBytes, MAP_PRIVATE | MAP_ANONYMOUS);
-    ASSERT_TRUE(memory.isValid());
     std::memset(memory.data(), dirt, largeBytes);
     kelto::zeroFill(memory.data() + 8, largeBytes - 16);
     EXPECT_LT(memory.residentPages() * 8, largeBytes / 4096) << "only those at its ends, which may be huge ones";
@@ -88,28 +81,10 @@ TEST(ZeroFill, GivesThePagesOfALargeBlockBack)
 
 TEST(ZeroFill, ClearsMemoryWhosePagesWouldComeBackWithOldContent)
 {
-    std::FILE *const file = std::tmpfile();
-    ASSERT_NE(file, nullptr);
-    const std::vector<char> content(mebibyte, 'f');
-    for (size_t written = 0; written < largeBytes; written += content.size())
-        ASSERT_EQ(std::fwrite(content.data(), 1, content.size(), file), content.size());
-    ASSERT_EQ(std::fflush(file), 0);
-
-    const struct
-    {
-        const char *label;
-        int flags;
-        int descriptor;
-    } rows[] = {
-        {"a private mapping of a file", MAP_PRIVATE, fileno(file)},
-        {"shared memory", MAP_SHARED | MAP_ANONYMOUS, -1},
-    };
-    for (const auto &row : rows)
-    {
-        SCOPED_TRACE(row.label);
-        const Mapping memory(largeBytes, row.flags, row.descriptor);
-        ASSERT_TRUE(memory.isValid());
-        expectOnlyTheBlockIsCleared(memory, largeBytes, 13, 29);
-    }
-    std::fclose(file);
+    const int file = memfd_create("content", 0);
+    ASSERT_EQ(ftruncate(file, largeBytes), 0);
+    std::memset(Mapping(largeBytes, MAP_SHARED, file).data(), 'f', largeBytes);
+    expectOnlyTheBlockIsCleared(Mapping(largeBytes, MAP_PRIVATE, file), largeBytes, 13, 29);
+    expectOnlyTheBlockIsCleared(Mapping(largeBytes, MAP_SHARED | MAP_ANONYMOUS), largeBytes, 13, 29);
+    close(file);
 }
