@@ -1,9 +1,9 @@
 /**
- * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. Every
- * formatter hands its pieces to writeField(), so that the size is known before the first unit is written; the sum, the
- * question whether it fits, and the writing stand here and nowhere else. (A text that an encoder has written itself is
- * only padded: formatters/text.cpp.) Counts are 64 bits wide: a field may be far longer than any memory, since it is then
- * measured only.
+ * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. A conversion
+ * says its pieces once, to whatever takes them: the Field of a formatter, which adds them up, answers "fits, or needs n"
+ * and writes them; or a GrowingText (growing_text.h) in either encoding. What numbers and tagged values have in common
+ * is laid out here and nowhere else. (A text that an encoder has written itself is only padded: formatters/text.cpp.)
+ * Counts are 64 bits wide: a field may be far longer than any memory, since it is then measured only.
  */
 #ifndef KELTO_FORMAT_FIELD_H
 #define KELTO_FORMAT_FIELD_H
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace kelto
 {
@@ -29,7 +30,13 @@ constexpr uint64_t paddingTo(int width, uint64_t length) noexcept
     return width >= 0 && static_cast<uint64_t>(width) > length ? static_cast<uint64_t>(width) - length : 0;
 }
 
-/* The pieces. Each knows its count of units and writes them, returning the end. */
+/** How a conversion is to be laid out: its width and precision, negative for none, and bits of KTFlag. */
+struct Layout
+{
+    int width, precision, flags;
+};
+
+/* The pieces, each with its count of units. */
 
 /** A UCS-2 text. */
 struct Text
@@ -43,8 +50,9 @@ struct Text
 /** A text of 8-bit characters, each widened to one unit. Numbers are short: a loop is all they need. */
 struct NarrowText
 {
-    const char *characters;
+    const char *characters; /**< null for a text that is known not to fit, and only counted */
     uint64_t count;
+    uint64_t beyondAscii = 0; /**< how many of them are: none but in the decimal mark of some locales */
 
     UCS2 *writeTo(UCS2 *out) const noexcept
     {
@@ -70,20 +78,49 @@ enum class Ending
     terminated
 };
 
-/** Writes pieces under the formatters' size protocol: 0, or KT_ERR_BUFFER_TOO_SMALL with nothing written. */
-template <typename... Pieces>
-int writeField(unsigned long *sizeInOut, UCS2 *out, Ending ending, const Pieces &...pieces) noexcept
+/** What a formatter is given to write to: room in, size out. It writes a text whole, or nothing of it. */
+class Field
 {
-    const unsigned long room = *sizeInOut;
-    const uint64_t length = (pieces.count + ...);
-    *sizeInOut = length;
-    if (!fits(length, room))
-        return KT_ERR_BUFFER_TOO_SMALL;
-    ((out = pieces.writeTo(out)), ...);
-    if (ending == Ending::terminated)
-        *out = 0;
-    return 0;
-}
+public:
+    Field(unsigned long *sizeInOut, UCS2 *out) noexcept : m_size(sizeInOut), m_room(*sizeInOut), m_out(out) {}
+
+    bool canHold(uint64_t length) const noexcept { return fits(length, m_room); }
+
+    /** Writes the pieces one after the other: 0, or KT_ERR_BUFFER_TOO_SMALL with the need stored. */
+    template <typename... Pieces> int write(Ending ending, const Pieces &...pieces) noexcept
+    {
+        if (!claim((pieces.count + ...)))
+            return KT_ERR_BUFFER_TOO_SMALL;
+        UCS2 *end = m_out;
+        ((end = pieces.writeTo(end)), ...);
+        if (ending == Ending::terminated)
+            *end = 0;
+        return 0;
+    }
+
+    /** Writes a text that may lie in the output itself, padded; it goes to its place before anything else is written. */
+    int writePadded(const Text &text, const Fill &padding, bool isPaddedBehind) noexcept
+    {
+        if (!claim(text.count + padding.count))
+            return KT_ERR_BUFFER_TOO_SMALL;
+        UCS2 *const begin = isPaddedBehind ? m_out : m_out + padding.count;
+        std::memmove(begin, text.units, text.count * sizeof(UCS2));
+        padding.writeTo(isPaddedBehind ? m_out + text.count : m_out);
+        m_out[text.count + padding.count] = 0;
+        return 0;
+    }
+
+private:
+    bool claim(uint64_t length) noexcept
+    {
+        *m_size = length;
+        return canHold(length);
+    }
+
+    unsigned long *m_size;
+    unsigned long m_room;
+    UCS2 *m_out;
+};
 
 /** Where the padding of a number stands. */
 enum class Padding
@@ -101,6 +138,9 @@ struct NumberText
     NarrowText digits;
     uint64_t trailingZeros;
     uint64_t uncounted = 0; /**< units that a width does not count: of a decimal mark of several bytes all but one */
+
+    uint64_t length() const noexcept { return prefix.count + leadingZeros + digits.count + trailingZeros; }
+    uint64_t paddingTo(int width) const noexcept { return kelto::paddingTo(width, length() - uncounted); }
 };
 
 /** The sign of a signed number: '-', or what the flags put in its place. */
@@ -114,17 +154,24 @@ inline NarrowText signOf(bool isNegative, int flags) noexcept
 }
 
 /** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
-int writeNumber(const NumberText &number, int width, Padding padding, unsigned long *sizeInOut, UCS2 *out) noexcept;
+template <typename Out> inline int writeNumber(Out &out, const NumberText &number, int width, Padding padding) noexcept
+{
+    const uint64_t missing = number.paddingTo(width);
+    const auto paddingAt = [&](Padding place) { return padding == place ? missing : 0; };
+    return out.write(Ending::open, Fill{u' ', paddingAt(Padding::left)}, number.prefix,
+                     Fill{u'0', number.leadingZeros + paddingAt(Padding::zeros)}, number.digits,
+                     Fill{u'0', number.trailingZeros}, Fill{u' ', paddingAt(Padding::right)});
+}
 
 /** Writes pieces between a pair of tags, terminated; or where the flags do not ask for tags alone, with `ending`. */
-template <typename... Pieces>
-int writeTagged(int flags, const UCS2 *openTag, const UCS2 *closeTag, unsigned long *sizeInOut, UCS2 *out,
-                Ending ending, const Pieces &...pieces) noexcept
+template <typename Out, typename... Pieces>
+int writeTagged(Out &out, int flags, const UCS2 *openTag, const UCS2 *closeTag, Ending ending,
+                const Pieces &...pieces) noexcept
 {
     if ((flags & FLAG_TAG) == 0)
-        return writeField(sizeInOut, out, ending, pieces...);
-    return writeField(sizeInOut, out, Ending::terminated, Text{openTag, KTUCS2strlen(openTag)}, pieces...,
-                      Text{closeTag, KTUCS2strlen(closeTag)});
+        return out.write(ending, pieces...);
+    return out.write(Ending::terminated, Text{openTag, KTUCS2strlen(openTag)}, pieces...,
+                     Text{closeTag, KTUCS2strlen(closeTag)});
 }
 
 } // namespace kelto

@@ -1,6 +1,5 @@
 #include "format/formatters/date_time.h"
 
-#include "format/field.h"
 #include "format/formatters/integer.h"
 #include "format/formatters/tags.h"
 
@@ -12,9 +11,6 @@ namespace
 
 /** The longest seconds text, a byte less than a time stamp; what is longer is read as one. */
 constexpr size_t maxSecondsLength = 20;
-
-/** Units for any formatted date and time: tags, separators and a year of seven digits are well under this. */
-constexpr size_t dateTimeUnits = 304;
 
 constexpr uint64_t secondsPerDay = 86400;
 constexpr uint64_t endOfDays = (uint64_t{1} << 31) * secondsPerDay;
@@ -124,13 +120,6 @@ void appendParts(UCS2 *out, const Part (&parts)[3])
     }
 }
 
-Flag_t kindOf(const char *name)
-{
-    if (name[0] != 'D')
-        return CONV_T;
-    return name[1] == 'T' ? CONV_DT : CONV_D;
-}
-
 } // namespace
 
 int takeChar(const char **cursor, char c)
@@ -221,18 +210,28 @@ int ISODateTime(const char *text, bool tag, Flag_t kind, UCS2 *out)
     return writeFields(fields, tag, kind, out);
 }
 
+namespace kelto
+{
+
+int DateTimeText::make(const char *text, size_t length, const char *convName, int flags) noexcept
+{
+    const auto read = length <= maxSecondsLength ? secondDateTime : ISODateTime;
+    const Flag_t kind = convName[0] != 'D' ? CONV_T : convName[1] == 'T' ? CONV_DT : CONV_D;
+    return read(text, (flags & FLAG_TAG) != 0, kind, m_units);
+}
+
+} // namespace kelto
+
 int formatDateTime(const char *convName, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
                    void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const auto *const text = static_cast<const char *>(*argSlot);
-    const auto read = std::strlen(text) <= maxSecondsLength ? secondDateTime : ISODateTime;
-    UCS2 formatted[dateTimeUnits];
-    const int result = read(text, (flags & FLAG_TAG) != 0, kindOf(convName), formatted);
-    if (result != 0)
+    kelto::DateTimeText formatted;
+    if (const int result = formatted.make(text, std::strlen(text), convName, flags))
     {
         *sizeInOut = 0;
         return result;
     }
-    return kelto::writeField(sizeInOut, out, kelto::Ending::terminated,
-                             kelto::Text{formatted, KTUCS2strlen(formatted)});
+    kelto::Field field(sizeInOut, out);
+    return field.write(kelto::Ending::terminated, formatted.piece());
 }

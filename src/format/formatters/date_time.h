@@ -6,7 +6,32 @@
 #ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 #define KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 
-#include "kelto.h"
+#include "format/field.h"
+
+namespace kelto
+{
+
+/** The text of a "DT", "D" or "T". */
+class DateTimeText
+{
+public:
+    /**
+     * @param text      zero-terminated; `length` bytes without the terminator.
+     * @param convName  its first two characters tell the parts, as in formatDateTime().
+     * @return 0, or KT_ERR_INVALID_PARAMETER for what is no date and time.
+     */
+    int make(const char *text, size_t length, const char *convName, int flags) noexcept;
+
+    Text piece() const noexcept { return {m_units, KTUCS2strlen(m_units)}; }
+
+    /** The longest text that can be one: what is longer fails whatever it holds. */
+    static constexpr size_t maxLength = 21;
+
+private:
+    UCS2 m_units[304]; // tags, separators and a year of seven digits are well under this
+};
+
+} // namespace kelto
 
 extern "C" {
 #pragma GCC visibility push(default)

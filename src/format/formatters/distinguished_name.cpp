@@ -1,161 +1,153 @@
 #include "format/formatters/distinguished_name.h"
 
-#include "format/field.h"
-#include "format/formatters/tags.h"
+#include "lifecycle/state.h"
+#include "platform/scoped.h"
 
-#include <algorithm>
+#include <functional>
 #include <string.h>
 
 namespace
 {
 
-/** A component of a name, in place. */
-struct Component
+const UCS2 *findForward(const UCS2 *from, const UCS2 *end, UCS2 unit)
 {
-    const UCS2 *begin;
-    size_t length;
-};
+    return std::find(from, end, unit);
+}
 
-/** Hands out the components of a name in the order in which they stand. */
-class ComponentReader
+/** Behind the last such unit before `end`; null when there is none. */
+const UCS2 *findBackward(const UCS2 *begin, const UCS2 *end, UCS2 unit)
+{
+    while (end != begin && end[-1] != unit)
+        --end;
+    return end != begin ? end : nullptr;
+}
+
+/** A name, or a copy of it where the output is going to be written over it. */
+class SafeName
 {
 public:
-    explicit ComponentReader(const UCS2 *name) : m_next(name)
+    /**
+     * @param writable  the units at `out` that may be written.
+     * @return false when memory for the copy ran out: names of usual length need none.
+     */
+    bool keep(const UCS2 *name, size_t length, const UCS2 *out, size_t writable)
     {
-        const UCS2 *first = name;
-        while (*first != 0 && *first != u'.' && *first != u'/' && *first != u'=')
-            ++first;
-        m_delimiter = *first;
-        if (isTyped())
-            m_next = first + 1;
-        else if (m_delimiter != 0 && first == name)
-            skipDelimiter();
-    }
-
-    bool isRootFirst() const { return m_delimiter == u'/'; }
-
-    /** The next component; false when there is none. */
-    bool next(Component &component)
-    {
-        if (m_next == nullptr)
+        m_name = name;
+        const std::less<const UCS2 *> before;
+        const bool isOverwritten = before(name, out + writable) && before(out, name + length);
+        if (!isOverwritten)
+            return true;
+        UCS2 *copy = m_usual;
+        if (length > usualLength)
+        {
+            m_long = kelto::allocate<UCS2>(glbResHandle, length);
+            copy = m_long.get();
+        }
+        if (copy == nullptr)
             return false;
-        const UCS2 *const begin = m_next;
-        const UCS2 separator = isTyped() ? u',' : m_delimiter;
-        while (*m_next != 0 && *m_next != separator)
-            ++m_next;
-        component = {begin, static_cast<size_t>(m_next - begin)};
-        if (*m_next == 0)
-            m_next = nullptr;
-        else if (isTyped())
-            skipAttributeName();
-        else
-            skipDelimiter();
+        std::copy_n(name, length, copy);
+        m_name = copy;
         return true;
     }
 
+    const UCS2 *get() const { return m_name; }
+
 private:
-    bool isTyped() const { return m_delimiter == u'='; }
+    static constexpr size_t usualLength = 255;
 
-    // A delimiter that ends the name has no component behind it.
-    void skipDelimiter()
-    {
-        ++m_next;
-        if (*m_next == 0)
-            m_next = nullptr;
-    }
-
-    // The attribute's name runs to the next '='; without one, nothing that follows is a value.
-    void skipAttributeName()
-    {
-        while (*m_next != 0 && *m_next != u'=')
-            ++m_next;
-        m_next = *m_next != 0 ? m_next + 1 : nullptr;
-    }
-
-    const UCS2 *m_next; // null at the end
-    UCS2 m_delimiter;
+    const UCS2 *m_name = nullptr;
+    UCS2 m_usual[usualLength];
+    kelto::TagBlock<UCS2> m_long;
 };
 
-/** How a name is written. */
-struct Style
-{
-    UCS2 delimiter;
-    bool isRootFirst;
-};
+} // namespace
 
-Style styleOf(Flag_t kind)
+namespace kelto
 {
-    return kind == CONV_DNS ? Style{ucs2_slash[0], true} : Style{ucs2_dot[0], false};
+
+DistinguishedName::DistinguishedName(const UCS2 *name, size_t length) noexcept
+    : m_begin(name), m_end(name + length), m_delimiter(0), m_separator(0)
+{
+    constexpr UCS2 delimiters[] = {u'.', u'/', u'='};
+    const UCS2 *const first = std::find_first_of(m_begin, m_end, std::begin(delimiters), std::end(delimiters));
+    if (first == m_end)
+        return;
+    m_delimiter = *first;
+    m_separator = isTyped() ? u',' : m_delimiter;
+    if (isTyped())
+        return;
+    // A delimiter at either end has no component beside it.
+    if (first == m_begin && ++m_begin == m_end)
+        m_begin = m_end = nullptr;
+    else if (m_end[-1] == m_delimiter)
+        --m_end;
 }
 
-/** The third character tells, so a name of fewer is taken for the dotted form. */
-Flag_t kindOf(const char *convName)
+/**
+ * Of a typed name, the value behind the attribute's name. What is between two commas and holds no '=' is a part of the
+ * attribute's name that follows, and no component.
+ */
+bool DistinguishedName::componentOf(const UCS2 *begin, const UCS2 *end, Component &component) const noexcept
+{
+    if (isTyped())
+    {
+        begin = findForward(begin, end, u'=');
+        if (begin++ == end)
+            return false;
+    }
+    component = {begin, static_cast<size_t>(end - begin)};
+    return true;
+}
+
+bool DistinguishedName::takeFirst(const UCS2 *&next, Component &component) const noexcept
+{
+    const UCS2 *const begin = next;
+    const UCS2 *const end = m_delimiter != 0 ? findForward(begin, m_end, m_separator) : m_end;
+    next = end != m_end ? end + 1 : nullptr;
+    return componentOf(begin, end, component);
+}
+
+bool DistinguishedName::takeLast(const UCS2 *&end, Component &component) const noexcept
+{
+    const UCS2 *const behind = m_delimiter != 0 ? findBackward(m_begin, end, m_separator) : nullptr;
+    const bool isComponent = componentOf(behind != nullptr ? behind : m_begin, end, component);
+    end = behind != nullptr ? behind - 1 : nullptr;
+    return isComponent;
+}
+
+Flag_t nameKindOf(const char *convName) noexcept
 {
     return strnlen(convName, 3) == 3 && convName[2] == 'S' ? CONV_DNS : CONV_DND;
 }
 
-/** The length of the name as written: the same in either style. */
-size_t writtenLength(const UCS2 *name)
+NameText::NameText(const DistinguishedName &source, Flag_t kind) noexcept
+    : name(source), style(nameStyle(kind)), count(0)
 {
-    ComponentReader reader(name);
-    Component component;
-    size_t length = 0;
-    size_t count = 0;
-    for (; reader.next(component); ++count)
-        length += component.length;
-    return count > 0 ? length + count - 1 : 0;
+    forEachPart([this](const UCS2 * /*begin*/, size_t length) { count += length; });
 }
 
-/** A converted name as a piece of a field. */
-struct Name
-{
-    const UCS2 *name;
-    Style style;
-    uint64_t count; // writtenLength()
-
-    UCS2 *writeTo(UCS2 *out) const
-    {
-        ComponentReader reader(name);
-        const bool isReversed = reader.isRootFirst() != style.isRootFirst;
-        UCS2 *front = out;
-        UCS2 *back = out + count;
-        Component component;
-        for (bool isFirst = true; reader.next(component); isFirst = false)
-        {
-            const UCS2 *const end = component.begin + component.length;
-            if (isReversed)
-            {
-                if (!isFirst)
-                    *--back = style.delimiter;
-                back = std::copy_backward(component.begin, end, back);
-            }
-            else
-            {
-                if (!isFirst)
-                    *front++ = style.delimiter;
-                front = std::copy(component.begin, end, front);
-            }
-        }
-        return out + count;
-    }
-};
-
-Name nameOf(const UCS2 *name, Flag_t kind)
-{
-    return {name, styleOf(kind), writtenLength(name)};
-}
-
-} // namespace
+} // namespace kelto
 
 int _formatDN(const UCS2 *name, Flag_t kind, UCS2 *out)
 {
-    *nameOf(name, kind).writeTo(out) = 0;
+    const size_t length = KTUCS2strlen(name);
+    SafeName safe;
+    if (!safe.keep(name, length, out, length + 2))
+        return KT_ERR_NO_MEMORY;
+    *kelto::NameText(kelto::DistinguishedName(safe.get(), length), kind).writeTo(out) = 0;
     return 0;
 }
 
 int formatDN(const char *convName, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
              void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    return kelto::writeTagged(flags, dn_tag_o, dn_tag_c, sizeInOut, out, kelto::Ending::terminated,
-                              nameOf(static_cast<const UCS2 *>(*argSlot), kindOf(convName)));
+    const auto *const name = static_cast<const UCS2 *>(*argSlot);
+    const size_t length = KTUCS2strlen(name);
+    kelto::Field field(sizeInOut, out);
+    SafeName safe;
+    constexpr size_t mostAdded = 10; // both tags and the terminator
+    if (!safe.keep(name, length, out, std::min<size_t>(*sizeInOut, length + mostAdded)))
+        return KT_ERR_NO_MEMORY;
+    const kelto::DistinguishedName source(safe.get(), length);
+    return kelto::writeName(field, flags, kelto::NameText(source, kelto::nameKindOf(convName)));
 }

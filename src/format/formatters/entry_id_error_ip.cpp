@@ -1,16 +1,13 @@
+#include "format/formatters/entry_id_error_ip.h"
+
 #include "format/converted_text.h"
-#include "format/field.h"
-#include "format/formatters/integer.h"
-#include "format/formatters/tags.h"
 
 #include <cstring>
 
 namespace
 {
 
-constexpr size_t entryIdDigits = 8;
-
-/** An entry ID has 32 bits: of a longer argument the low ones, of a shorter one all that there are. */
+/** Of a longer argument the low 32 bits, of a shorter one all that there are. */
 uint32_t readEntryId(const void *slot, int flags)
 {
     uint32_t value = 0;
@@ -23,11 +20,8 @@ uint32_t readEntryId(const void *slot, int flags)
 int formatEID(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
               void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    const uint32_t value = readEntryId(*argSlot, flags);
-    const kelto::IntegerText digits(CONV_X, 0, &value);
-    return kelto::writeTagged(flags, eid_tag_o, eid_tag_c, sizeInOut, out, kelto::Ending::open,
-                              kelto::NarrowText{"0X", 2}, kelto::Fill{u'0', entryIdDigits - digits.length()},
-                              kelto::NarrowText{digits.begin(), digits.length()});
+    kelto::Field field(sizeInOut, out);
+    return kelto::writeEntryId(field, flags, readEntryId(*argSlot, flags));
 }
 
 int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
@@ -36,8 +30,8 @@ int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int
     kelto::ConvertedText text;
     if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
-    return kelto::writeTagged(flags, error_tag_o, error_tag_c, sizeInOut, out, kelto::Ending::terminated,
-                              kelto::Text{text.units(), text.length()});
+    kelto::Field field(sizeInOut, out);
+    return kelto::writeError(field, flags, kelto::Text{text.units(), text.length()});
 }
 
 // An address takes its place among the arguments and contributes no text. Unlike other empty texts, it fits where there

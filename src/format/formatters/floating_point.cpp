@@ -1,6 +1,7 @@
-#include "format/field.h"
+#include "format/formatters/floating_point.h"
+
+#include "format/slot_value.h"
 #include "lifecycle/state.h"
-#include "platform/scoped.h"
 
 #include <algorithm>
 #include <cfenv>
@@ -12,17 +13,6 @@
 
 namespace
 {
-
-/** Renderings of usual length live on the stack. */
-constexpr size_t usualSize = 304;
-
-constexpr int defaultPrecision = 6;
-
-/** The most decimal places that a value of the type can have: all behind them are zeros. */
-template <typename Value> constexpr int mostDecimals = 0;
-template <> constexpr int mostDecimals<double> = DBL_MANT_DIG - DBL_MIN_EXP;
-template <> constexpr int mostDecimals<long double> = LDBL_MANT_DIG - LDBL_MIN_EXP;
-static_assert(mostDecimals<double> == 1074 && mostDecimals<long double> == 16445);
 
 /** The C library's format for a value without its width and sign flags. */
 template <typename Value> const char *formatOf(int flags);
@@ -88,123 +78,100 @@ bool scale(double value, int places, uint64_t &scaled)
     return whole < UINT64_MAX; // with room for rounding up
 }
 
-/** A number as the C library writes it, in a fixed buffer, or where that is too small in one from the tag. */
-class Rendering
+/** Prints as the C library does; the length of the whole, or a negative number: it takes memory of its own. */
+template <typename Value> int print(char *to, size_t size, int flags, int precision, Value value)
 {
-public:
-    /** False when memory ran out. */
-    template <typename Value> bool render(int flags, int precision, Value value)
-    {
-        if (renderQuickly(flags, precision, value))
-            return true;
-        const char *const format = formatOf<Value>(flags);
-        m_begin = m_usual;
-        if (!print(m_usual, usualSize, format, precision, value))
-            return false;
-        if (m_length < usualSize)
-            return true;
-        m_long = kelto::allocate<char>(glbResHandle, m_length + 1);
-        m_begin = m_long.get();
-        return m_long != nullptr && print(m_long.get(), m_length + 1, format, precision, value);
-    }
-
-    const char *text() const { return m_begin; }
-    size_t length() const { return m_length; }
-
-private:
-    // The same digits, since the C library rounds exactly too, at a fraction of the cost; for doubles of usual size.
-    bool renderQuickly(int flags, int precision, double value)
-    {
-        uint64_t scaled = 0;
-        if ((flags & FLAG_HASH) != 0 || !std::isfinite(value) || !isPlainEnvironment() ||
-            !scale(std::fabs(value), precision, scaled))
-            return false;
-        char *const end = m_usual + usualSize;
-        char *at = end;
-        const auto prependDigit = [&] {
-            *--at = static_cast<char>('0' + scaled % 10);
-            scaled /= 10;
-        };
-        for (int place = 0; place < precision; ++place)
-            prependDigit();
-        if (precision > 0)
-            *--at = '.';
-        do
-            prependDigit();
-        while (scaled != 0);
-        if (std::signbit(value))
-            *--at = '-';
-        m_begin = at;
-        m_length = static_cast<size_t>(end - at);
-        return true;
-    }
-    static bool renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) { return false; }
-
-    // The C library takes memory of its own for a very long number, and fails without it.
-    template <typename Value> bool print(char *to, size_t size, const char *format, int precision, Value value)
-    {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-        const int length = std::snprintf(to, size, format, precision, value);
+    return std::snprintf(to, size, formatOf<Value>(flags), precision, value);
 #pragma GCC diagnostic pop
-        m_length = length >= 0 ? static_cast<size_t>(length) : 0;
-        return length >= 0;
-    }
-
-    char m_usual[usualSize];
-    kelto::TagBlock<char> m_long;
-    const char *m_begin = nullptr;
-    size_t m_length = 0;
-};
-
-/** As in the C library, and unlike integers: '-' wins over '0', and infinity and what is no number are not
- * padded with zeros. */
-kelto::Padding paddingOf(int flags, bool isFinite)
-{
-    if ((flags & FLAG_MINUS) != 0)
-        return kelto::Padding::right;
-    return (flags & FLAG_ZERO) != 0 && isFinite ? kelto::Padding::zeros : kelto::Padding::left;
 }
 
-/** The bytes of the locale's decimal point beyond the first: in a width the C library counts it as one. */
-uint64_t uncountedBytes(bool hasPoint)
+template <typename Value> size_t minusLength(Value value)
 {
-    return hasPoint ? std::strlen(nl_langinfo(RADIXCHAR)) - 1 : 0;
-}
-
-template <typename Value>
-int writeValue(Value value, int width, int precision, int flags, unsigned long *sizeInOut, UCS2 *out)
-{
-    const bool isFinite = std::isfinite(value);
-    const int wanted = precision >= 0 ? precision : defaultPrecision;
-    const int rendered = std::min(wanted, mostDecimals<Value>);
-    Rendering rendering;
-    if (!rendering.render(flags, rendered, value))
-        return KT_ERR_NO_MEMORY;
-    const char *const text = rendering.text();
-    const size_t minus = *text == '-' ? 1 : 0;
-    const uint64_t moreDecimals = isFinite ? static_cast<uint64_t>(wanted - rendered) : 0;
-    return kelto::writeNumber({kelto::signOf(minus != 0, flags),
-                               0,
-                               {text + minus, rendering.length() - minus},
-                               moreDecimals,
-                               uncountedBytes(isFinite && (wanted > 0 || (flags & FLAG_HASH) != 0))},
-                              width, paddingOf(flags, isFinite), sizeInOut, out);
-}
-
-template <typename Value> Value read(const void *slot)
-{
-    Value value;
-    std::memcpy(&value, slot, sizeof value);
-    return value;
+    return std::signbit(value) ? 1 : 0;
 }
 
 } // namespace
 
+namespace kelto
+{
+
+// The same digits, since the C library rounds exactly too, at a fraction of the cost; for doubles of usual size.
+bool Rendering::renderQuickly(int flags, int precision, double value) noexcept
+{
+    uint64_t scaled = 0;
+    if ((flags & FLAG_HASH) != 0 || !std::isfinite(value) || !isPlainEnvironment() ||
+        !scale(std::fabs(value), precision, scaled))
+        return false;
+    char *const end = m_usual + usualSize;
+    char *at = end;
+    const auto prependDigit = [&] {
+        *--at = static_cast<char>('0' + scaled % 10);
+        scaled /= 10;
+    };
+    for (int place = 0; place < precision; ++place)
+        prependDigit();
+    if (precision > 0)
+        *--at = '.';
+    do
+        prependDigit();
+    while (scaled != 0);
+    m_digits = {at, static_cast<uint64_t>(end - at)};
+    return true;
+}
+
+bool Rendering::renderQuickly(int /*flags*/, int /*precision*/, long double /*value*/) noexcept
+{
+    return false;
+}
+
+template <typename Value> bool Rendering::measure(int flags, int precision, Value value) noexcept
+{
+    if (renderQuickly(flags, precision, value))
+        return true;
+    // With its sign, on which a directed rounding depends.
+    const int length = print(m_usual, usualSize, flags, precision, value);
+    if (length < 0)
+        return false;
+    const auto size = static_cast<size_t>(length);
+    m_digits = {size < usualSize ? m_usual + minusLength(value) : nullptr, size - minusLength(value)};
+    if (!std::isfinite(value))
+        return true;
+    const char *mark = precision > 0 || (flags & FLAG_HASH) != 0 ? nl_langinfo(RADIXCHAR) : "";
+    for (; *mark != '\0'; ++mark)
+    {
+        ++m_markBytes;
+        m_digits.beyondAscii += static_cast<unsigned char>(*mark) > 127 ? 1 : 0;
+    }
+    return true;
+}
+
+template <typename Value> bool Rendering::complete(int flags, int precision, Value value) noexcept
+{
+    if (m_digits.characters != nullptr)
+        return true;
+    const size_t size = minusLength(value) + m_digits.count + 1;
+    m_long = allocate<char>(glbResHandle, size);
+    if (m_long == nullptr || print(m_long.get(), size, flags, precision, value) < 0)
+        return false;
+    m_digits.characters = m_long.get() + minusLength(value);
+    return true;
+}
+
+template bool Rendering::measure(int, int, double) noexcept;
+template bool Rendering::measure(int, int, long double) noexcept;
+template bool Rendering::complete(int, int, double) noexcept;
+template bool Rendering::complete(int, int, long double) noexcept;
+
+} // namespace kelto
+
 int formatDouble(const char * /*convName*/, int width, int precision, int flags, KTEncoder /*passThru1*/,
                  void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
+    kelto::Field field(sizeInOut, out);
+    const kelto::Layout layout = {width, precision, flags};
     if ((flags & FLAG_L) != 0)
-        return writeValue(read<long double>(*argSlot), width, precision, flags, sizeInOut, out);
-    return writeValue(read<double>(*argSlot), width, precision, flags, sizeInOut, out);
+        return kelto::writeFloatingPoint(field, layout, kelto::readSlot<long double>(*argSlot));
+    return kelto::writeFloatingPoint(field, layout, kelto::readSlot<double>(*argSlot));
 }

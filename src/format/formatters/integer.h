@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_INTEGER_H
 #define KELTO_FORMAT_FORMATTERS_INTEGER_H
 
-#include "kelto.h"
+#include "format/field.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,21 +18,84 @@ namespace kelto
 class IntegerText
 {
 public:
-    /** Arguments as in numToUCS2(). */
-    IntegerText(Flag_t type, int flags, const void *value) noexcept;
+    /** In decimal digits. */
+    explicit IntegerText(int64_t value) noexcept;
+    /** In the digits of a conversion: CONV_u, CONV_o, CONV_x or CONV_X; any other has none. */
+    IntegerText(Flag_t type, uint64_t value) noexcept;
 
-    bool isNegative() const noexcept { return *m_begin == '-'; }
-    char *begin() noexcept { return m_begin; }
-    const char *begin() const noexcept { return m_begin; }
-    size_t length() const noexcept { return static_cast<size_t>(m_text + textSize - 1 - m_begin); }
+    bool isNegative() const noexcept { return *begin() == '-'; }
+    char *begin() noexcept { return m_text + m_at; }
+    const char *begin() const noexcept { return m_text + m_at; }
+    size_t length() const noexcept { return textSize - 1 - m_at; }
 
     /** Bytes for any integer, terminator included: 22 octal digits, or a sign and 20 decimal ones. */
     static constexpr size_t textSize = 23;
 
 private:
+    char *end() noexcept { return m_text + textSize - 1; }
+    void beginAt(const char *begin) noexcept { m_at = static_cast<size_t>(begin - m_text); }
+
     char m_text[textSize];
-    char *m_begin;
+    size_t m_at;
 };
+
+/** Where an integer is padded: '0' wins over '-'. */
+inline Padding integerPadding(int flags) noexcept
+{
+    if ((flags & FLAG_ZERO) != 0)
+        return Padding::zeros;
+    return (flags & FLAG_MINUS) != 0 ? Padding::right : Padding::left;
+}
+
+/** A precision is a number of digits: 42 with four is 0042, and 12345 with two is 12000. @return the zeros before them. */
+inline uint64_t applyPrecision(int precision, char *digits, size_t count) noexcept
+{
+    if (precision < 0)
+        return 0;
+    const auto wanted = static_cast<size_t>(precision);
+    if (wanted >= count)
+        return wanted - count;
+    std::memset(digits + wanted, '0', count - wanted);
+    return 0;
+}
+
+/** What all integer conversions share once prefix and digits are known. */
+template <typename Out>
+int writeInteger(Out &out, const Layout &layout, const NarrowText &prefix, char *digits, size_t count) noexcept
+{
+    const uint64_t zeros = applyPrecision(layout.precision, digits, count);
+    return writeNumber(out, {prefix, zeros, {digits, count}, 0}, layout.width, integerPadding(layout.flags));
+}
+
+/** "d". */
+template <typename Out> int writeSigned(Out &out, const Layout &layout, int64_t value) noexcept
+{
+    IntegerText text(value);
+    const size_t minus = value < 0 ? 1 : 0;
+    return writeInteger(out, layout, signOf(value < 0, layout.flags), text.begin() + minus, text.length() - minus);
+}
+
+/** "u". */
+template <typename Out> int writeUnsigned(Out &out, const Layout &layout, uint64_t value) noexcept
+{
+    IntegerText text(CONV_u, value);
+    return writeInteger(out, layout, {"", 0}, text.begin(), text.length());
+}
+
+/** The type that the first character of a name stands for, where it is one of "o", "x" and "X"; CONV_UNKNOWN else. */
+Flag_t octHexType(char name) noexcept;
+
+/** "o", "x" and "X". Of another name, which a table of the caller's may bring, the prefix is written, but no digits. */
+template <typename Out> int writeOctHex(Out &out, const Layout &layout, char name, uint64_t value) noexcept
+{
+    const Flag_t type = octHexType(name);
+    IntegerText text(type, value);
+    const char prefix[] = {'0', name};
+    size_t prefixLength = 0;
+    if ((layout.flags & FLAG_HASH) != 0)
+        prefixLength = type == CONV_o ? 1 : 2;
+    return writeInteger(out, layout, {prefix, prefixLength}, text.begin(), text.length());
+}
 
 } // namespace kelto
 

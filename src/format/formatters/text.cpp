@@ -1,5 +1,7 @@
+#include "format/formatters/text.h"
+
 #include "format/converted_text.h"
-#include "format/field.h"
+#include "format/slot_value.h"
 
 #include <algorithm>
 
@@ -9,21 +11,6 @@ namespace
 KTEncoder encoderFor(int flags, KTEncoder passThru1)
 {
     return (flags & FLAG_ENCODE) != 0 ? passThru1 : nullptr;
-}
-
-UCS2 padUnit(int flags)
-{
-    return (flags & FLAG_ZERO) != 0 ? u'0' : u' ';
-}
-
-/** Writes a text padded to its width. */
-int writePadded(const UCS2 *text, size_t length, int width, int flags, unsigned long *sizeInOut, UCS2 *out)
-{
-    const kelto::Fill padding{padUnit(flags), kelto::paddingTo(width, length)};
-    const kelto::Text piece{text, length};
-    if ((flags & FLAG_MINUS) != 0)
-        return kelto::writeField(sizeInOut, out, kelto::Ending::terminated, piece, padding);
-    return kelto::writeField(sizeInOut, out, kelto::Ending::terminated, padding, piece);
 }
 
 /**
@@ -41,34 +28,27 @@ int padInPlace(unsigned long length, int width, int flags, int status, unsigned 
         return status;
     if ((flags & FLAG_MINUS) != 0)
     {
-        std::fill_n(out + length, missing, padUnit(flags));
+        std::fill_n(out + length, missing, kelto::padUnit(flags));
         return status;
     }
     std::copy_backward(out, out + length, out + length + missing);
-    std::fill_n(out, missing, padUnit(flags));
+    std::fill_n(out, missing, kelto::padUnit(flags));
     return status;
 }
 
-unsigned long cut(unsigned long length, int precision)
-{
-    return precision >= 0 ? std::min(length, static_cast<unsigned long>(precision)) : length;
-}
-
 /** Writes a terminated text, or has it encoded: what "U" and "s" share once the text is UCS-2. */
-int writeText(const UCS2 *text, size_t length, int width, int precision, int flags, KTEncoder passThru1,
-              unsigned long *sizeInOut, UCS2 *out)
+int writeOrEncode(const UCS2 *text, size_t length, int width, int precision, int flags, KTEncoder passThru1,
+                  unsigned long *sizeInOut, UCS2 *out)
 {
     const KTEncoder encoder = encoderFor(flags, passThru1);
     if (encoder == nullptr)
-        return writePadded(text, cut(length, precision), width, flags, sizeInOut, out);
+    {
+        kelto::Field field(sizeInOut, out);
+        return kelto::writeText(field, {width, precision, flags}, kelto::Text{text, length});
+    }
     unsigned long encodedLength = *sizeInOut;
     const int status = encoder(text, KT_ENCODE_UCS2, &encodedLength, out);
-    return padInPlace(cut(encodedLength, precision), width, flags, status, sizeInOut, out);
-}
-
-UCS2 readCharacter(const void *slot, int flags)
-{
-    return (flags & FLAG_l) != 0 ? *static_cast<const UCS2 *>(slot) : *static_cast<const unsigned char *>(slot);
+    return padInPlace(kelto::cutTo(precision, encodedLength), width, flags, status, sizeInOut, out);
 }
 
 } // namespace
@@ -79,8 +59,8 @@ int formatChar(const char * /*convName*/, int width, int /*precision*/, int flag
     const KTEncoder encoder = encoderFor(flags, passThru1);
     if (encoder == nullptr)
     {
-        const UCS2 character = readCharacter(*argSlot, flags);
-        return writePadded(&character, 1, width, flags, sizeInOut, out);
+        kelto::Field field(sizeInOut, out);
+        return kelto::writeCharacter(field, {width, KT_ABSENT, flags}, kelto::readCharacter(*argSlot, flags));
     }
     unsigned long length = *sizeInOut;
     // Unlike with texts, every failure of the encoder is a matter of room.
@@ -94,7 +74,7 @@ int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags
                   void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
     const auto *const text = static_cast<const UCS2 *>(*argSlot);
-    return writeText(text, KTUCS2strlen(text), width, precision, flags, passThru1, sizeInOut, out);
+    return writeOrEncode(text, KTUCS2strlen(text), width, precision, flags, passThru1, sizeInOut, out);
 }
 
 // Flattened for the same reason as the format calls: most messages have a text among their arguments.
@@ -104,5 +84,5 @@ int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags
     kelto::ConvertedText text;
     if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
-    return writeText(text.units(), text.length(), width, precision, flags, passThru1, sizeInOut, out);
+    return writeOrEncode(text.units(), text.length(), width, precision, flags, passThru1, sizeInOut, out);
 }

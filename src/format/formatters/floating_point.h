@@ -1,0 +1,84 @@
+/**
+ * Floating-point numbers as the C library's printf writes them in the current numeric locale, in fixed-point notation and
+ * at any length. Padding and sign are laid out here, since no size is asked of the C library for a huge width or
+ * precision; doubles of usual size are rendered by ourselves, with the same digits.
+ */
+#ifndef KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
+#define KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
+
+#include "format/field.h"
+#include "platform/scoped.h"
+
+#include <cfloat>
+#include <cmath>
+
+namespace kelto
+{
+
+/** The most decimal places that a value of the type can have: all behind them are zeros. */
+template <typename Value> constexpr int mostDecimals = 0;
+template <> constexpr int mostDecimals<double> = DBL_MANT_DIG - DBL_MIN_EXP;
+template <> constexpr int mostDecimals<long double> = LDBL_MANT_DIG - LDBL_MIN_EXP;
+static_assert(mostDecimals<double> == 1074 && mostDecimals<long double> == 16445);
+
+/** A number without its sign: in a fixed buffer, or where that is too small, and it is needed, in one from the tag. */
+class Rendering
+{
+public:
+    /** Renders, or where the text is too long for the buffer, only counts it; false when memory ran out. */
+    template <typename Value> bool measure(int flags, int precision, Value value) noexcept;
+
+    /** Renders what was only counted, from the same arguments; false when memory ran out. */
+    template <typename Value> bool complete(int flags, int precision, Value value) noexcept;
+
+    const NarrowText &digits() const noexcept { return m_digits; }
+
+    /** The bytes of the decimal mark beyond the first: in a width the C library counts it as one. */
+    uint64_t uncounted() const noexcept { return m_markBytes > 1 ? m_markBytes - 1 : 0; }
+
+private:
+    bool renderQuickly(int flags, int precision, double value) noexcept;
+    bool renderQuickly(int flags, int precision, long double value) noexcept;
+
+    static constexpr size_t usualSize = 304;
+    char m_usual[usualSize];
+    TagBlock<char> m_long;
+    NarrowText m_digits = {nullptr, 0};
+    uint64_t m_markBytes = 0;
+};
+
+/**
+ * As in the C library, and unlike integers: '-' wins over '0', and infinity and what is no number are not padded with
+ * zeros.
+ */
+inline Padding floatingPointPadding(int flags, bool isFinite) noexcept
+{
+    if ((flags & FLAG_MINUS) != 0)
+        return Padding::right;
+    return (flags & FLAG_ZERO) != 0 && isFinite ? Padding::zeros : Padding::left;
+}
+
+/** "f". A text that does not fit takes no memory. @return as Out::write(), or KT_ERR_NO_MEMORY. */
+template <typename Out, typename Value> int writeFloatingPoint(Out &out, const Layout &layout, Value value) noexcept
+{
+    constexpr int defaultPrecision = 6;
+    const bool isFinite = std::isfinite(value);
+    const int wanted = layout.precision >= 0 ? layout.precision : defaultPrecision;
+    const int rendered = std::min(wanted, mostDecimals<Value>);
+    Rendering rendering;
+    if (!rendering.measure(layout.flags, rendered, value))
+        return KT_ERR_NO_MEMORY;
+    NumberText number = {signOf(std::signbit(value), layout.flags), 0, rendering.digits(),
+                         isFinite ? static_cast<uint64_t>(wanted - rendered) : 0, rendering.uncounted()};
+    if (out.canHold(number.length() + number.paddingTo(layout.width)))
+    {
+        if (!rendering.complete(layout.flags, rendered, value))
+            return KT_ERR_NO_MEMORY;
+        number.digits = rendering.digits();
+    }
+    return writeNumber(out, number, layout.width, floatingPointPadding(layout.flags, isFinite));
+}
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,45 @@
+/**
+ * The values behind argument slots, in the sizes that the flags name. Slots may be aligned in any way.
+ */
+#ifndef KELTO_FORMAT_SLOT_VALUE_H
+#define KELTO_FORMAT_SLOT_VALUE_H
+
+#include "kelto.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace kelto
+{
+
+template <typename Value> Value readSlot(const void *slot) noexcept
+{
+    Value value;
+    std::memcpy(&value, slot, sizeof value);
+    return value;
+}
+
+// 'h' wins where a name brings its own '!'.
+inline int64_t readSigned(const void *slot, int flags) noexcept
+{
+    if ((flags & FLAG_h) != 0)
+        return readSlot<int16_t>(slot);
+    return (flags & FLAG_BANG) != 0 ? readSlot<int64_t>(slot) : readSlot<int32_t>(slot);
+}
+
+inline uint64_t readUnsigned(const void *slot, int flags) noexcept
+{
+    if ((flags & FLAG_h) != 0)
+        return readSlot<uint16_t>(slot);
+    return (flags & FLAG_BANG) != 0 ? readSlot<uint64_t>(slot) : readSlot<uint32_t>(slot);
+}
+
+/** The unit that a "c" shows: of an 8-bit character the one of the same number. */
+inline UCS2 readCharacter(const void *slot, int flags) noexcept
+{
+    return (flags & FLAG_l) != 0 ? readSlot<UCS2>(slot) : readSlot<unsigned char>(slot);
+}
+
+} // namespace kelto
+
+#endif
