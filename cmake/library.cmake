@@ -11,7 +11,7 @@ add_library(Kelto::kelto ALIAS kelto)
 target_include_directories(kelto
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
   PRIVATE "${PROJECT_SOURCE_DIR}/src")
-target_link_libraries(kelto PRIVATE ICU::uc EXPAT::EXPAT)
+target_link_libraries(kelto PRIVATE ICU::uc EXPAT::EXPAT kelto_options kelto_hardening)
 target_compile_options(kelto PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition -fno-plt)
 set_target_properties(kelto PROPERTIES
   VERSION ${PROJECT_VERSION}
@@ -29,8 +29,8 @@ endif()
 set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST}")
 
 # The platform stays out of it: an optimiser that sees ZEL_malloc() would no longer call the one of the program.
-if(KELTO_LTO)
-  set_target_properties(kelto PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+if(KELTO_CAN_LTO)
+  set_target_properties(kelto PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON INTERPROCEDURAL_OPTIMIZATION_DEBUG OFF)
   set_source_files_properties("${PROJECT_SOURCE_DIR}/src/platform/zel_posix.cpp"
     PROPERTIES COMPILE_OPTIONS -fno-lto)
 endif()

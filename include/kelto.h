@@ -66,8 +66,14 @@
 #include <stdint.h>
 #include <uchar.h>
 
-/** The version of this header; the build reads it from here. */
-#define KELTO_VERSION "1.0.0"
+/** The version of this header, as numbers; the build reads it from here. */
+#define KELTO_VERSION_MAJOR 1
+#define KELTO_VERSION_MINOR 0
+#define KELTO_VERSION_PATCH 0
+#define KELTO_JOIN_VERSION_(major, minor, patch) #major "." #minor "." #patch
+#define KELTO_JOIN_VERSION(major, minor, patch) KELTO_JOIN_VERSION_(major, minor, patch)
+/** The same as a text, "1.0.0". */
+#define KELTO_VERSION KELTO_JOIN_VERSION(KELTO_VERSION_MAJOR, KELTO_VERSION_MINOR, KELTO_VERSION_PATCH)
 
 #ifdef __cplusplus
 extern "C" {

@@ -2,6 +2,7 @@
 
 #include "terminal.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <fmt/core.h>
 
@@ -24,31 +25,39 @@ private:
 } // namespace
 
 CommandLine::CommandLine(const Subcommand &subcommand, Words words)
-    : m_app(std::string(subcommand.summary) + "."), m_name(subcommand.name), m_words(std::move(words))
+    : m_app(std::make_unique<CLI::App>(std::string(subcommand.summary) + ".")), m_name(subcommand.name),
+      m_words(std::move(words))
 {
-    m_app.formatter(
+    m_app->formatter(
         std::make_shared<HelpFormatter>(fmt::format("Usage: kelto {} {}\n", subcommand.name, subcommand.synopsis)));
-    m_app.footer(subcommand.details);
-    m_app.set_help_flag("-h,--help", "Print this help");
-    m_app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    m_app->footer(subcommand.details);
+    m_app->set_help_flag("-h,--help", "Print this help");
+    m_app->option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+CommandLine::~CommandLine() = default;
+
+std::string CommandLine::help() const
+{
+    return m_app->help();
 }
 
 void CommandLine::flag(const std::string &name, bool &value, const std::string &help)
 {
-    m_app.add_flag(name, value, help);
+    m_app->add_flag(name, value, help);
 }
 
 void CommandLine::option(const std::string &name, const std::string &valueName, std::string &value,
                          const std::string &help)
 {
-    m_app.add_option(name, value, help)->type_name(valueName);
+    m_app->add_option(name, value, help)->type_name(valueName);
 }
 
 // The operands are what the parser leaves over: a declared positional would take "[a]" apart as a list.
 Words CommandLine::operands()
 {
     parse();
-    Words rest = m_app.remaining();
+    Words rest = m_app->remaining();
     const auto separator = std::find(rest.begin(), rest.end(), "--");
     refuseOptions(rest.begin(), separator);
     if (separator != rest.end())
@@ -66,9 +75,9 @@ Words CommandLine::files()
 
 Words CommandLine::operandsBehindOptions(size_t fixedCount)
 {
-    m_app.prefix_command();
+    m_app->prefix_command();
     parse();
-    Words rest = m_app.remaining();
+    Words rest = m_app->remaining();
     const auto upTo = [&rest](size_t count) {
         return rest.begin() + static_cast<std::ptrdiff_t>(std::min(rest.size(), count));
     };
@@ -82,15 +91,15 @@ Words CommandLine::operandsBehindOptions(size_t fixedCount)
 
 void CommandLine::parse()
 {
-    m_app.allow_extras();
+    m_app->allow_extras();
     Words reversed(m_words.rbegin(), m_words.rend());
     try
     {
-        m_app.parse(reversed);
+        m_app->parse(reversed);
     }
     catch (const CLI::CallForHelp &)
     {
-        throw;
+        throw HelpWanted();
     }
     catch (const CLI::ParseError &error)
     {

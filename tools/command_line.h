@@ -1,6 +1,6 @@
 /**
  * The words behind the name of a subcommand: options are declared, then operands() parses. All wrong usage comes out as a
- * Failure that ends with a pointer to the help; a request for help as CLI::CallForHelp.
+ * Failure that ends with a pointer to the help; a request for help as HelpWanted.
  */
 #ifndef KELTO_TOOLS_COMMAND_LINE_H
 #define KELTO_TOOLS_COMMAND_LINE_H
@@ -8,19 +8,29 @@
 #include "failure.h"
 #include "subcommand.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI
+{
+class App; // whose header is large; only command_line.cpp includes it
+}
 
 namespace tool
 {
 
 using Words = std::vector<std::string>;
 
+struct HelpWanted
+{
+};
+
 class CommandLine
 {
 public:
     CommandLine(const Subcommand &subcommand, Words words);
+    ~CommandLine();
 
     void flag(const std::string &name, bool &value, const std::string &help);
     void option(const std::string &name, const std::string &valueName, std::string &value, const std::string &help);
@@ -37,7 +47,7 @@ public:
     /** The operands, all of them files, of which there must be one at least. */
     Words files();
 
-    std::string help() const { return m_app.help(); }
+    std::string help() const;
 
     /** Wrong usage of this subcommand. */
     Failure misuse(const std::string &text) const;
@@ -46,7 +56,7 @@ private:
     void parse();
     void refuseOptions(Words::const_iterator begin, Words::const_iterator end) const;
 
-    CLI::App m_app;
+    std::unique_ptr<CLI::App> m_app;
     std::string m_name;
     Words m_words;
 };

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <fmt/core.h>
-#include <fmt/ranges.h>
 
 namespace tool
 {
@@ -39,7 +38,8 @@ void listCharsets()
         charsets.push_back(namesOf(ucnv_getAvailableName(i)));
     std::sort(charsets.begin(), charsets.end());
     for (const Words &names : charsets)
-        print(fmt::format("{}\n", fmt::join(names, " ")));
+        for (const std::string &name : names)
+            print(name + (&name == &names.back() ? "\n" : " "));
 }
 
 /** Whether there was anything to warn of. */
@@ -70,9 +70,7 @@ ExitStatus convert(const std::string &from, const std::string &to, const std::st
     return strict && (malformed || unshowable) ? ExitStatus::negative : ExitStatus::done;
 }
 
-} // namespace
-
-ExitStatus convertCommand(CommandLine &line)
+ExitStatus run(CommandLine &line)
 {
     std::string from;
     std::string to;
@@ -96,5 +94,19 @@ ExitStatus convertCommand(CommandLine &line)
     requireCharset(to);
     return convert(from, to, files.empty() ? "-" : files.front(), strict);
 }
+
+constexpr const char *details = R"(Reads FILE, or standard input without one or for '-'. Characters that are
+malformed, or that the other charset cannot show, are replaced and counted. Zero
+bytes are kept; the texts between them are converted one by one.
+
+Example:
+  kelto convert --from Shift_JIS --to UTF-8 --strict letter.txt
+)";
+
+} // namespace
+
+const Subcommand convertSubcommand = {"convert",
+                                      "--from NAME --to NAME [--strict] [FILE]\n       kelto convert --list-charsets",
+                                      "Convert text between charsets", details, run};
 
 } // namespace tool

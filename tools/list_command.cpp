@@ -36,9 +36,7 @@ void listMessages(const MessageFile &file)
     }
 }
 
-} // namespace
-
-ExitStatus listCommand(CommandLine &line)
+ExitStatus run(CommandLine &line)
 {
     bool raw = false;
     line.flag("--raw", raw, "Show placeholders as the file has them, without positions");
@@ -52,5 +50,17 @@ ExitStatus listCommand(CommandLine &line)
         listMessages(file);
     });
 }
+
+constexpr const char *details = R"(Prints number and text of every message, a tab between them. Line breaks, other
+control characters and what the terminal cannot show appear as \n, \t, \u001B,
+and a backslash as \\.
+
+Example:
+  kelto list --raw de.xlf
+)";
+
+} // namespace
+
+const Subcommand listSubcommand = {"list", "[--raw] FILE...", "List the messages of files", details, run};
 
 } // namespace tool

@@ -11,6 +11,7 @@
 #include <fmt/core.h>
 #include <new>
 #include <numeric>
+#include <utility>
 
 using namespace std::string_literals;
 
@@ -19,49 +20,11 @@ namespace tool
 namespace
 {
 
-constexpr Subcommand subcommands[] = {
-    {"format", "[--tag] [--charset NAME] FILE ID [ARG...]", "Format a message with arguments",
-     R"(Prints message ID of FILE. The arguments follow in the order of their positions
-in the message, not of their places; a '*' takes an argument of its own, before
-the value. Options stand in front of FILE: an argument may begin with '-'.
-
-  d u o x X EID  a whole number, as 12, -7 or 0x1F
-  f              a number, as 12.5, -3 or 1e9
-  c              one character
-  s U E IP       a text
-  DND DNS        a name, as alice.staff.corp, corp/staff/alice or CN=alice,O=corp
-  DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
-
-Example: message 1 is "Hello %s[1], you have %u[2] new messages."
-  kelto format en.xlf 1 Ada 7
-)",
-     formatCommand},
-    {"list", "[--raw] FILE...", "List the messages of files",
-     R"(Prints number and text of every message, a tab between them. Line breaks, other
-control characters and what the terminal cannot show appear as \n, \t, \u001B,
-and a backslash as \\.
-
-Example:
-  kelto list --raw de.xlf
-)",
-     listCommand},
-    {"version", "FILE...", "Print the product version of message files",
-     R"(Reads no more of a file than the version needs.
-
-Example:
-  kelto version en.xlf de.xlf
-)",
-     versionCommand},
-    {"convert", "--from NAME --to NAME [--strict] [FILE]\n       kelto convert --list-charsets",
-     "Convert text between charsets",
-     R"(Reads FILE, or standard input without one or for '-'. Characters that are
-malformed, or that the other charset cannot show, are replaced and counted. Zero
-bytes are kept; the texts between them are converted one by one.
-
-Example:
-  kelto convert --from Shift_JIS --to UTF-8 --strict letter.txt
-)",
-     convertCommand},
+constexpr const Subcommand *subcommands[] = {
+    &formatSubcommand,
+    &listSubcommand,
+    &versionSubcommand,
+    &convertSubcommand,
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]
@@ -83,8 +46,8 @@ could not be done or the usage was wrong.
 std::string help()
 {
     std::string text = usage;
-    for (const Subcommand &subcommand : subcommands)
-        text += fmt::format("  {:<14} {}\n", subcommand.name, subcommand.summary);
+    for (const Subcommand *subcommand : subcommands)
+        text += fmt::format("  {:<14} {}\n", subcommand->name, subcommand->summary);
     return text + usageEnd;
 }
 
@@ -110,11 +73,11 @@ Failure unknownSubcommand(const std::string &word)
 {
     constexpr size_t farthest = 3;
     const bool isOption = word[0] == '-';
-    const auto distance = [&](const Subcommand &row) { return editDistance(word, row.name); };
-    const auto *const nearest =
-        std::min_element(std::begin(subcommands), std::end(subcommands),
-                         [&](const auto &a, const auto &b) { return distance(a) < distance(b); });
-    const bool isNear = !isOption && distance(*nearest) <= farthest;
+    const auto distance = [&](const Subcommand *row) { return editDistance(word, row->name); };
+    const Subcommand *const nearest =
+        *std::min_element(std::begin(subcommands), std::end(subcommands),
+                          [&](const auto *a, const auto *b) { return distance(a) < distance(b); });
+    const bool isNear = !isOption && distance(nearest) <= farthest;
     return Failure(fmt::format("unknown {} {}{}\nTry 'kelto --help'.", isOption ? "option" : "subcommand",
                                terminal().quote(word),
                                isNear ? fmt::format("; did you mean '{}'?", nearest->name) : ""));
@@ -127,7 +90,7 @@ ExitStatus runSubcommand(const Subcommand &subcommand, Words words)
     {
         return subcommand.run(line);
     }
-    catch (const CLI::CallForHelp &)
+    catch (const HelpWanted &)
     {
         print(line.help());
         return ExitStatus::done;
@@ -138,9 +101,9 @@ ExitStatus runWords(const Words &words)
 {
     if (words.empty() || words[0].empty())
         throw Failure("no subcommand is given\nTry 'kelto --help'.");
-    for (const Subcommand &subcommand : subcommands)
-        if (words[0] == subcommand.name)
-            return runSubcommand(subcommand, Words(words.begin() + 1, words.end()));
+    for (const Subcommand *subcommand : subcommands)
+        if (words[0] == subcommand->name)
+            return runSubcommand(*subcommand, Words(words.begin() + 1, words.end()));
     if (words[0] == "--help" || words[0] == "-h")
         print(help());
     else if (words[0] == "--version")

@@ -1,7 +1,7 @@
 /**
- * What main() and the subcommands share: the exit statuses, a row of the table of subcommands, and the functions of its
- * rows. A subcommand declares its options on the CommandLine that it is given, takes its operands from it, and works;
- * what goes wrong it throws as a Failure.
+ * What main() and the subcommands share: the exit statuses and the record of a subcommand, one in each ..._command.cpp; the
+ * table of all is in main.cpp. A subcommand declares its options on the CommandLine that it is given, takes its operands
+ * from it, and works; what goes wrong it throws as a Failure.
  */
 #ifndef KELTO_TOOLS_SUBCOMMAND_H
 #define KELTO_TOOLS_SUBCOMMAND_H
@@ -27,10 +27,10 @@ struct Subcommand
     ExitStatus (*run)(CommandLine &line);
 };
 
-ExitStatus formatCommand(CommandLine &line);
-ExitStatus listCommand(CommandLine &line);
-ExitStatus versionCommand(CommandLine &line);
-ExitStatus convertCommand(CommandLine &line);
+extern const Subcommand formatSubcommand;
+extern const Subcommand listSubcommand;
+extern const Subcommand versionSubcommand;
+extern const Subcommand convertSubcommand;
 
 } // namespace tool
 

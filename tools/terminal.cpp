@@ -4,7 +4,6 @@
 #include "kelto.h"
 
 #include <fmt/core.h>
-#include <fmt/xchar.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv_err.h>
 #include <unicode/utf16.h>
@@ -69,7 +68,9 @@ std::u16string escapeOf(UChar32 character)
     case '\t':
         return u"\\t";
     default:
-        return character <= 0xFFFF ? fmt::format(u"\\u{:04X}", character) : fmt::format(u"\\U{:08X}", character);
+        const auto code = static_cast<uint32_t>(character);
+        const std::string escape = code <= 0xFFFF ? fmt::format("\\u{:04X}", code) : fmt::format("\\U{:08X}", code);
+        return {escape.begin(), escape.end()};
     }
 }
 

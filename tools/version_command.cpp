@@ -24,9 +24,7 @@ std::string versionOf(const std::string &file)
     return terminal().show(ucs2FromUtf8(version));
 }
 
-} // namespace
-
-ExitStatus versionCommand(CommandLine &line)
+ExitStatus run(CommandLine &line)
 {
     const Words files = line.files();
     return forEachFile(files, [&](const std::string &file) {
@@ -34,5 +32,15 @@ ExitStatus versionCommand(CommandLine &line)
         print(files.size() == 1 ? version + "\n" : fmt::format("{}: {}\n", terminal().showBytes(file), version));
     });
 }
+
+constexpr const char *details = R"(Reads no more of a file than the version needs.
+
+Example:
+  kelto version en.xlf de.xlf
+)";
+
+} // namespace
+
+const Subcommand versionSubcommand = {"version", "FILE...", "Print the product version of message files", details, run};
 
 } // namespace tool

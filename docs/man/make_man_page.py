@@ -144,7 +144,7 @@ def strip_preprocessor(source):
 
 
 def make_page(header):
-    version = re.search(r'#define KELTO_VERSION "(.*)"', header).group(1)
+    version = ".".join(re.findall(r"#define KELTO_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", header))
     page = Page()
     page.request('.\\" Made by make_man_page.py of kelto.h; change the comments there.')
     page.request(f'.TH KELTO 3 "" "Kelto {version}" "Library Functions"')
