@@ -42,6 +42,9 @@ foreach(prototype IN LISTS KELTO_PROTOTYPES)
   endif()
 endforeach()
 
+# The description of message files for editors.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/share/kelto" DESTINATION ${CMAKE_INSTALL_DATADIR})
+
 # Guides and examples.
 file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
 list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/docs/architecture.md")
