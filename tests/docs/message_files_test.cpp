@@ -1,6 +1,7 @@
-#include "docs/page.h"
 #include "kelto.h"
 #include "support/fake_zel.h"
+#include "support/literals.h"
+#include "support/page.h"
 
 #include <gtest/gtest.h>
 #include <string>

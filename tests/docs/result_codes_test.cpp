@@ -1,5 +1,5 @@
-#include "docs/page.h"
 #include "kelto.h"
+#include "support/page.h"
 
 #include <gtest/gtest.h>
 #include <sstream>

@@ -1,11 +1,10 @@
-#include "format/formatting.h"
+#include "format/specification.h"
+#include "format/started_test.h"
 #include "support/fake_zel.h"
-#include "support/fault_loop.h"
 #include "support/locale_folder.h"
 
 #include <cfenv>
 #include <cfloat>
-#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -16,21 +15,6 @@ namespace
 {
 
 using FloatingPoint = StartedTest;
-
-const char flagLetters[] = "-+ #0";
-
-std::string specification(int flagSet, int width, int precision)
-{
-    std::string text = "%";
-    for (int i = 0; i < 5; ++i)
-        if ((flagSet >> i & 1) != 0)
-            text += flagLetters[i];
-    if (width >= 0)
-        text += std::to_string(width);
-    if (precision >= 0)
-        text += "." + std::to_string(precision);
-    return text;
-}
 
 /** Compares with the C library; the text may be of any length. */
 template <typename Value> void compare(const std::string &start, Value value)
@@ -56,44 +40,23 @@ TEST_F(FloatingPoint, IsWhatTheCLibraryPrintsOverTheWholeProduct)
                              3.14159,   999999.5, 1e15,   1e16,    1e22,    1e23,     123456789.987654321,
                              0.1,       1e-7,     5e-324, DBL_MAX, DBL_MIN, -DBL_MAX, INFINITY,
                              -INFINITY, NAN,      -NAN};
-    for (int flagSet = 0; flagSet < 32; ++flagSet)
+    for (int flags = 0; flags <= allFlagCharacters; ++flags)
         for (const int width : {-1, 1, 12, 400})
             for (const int precision : {-1, 0, 1, 6, 17, 40})
                 for (const double value : values)
-                    compare(specification(flagSet, width, precision), value);
+                    compare(specificationStart(flags, width, precision), value);
 }
 
 TEST_F(FloatingPoint, OfAnyMagnitudeAndPrecisionHasItsTrueLength)
 {
     for (const int precision : {-1, 0, 303, 1073, 1074, 1075, 1100, 16444, 16445, 16446})
-        for (const int flagSet : {0, 1, 16, 24})
+        for (const int flags : {0, int{FLAG_MINUS}, int{FLAG_ZERO}, FLAG_HASH | FLAG_ZERO})
         {
             for (const double value : {DBL_MAX, 5e-324, -1.0, double(INFINITY)})
-                compare(specification(flagSet, 1200, precision), value);
+                compare(specificationStart(flags, 1200, precision), value);
             for (const long double value : {LDBL_MAX, LDBL_TRUE_MIN, -2.5L, 1e300L, (long double)NAN})
-                compare(specification(flagSet, 6000, precision), value);
+                compare(specificationStart(flags, 6000, precision), value);
         }
-}
-
-TEST_F(FloatingPoint, TheModifierChoosesTheType)
-{
-    EXPECT_EQ(format("%.3Lf[1] %.3lf[2] %.3!f[3] %.3hf[4]", 1.0625L, 1.5, 2.5, 3.5), ok(u"1.062 1.500 2.500 3.500"));
-}
-
-TEST_F(FloatingPoint, MeasuresHugeWidthsAndPrecisions)
-{
-    UCS2 out[1];
-    unsigned long size = 1;
-    char both[] = "%2147483647.2147483647f[1]";
-    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, both, 1.5), KT_ERR_BUFFER_TOO_SMALL);
-    EXPECT_EQ(size, INT_MAX + 2UL);
-    char precise[] = "%.2147483647Lf[1]";
-    size = 1;
-    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, precise, 2e100L), KT_ERR_BUFFER_TOO_SMALL);
-    EXPECT_EQ(size, INT_MAX + 102UL);
-    size = 1;
-    EXPECT_EQ(KTFormatString(nullptr, false, &size, out, precise, (long double)INFINITY), KT_ERR_BUFFER_TOO_SMALL);
-    EXPECT_EQ(size, 3u);
 }
 
 TEST_F(FloatingPoint, FollowsTheRoundingMode)
@@ -133,37 +96,16 @@ TEST_F(FloatingPoint, UsesTheDecimalMarkOfTheLocale)
         if (!folder.build(name, name, "UTF-8"))
             GTEST_SKIP() << "localedef or the sources of the locales are missing";
         ASSERT_NE(std::setlocale(LC_NUMERIC, name), nullptr);
-        for (int flagSet = 0; flagSet < 32; ++flagSet)
+        for (int flags = 0; flags <= allFlagCharacters; ++flags)
             for (const int width : {-1, 12})
                 for (const int precision : {0, 2})
                 {
-                    compare(specification(flagSet, width, precision), 1234.5);
-                    compare(specification(flagSet, width, precision), -1234.5L);
+                    compare(specificationStart(flags, width, precision), 1234.5);
+                    compare(specificationStart(flags, width, precision), -1234.5L);
                 }
         std::setlocale(LC_NUMERIC, "C");
     }
-    EXPECT_EQ(format("%.2f[1]", 1234.5), ok(u"1234.50"));
-}
-
-TEST_F(FloatingPoint, TakesMemoryForLongNumbersOnlyAndReportsItsLack)
-{
-    const double usual = 1e290, tooLong = 1e300;
-    FakeZel::record();
-    EXPECT_EQ(callFormatter(formatDouble, "f", 0, &usual, 1000).size, 298u);
-    EXPECT_EQ(FakeZel::count(Operation::Malloc), 0u);
-    EXPECT_EQ(callFormatter(formatDouble, "f", 0, &tooLong, 1000).size, 308u);
-    EXPECT_EQ(FakeZel::count(Operation::Malloc), 1u);
-    FaultLoop loop;
-    loop.call = [&] { return callFormatter(formatDouble, "f", 0, &tooLong, 1000).result; };
-    EXPECT_EQ(loop.run(), 1u);
-}
-
-TEST(FloatingPointFormatter, NeedsAUnitBeyondItsText)
-{
-    const double one = 1.0;
-    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 8).result, KT_ERR_BUFFER_TOO_SMALL);
-    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 8).size, 8u);
-    EXPECT_EQ(callFormatter(formatDouble, "f", FLAG_TAG, &one, 9).text, u"1.000000");
+    compare("%.2", 1234.5);
 }
 
 } // namespace

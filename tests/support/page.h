@@ -1,8 +1,9 @@
 /**
- * The tables of a page of the documentation, so that the tests compare with the library what a reader reads.
+ * The tables of a page of the documentation, or of a file of rows, so that the tests compare with the library what a
+ * reader reads.
  */
-#ifndef KELTO_TESTS_DOCS_PAGE_H
-#define KELTO_TESTS_DOCS_PAGE_H
+#ifndef KELTO_TESTS_SUPPORT_PAGE_H
+#define KELTO_TESTS_SUPPORT_PAGE_H
 
 #include <string>
 #include <vector>
@@ -17,8 +18,5 @@ std::string readPage(const std::string &name);
  * them, and without backquotes.
  */
 std::vector<Row> rowsUnder(const std::string &page, const std::string &heading);
-
-/** The text that a literal of C stands for: "a\tb", with the quotes; anything else is returned as it is. */
-std::string unquoted(const std::string &literal);
 
 #endif

@@ -1,4 +1,4 @@
-#include "docs/page.h"
+#include "support/page.h"
 
 #include <fstream>
 #include <iterator>
@@ -7,10 +7,10 @@
 namespace
 {
 
-std::string trimmed(const std::string &text, const char *around)
+std::string trimmed(const std::string &text)
 {
-    const size_t begin = text.find_first_not_of(around);
-    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(around) - begin + 1);
+    const size_t begin = text.find_first_not_of(' ');
+    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
 Row cellsOf(const std::string &line)
@@ -19,7 +19,7 @@ Row cellsOf(const std::string &line)
     std::istringstream columns(line.substr(1));
     for (std::string cell; std::getline(columns, cell, '|');)
     {
-        cell = trimmed(cell, " ");
+        cell = trimmed(cell);
         const bool isCode =
             cell.size() >= 2 && cell.front() == '`' && cell.back() == '`' && cell.find('`', 1) == cell.size() - 1;
         cells.push_back(isCode ? cell.substr(1, cell.size() - 2) : cell);
@@ -50,24 +50,4 @@ std::vector<Row> rowsUnder(const std::string &page, const std::string &heading)
             rows.push_back(cellsOf(line));
     }
     return rows;
-}
-
-std::string unquoted(const std::string &literal)
-{
-    if (literal.size() < 2 || literal.front() != '"' || literal.back() != '"')
-        return literal;
-    std::string text;
-    for (size_t i = 1; i < literal.size() - 1; ++i)
-    {
-        if (literal[i] != '\\')
-        {
-            text += literal[i];
-            continue;
-        }
-        const std::string written = "\\\"tnr";
-        const std::string meant = "\\\"\t\n\r";
-        const size_t escape = written.find(literal[++i]);
-        text += escape != std::string::npos ? meant.substr(escape, 1) : "\\" + literal.substr(i, 1);
-    }
-    return text;
 }
