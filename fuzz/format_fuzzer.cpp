@@ -1,19 +1,32 @@
 // A format string, which ends at the first zero byte, then what decides about tables and arguments. The string is used with
 // arguments of the types that it asks for, in both forms, with no table, the built-in one, copies and own ones, with and
-// without encoder, and into every class of capacity.
+// without encoder, and into every class of capacity. One formatter is also called by itself, with any width, precision and
+// flags, and the helpers behind the formatters write into buffers of just the size that they ask for.
 
+#include "format/formatters/date_time.h"
+#include "format/formatters/distinguished_name.h"
+#include "format/formatters/integer.h"
 #include "support/arguments.h"
-#include "support/guarded.h"
-#include "support/platform.h"
-#include "support/require.h"
+#include "support/fake_zel.h"
+#include "support/ucs2.h"
 
-#include <cstdio>
-#include <optional>
+#include <fuzzer/FuzzedDataProvider.h>
 
 namespace
 {
 
-// ---- Tables ----
+constexpr unsigned long largest = 20000; // a longer text is measured, and not written
+
+// ---- Own conversions and encoders ----
+
+constexpr int ownFailure = -4242;
+
+/** What those that keep no contract claim, whatever their room is. */
+struct Claim
+{
+    int result;
+    unsigned long size;
+} claim;
 
 int writeUnits(const std::u16string &text, unsigned long *size, UCS2 *out)
 {
@@ -24,8 +37,6 @@ int writeUnits(const std::u16string &text, unsigned long *size, UCS2 *out)
     text.copy(out, text.size());
     return 0;
 }
-
-constexpr int ownFailure = -4242;
 
 int formatFail(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *, UCS2 *)
 {
@@ -40,7 +51,7 @@ int formatNone(const char *, int, int, int, KTEncoder, void *, void **, unsigned
 int formatPair(const char *, int width, int, int flags, KTEncoder, void *passThru, void **slots, unsigned long *size,
                UCS2 *out)
 {
-    require(passThru == &ownFailure, "the pass-through pointer arrives");
+    require(passThru == &claim, "the pass-through pointer arrives");
     const int number =
         (flags & FLAG_h) != 0 ? *static_cast<const int16_t *>(slots[0]) : *static_cast<const int *>(slots[0]);
     const auto count = static_cast<size_t>(number & 7);
@@ -54,33 +65,41 @@ int formatSkip(const char *, int, int, int, KTEncoder, void *, void **slots, uns
     return writeUnits(*static_cast<const uint64_t *>(slots[0]) % 2 == 0 ? u"even" : u"", size, out);
 }
 
+int formatWild(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *)
+{
+    *size = claim.size;
+    return claim.result;
+}
+
 const int noTypes[] = {9, 0}, pairTypes[] = {4, 2, 0}, skipTypes[] = {8, 7, 100, 0};
 
-KTFormatter ownList[] = {{"fail", nullptr, 1, signedIntList, formatFail},
-                         {"none", nullptr, 0, noTypes, formatNone},
-                         {"pair", nullptr, 2, pairTypes, formatPair},
-                         {"skip", nullptr, 1, skipTypes, formatSkip},
-                         {nullptr, nullptr, 0, nullptr, nullptr}};
+KTFormatter ownList[] = {{"fail", nullptr, 1, signedIntList, formatFail}, {"none", nullptr, 0, noTypes, formatNone},
+                         {"pair", nullptr, 2, pairTypes, formatPair},     {"skip", nullptr, 1, skipTypes, formatSkip},
+                         {"wild", nullptr, 0, noTypes, formatWild},       {nullptr, nullptr, 0, nullptr, nullptr}};
 
 /** Writes each unit twice, as many as fit, and tells the length of the whole; texts that begin with an 'F' fail. */
 int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
 {
     std::u16string text;
-    if (dataType == 1)
+    if (dataType == KT_ENCODE_UCS2)
         text = static_cast<const UCS2 *>(value);
     else
-        text = dataType == 0 ? *static_cast<const UCS2 *>(value) : static_cast<UCS2>(*static_cast<const char *>(value));
-    if (dataType == 1 && !text.empty() && text[0] == u'F')
-    {
-        *size = 0;
-        return ownFailure;
-    }
+        text = dataType == KT_ENCODE_UNIT ? *static_cast<const UCS2 *>(value)
+                                          : static_cast<UCS2>(*static_cast<const char *>(value));
     std::u16string doubled;
     for (const UCS2 unit : text)
         doubled += {unit, unit};
-    doubled.copy(out, *size);
-    *size = doubled.size();
-    return 0;
+    const bool fails = dataType == KT_ENCODE_UCS2 && !text.empty() && text[0] == u'F';
+    if (!fails)
+        doubled.copy(out, *size);
+    *size = fails ? 0 : doubled.size();
+    return fails ? ownFailure : 0;
+}
+
+int encodeWild(const void *, int, unsigned long *size, UCS2 *)
+{
+    *size = claim.size;
+    return claim.result;
 }
 
 /** The table of a call, made anew for each input. */
@@ -89,8 +108,8 @@ class Table
 public:
     explicit Table(FuzzedDataProvider &source)
     {
-        m_hasEncoder = source.ConsumeBool();
-        require(KTRegisterEncoder(m_hasEncoder ? encode : nullptr) == 0, "an encoder is registered");
+        m_encoder = source.PickValueInArray<KTEncoder>({nullptr, nullptr, encode, encodeWild});
+        require(KTRegisterEncoder(m_encoder) == 0, "an encoder is registered");
         m_own.formList = ownList;
         m_empty.nextTable = &m_own;
         m_kind = source.ConsumeIntegralInRange(0, 6);
@@ -98,10 +117,8 @@ public:
             require(KTGetBuiltInFormTable(m_kind == 2 ? 1 : 3, &m_copy) == 0, "a copy is made");
         m_own.nextTable = m_copy != nullptr ? m_copy : &builtInFormTable;
         m_own.indexed = m_kind == 5;
-        m_own.letterIndex['f' - 'a'] = 1;
-        m_own.letterIndex['n' - 'a'] = 2;
-        m_own.letterIndex['p' - 'a'] = 3;
-        m_own.letterIndex['s' - 'a'] = 4;
+        for (int i = 0; ownList[i].name != nullptr; ++i)
+            m_own.letterIndex[*ownList[i].name - 'a'] = i + 1;
     }
     ~Table() { require(KTFreeFormTable(m_copy) == 0, "a copy is freed"); }
     Table(const Table &) = delete;
@@ -113,14 +130,104 @@ public:
         return tables[m_kind];
     }
 
-    bool hasEncoder() const { return m_hasEncoder; }
+    bool hasEncoder() const { return m_encoder != nullptr; }
+    bool isWild() const { return m_encoder == encodeWild; }
 
 private:
-    bool m_hasEncoder;
+    KTEncoder m_encoder;
     formTable m_own = {}, m_empty = {};
     formTable *m_copy = nullptr;
     int m_kind;
 };
+
+// ---- Arguments ----
+
+/** Mostly a small number; now and then one at the edge of the type. */
+int64_t takeNumber(FuzzedDataProvider &source)
+{
+    constexpr int64_t edges[] = {0,         1,         -1,        INT16_MAX,  INT16_MIN,  INT32_MAX,
+                                 INT32_MIN, INT64_MAX, INT64_MIN, UINT16_MAX, UINT32_MAX, 1000};
+    return source.ConsumeBool() ? source.ConsumeIntegralInRange(-40, 40) : source.PickValueInArray(edges);
+}
+
+int takeInt(FuzzedDataProvider &source)
+{
+    return static_cast<int>(takeNumber(source));
+}
+
+long double takeFloatingPoint(FuzzedDataProvider &source)
+{
+    constexpr long double edges[] = {
+        0.0L, -0.0L, 0.5L, 1e15L, 1e300L, 1e-300L, 1e4000L, 1e-4000L, __builtin_infl(), __builtin_nanl("")};
+    if (source.ConsumeBool())
+        return source.PickValueInArray(edges);
+    return static_cast<long double>(takeNumber(source)) / source.ConsumeIntegralInRange(1, 1000);
+}
+
+std::string takeText(FuzzedDataProvider &source)
+{
+    return source.ConsumeRandomLengthString(80).c_str();
+}
+
+/** Beside ASCII, units around those of surrogate pairs. */
+std::u16string takeUCS2(FuzzedDataProvider &source)
+{
+    std::u16string text;
+    for (const char c : takeText(source))
+        text += static_cast<char16_t>(c >= 0 ? c : 0xDC00 + c * 16);
+    return text;
+}
+
+void addArgument(Arguments &arguments, int type, int flags, FuzzedDataProvider &source)
+{
+    switch (type)
+    {
+    case KT_ARG_CHARACTER:
+        (flags & FLAG_l) != 0 ? arguments.addAs<UCS2>(takeInt(source)) : arguments.addAs<char>(takeInt(source));
+        break;
+    case KT_ARG_UTF8:
+        arguments.addText(takeText(source));
+        break;
+    case KT_ARG_UCS2:
+        arguments.addText(takeUCS2(source));
+        break;
+    case KT_ARG_SIGNED:
+    case KT_ARG_UNSIGNED:
+        if ((flags & FLAG_h) != 0)
+            arguments.addAs<int16_t>(takeInt(source));
+        else if ((flags & FLAG_BANG) != 0)
+            arguments.add(takeNumber(source));
+        else
+            arguments.add(takeInt(source));
+        break;
+    case KT_ARG_DOUBLE:
+        if ((flags & FLAG_L) != 0)
+            arguments.add(takeFloatingPoint(source));
+        else
+            arguments.add(static_cast<double>(takeFloatingPoint(source)));
+        break;
+    case KT_ARG_POINTER:
+        arguments.add(takeNumber(source));
+        break;
+    default: // takes no argument
+        break;
+    }
+}
+
+/** What a format asks for. */
+void addArguments(Arguments &arguments, const KTParameter *parameter, FuzzedDataProvider &source)
+{
+    for (; parameter != nullptr && parameter->formatter != nullptr; ++parameter)
+    {
+        if (parameter->type == CONV_N || parameter->type == CONV_O)
+            continue;
+        for (const int field : {parameter->width, parameter->precision})
+            if (field == KT_FROM_ARGUMENTS)
+                arguments.add(takeInt(source));
+        for (const int *type = parameter->formatter->argTypes; *type != 0; ++type)
+            addArgument(arguments, *type, parameter->flags, source);
+    }
+}
 
 // ---- Calls ----
 
@@ -129,83 +236,111 @@ struct Outcome
     int result;
     unsigned long size;
     std::u16string text; // after success
+
+    bool operator==(const Outcome &other) const
+    {
+        return result == other.result && size == other.size && text == other.text;
+    }
 };
 
 /** One format string with its table and its arguments. */
 class Formatting
 {
 public:
-    Formatting(std::string format, FuzzedDataProvider &source) : m_format(std::move(format)), m_table(source)
+    Formatting(std::string format, FuzzedDataProvider &source)
+        : m_format(std::move(format)), m_table(source), m_tag(source.ConsumeBool())
     {
-        m_tag = source.ConsumeBool();
-        std::u16string wide(m_format.size() + 1, u'\0');
-        size_t units = wide.size();
-        require(KTUTF8ToUCS2(m_format.c_str(), &units, wide.data()) == 0, "any bytes convert");
         KTParameter *parameters = nullptr;
-        m_syntax = checkSyntax(wide.c_str(), m_table.get(), &parameters);
+        m_syntax = checkSyntax(toUCS2(m_format).c_str(), m_table.get(), &parameters);
         require(m_syntax == 0 || m_syntax == KT_ERR_FORMAT_SYNTAX, "a format is accepted or refused");
-        m_arguments.emplace(m_syntax == 0 ? parameters : nullptr, source);
+        m_isWild = m_table.isWild() || m_format.find("wild") != std::string::npos;
+        if (m_syntax == 0)
+            addArguments(m_arguments, parameters, source);
         ZEL_free(parameters);
     }
 
-    int syntax() const { return m_syntax; }
-
-    void expectRefused()
+    void check()
     {
-        const Outcome outcome = formatInto(20, Form::list, m_arguments->pointers());
-        require(outcome.result == m_syntax, "a format call refuses what checkSyntax refuses");
+        if (m_syntax != 0)
+            require(byList(20).result == m_syntax, "a format call refuses what checkSyntax refuses");
+        else
+            checkCapacities();
+        if (m_syntax == 0 && m_arguments.count() > 0)
+            require(byPointers(20, m_arguments.pointers() + 1).result == KT_ERR_INVALID_PARAMETER,
+                    "a missing argument is noticed");
     }
 
-    void expectArgumentsCounted()
+private:
+    void checkCapacities()
     {
-        if (m_arguments->count() == 0)
+        const Outcome measured = format(0);
+        const unsigned long need = measured.size;
+        if (measured.result != KT_ERR_BUFFER_TOO_SMALL)
             return;
-        require(formatInto(20, Form::pointers, m_arguments->pointers() + 1).result == KT_ERR_INVALID_PARAMETER,
-                "a missing argument is noticed");
+        const bool isWritten = need <= largest;
+        const Outcome whole = isWritten ? format(need + 1) : measured;
+        for (const unsigned long capacity : {1UL, 2UL, 7UL, need / 2, need - 1, need})
+        {
+            if (capacity == 0 || capacity > need || capacity > largest)
+                continue;
+            const Outcome cut = format(capacity);
+            if (m_isWild)
+                continue;
+            if (cut.result == KT_ERR_BUFFER_TOO_SMALL)
+                require(cut.size == need, "the need is the same at every capacity");
+            else // a conversion that fails before the room ends
+                require(cut.result != 0 && (!isWritten || cut.result == whole.result), "a failure is the same");
+        }
+        if (!isWritten || m_isWild)
+            return;
+        require(whole.result != KT_ERR_BUFFER_TOO_SMALL, "the need reported suffices");
+        require(whole.result != 0 || whole.size == need, "the need reported is what is written");
+        require(format(need + 17).text == whole.text, "the text is the same with more room");
     }
 
     Outcome format(size_t capacity)
     {
-        Outcome list = formatInto(capacity, Form::list, m_arguments->pointers());
-        const Outcome pointers = formatInto(capacity, Form::pointers, m_arguments->pointers());
-        require(list.result == pointers.result && list.size == pointers.size && list.text == pointers.text,
-                "both forms agree");
+        const Outcome list = byList(capacity);
+        require(byPointers(capacity, m_arguments.pointers()) == list, "both forms agree");
         return list;
     }
 
-private:
-    enum class Form
+    Outcome byList(size_t capacity)
     {
-        list,
-        pointers
-    };
-
-    Outcome formatInto(size_t capacity, Form form, void **pointers)
-    {
-        const long before = Platform::outstanding();
-        Guarded<UCS2> out(capacity);
-        unsigned long size = capacity;
-        auto *const passThru = const_cast<int *>(&ownFailure);
-        int result = 0;
-        if (form == Form::list)
-            result = m_arguments->withList([&](va_list list) {
-                return KTvFormatStringWithPassThru(nullptr, m_tag, m_table.get(), passThru, &size, out.data(),
-                                                   m_format.data(), list);
+        return call(capacity, [&](unsigned long *size, UCS2 *out) {
+            return m_arguments.withList([&](va_list list) {
+                return KTvFormatStringWithPassThru(nullptr, m_tag, m_table.get(), &claim, size, out, m_format.data(),
+                                                   list);
             });
-        else
-            result = KTvpFormatStringWithPassThru(nullptr, m_tag, m_table.get(), passThru, &size, out.data(),
-                                                  m_format.data(), pointers);
-        require(Platform::outstanding() == before, "a format call leaves nothing behind");
+        });
+    }
+
+    Outcome byPointers(size_t capacity, void **pointers)
+    {
+        return call(capacity, [&](unsigned long *size, UCS2 *out) {
+            return KTvpFormatStringWithPassThru(nullptr, m_tag, m_table.get(), &claim, size, out, m_format.data(),
+                                                pointers);
+        });
+    }
+
+    template <typename Format> Outcome call(size_t capacity, Format format)
+    {
+        const Outstanding before = FakeZel::outstanding();
+        Ucs2Buffer out(capacity);
+        unsigned long size = capacity;
+        const int result = format(&size, out.data());
+        require(FakeZel::outstanding() == before, "a format call leaves nothing behind");
         if (result == 0)
         {
             require(size < capacity && out[size] == 0, "a text ends where its size says");
-            require(m_table.hasEncoder() || out.isUntouched(size + 1), "only what an encoder wrote lies behind a text");
-            return {0, size, std::u16string(out.data(), size)};
+            require(m_table.hasEncoder() || out.untouched(size + 1), "only what an encoder wrote lies behind a text");
+            return {0, size, asString(out.data(), size)};
         }
         if (result == KT_ERR_BUFFER_TOO_SMALL)
-            require(capacity == 0 || (size >= capacity && out.isTerminated()), "what does not fit is longer, and ends");
+            require(capacity == 0 || ((size >= capacity || m_isWild) && out.isTerminated()),
+                    "what does not fit is longer, and ends");
         else
-            require(size == 0 || (size == capacity && out.isUntouched()), "a failure empties the text, or leaves it");
+            require(size == 0 || (size == capacity && out.untouched()), "a failure empties the text, or leaves it");
         return {result, size, u""};
     }
 
@@ -213,39 +348,15 @@ private:
     Table m_table;
     bool m_tag;
     int m_syntax;
-    std::optional<Arguments> m_arguments;
+    bool m_isWild;
+    Arguments m_arguments;
 };
-
-void checkCapacities(Formatting &formatting)
-{
-    constexpr unsigned long largest = 20000;
-    const Outcome measured = formatting.format(0);
-    if (measured.result != KT_ERR_BUFFER_TOO_SMALL)
-        return;
-    const unsigned long need = measured.size;
-    const bool isWritten = need <= largest;
-    const Outcome whole = isWritten ? formatting.format(need + 1) : measured;
-    require(!isWritten || whole.result != KT_ERR_BUFFER_TOO_SMALL, "the need reported suffices");
-    require(whole.result != 0 || whole.size == need, "the need reported is what is written");
-    for (const unsigned long capacity : {1UL, 2UL, 7UL, need / 2, need - 1, need})
-    {
-        if (capacity == 0 || capacity > need || capacity > largest)
-            continue;
-        const Outcome cut = formatting.format(capacity);
-        if (cut.result == KT_ERR_BUFFER_TOO_SMALL)
-            require(cut.size == need, "the need is the same at every capacity");
-        else // a conversion that fails before the room ends
-            require(cut.result != 0 && (!isWritten || cut.result == whole.result), "a failure is the same");
-    }
-    if (isWritten)
-        require(formatting.format(need + 17).text == whole.text, "the text is the same with more room");
-}
 
 /** Replaces what stands in brackets by the positions 1, 2, … or the same backwards. */
 std::string numbered(const std::string &format, bool isBackwards)
 {
     std::string result;
-    auto count = std::count(format.begin(), format.end(), '[');
+    const auto count = std::count(format.begin(), format.end(), '[');
     int position = 0;
     for (size_t i = 0; i < format.size(); ++i)
     {
@@ -260,6 +371,90 @@ std::string numbered(const std::string &format, bool isBackwards)
     return result;
 }
 
+// ---- Formatters and what stands behind them ----
+
+/** What the C library prints, which "f" promises to be. */
+void compareWithPrintf(const Outcome &outcome, int width, int precision, int flags, const void *value)
+{
+    if (outcome.result != 0 || width > 5000 || precision > 5000)
+        return;
+    std::string format = "%";
+    for (const auto &[flag, letter] :
+         {std::pair{FLAG_MINUS, '-'}, {FLAG_ZERO, '0'}, {FLAG_HASH, '#'}, {FLAG_PLUS, '+'}, {FLAG_SPACE, ' '}})
+        format += (flags & flag) != 0 ? std::string(1, letter) : "";
+    format += (width >= 0 ? std::to_string(width) : "") + (precision >= 0 ? "." + std::to_string(precision) : "");
+    char text[20000];
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+    const int length =
+        (flags & FLAG_L) != 0
+            ? std::snprintf(text, sizeof text, (format + "Lf").c_str(), *static_cast<const long double *>(value))
+            : std::snprintf(text, sizeof text, (format + "f").c_str(), *static_cast<const double *>(value));
+#pragma GCC diagnostic pop
+    require(outcome.text == std::u16string(text, text + length), "\"f\" is what printf writes");
+}
+
+/** One formatter by itself, measured and written. */
+void checkFormatter(const KTFormatter &formatter, int width, int precision, int flags, Arguments &arguments)
+{
+    const auto into = [&](size_t room) -> Outcome {
+        const Outstanding before = FakeZel::outstanding();
+        Ucs2Buffer out(room);
+        unsigned long size = room;
+        const int result = formatter.format(formatter.name, width, precision, flags, nullptr, nullptr,
+                                            arguments.pointers(), &size, out.data());
+        require(FakeZel::outstanding() == before, "a formatter leaves nothing behind");
+        const bool isEmpty = room == 0 && size == 0; // an empty address asks for no room
+        require(result != 0 || isEmpty || (size < room && out.untouched(size + 1)),
+                "a text fits, and no more is written");
+        require(result != KT_ERR_BUFFER_TOO_SMALL || size >= room, "what does not fit is longer");
+        return {result, size, result == 0 ? asString(out.data(), size) : u""};
+    };
+    const Outcome measured = into(0);
+    if (measured.result != KT_ERR_BUFFER_TOO_SMALL || measured.size > largest)
+        return;
+    const unsigned long need = measured.size;
+    for (const unsigned long room : {1UL, need / 2, need})
+        require(room > need || into(room) == measured, "the need is the same in every room");
+    const Outcome whole = into(need + 1);
+    require(whole.result == 0 && whole.size == need, "the need reported is what is written");
+    require(into(need + 17).text == whole.text, "the text is the same with more room");
+    if (formatter.argTypes == doubleList)
+        compareWithPrintf(whole, width, precision, flags, arguments.pointers()[0]);
+}
+
+void checkHelpers(int64_t number, int flags, const std::string &bytes, const std::u16string &units)
+{
+    const auto type = static_cast<Flag_t>(flags & 31);
+    const auto bits = static_cast<uint64_t>(number);
+    Guarded<char> ascii(21), sign(22), octal(23), hexadecimal(17);
+    const auto ends = [](const Guarded<char> &text, int length) { return text[static_cast<size_t>(length)] == '\0'; };
+    require(ends(ascii, uint64ToAscii(ascii.data(), bits)), "a number is terminated");
+    require(sint64ToAscii(sign.data(), number) > 0 && std::stoll(sign.data()) == number, "a number reads back");
+    require(ends(octal, uint64ToOctet(octal.data(), bits)), "an octal number is terminated");
+    require(ends(hexadecimal, uint64ToHex(hexadecimal.data(), bits, type)), "a hexadecimal number is terminated");
+    Ucs2Buffer rendered(23);
+    require(rendered[static_cast<size_t>(numToUCS2(rendered.data(), type, flags, &number))] == 0, "it is terminated");
+
+    for (const Flag_t kind : {CONV_DND, CONV_DNS})
+    {
+        Ucs2Buffer name(units.size() + 2);
+        require(_formatDN(units.c_str(), kind, name.data()) == 0 && name.isTerminated(), "any name has a form");
+    }
+    for (const auto read : {secondDateTime, ISODateTime})
+    {
+        Ucs2Buffer date(200);
+        const int result = read(bytes.c_str(), (flags & FLAG_TAG) != 0, type, date.data());
+        require(result == KT_ERR_INVALID_PARAMETER || (result == 0 && date.isTerminated()),
+                "a date is read or refused");
+    }
+    Ucs2Buffer field(static_cast<size_t>(flags & 15) + 1);
+    const char *cursor = bytes.c_str();
+    const int result = takeDigits(&cursor, flags & 15, field.data());
+    require(result == 1 || field.isTerminated(), "a field of digits ends");
+    require(cursor >= bytes.c_str() && cursor <= bytes.c_str() + bytes.size(), "the cursor stays in the text");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -270,18 +465,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FuzzedDataProvider source(end, static_cast<size_t>(data + size - end));
     if (source.ConsumeBool())
         format = numbered(format, source.ConsumeBool());
+    claim = {source.PickValueInArray<int>({0, KT_ERR_BUFFER_TOO_SMALL, ownFailure, 7}),
+             source.PickValueInArray<unsigned long>({0, 1, 19, 1000, UINT32_MAX, UINT64_MAX})};
 
-    const long before = Platform::outstanding();
+    const Outstanding before = FakeZel::outstanding();
+    Formatting(format, source).check();
+
+    const KTFormatter &formatter =
+        builtInFormList[source.ConsumeIntegralInRange<size_t>(0, std::size(builtInFormList) - 1)];
+    const int width = takeInt(source), precision = takeInt(source), flags = source.ConsumeIntegral<uint16_t>();
+    if (formatter.argTypes != nullptr)
     {
-        Formatting formatting(format, source);
-        if (formatting.syntax() != 0)
-            formatting.expectRefused();
-        else
-        {
-            formatting.expectArgumentsCounted();
-            checkCapacities(formatting);
-        }
+        Arguments arguments;
+        addArgument(arguments, formatter.argTypes[0], flags, source);
+        checkFormatter(formatter, width, precision, flags, arguments);
     }
-    require(Platform::outstanding() == before, "a table leaves nothing behind");
+    const int64_t number = takeNumber(source);
+    const std::u16string units = takeUCS2(source);
+    checkHelpers(number, flags, source.ConsumeRemainingBytesAsString().c_str(), units);
+    require(FakeZel::outstanding() == before, "nothing is left behind");
     return 0;
 }

@@ -42,6 +42,7 @@ struct Requests
     std::vector<Fault> faults;
     unsigned delivered = 0;
     Operation lastFault = Operation::Startup;
+    uint64_t largestBlock = UINT64_MAX;
     bool keepHandle = false;
     bool recording = false;
     std::vector<Call> calls;
@@ -79,7 +80,7 @@ int enter(Operation operation, const void *object, uint64_t number = 0, uint64_t
                 requests.lastFault = operation;
                 return fault.code;
             }
-        return 0;
+        return operation == Operation::Malloc && number > requests.largestBlock ? FakeZel::defaultCode : 0;
     });
     if (observer)
         observer(call);
@@ -255,6 +256,11 @@ void FakeZel::failOpenKeepingHandle(int code)
 {
     withRequests([](Requests &requests) { requests.keepHandle = true; });
     fail(Operation::FileOpen, 1, code);
+}
+
+void FakeZel::refuseAbove(uint64_t bytes)
+{
+    withRequests([&](Requests &requests) { requests.largestBlock = bytes; });
 }
 
 unsigned FakeZel::clearFaults()

@@ -78,6 +78,8 @@ public:
     static void failNth(unsigned n, int code = defaultCode);
     /** Lets the next opening fail with the code and store an open handle nevertheless, which the caller must close. */
     static void failOpenKeepingHandle(int code = defaultCode);
+    /** Refuses every block of more bytes than these, until reset(). */
+    static void refuseAbove(uint64_t bytes);
     /** Takes the faults back; files, records and observers stay. @return how many calls have failed. */
     static unsigned clearFaults();
     /** The operation that failed last on request. */
