@@ -1,4 +1,4 @@
-"""Writes what was measured into docs/performance.md, between the marks that stand there, and draws its pictures."""
+"""Writes what was measured into docs/performance.md and bench/README.md, between the marks there, and draws the picture."""
 
 import datetime
 import platform
@@ -14,17 +14,17 @@ MARK = "<!-- measured: %s -->"
 END = "<!-- end -->"
 
 
-def replace_block(text, name, content):
-    """The page with one block rewritten; it must be there."""
-    pattern = re.compile(re.escape(MARK % name) + r".*?" + re.escape(END), re.S)
-    if not pattern.search(text):
-        raise SystemExit("scripts/bench: docs/performance.md has no block %r" % name)
-    return pattern.sub(lambda _: MARK % name + "\n" + content + "\n" + END, text)
-
-
-def picture(name, words):
-    return ('<picture>\n  <source media="(prefers-color-scheme: dark)" srcset="performance/%s-dark.svg">\n'
-            '  <img alt="%s" src="performance/%s-light.svg">\n</picture>' % (name, words, name))
+def rewrite(page, blocks):
+    """Rewrites the blocks of a page; they must be there."""
+    text = page.read_text(encoding="utf-8")
+    for name, content in blocks.items():
+        pattern = re.compile(re.escape(MARK % name) + r".*?" + re.escape(END), re.S)
+        if not pattern.search(text):
+            raise SystemExit("scripts/bench: %s has no block %r" % (page, name))
+        block = MARK % name + "\n" + content + "\n" + END
+        text = pattern.sub(lambda _, block=block: block, text)
+    page.write_text(text, encoding="utf-8")
+    print("%s is rewritten." % page)
 
 
 def version(*command):
@@ -45,26 +45,29 @@ def setting(root):
         package("libc6"), package("libicu-dev"), package("libexpat1"))
 
 
-def verdict(met):
-    return {None: "", True: "✓ met", False: "✗ **not met**"}[met]
-
-
 def comparison(contenders, counts, times, used):
-    lines = ["| Work | By | Instructions | Time, ns | of Kelto's time | Blocks | Peak, bytes | Goal |",
-             "|---|---|--:|--:|--:|--:|--:|---|"]
+    lines = ["| Work | By | Instructions | Time, ns | of Kelto's time | Blocks | Peak, bytes |",
+             "|---|---|--:|--:|--:|--:|--:|"]
     for work, text, group in table.by_work([c for c in contenders if not c.is_part()]):
         for index, c in enumerate(group):
             key = (work, c.name)
             blocks, peak = used[key]
-            goal = ""
-            if c.is_kelto():
-                goals = [(c.goal, counts, ""), (c.time_goal, times, " in time")]
-                goal = "; ".join("%s%s %s" % (table.goal_text(g), what, verdict(table.is_met(g, work, needed)))
-                                 for g, needed, what in goals if g)
-            name = "**%s**" % c.name if c.is_kelto() else c.name
-            lines.append("| %s | %s | %s | %s | %.2f | %d | %s | %s |" % (
-                "**%s** %s" % (work, text) if index == 0 else "", name, f"{counts[key]:,.0f}", table.number(times[key]),
-                times[key] / times[(work, table.KELTO)], blocks, f"{peak:,}", goal))
+            ours = times.get((work, table.KELTO))
+            lines.append("| %s | %s | %s | %s | %s | %d | %s |" % (
+                "**%s** %s" % (work, text) if index == 0 else "", "**%s**" % c.name if c.is_kelto() else c.name,
+                f"{counts[key]:,.0f}", table.number(times[key]), f"{times[key] / ours:.2f}" if ours else "", blocks,
+                f"{peak:,}"))
+    return "\n".join(lines)
+
+
+def goals(contenders, counts, times):
+    lines = ["| Work | Goal | Needed | |", "|---|---|--:|---|"]
+    for c in contenders:
+        for goal, needed, unit in ((c.goal, counts, "instructions"), (c.time_goal, times, "ns")):
+            if c.is_kelto() and goal:
+                lines.append("| **%s** %s | %s | %s %s | %s |" % (
+                    c.work, c.text, table.goal_text(goal), table.number(needed[(c.work, c.name)]), unit,
+                    table.verdict(table.is_met(goal, c.work, needed))))
     return "\n".join(lines)
 
 
@@ -108,29 +111,16 @@ def thread_text(speed_up):
 
 
 def write(root, programs, contenders, counts, times, used, speed_up):
-    page = root / "docs" / "performance.md"
-    pictures = root / "docs" / "performance"
-    pictures.mkdir(exist_ok=True)
-    for theme in plot.THEMES:
-        (pictures / f"instructions-{theme}.svg").write_text(
-            plot.comparison(contenders, counts, "instructions", theme), encoding="utf-8")
-        (pictures / f"growth-{theme}.svg").write_text(plot.growth_plot(contenders, counts, theme), encoding="utf-8")
-
-    goals = [table.is_met(c.goal, c.work, counts) for c in contenders if c.is_kelto() and c.goal]
-    goals += [table.is_met(c.time_goal, c.work, times) for c in contenders if c.is_kelto() and c.time_goal]
-    blocks = {
-        "setting": setting(root) + " %d of %d goals are met." % (goals.count(True), len(goals)),
-        "pictures": picture("instructions", "Instructions per call of Kelto and its peers, for each work"),
+    drawing = root / "docs" / "performance" / "instructions.svg"
+    drawing.parent.mkdir(exist_ok=True)
+    drawing.write_text(plot.comparison(contenders, counts), encoding="utf-8")
+    rewrite(root / "docs" / "performance.md", {
+        "setting": setting(root),
         "comparison": comparison(contenders, counts, times, used),
         "parts": parts_table(contenders, counts, times),
         "threads": thread_text(speed_up),
-        "growth": picture("growth", "How the cost grows with the work: a panel for each family") + "\n\n" +
-                  growth_table(contenders, counts),
+        "growth": growth_table(contenders, counts),
         "catalogs": catalog_table(programs),
         "sizes": size_table(programs),
-    }
-    text = page.read_text(encoding="utf-8")
-    for name, content in blocks.items():
-        text = replace_block(text, name, content)
-    page.write_text(text, encoding="utf-8")
-    print("docs/performance.md and docs/performance/*.svg are rewritten.")
+    })
+    rewrite(root / "bench" / "README.md", {"setting": setting(root), "goals": goals(contenders, counts, times)})
