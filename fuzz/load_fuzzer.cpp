@@ -1,6 +1,7 @@
-// An input is a message file; where it holds two form feeds, which no XML document can, the file changes while it is loaded,
-// from what stands before them to what stands behind. It is loaded, raw and not, every message is read and compared with a
-// reading of the file that shares nothing with the loader, and the version query must say what the table says.
+// An input is a message file; where it holds two form feeds, which no XML document can, the file changes while it is
+// loaded, from what stands before them to what stands behind. It is loaded, raw and not, every message is read and
+// compared with a reading of the file that shares nothing with the loader, and the version query must say what the
+// table says.
 
 #include "kelto.h"
 #include "message/table_list.h"

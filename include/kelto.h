@@ -297,8 +297,9 @@ typedef struct formTable formTable;
  * @param format    the format string, UTF-8; not changed.
  * @return 0 or KT_ERR_BUFFER_TOO_SMALL. Before anything is written: KT_ERR_NOT_INITIALIZED, KT_ERR_FORMAT_SYNTAX,
  *         KT_ERR_NO_MEMORY, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a format of 2^31 bytes and more; these leave
- *         size and out alone. From a conversion: KT_ERR_INVALID_PARAMETER (no date), KT_ERR_NO_MEMORY, and whatever a
- *         formatter or encoder of the caller's returns; these make out empty and size 0. But where the text has not
+ *         size and out alone. From a conversion: KT_ERR_INVALID_PARAMETER (no date), KT_ERR_NO_MEMORY,
+ *         KT_ERR_CONVERSION_INVALID_ARGUMENT (an "s" or "E" of 2^31 bytes and more), and whatever a formatter or
+ *         encoder of the caller's returns; these make out empty and size 0. But where the text has not
  *         fitted before such a conversion is reached, the result is KT_ERR_BUFFER_TOO_SMALL with the need of all
  *         others, and the call with more room tells what is wrong.
  *
@@ -465,7 +466,7 @@ UCS2 KTNextUChar(UCS2 *s);
 /** The length in bytes. */
 size_t KTMultiByteStrblen(const char *s);
 
-/** The length in characters, or the negative result code of the conversion, or KT_ERR_NO_MEMORY. */
+/** The length in characters, or the negative result code of the conversion as above, or KT_ERR_NO_MEMORY. */
 long KTMultiByteStrclen(const char *charSet, const char *s);
 
 /** The first character, packed; 0 for an empty text and for every failure. */
@@ -508,7 +509,8 @@ char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharS
 
 /**
  * Compares without regard to case, each text in its own character set.
- * @return negative, 0 or positive; also a result code where a conversion fails, which its sign cannot tell apart.
+ * @return negative, 0 or positive; also the result code of a conversion that fails, or KT_ERR_NO_MEMORY, which its sign
+ *         cannot tell apart.
  */
 int KTMultiByteStricmp(const char *charSet1, const char *s1, const char *charSet2, const char *s2);
 
@@ -752,7 +754,10 @@ int formatInteger(const char *convName, int width, int precision, int flags, KTE
 /** "u". */
 int formatUnsigned(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                    void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "o", "x" and "X", by the first character of convName. */
+/**
+ * "o", "x" and "X", by the first character of convName. Under a name that begins otherwise it writes no digits: only
+ * the zeros that precision or '0' ask for, the padding, and with '#' a "0" and that first character in front of them.
+ */
 int formatOctHex(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                  void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "f", as the C library's printf writes it in the current numeric locale. KT_ERR_NO_MEMORY for some long numbers. */
@@ -770,7 +775,7 @@ int formatDN(const char *convName, int width, int precision, int flags, KTEncode
 /** "EID": 32 bits, of a 64-bit argument the low ones, and with 'h' 16 bits. */
 int formatEID(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
               void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "E". KT_ERR_NO_MEMORY when its buffer cannot be had. */
+/** "E". KT_ERR_NO_MEMORY when its buffer cannot be had; KT_ERR_CONVERSION_INVALID_ARGUMENT as for "s". */
 int formatError(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                 void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "IP": writes nothing. */
@@ -782,7 +787,10 @@ int formatChar(const char *convName, int width, int precision, int flags, KTEnco
 /** "U". */
 int formatUCS2Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "s". KT_ERR_NO_MEMORY, size untouched, when its buffer cannot be had. */
+/**
+ * "s". KT_ERR_NO_MEMORY when its buffer cannot be had, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a text of 2^31 bytes
+ * and more, size untouched.
+ */
 int formatUTF8Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 

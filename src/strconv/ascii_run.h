@@ -1,7 +1,7 @@
 /**
  * The leading run of ASCII in a text, copied between UTF-8 and UCS-2 sixteen units at a step. Most texts are ASCII from
- * end to end and need no more than this. Neither widenAscii() nor narrowAscii() reads or writes at `limit` or beyond it, nor writes anything
- * behind the run.
+ * end to end and need no more than this. Neither widenAscii() nor narrowAscii() reads or writes at `limit` or beyond
+ * it, nor writes anything behind the run.
  */
 #ifndef KELTO_STRCONV_ASCII_RUN_H
 #define KELTO_STRCONV_ASCII_RUN_H
@@ -65,8 +65,8 @@ inline bool narrowEight(const UCS2 *source, char *destination) noexcept
 }
 
 /**
- * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is left
- * behind the last whole step is done by one more that ends with the text and overlaps the one before.
+ * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is
+ * left behind the last whole step is done by one more that ends with the text and overlaps the one before.
  */
 template <typename From, typename To>
 size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixteen)(const From *, To *),

@@ -1,7 +1,7 @@
 /**
- * The one conversion step, in its four directions. Each follows the
- * contract of the conversions in kelto.h: the size is the capacity in and the length out, a terminator is written where
- * there is room, and a failure leaves the empty text and the size as it was.
+ * The one step between UCS-2 and another charset, in its four directions. Each follows the contract of the
+ * conversions in kelto.h: the size is the capacity in and the length out, a terminator is written where there is room,
+ * and a failure leaves the empty text and the size as it was.
  */
 #ifndef KELTO_STRCONV_CONVERTER_H
 #define KELTO_STRCONV_CONVERTER_H
@@ -14,7 +14,12 @@
 namespace kelto
 {
 
-/** An ICU converter between a character set and UCS-2, open as long as this object lives. */
+/**
+ * An ICU converter between a character set and UCS-2, open as long as this object lives. It is never shared: ICU keeps
+ * the state of a text in it (shift states, the start of a character), so that two threads at one converter would spoil
+ * each other's text, and a pool of them would need a lock and a place where it is closed. The tables behind a converter
+ * are shared already, by ICU, which makes opening one cheap from the second time on.
+ */
 class Converter
 {
 public:

@@ -1,6 +1,6 @@
-// Every operation that allocates, opens, reads or starts something, with each of its steps failing in turn: first those of
-// the platform, then the allocations that the library, expat and ICU make of the C heap. Whatever fails, the result is one
-// of the row's, the outputs are untouched or empty, and nothing is left over.
+// Every operation that allocates, opens, reads or starts something, with each of its steps failing in turn: first those
+// of the platform, then the allocations that the library, expat and ICU make of the C heap. Whatever fails, the result
+// is one of the row's, the outputs are untouched or empty, and nothing is left over.
 
 #include "faults/heap_faults.h"
 #include "support/fake_zel.h"

@@ -1,6 +1,6 @@
 /**
- * What conversions promise for any character set, text and capacity, checked against ICU called directly. Tests choose the
- * texts, a fuzz target takes all that comes.
+ * What conversions promise for any character set, text and capacity, checked against ICU called directly. Tests choose
+ * the texts, a fuzz target takes all that comes.
  */
 #ifndef KELTO_TESTS_STRCONV_CONVERSION_CHECKS_H
 #define KELTO_TESTS_STRCONV_CONVERSION_CHECKS_H

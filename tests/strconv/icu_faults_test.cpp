@@ -1,5 +1,5 @@
-// What becomes of ICU's failures. ucnv_open() and ucnv_toUChars() are this program's own, and fail on request with a status
-// that no input could bring about; otherwise they are ICU's.
+// What becomes of ICU's failures. ucnv_open() and ucnv_toUChars() are this program's own, and fail on request with a
+// status that no input could bring about; otherwise they are ICU's.
 
 #include "kelto.h"
 #include "strconv/self_test.h"

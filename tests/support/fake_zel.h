@@ -1,14 +1,15 @@
 /**
- * The platform as the tests see it. A test program defines every ZEL_ operation itself, and XML_ParserCreate() with them, so
- * the library calls these; each goes on to the real one unless a test has told it otherwise. A test can
+ * The platform as the tests see it. A test program defines every ZEL_ operation itself, and XML_ParserCreate() with
+ * them, so the library calls these; each goes on to the real one unless a test has told it otherwise. A test can
  *
  * - let operations fail: FakeZel::fail(Operation::Malloc, 2) is the second allocation from here on;
  * - serve files from memory: FakeZel::file("messages.xlf", bytes);
  * - see what was called: FakeZel::record(), then FakeZel::calls(); or act in the middle of a call: FakeZel::observe().
  *
- * Every test starts with none of this in force, and fails when blocks, files, mutexes, tags or parsers are left over at its
- * end. Blocks are handed out dirty. All of it may be used from many threads; while nothing is asked for, an operation costs
- * no more than a counter or two, and orders no memory between threads that the real one would not order.
+ * Every test starts with none of this in force, and fails when blocks, files, mutexes, tags or parsers are left over at
+ * its end. Blocks are handed out dirty. All of it may be used from many threads; while nothing is asked for, an
+ * operation costs no more than a counter or two, and orders no memory between threads that the real one would not
+ * order.
  */
 #ifndef KELTO_TESTS_SUPPORT_FAKE_ZEL_H
 #define KELTO_TESTS_SUPPORT_FAKE_ZEL_H

@@ -1,7 +1,7 @@
 /**
- * The one fault loop. It runs a call with its first fallible operation failing, then with the second, and so on until none
- * is left to fail, and checks after each failure the result code, that the outputs are as promised and that nothing is
- * left over; the run without a failure must succeed.
+ * The one fault loop. It runs a call with its first fallible operation failing, then with the second, and so on until
+ * none is left to fail, and checks after each failure the result code, that the outputs are as promised and that
+ * nothing is left over; the run without a failure must succeed.
  *
  *     FaultLoop loop;
  *     loop.call = [&] { return KTLoadMessages(path, &table); };

@@ -1,6 +1,7 @@
 /**
- * A buffer that shows every write beyond what was promised. Behind its units lies a guard: the sanitizer stops instrumented
- * code that touches it, and its pattern shows what all other code (ICU, the C library, a plain build) has written there.
+ * A buffer that shows every write beyond what was promised. Behind its units lies a guard: the sanitizer stops
+ * instrumented code that touches it, and its pattern shows what all other code (ICU, the C library, a plain build) has
+ * written there.
  */
 #ifndef KELTO_TESTS_SUPPORT_GUARDED_H
 #define KELTO_TESTS_SUPPORT_GUARDED_H

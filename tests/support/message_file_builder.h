@@ -1,5 +1,6 @@
 /**
- * Message files in a few lines. Every part has a default that the loader accepts, so a test writes only what it is about:
+ * Message files in a few lines. Every part has a default that the loader accepts, so a test writes only what it is
+ * about:
  *
  *     FakeZel::file("m.xlf", MessageFile().unit(1, "Hello").unit(2, placeholder("%s", "1") + " files").xml());
  *     MessageFile().attribute("source-language", "eng").xml();         // one that is refused

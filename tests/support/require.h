@@ -1,6 +1,6 @@
 /**
- * How checks that tests and fuzz targets share state a property: one that does not hold ends the process, and a fuzzer keeps
- * the input.
+ * How checks that tests and fuzz targets share state a property: one that does not hold ends the process, and a fuzzer
+ * keeps the input.
  */
 #ifndef KELTO_TESTS_SUPPORT_REQUIRE_H
 #define KELTO_TESTS_SUPPORT_REQUIRE_H

@@ -21,7 +21,7 @@ int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fro
     if (text == nullptr)
         return KT_ERR_NO_MEMORY;
 
-    // A capacity that ICU does not take is that of a source which it does not take either, and is to be refused for that.
+    // A capacity that ICU does not take is that of a source which it does not take either, and is refused for that.
     size_t length = std::min<size_t>(capacity, INT32_MAX);
     int result = toUCS2(&length, text.get());
     text[room - 1] = 0;
