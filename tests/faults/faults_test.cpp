@@ -19,8 +19,8 @@ namespace
 
 char messagePath[] = "/tmp/kelto-faults-XXXXXX";
 constexpr char eucJp[] = "EUC-JP";
-constexpr char bytesOfEucJp[] = "a\xA4\xA2"
-                                "b";
+constexpr char text[] = "a\xA4\xA2"
+                        "b";
 auto *const untouchedTable = reinterpret_cast<MessageTable *>(0x10);
 
 /** Where the calls of the rows put their results. */
@@ -83,7 +83,23 @@ int compared(long outcome, long success)
     return outcome == success ? 0 : outcome == 0 ? -1 : static_cast<int>(outcome);
 }
 
+int found(const char *place)
+{
+    return place != nullptr ? 0 : -1;
+}
+
+int stepThroughText()
+{
+    std::string walked = text;
+    const bool isNext = KTNextChar(eucJp, walked.data()) == 0xA4A2; // known before the rest can fail
+    const bool isStepped = walked.c_str() == std::string(text + 1);
+    EXPECT_TRUE(isStepped || walked == text) << "a text stays whole";
+    return isNext && isStepped ? 0 : -1;
+}
+
+constexpr UCS2 elevenConversions[] = u"%d[1]%d[2]%d[3]%d[4]%d[5]%d[6]%d[7]%d[8]%d[9]%d[10]%d[11]";
 constexpr int noMemory = KT_ERR_NO_MEMORY, notOpened = KT_ERR_CONVERTER_OPEN_FAILED;
+const std::set<int> converting = {noMemory, notOpened};
 
 // No parser; a parser that runs out of memory and so takes no more of the file; a file without its buffer; the rest.
 const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPENED, noMemory};
@@ -91,67 +107,42 @@ const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPE
 struct Row
 {
     const char *label;
-    unsigned steps; // of the platform, which can fail
+    unsigned steps;             // of the platform, which can fail
+    std::set<int> heapFailures; // what the call may return when the heap fails; none: it asks the platform only
     std::function<int()> call;
-    std::set<int> heapFailures = {}; // what the call may return when the heap fails; none: it asks the platform only
     bool isStartUp = false;
 
     friend std::ostream &operator<<(std::ostream &out, const Row &row) { return out << row.label; }
 };
 
 const Row rows[] = {
-    {"start", 6, KTInit, {KT_ERR_NOT_INITIALIZED}, true},
+    {"start", 6, {KT_ERR_NOT_INITIALIZED}, KTInit, true},
     // Opening; a parser and four reads, twice; the table and its texts, the block and a working copy, the list's item.
-    {"load", 16, [] { return KTLoadMessages(messagePath, &got.table); }, fileFailures},
-    {"version", 3, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }, fileFailures},
-    {"copy of the form table", 1, [] { return KTGetBuiltInFormTable(3, &got.copy); }},
-    {"records of a format, ten and then twenty", 2,
-     [] {
-         return checkSyntax(u"%d[1]%d[2]%d[3]%d[4]%d[5]%d[6]%d[7]%d[8]%d[9]%d[10]%d[11]", nullptr, &got.parameters);
-     }},
+    {"load", 16, fileFailures, [] { return KTLoadMessages(messagePath, &got.table); }},
+    {"version", 3, fileFailures, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }},
+    {"copy of the form table", 1, {}, [] { return KTGetBuiltInFormTable(3, &got.copy); }},
+    {"records of a format, ten and then twenty",
+     2,
+     {},
+     [] { return checkSyntax(elevenConversions, nullptr, &got.parameters); }},
     // The format, the records twice, the slots; a cell per argument, and what the conversions write first elsewhere.
-    {"list", 23, [] { return formatList(manyForms, "a", u"b", 4, 5, "e", u"n", "1", 1.5L, "", "", "", ""); }},
-    {"pointers", 10, formatPointers},
-    {"long number", 5, [] { return formatList("%f[1]", 1e300); }},
+    {"list", 23, {}, [] { return formatList(manyForms, "a", u"b", 4, 5, "e", u"n", "1", 1.5L, "", "", "", ""); }},
+    {"pointers", 10, {}, formatPointers},
+    {"long number", 5, {}, [] { return formatList("%f[1]", 1e300); }},
 
-    {"no memory needed", 0, [] { return compared(KTUTF8ToUCS2("a\u3042", &got.bytes, got.units.data()), 0); }, {0}},
-    {"to UCS-2",
-     0,
-     [] { return KTMultiByteToUCS2(eucJp, 0, 0, bytesOfEucJp, &got.bytes, got.units.data()); },
-     {notOpened}},
-    {"to UTF-8",
-     0,
-     [] { return KTMultiByteToUTF8(eucJp, 0, 0, bytesOfEucJp, &got.bytes, got.text.data()); },
-     {noMemory, notOpened}},
-    {"from UTF-8",
-     0,
-     [] { return KTUTF8ToMultiByte(eucJp, 0, 0, "a\u3042", &got.bytes, got.text.data()); },
-     {noMemory, notOpened}},
-    {"first unit", 0, [] { return compared(KTMBCharToUChar(eucJp, 0xA4A2), 0x3042); }, {-1}},
-    {"length", 0, [] { return compared(KTMultiByteStrclen(eucJp, bytesOfEucJp), 3); }, {noMemory, notOpened}},
-    {"first", 0, [] { return compared(KTFirstChar(eucJp, bytesOfEucJp), 'a'); }, {-1}},
-    {"copy", 0, [] { return KTMultiByteStrncpy(got.text.data(), eucJp, bytesOfEucJp, 2) != nullptr ? 0 : -1; }, {-1}},
-    {"upper",
-     0,
-     [] { return compared(KTMultiByteStrupr(eucJp, bytesOfEucJp, &got.bytes, got.text.data()), 4); },
-     {noMemory, notOpened}},
-    {"find", 0, [] { return KTMultiByteStrstr(eucJp, bytesOfEucJp, eucJp, "b") != nullptr ? 0 : -1; }, {-1}},
-    {"find last",
-     0,
-     [] { return KTMultiByteStrrchr(eucJp, bytesOfEucJp, eucJp, 'b', got.text.data()) != nullptr ? 0 : -1; },
-     {-1}},
-    {"compare", 0, [] { return compared(KTMultiByteStrcmp(eucJp, "a", "utf-8", "a"), 0); }, {noMemory, notOpened}},
-    {"step",
-     0,
-     [] {
-         char text[] = "a\xA4\xA2"
-                       "b";
-         const unsigned next = KTNextChar(eucJp, text);
-         const bool isStepped = std::string(text) == bytesOfEucJp + 1;
-         EXPECT_TRUE(isStepped || std::string(text) == bytesOfEucJp) << "a text stays whole";
-         return next == 0xA4A2 && isStepped ? 0 : -1; // the character is known before the rest can fail
-     },
-     {-1}},
+    {"no memory needed", 0, {0}, [] { return KTUTF8ToUCS2("a\u3042", &got.bytes, got.units.data()); }},
+    {"to UCS-2", 0, {notOpened}, [] { return KTMultiByteToUCS2(eucJp, 0, 0, text, &got.bytes, got.units.data()); }},
+    {"to UTF-8", 0, converting, [] { return KTMultiByteToUTF8(eucJp, 0, 0, text, &got.bytes, got.text.data()); }},
+    {"from UTF-8", 0, converting, [] { return KTUTF8ToMultiByte(eucJp, 0, 0, "\u3042", &got.bytes, got.text.data()); }},
+    {"first unit", 0, {-1}, [] { return compared(KTMBCharToUChar(eucJp, 0xA4A2), 0x3042); }},
+    {"length", 0, converting, [] { return compared(KTMultiByteStrclen(eucJp, text), 3); }},
+    {"first", 0, {-1}, [] { return compared(KTFirstChar(eucJp, text), 'a'); }},
+    {"copy", 0, {-1}, [] { return found(KTMultiByteStrncpy(got.text.data(), eucJp, text, 2)); }},
+    {"upper", 0, converting, [] { return compared(KTMultiByteStrupr(eucJp, text, &got.bytes, got.text.data()), 4); }},
+    {"find", 0, {-1}, [] { return found(KTMultiByteStrstr(eucJp, text, eucJp, "b")); }},
+    {"find last", 0, {-1}, [] { return found(KTMultiByteStrrchr(eucJp, text, eucJp, 'b', got.text.data())); }},
+    {"compare", 0, converting, [] { return KTMultiByteStrcmp(eucJp, "a", "utf-8", "a"); }},
+    {"step", 0, {-1}, stepThroughText},
 };
 
 int lowestFreeDescriptor()

@@ -8,39 +8,6 @@
 namespace
 {
 
-TEST(Conversion, ConvertsBetweenAllThreeForms)
-{
-    struct
-    {
-        const char *charSet, *bytes;
-        const UCS2 *units;
-        const char *utf8;
-    } const rows[] = {
-        {"shift_jis", "cat\x94\x4C\x82\x6E", u"cat\u732B\uFF2F", "cat\u732B\uFF2F"},
-        {"MS932", "\x87\x40", u"\u2460", "\u2460"},
-        {"EUC-JP", "\xA4\xA2\x8F\xB0\xA1", u"\u3042\u4E02", "\u3042\u4E02"},
-        {"GB18030", "\x81\x30\x81\x30\x90\x30\x81\x30", u"\u0080\U00010000", "\u0080\U00010000"},
-        {"ISO_8859-1", "0123456789abcdefghijklmno\xFC", u"0123456789abcdefghijklmno\u00FC",
-         "0123456789abcdefghijklmno\u00FC"},
-        {"utf8", "\uFEFFa\u3042", u"\uFEFFa\u3042", "\uFEFFa\u3042"}, // a byte order mark is text
-    };
-    for (const auto &row : rows)
-    {
-        SCOPED_TRACE(row.charSet);
-        const std::u16string units = row.units;
-        const std::string bytes = row.bytes, utf8 = row.utf8;
-        expectConversion(units.size(), 0, units, [&](size_t *size, UCS2 *out) {
-            return KTMultiByteToUCS2(row.charSet, 0, 0, row.bytes, size, out);
-        });
-        expectConversion(bytes.size(), 0, bytes, [&](size_t *size, char *out) {
-            return KTUTF8ToMultiByte(row.charSet, 0, 0, row.utf8, size, out);
-        });
-        expectConversion(utf8.size(), 0, utf8, [&](size_t *size, char *out) {
-            return KTMultiByteToUTF8(row.charSet, 0, 0, row.bytes, size, out);
-        });
-    }
-}
-
 TEST(Conversion, MakesOfAnyTextWhatIcuMakesOfIt)
 {
     // Single bytes, two, states, letters of several bytes, zero bytes, two units a byte (SCSU), no such set.

@@ -1,7 +1,6 @@
 #include "strconv/system_locale.h"
 
 #include "kelto.h"
-#include "support/locale_folder.h"
 
 #include <clocale>
 #include <cstdlib>
@@ -24,7 +23,7 @@ protected:
 
     static void reset()
     {
-        for (const char *name : {"LC_CTYPE", "LANG", "LC_ALL", "LOCPATH"})
+        for (const char *name : {"LC_CTYPE", "LANG", "LC_ALL"})
             unsetenv(name);
         std::setlocale(LC_CTYPE, "C");
         reportedCodeset = nullptr;
@@ -78,24 +77,6 @@ TEST_F(LocaleTest, NamesAsciiAsIcuKnowsIt)
         reportedCodeset = row[0];
         EXPECT_EQ(answerOf(KTGetSystemCharSet), row[1]);
     }
-}
-
-TEST_F(LocaleTest, GivesCharacterSetsThatTheConversionsTake)
-{
-    const LocaleFolder folder;
-    if (!folder.build("ja_JP.eucJP", "ja_JP", "EUC-JP"))
-        GTEST_SKIP() << "localedef or the sources of the locales are missing";
-    for (const char *const name : {"ja_JP", "ja_JPx"}) // five bytes, which stay whole, and six
-    {
-        std::filesystem::create_directory_symlink("ja_JP.eucJP", folder.path() / name);
-        setenv("LANG", name, 1);
-        EXPECT_EQ(answerOf(KTGetSystemFullLocale), name);
-        EXPECT_EQ(answerOf(KTGetSystemLocale), "ja_JP");
-    }
-    setenv("LANG", "ja_JP.eucJP", 1);
-    EXPECT_EQ(answerOf(KTGetSystemLocale), "ja_JP");
-    EXPECT_EQ(answerOf(KTGetSystemFullLocale), "ja_JP.eucJP");
-    EXPECT_EQ(answerOf(KTGetSystemCharSet), "EUC-JP");
 }
 
 TEST(MapCharSet, ChangesOneNameOnly)
