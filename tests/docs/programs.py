@@ -4,7 +4,7 @@
     programs.py run PROGRAM FILE              runs the program; its output must be what the file holds
 
 A program is a block of C with a main() in it; the next block of text in the page is its output. The first block of XML is
-the file messages.xlf that it finds in its folder.
+the file messages.xlf that it finds in its folder. Any other block under a line `NAME`: is the file of that name there.
 """
 
 import os
@@ -12,10 +12,11 @@ import re
 import subprocess
 import sys
 
-BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
+BLOCK = re.compile(r"(?:^`([\w./-]+)`:\n\n)?^```(\w+)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
 
 
 def write(path, text):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
 
@@ -23,21 +24,21 @@ def write(path, text):
 def extract(page, folder, count):
     with open(page, encoding="utf-8") as file:
         blocks = BLOCK.findall(file.read())
-    os.makedirs(folder, exist_ok=True)
-    for language, text in blocks:
-        if language == "xml":
-            write(f"{folder}/messages.xlf", text)
-            break
     found = 0
+    catalog = "messages.xlf"
     while blocks:
-        language, text = blocks.pop(0)
-        if language != "c" or "int main(" not in text:
-            continue
-        found += 1
-        if not blocks or blocks[0][0] != "text":
-            raise SystemExit(f"{page}: no output follows program {found}")
-        write(f"{folder}/{found}.c", text)
-        write(f"{folder}/{found}.txt", blocks[0][1])
+        name, language, text = blocks.pop(0)
+        if language == "c" and "int main(" in text:
+            found += 1
+            if not blocks or blocks[0][1] != "text":
+                raise SystemExit(f"{page}: no output follows program {found}")
+            write(f"{folder}/{found}.c", text)
+            write(f"{folder}/{found}.txt", blocks[0][2])
+        elif name:
+            write(f"{folder}/{name}", text)
+        elif language == "xml" and catalog:
+            write(f"{folder}/{catalog}", text)
+            catalog = None
     if found != int(count):
         raise SystemExit(f"{page}: {found} programs, expected {count}")
 
