@@ -52,8 +52,8 @@ class Programs:
         self.library = str(folder / "libkelto.so")
 
     def contenders(self):
-        lines = subprocess.run([self.workload, "--list"], capture_output=True, check=True, text=True).stdout.splitlines()
-        rows = [line.split("\t") for line in lines]
+        done = subprocess.run([self.workload, "--list"], capture_output=True, check=True, text=True)
+        rows = [line.split("\t") for line in done.stdout.splitlines()]
         return [Contender(work, name, int(calls), *rest) for work, name, calls, *rest in rows]
 
     def compare(self):

@@ -25,7 +25,8 @@ def is_linear(by_size):
 
 
 def as_text(contenders, counts):
-    lines = ["%-56s %12s %12s %12s %12s %10s" % ("W11: cost as the work grows, from", "x 1", "x 4", "x 16", "x 64", "last step")]
+    lines = ["%-56s %12s %12s %12s %12s %10s" %
+             ("W11: cost as the work grows, from", "x 1", "x 4", "x 16", "x 64", "last step")]
     for name, text, by_size in families(contenders, counts):
         lines.append("%-56s %12s %12s %12s %12s %10.2f  %s" %
                      (("  " + name + ": " + text,) + tuple(f"{by_size[size]:,.0f}" for size in (1, 4, 16, 64)) +

@@ -28,7 +28,7 @@ def collected(programs, contender, calls):
 
 
 def count(programs, contenders):
-    """The counts by (work, contender). Counting is not disturbed by what runs beside it, so all processors take part."""
+    """The counts by (work, contender). What runs beside a count does not disturb it, so all processors take part."""
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         once = {c: pool.submit(collected, programs, c, c.calls) for c in contenders}
         twice = {c: pool.submit(collected, programs, c, 2 * c.calls) for c in contenders}

@@ -10,8 +10,8 @@ def measure(programs, contenders):
     """(blocks taken, peak bytes) of one call, by (work, contender)."""
     used = {}
     for c in contenders:
-        done = subprocess.run([programs.memory, c.work, c.name], env=programs.ENVIRONMENT, capture_output=True, text=True,
-                              check=True)
+        done = subprocess.run([programs.memory, c.work, c.name], env=programs.ENVIRONMENT, capture_output=True,
+                              text=True, check=True)
         blocks, peak = done.stdout.split()
         used[(c.work, c.name)] = int(blocks), int(peak)
     return used

@@ -1,4 +1,4 @@
-"""Writes what was measured into docs/performance.md and bench/README.md, between the marks there, and draws the picture."""
+"""Writes what was measured into docs/performance.md and bench/README.md, between the marks there; draws the picture."""
 
 import datetime
 import platform
@@ -37,7 +37,8 @@ def package(name):
 
 
 def setting(root):
-    model = re.search(r"^model name\s*:\s*(.*)$", open("/proc/cpuinfo", encoding="ascii", errors="replace").read(), re.M)
+    processors = open("/proc/cpuinfo", encoding="ascii", errors="replace").read()
+    model = re.search(r"^model name\s*:\s*(.*)$", processors, re.M)
     commit = version("git", "-C", str(root), "rev-parse", "--short=10", "HEAD")
     return "Measured on %s at commit %s: %s, %s, %s, glibc %s, ICU %s, expat %s." % (
         datetime.date.today().isoformat(), commit, model.group(1) if model else platform.machine(),

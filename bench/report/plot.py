@@ -1,4 +1,4 @@
-"""Draws the comparison as SVG: a panel for each work, a bar for each who does it. One file serves light and dark pages."""
+"""Draws the comparison as SVG, a panel for each work, a bar for each who does it; one file for light and dark pages."""
 
 import html
 

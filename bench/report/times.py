@@ -1,4 +1,4 @@
-"""Times: the best of several interleaved rounds, so that a busy neighbour spoils single rounds and not the comparison."""
+"""Times: the best of several interleaved rounds, so that a busy neighbour spoils single rounds, not the comparison."""
 
 import itertools
 import json
@@ -23,8 +23,8 @@ def run(programs, names, rounds, seconds):
 
 
 def measure(programs, contenders, quick):
-    """Nanoseconds of processor time per call by (work, contender). A work has a process of its own, so that nobody finds
-    the heap or the locale as another work left it."""
+    """Nanoseconds of processor time per call by (work, contender). A work has a process of its own, so that nobody
+    finds the heap or the locale as another work left it."""
     rounds, seconds = (QUICK_ROUNDS, QUICK_SECONDS) if quick else (ROUNDS, SECONDS)
     best = {}
     for _, group in itertools.groupby(contenders, lambda c: c.work):
