@@ -53,6 +53,14 @@ void CommandLine::option(const std::string &name, const std::string &valueName, 
     m_app->add_option(name, value, help)->type_name(valueName);
 }
 
+void CommandLine::options(const std::string &name, const std::string &valueName, Words &values, const std::string &help)
+{
+    m_app->add_option(name, values, help)
+        ->type_name(valueName)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
 // The operands are what the parser leaves over: a declared positional would take "[a]" apart as a list.
 Words CommandLine::operands()
 {

@@ -35,6 +35,9 @@ public:
     void flag(const std::string &name, bool &value, const std::string &help);
     void option(const std::string &name, const std::string &valueName, std::string &value, const std::string &help);
 
+    /** An option that may be given more than once. */
+    void options(const std::string &name, const std::string &valueName, Words &values, const std::string &help);
+
     /** Parses; the operands in their order, without the "--" that separates them from options. */
     Words operands();
 

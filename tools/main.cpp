@@ -24,6 +24,7 @@ constexpr const Subcommand *subcommands[] = {
     &formatSubcommand,
     &listSubcommand,
     &versionSubcommand,
+    &checkSubcommand,
     &convertSubcommand,
 };
 

@@ -31,6 +31,7 @@ extern const Subcommand formatSubcommand;
 extern const Subcommand listSubcommand;
 extern const Subcommand versionSubcommand;
 extern const Subcommand convertSubcommand;
+extern const Subcommand checkSubcommand;
 
 } // namespace tool
 

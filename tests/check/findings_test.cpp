@@ -1,0 +1,198 @@
+#include "check/checks.h"
+#include "check/utf8.h"
+#include "document.h"
+
+#include <fmt/core.h>
+#include <gtest/gtest.h>
+#include <iterator>
+
+using namespace tool::check;
+
+namespace
+{
+
+/** "LINE:COLUMN-COLUMN RULE MESSAGE" of each finding; "LINE:COLUMN-LINE:COLUMN" where it reaches over a line's end. */
+std::string findingsIn(const std::string &bytes, const std::string &reference, formTable *table)
+{
+    Catalog catalog(SourceText("file", bytes), Catalog::Placeholders::positioned);
+    Findings findings = catalog.findings();
+    Findings others;
+    if (reference.empty())
+        others = checkMessages(catalog, table, nullptr);
+    else
+    {
+        Catalog original(SourceText("reference", reference), Catalog::Placeholders::positioned);
+        original.source().index();
+        const Reference compared(original, table);
+        others = checkMessages(catalog, table, &compared);
+    }
+    findings.insert(findings.end(), others.begin(), others.end());
+    for (Finding &finding : findings)
+        finding.note.reset();
+    std::string text;
+    for (const Diagnostic &found : report(findings, catalog.source(), nullptr, Levels()))
+    {
+        const Place &place = found.place;
+        const std::string end = place.end.line == place.begin.line
+                                    ? std::to_string(place.end.column)
+                                    : fmt::format("{}:{}", place.end.line, place.end.column);
+        text += fmt::format("{}{}:{}-{} {}", text.empty() ? "" : ", ", place.begin.line, place.begin.column, end,
+                            rowOf(found.rule).name);
+        if (found.message > 1)
+            text += fmt::format(" {}", found.message);
+    }
+    return text;
+}
+
+struct Row
+{
+    std::string file;
+    std::string expected;
+    std::string reference = {};
+};
+
+std::string x(const std::string &conversion, int position)
+{
+    return fmt::format("<x ts='{}' id='{}'/>", conversion, position);
+}
+
+std::string numbered(int id, const std::string &text)
+{
+    return fmt::format("<trans-unit id='{}'><source>{}</source></trans-unit>", id, text);
+}
+
+// Texts stand in line 3 and begin at column 1; "<x ts='%d' id='1'/>" is 19 columns wide.
+const Row rows[] = {
+    {unit("a"), ""},
+    // The file as a whole.
+    {"", "1:1-1 xml-syntax"},
+    {"plain text", "1:1-2 xml-syntax"},
+    {"<html><body/></html>", "1:1-7 structure"},
+    {unit("a & b"), "3:4-5 xml-syntax"},
+    {unit("a <b/> c"), "3:3-7 structure"},
+    {unit("é&nbsp;"), "3:2-3 xml-syntax"},
+    {"<xliff/>", "1:1-9 structure"},
+    {"<xliff><file source-language='deu' product-name='' product-version='1'><header/></file></xliff>",
+     "1:8-72 attribute-missing, 1:8-72 structure, 1:31-34 language"},
+    {"<!DOCTYPE xliff [<!ENTITY e \"&#37;d[1]\">]>" + unit("&e; ") + "\n", "1:1-10 doctype, 3:1-4 typed-conversion"},
+    {document(numbered(1, "a") + "<trans-unit><source/></trans-unit>"), "2:51-63 attribute-missing"},
+    // Units and their numbers.
+    {document("<trans-unit id=''><source>a</source></trans-unit>"), "2:17-17 bad-id"},
+    {document("<trans-unit id='7' ts=' 0x1'><source>a</source></trans-unit>"), "2:24-28 bad-id"},
+    {document(numbered(2, "a") + "\n" + numbered(1, "b") + "\n" + numbered(2, "c")), "4:1-20 duplicate-id 2"},
+    {document(numbered(9000, "a")), "2:1-23 sparse-ids 9000"},
+    {document("<trans-unit id='1'><note/><source>a</source><target/><g><source/></g></trans-unit>"),
+     "2:20-27 structure, 2:45-54 structure, 2:54-57 structure"},
+    {document("<trans-unit id='1'/>\n<group><trans-unit/></group>\n<source/>"),
+     "2:1-21 structure, 3:1-8 structure, 4:1-10 structure"},
+    {document("<trans-unit id='1'><source>a</source><source>b</source></trans-unit>"), "2:38-46 structure"},
+    {unit("a<context>b</context>" + x("%d", 1)), "3:22-41 structure"},
+    {unit("<x id='1'/><x ts='%d' id=''/><x ts='%d' id='1'><note/></x>"),
+     "3:1-12 attribute-missing, 3:12-30 attribute-missing, 3:48-55 structure"},
+    // Texts.
+    {unit("ä\\q\\\\\\n" + x("a\\z", 1) + "\\"),
+     "3:2-4 unknown-escape, 3:16-18 unknown-escape, 3:28-29 trailing-backslash"},
+    {document(numbered(1, "") + numbered(2, "<!-- a -->")), "2:20-28 empty-message, 2:69-77 empty-message 2"},
+    // Conversions.
+    {unit("100%% " + x("%d", 1) + " %"), "3:27-28 bad-conversion"},
+    {unit("100 % sure, 50% off"), "3:5-6 lone-percent, 3:15-16 lone-percent"},
+    {unit("%d files"), "3:1-3 bad-conversion"},
+    {unit("𝄞é&#xE9;%d[1]"), "3:9-14 typed-conversion"},
+    {unit(x("%y", 1) + x("%d", 2)), "3:1-20 bad-conversion"},
+    {unit("<x id='1'\n ts='é %y'/>"), "4:8-10 bad-conversion"},
+    {unit("<x ts='é&#x20;%y ' id='1'/>"), "3:15-25 bad-conversion"},
+    {unit(x("%d", 1) + x("%d", 1) + x("%d", 4)), "3:20-39 position-repeat, 3:39-58 position-gap"},
+    {unit("%d[3000000000]"), "3:1-15 bad-conversion"},
+    {unit(x("%N", 2) + x("%O", 1)), "3:1-20 region-open"},
+    // Beside a reference.
+    {unit(x("%s", 1)), "3:1-20 argument-type", unit(x("%d", 1))},
+    {unit(x("%hd", 1) + x("%lu", 2)), "3:1-21 argument-type, 3:21-41 conversion-changed",
+     unit(x("%d", 1) + x("%d", 2))},
+    {unit(x("%d", 2)), "3:1-20 argument-type, 2:1-20 argument-missing", unit(x("%s", 1) + x("%s", 2))},
+    {unit("%d[1"), "3:1-5 bad-conversion", unit(x("%d", 1))},
+    {unit("a"), "2:1-20 argument-missing", unit(x("%d", 1))},
+    {unit(x("%d", 1) + x("%3d", 2)), "3:20-40 argument-extra", unit(x("%d", 1))},
+    {unit(x("%*d", 1) + x("%.2f", 2)), "3:1-21 argument-extra, 3:21-42 argument-missing, 2:1-20 argument-missing",
+     unit(x("%d", 1) + x("%.*lf", 2) + x("%d", 3))},
+    {unit(x("%d", 1) + x("%d", 2)), "", unit(x("%*d", 1))},
+    {unit(x("%two", 1) + x("%d", 2)), "3:1-22 argument-extra, 3:22-41 argument-extra", unit(x("%d", 1))},
+    {unit("5 %"), "3:3-4 bad-conversion, 2:1-20 argument-missing", unit(x("%d", 1))},
+    {document(numbered(1, " a ") + "\n" + numbered(2, "b\\n") + "\n" + numbered(4, "")),
+     "1:81-87 message-missing 3, 2:30-31 white-space, 3:29-31 white-space 2, 4:20-28 empty-message 4, "
+     "4:1-20 message-extra 4",
+     document(numbered(1, " a") + numbered(2, "b") + numbered(3, "c"))},
+    {document(numbered(1, "")), "", document(numbered(1, ""))},
+    {unit(x("%d", 1)), "", unit(x("%s", 1) + "%")},
+};
+
+std::string inUtf16(const std::string &text, bool isBig)
+{
+    std::string bytes = isBig ? "\xFE\xFF" : "\xFF\xFE";
+    for (size_t at = 0; at < text.size();)
+    {
+        const char32_t character = takeUtf8(text, at);
+        const auto put = [&](char32_t unit) {
+            const char high = static_cast<char>(unit >> 8U);
+            const char low = static_cast<char>(unit);
+            bytes += isBig ? high : low;
+            bytes += isBig ? low : high;
+        };
+        if (character > 0xFFFF)
+            put(0xD7C0 + (character >> 10U));
+        put(character > 0xFFFF ? 0xDC00 + (character & 0x3FFU) : character);
+    }
+    return bytes;
+}
+
+/** In ISO-8859-1; empty where that lacks a character. */
+std::string inLatin1(const std::string &text)
+{
+    std::string bytes;
+    for (size_t at = 0; at < text.size();)
+    {
+        const char32_t character = takeUtf8(text, at);
+        if (character > 0xFF)
+            return "";
+        bytes += static_cast<char>(character);
+    }
+    return bytes;
+}
+
+std::string declared(const std::string &encoding, const std::string &bytes)
+{
+    return "<?xml version='1.0' encoding='" + encoding + "'?>\n" + bytes;
+}
+
+class CheckFindings : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(KTInit(), 0);
+        ASSERT_EQ(m_table.add("two=int,pointer"), "");
+    }
+    void TearDown() override { KTClean(); }
+
+    FormTable m_table;
+};
+
+TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
+{
+    for (const Row &row : rows)
+    {
+        SCOPED_TRACE(row.file + "\nreference:\n" + row.reference);
+        EXPECT_EQ(findingsIn(row.file, row.reference, m_table.get()), row.expected);
+        if (row.file.empty())
+            continue;
+        EXPECT_EQ(findingsIn("\xEF\xBB\xBF" + row.file, row.reference, m_table.get()), row.expected);
+        EXPECT_EQ(findingsIn(inUtf16(row.file, true), inUtf16(row.reference, false), m_table.get()), row.expected);
+        EXPECT_EQ(findingsIn(inUtf16(row.file, false), row.reference, m_table.get()), row.expected);
+        if (const std::string latin1 = inLatin1(row.file); !latin1.empty())
+        {
+            EXPECT_EQ(findingsIn(declared("iso-8859-1", latin1), row.reference, m_table.get()),
+                      findingsIn(declared("utf-8", row.file), row.reference, m_table.get()));
+        }
+    }
+}
+
+} // namespace

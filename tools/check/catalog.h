@@ -1,0 +1,148 @@
+/**
+ * A message file as the checker reads it: its messages, and where each byte of each stands in the file. The reader is
+ * the XML parser with the rules of a message file; unlike the library's it goes on behind a fault, so that one run
+ * tells all. Whether a file loads it decides as the library does, which a test compares; where a document type or a
+ * huge token makes that a question of limits, it asks the library.
+ */
+#ifndef KELTO_TOOLS_CHECK_CATALOG_H
+#define KELTO_TOOLS_CHECK_CATALOG_H
+
+#include "check/finding.h"
+#include "check/source_text.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::check
+{
+
+/** A part of a message's text that comes from one place. */
+struct Piece
+{
+    enum class Kind : uint8_t
+    {
+        text,       // the file's own characters
+        replaced,   // an entity, a character reference, a line break: as a whole
+        placeholder // an "x"
+    };
+
+    uint32_t begin; // in the text of the message before its escapes are resolved
+    uint32_t end;
+    Kind kind;
+    uint32_t positionBegin; // of a placeholder: where "[", position and "]" begin
+    Range place;
+};
+
+struct Message
+{
+    int id = 0;
+    bool isComplete = true; // all of its text was understood
+    bool hasPlaceholder = false;
+    Range unit;   // the tag "trans-unit"
+    Range source; // the tag "source"
+    size_t textBegin = 0;
+    size_t textEnd = 0;
+    size_t firstPiece = 0;
+    size_t endPiece = 0;
+    std::string name; // the attribute "resname"
+    bool hasName = false;
+};
+
+class Catalog
+{
+public:
+    enum class Placeholders
+    {
+        positioned, // as KTLoadMessages() makes them
+        raw         // as KTLoadRawMessages() does
+    };
+
+    /** Reads a file. What does not let it load, and a document type, are findings. */
+    Catalog(SourceText source, Placeholders placeholders);
+
+    SourceText &source() { return m_source; }
+    const SourceText &source() const { return m_source; }
+
+    /**
+     * In the order of their numbers, those with the same in the order of the file; without units that have no number.
+     */
+    const std::vector<Message> &messages() const { return m_messages; }
+
+    /** The tag "body", for what concerns the whole. */
+    Range body() const { return m_body; }
+
+    /** What the file could not be loaded for, and its document type. */
+    const Findings &findings() const { return m_findings; }
+
+    /** Whether it was read to its end: no message is missing for want of reading. */
+    bool isWhole() const { return m_isWhole; }
+
+    /** The text of a message before its escapes are resolved; a zero byte follows it. */
+    std::string_view rawText(const Message &message) const
+    {
+        return std::string_view(m_texts).substr(message.textBegin, message.textEnd - message.textBegin);
+    }
+
+    /** Where a part of that text stands in the file. */
+    Range locate(const Message &message, Range range) const;
+
+    /** Whether that byte of it is text of the file, and not a part of a placeholder. */
+    bool isText(const Message &message, size_t offset) const;
+
+    /** The value of an attribute inside its tag; the whole tag where it is not written there. */
+    Range locateAttribute(Range tag, std::string_view name) const;
+
+private:
+    friend class Reader;
+
+    const Piece &pieceAt(const Message &message, size_t offset) const;
+    size_t locateEdge(const Piece &piece, size_t offset, bool isEnd) const;
+    size_t behindExpanded(Range value, size_t utf8Bytes) const;
+
+    SourceText m_source;
+    std::vector<Message> m_messages;
+    std::vector<Piece> m_pieces;
+    std::string m_texts;
+    Findings m_findings;
+    Range m_body;
+    bool m_isWhole = true;
+};
+
+/** A message with its escapes resolved, as a program gets it. */
+class ResolvedText
+{
+public:
+    /** @param raw  followed by a zero byte; it must outlive this. */
+    explicit ResolvedText(std::string_view raw);
+    ResolvedText(const ResolvedText &) = delete;
+    ResolvedText &operator=(const ResolvedText &) = delete;
+
+    /** Followed by a zero byte. */
+    std::string_view text() const { return m_text; }
+
+    /** Whether a backslash is left, or was there. */
+    bool hasBackslash() const { return m_hasBackslash; }
+
+    /** The same part of the text before the escapes were resolved. */
+    Range beforeEscapes(Range range) const { return {beforeEscapes(range.begin), beforeEscapes(range.end)}; }
+
+private:
+    size_t beforeEscapes(size_t offset) const;
+
+    std::string_view m_text;
+    bool m_hasBackslash;
+    std::string m_resolved;
+    std::vector<size_t> m_escapes; // where in it a byte stands for two
+};
+
+/** How many bytes an escape at the beginning of a text takes: 2, or 0 where there is none. */
+size_t escapeLength(std::string_view text);
+
+/** The number that a "trans-unit" has in an attribute; 0 where it is none from 1 on. */
+int messageId(const char *text);
+
+} // namespace tool::check
+
+#endif

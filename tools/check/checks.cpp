@@ -1,0 +1,443 @@
+#include "check/checks.h"
+
+#include "check/utf8.h"
+
+#include <algorithm>
+#include <climits>
+#include <fmt/core.h>
+#include <map>
+#include <optional>
+#include <set>
+#include <unicode/uchar.h>
+
+namespace tool::check
+{
+namespace
+{
+
+/** A run of numbers. */
+struct Run
+{
+    int first, last;
+};
+
+/** The numbers below the highest that are not in a set. */
+std::vector<Run> gapsIn(const std::set<int> &numbers)
+{
+    std::vector<Run> gaps;
+    int next = 1;
+    for (const int number : numbers)
+    {
+        if (number > next)
+            gaps.push_back({next, number - 1});
+        next = number + 1;
+    }
+    return gaps;
+}
+
+/** A message in the file and what it is compared with. */
+struct Pair
+{
+    const Message &message;
+    const Message *original;      // null where there is nothing to compare with
+    const Format *originalFormat; // null where that, or its format, is none
+};
+
+/** The checks of one message. */
+class MessageCheck
+{
+public:
+    MessageCheck(const Catalog &catalog, formTable *table, const Reference *reference, Pair pair, Findings &findings)
+        : m_catalog(catalog), m_table(table), m_reference(reference), m_pair(pair), m_findings(findings),
+          m_text(catalog.rawText(pair.message))
+    {
+    }
+
+    void run()
+    {
+        if (m_text.text().empty())
+            checkEmpty();
+        if (m_text.hasBackslash())
+            checkEscapes();
+        if (m_table != nullptr)
+            checkFormat();
+        if (m_pair.original != nullptr)
+            compareWhiteSpace();
+    }
+
+private:
+    void find(Rule rule, Range place, std::string text, std::optional<Note> note = std::nullopt)
+    {
+        m_findings.push_back(
+            {rule, m_pair.message.id, m_pair.message.unit.begin, place, std::move(text), std::move(note)});
+    }
+
+    Range placeOf(Range range) const { return m_catalog.locate(m_pair.message, m_text.beforeEscapes(range)); }
+
+    std::optional<Note> noteOn(const Conversion &conversion) const;
+
+    void checkEmpty();
+    void checkEscapes();
+    void compareWhiteSpace();
+    void checkFormat();
+    void checkFaults(const Format &format);
+    void checkPositions(const Format &format);
+    void checkTyped(const Format &format);
+    void checkRegion(const Format &format);
+    void compareArguments(const Format &format);
+    void compareConversions(const Conversion &here, const Conversion &there);
+    bool isArgument(int position) const;
+    void findMissing(const Conversion &there, bool leavesGap);
+
+    const Catalog &m_catalog;
+    formTable *m_table;
+    const Reference *m_reference;
+    Pair m_pair;
+    Findings &m_findings;
+    ResolvedText m_text;
+};
+
+void MessageCheck::checkEmpty()
+{
+    const bool isMeant = m_pair.original != nullptr && m_reference->catalog().rawText(*m_pair.original).empty();
+    if (!isMeant)
+        find(Rule::emptyMessage, m_pair.message.source, "the message is empty");
+}
+
+void MessageCheck::checkEscapes()
+{
+    const std::string_view raw = m_catalog.rawText(m_pair.message);
+    for (size_t at = raw.find('\\'); at < raw.size(); at = raw.find('\\', at))
+    {
+        const size_t length = escapeLength(raw.substr(at));
+        if (length == 0 && at + 1 == raw.size())
+            find(Rule::trailingBackslash, m_catalog.locate(m_pair.message, {at, at + 1}),
+                 "the message ends with a single backslash");
+        else if (length == 0)
+        {
+            size_t end = at + 1;
+            takeUtf8(raw, end);
+            find(Rule::unknownEscape, m_catalog.locate(m_pair.message, {at, end}),
+                 fmt::format("\"{}\" is no escape; a backslash that is meant is written as two",
+                             raw.substr(at, end - at)));
+        }
+        at += std::max<size_t>(length, 1);
+    }
+}
+
+/** The text between the white space that it begins and ends with. */
+Range coreOf(std::string_view text)
+{
+    Range core{0, 0};
+    bool isFound = false;
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        if (u_isUWhiteSpace(static_cast<UChar32>(takeUtf8(text, at))))
+            continue;
+        core = {isFound ? core.begin : begin, at};
+        isFound = true;
+    }
+    return core;
+}
+
+void MessageCheck::compareWhiteSpace()
+{
+    const ResolvedText original(m_reference->catalog().rawText(*m_pair.original));
+    const std::string_view here = m_text.text();
+    const std::string_view there = original.text();
+    const Range edges = coreOf(here);
+    const Range originals = coreOf(there);
+    if (edges.end == 0 || originals.end == 0)
+        return; // nothing but white space
+    const auto noteAt = [&](Range range) {
+        return Note{true, m_reference->catalog().locate(*m_pair.original, original.beforeEscapes(range)),
+                    "the reference is here"};
+    };
+    if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
+        find(Rule::whiteSpace, placeOf({0, edges.begin}), "white space at the beginning differs from the reference",
+             noteAt({0, originals.begin}));
+    if (here.substr(edges.end) != there.substr(originals.end))
+        find(Rule::whiteSpace, placeOf({edges.end, here.size()}), "white space at the end differs from the reference",
+             noteAt({originals.end, there.size()}));
+}
+
+void MessageCheck::checkFormat()
+{
+    const bool hasPercent = m_text.text().find('%') != std::string_view::npos;
+    const bool hadConversions = m_pair.originalFormat != nullptr && !m_pair.originalFormat->conversions.empty();
+    if (!hasPercent && !hadConversions)
+        return;
+    const Format format = parseFormat(m_text.text(), m_table);
+    const size_t before = m_findings.size();
+    checkFaults(format);
+    checkPositions(format);
+    if (m_pair.originalFormat != nullptr && m_pair.originalFormat->isAccepted)
+        compareArguments(format);
+    if (!format.isAccepted && m_findings.size() == before)
+        find(Rule::badConversion, m_pair.message.source, "the message is no format string");
+    checkTyped(format);
+    checkRegion(format);
+}
+
+void MessageCheck::checkFaults(const Format &format)
+{
+    const Format *const original = m_pair.originalFormat;
+    const bool hasConversions = m_pair.message.hasPlaceholder || !format.conversions.empty() ||
+                                (original != nullptr && !original->conversions.empty()) ||
+                                (m_pair.original != nullptr && m_pair.original->hasPlaceholder);
+    for (const FormatFault &fault : format.faults)
+    {
+        const bool isLone = fault.isLone && !hasConversions;
+        find(isLone ? Rule::lonePercent : Rule::badConversion, placeOf(fault.place),
+             isLone ? "a percent sign by itself; in a message that is formatted it is written \"%%\"" : fault.why);
+    }
+}
+
+/** Whether the position is one at which the reference takes an argument, and can be compared. */
+bool MessageCheck::isArgument(int position) const
+{
+    if (m_pair.originalFormat == nullptr || !m_pair.originalFormat->isAccepted)
+        return false;
+    const Conversion *const there = m_pair.originalFormat->find(position);
+    return there != nullptr && !there->slots.empty();
+}
+
+void MessageCheck::checkPositions(const Format &format)
+{
+    std::set<int> positions;
+    bool isMalformed = false; // by a conversion whose position is not known
+    for (const FormatFault &fault : format.faults)
+    {
+        isMalformed = isMalformed || (fault.position == 0 && !fault.isLone);
+        if (fault.position != 0)
+            positions.insert(fault.position);
+    }
+    for (const Conversion &conversion : format.conversions)
+        if (!positions.insert(conversion.position).second)
+            find(Rule::positionRepeat, placeOf(conversion.place),
+                 fmt::format("position {} is used a second time", conversion.position));
+    if (isMalformed)
+        return;
+    for (const Run &gap : gapsIn(positions))
+    {
+        // What the reference takes there is told by the comparison.
+        Run rest = gap;
+        while (rest.first <= rest.last && isArgument(rest.first))
+            ++rest.first;
+        while (rest.first <= rest.last && isArgument(rest.last))
+            --rest.last;
+        if (rest.first > rest.last)
+            continue;
+        const Conversion *behind = nullptr;
+        for (const Conversion &conversion : format.conversions)
+            if (conversion.position > gap.last && (behind == nullptr || conversion.position < behind->position))
+                behind = &conversion;
+        const Range place = behind != nullptr ? placeOf(behind->place) : m_pair.message.source;
+        find(Rule::positionGap, place,
+             rest.first == rest.last
+                 ? fmt::format("position {} is missing; positions run from 1 without a gap", rest.first)
+                 : fmt::format("positions {} to {} are missing; positions run from 1 without a gap", rest.first,
+                               rest.last));
+    }
+}
+
+void MessageCheck::checkTyped(const Format &format)
+{
+    for (const Conversion &conversion : format.conversions)
+        if (m_catalog.isText(m_pair.message, m_text.beforeEscapes(conversion.place).begin))
+            find(Rule::typedConversion, placeOf(conversion.place),
+                 fmt::format("\"{}\" is typed as text instead of an \"x\"", conversion.written));
+}
+
+void MessageCheck::checkRegion(const Format &format)
+{
+    std::map<int, const Conversion *> markers;
+    for (const Conversion &conversion : format.conversions)
+        if (conversion.name == "N" || conversion.name == "O")
+            markers.emplace(conversion.position, &conversion);
+    if (!markers.empty() && markers.rbegin()->second->name == "N")
+        find(Rule::regionOpen, placeOf(markers.rbegin()->second->place),
+             fmt::format("the region that \"{}\" opens is not closed", markers.rbegin()->second->written));
+}
+
+std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
+{
+    const Catalog &catalog = m_reference->catalog();
+    const ResolvedText text(catalog.rawText(*m_pair.original));
+    return Note{true, catalog.locate(*m_pair.original, text.beforeEscapes(conversion.place)),
+                fmt::format("the reference has \"{}\"", conversion.written)};
+}
+
+/** All slots of a format in the order in which arguments are passed. */
+std::vector<Kind> argumentsOf(const Format &format)
+{
+    std::map<int, const Conversion *> byPosition;
+    for (const Conversion &conversion : format.conversions)
+        byPosition.emplace(conversion.position, &conversion);
+    std::vector<Kind> kinds;
+    for (const auto &[position, conversion] : byPosition)
+        for (const Slot &slot : conversion->slots)
+            kinds.push_back(slot.kind);
+    return kinds;
+}
+
+void MessageCheck::findMissing(const Conversion &there, bool leavesGap)
+{
+    find(Rule::argumentMissing, m_pair.message.unit,
+         fmt::format("argument {} (\"{}\") is missing, so {}", there.position, there.written,
+                     leavesGap ? "every call fails with KT_ERR_FORMAT_SYNTAX"
+                               : "calls that count their arguments fail with KT_ERR_INVALID_PARAMETER"));
+}
+
+void MessageCheck::compareArguments(const Format &format)
+{
+    const Format &original = *m_pair.originalFormat;
+    const bool agrees = format.isAccepted && argumentsOf(format) == argumentsOf(original);
+    std::set<int> known; // positions of conversions that nobody knows
+    bool isMalformed = false;
+    for (const FormatFault &fault : format.faults)
+    {
+        known.insert(fault.position);
+        isMalformed = isMalformed || (fault.position == 0 && !fault.isLone);
+    }
+    const int highest = format.highestPosition();
+    for (const Conversion &there : original.conversions)
+        if (const Conversion *const here = format.find(there.position))
+        {
+            if (here->slots == there.slots && here->name != there.name)
+                find(Rule::conversionChanged, placeOf(here->place),
+                     fmt::format("\"{}\" stands where the reference has \"{}\"", here->written, there.written),
+                     noteOn(there));
+            else if (!agrees)
+                compareConversions(*here, there);
+        }
+        else if (!agrees && !isMalformed && known.count(there.position) == 0 && !there.slots.empty())
+            findMissing(there, there.position < highest);
+    if (agrees)
+        return;
+    for (const Conversion &here : format.conversions)
+        if (original.find(here.position) == nullptr && !here.slots.empty())
+            find(Rule::argumentExtra, placeOf(here.place),
+                 fmt::format("argument {} (\"{}\") is not in the reference", here.position, here.written),
+                 Note{true, m_pair.original->source,
+                      fmt::format("the reference takes {} arguments", argumentsOf(original).size())});
+}
+
+/** "argument 2", or "the width of argument 2". */
+std::string describe(const Conversion &conversion, const Slot &slot, size_t value, size_t values)
+{
+    if (slot.role == Slot::Role::width)
+        return fmt::format("the width of argument {}", conversion.position);
+    if (slot.role == Slot::Role::precision)
+        return fmt::format("the precision of argument {}", conversion.position);
+    if (values > 1)
+        return fmt::format("value {} of argument {}", value + 1, conversion.position);
+    return fmt::format("argument {}", conversion.position);
+}
+
+std::vector<Slot> slotsIn(const Conversion &conversion, Slot::Role role)
+{
+    std::vector<Slot> slots;
+    for (const Slot &slot : conversion.slots)
+        if (slot.role == role)
+            slots.push_back(slot);
+    return slots;
+}
+
+void MessageCheck::compareConversions(const Conversion &here, const Conversion &there)
+{
+    for (const Slot::Role role : {Slot::Role::width, Slot::Role::precision, Slot::Role::value})
+    {
+        const std::vector<Slot> ours = slotsIn(here, role);
+        const std::vector<Slot> theirs = slotsIn(there, role);
+        for (size_t i = 0; i < std::max(ours.size(), theirs.size()); ++i)
+        {
+            const Range place = placeOf(here.place);
+            if (i >= ours.size())
+                find(Rule::argumentMissing, place,
+                     fmt::format("{} is missing, which the reference takes from an argument",
+                                 describe(here, theirs[i], i, theirs.size())),
+                     noteOn(there));
+            else if (i >= theirs.size())
+                find(Rule::argumentExtra, place,
+                     fmt::format("{} is an argument that the reference does not have",
+                                 describe(here, ours[i], i, ours.size())),
+                     noteOn(there));
+            else if (ours[i].kind != theirs[i].kind)
+                find(Rule::argumentType, place,
+                     fmt::format("{} is {} here, {} in the reference", describe(here, ours[i], i, ours.size()),
+                                 nameOf(ours[i].kind), nameOf(theirs[i].kind)),
+                     noteOn(there));
+        }
+    }
+}
+
+/** Most numbers up to the highest unused, and many of them. */
+bool isSparse(size_t messages, int highest)
+{
+    constexpr size_t many = 4096;
+    const size_t unused = static_cast<size_t>(highest) - std::min(messages, static_cast<size_t>(highest));
+    return unused >= many && unused >= 7 * messages;
+}
+
+void checkWhole(const Catalog &catalog, Findings &findings)
+{
+    const std::vector<Message> &messages = catalog.messages();
+    if (messages.empty())
+        return;
+    const Message &last = messages.back();
+    if (isSparse(messages.size(), last.id))
+        findings.push_back(
+            {Rule::sparseIds, last.id, last.unit.begin, last.unit,
+             fmt::format("the highest number is {}, but there are {} messages only", last.id, messages.size()),
+             std::nullopt});
+}
+
+} // namespace
+
+Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catalog)
+{
+    for (const Message &message : catalog.messages())
+    {
+        const ResolvedText text(catalog.rawText(message));
+        const bool isFormat = table != nullptr && message.isComplete && text.text().find('%') != std::string_view::npos;
+        m_formats.push_back(isFormat ? parseFormat(text.text(), table) : Format());
+    }
+}
+
+Findings checkMessages(const Catalog &catalog, formTable *table, const Reference *reference)
+{
+    Findings findings;
+    static const std::vector<Message> none;
+    const std::vector<Message> &originals = reference != nullptr ? reference->catalog().messages() : none;
+    auto original = originals.begin();
+    int done = 0; // the number of the last message that was looked at, here or there
+    const auto missBelow = [&](int64_t id) {
+        for (; original != originals.end() && original->id < id; done = (original++)->id)
+            if (original->id != done && catalog.isWhole())
+                findings.push_back({Rule::messageMissing, original->id, catalog.body().begin, catalog.body(),
+                                    "the message of the reference is missing",
+                                    Note{true, original->unit, "the reference has it here"}});
+    };
+    for (const Message &message : catalog.messages())
+    {
+        missBelow(message.id);
+        done = message.id;
+        const bool hasOriginal = original != originals.end() && original->id == message.id;
+        if (reference != nullptr && !hasOriginal && reference->catalog().isWhole())
+            findings.push_back({Rule::messageExtra, message.id, message.unit.begin, message.unit,
+                                "the message is not in the reference", std::nullopt});
+        if (!message.isComplete)
+            continue;
+        const bool isComparable = hasOriginal && original->isComplete;
+        const Pair pair{message, isComparable ? &*original : nullptr,
+                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr};
+        MessageCheck(catalog, table, reference, pair, findings).run();
+    }
+    missBelow(int64_t{INT_MAX} + 1);
+    checkWhole(catalog, findings);
+    return findings;
+}
+
+} // namespace tool::check

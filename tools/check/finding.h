@@ -1,0 +1,76 @@
+/**
+ * What a check finds. While a file is checked, a Finding names its place in bytes; once the file is done, report()
+ * turns the findings into Diagnostics in the order of the file, with lines and columns, which need the file no more.
+ * Texts are UTF-8 and quote the file as it is: what shows them escapes them.
+ */
+#ifndef KELTO_TOOLS_CHECK_FINDING_H
+#define KELTO_TOOLS_CHECK_FINDING_H
+
+#include "check/rules.h"
+#include "check/source_text.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool::check
+{
+
+/** A second place that explains a finding. */
+struct Note
+{
+    bool isInReference; // else in the file itself
+    Range place;
+    std::string text;
+};
+
+struct Finding
+{
+    Rule rule;
+    int message;  // its number; 0 where no message is concerned
+    size_t order; // where it is told: the beginning of its unit, or of its place
+    Range place;
+    std::string text;
+    std::optional<Note> note;
+};
+
+using Findings = std::vector<Finding>;
+
+struct Place
+{
+    std::string file;
+    Position begin, end; // the end is behind the last code point
+    Range bytes;
+};
+
+struct Diagnostic
+{
+    Rule rule;
+    Severity severity;
+    int message;
+    Place place;
+    std::string text;
+    Excerpt excerpt;
+    std::optional<Place> notePlace;
+    std::string noteText;
+};
+
+/** What is to be told of one file. */
+struct Report
+{
+    std::vector<Diagnostic> diagnostics;
+    std::string failure; // why the file could not be checked, for a terminal; else empty
+};
+
+/**
+ * The findings that are not switched off, in the order of the file; within a unit, what concerns it as a whole comes
+ * last.
+ * @param source     the file, which is indexed here if there is anything to report.
+ * @param reference  indexed, or null where there is none.
+ */
+std::vector<Diagnostic> report(Findings findings, SourceText &source, const SourceText *reference,
+                               const Levels &levels);
+
+} // namespace tool::check
+
+#endif

@@ -1,0 +1,108 @@
+/**
+ * A message as a format string: its conversions, the arguments that they take, and what is wrong with it. The verdict
+ * on a whole message, and the parsing of each conversion, are the library's.
+ */
+#ifndef KELTO_TOOLS_CHECK_FORMATS_H
+#define KELTO_TOOLS_CHECK_FORMATS_H
+
+#include "check/source_text.h"
+#include "kelto.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::check
+{
+
+/** What a program passes for an argument, its sign aside. */
+enum class Kind
+{
+    integer16,
+    integer32,
+    integer64,
+    character,
+    unit,
+    floating,
+    longFloating,
+    utf8,
+    ucs2,
+    pointer
+};
+
+/** "a 32-bit integer". */
+const char *nameOf(Kind kind);
+
+struct Slot
+{
+    enum class Role
+    {
+        value,
+        width,
+        precision
+    };
+
+    Role role;
+    Kind kind;
+
+    bool operator==(const Slot &other) const { return role == other.role && kind == other.kind; }
+};
+
+struct Conversion
+{
+    int position;
+    Range place;         // bytes of the message
+    std::string written; // as "%-5d[2]"
+    std::string name;    // as "d"; "N" and "O" for the markers of a region
+    std::vector<Slot> slots;
+};
+
+/** A percent sign that begins no conversion. */
+struct FormatFault
+{
+    Range place;
+    std::string why;
+    int position; // of an unknown conversion; else 0
+    bool isLone;  // nothing suggests that a conversion was meant
+};
+
+struct Format
+{
+    bool isAccepted = true;              // by the format calls
+    std::vector<Conversion> conversions; // in the order of the text
+    std::vector<FormatFault> faults;
+
+    /** The first conversion with this position, or null. */
+    const Conversion *find(int position) const;
+    int highestPosition() const;
+};
+
+/** @param text  a message, UTF-8, followed by a zero byte. */
+Format parseFormat(std::string_view text, formTable *table);
+
+/** The conversions that a check knows: the built-in ones, and those of the caller's that --form names. */
+class FormTable
+{
+public:
+    FormTable();
+    ~FormTable();
+    FormTable(const FormTable &) = delete;
+    FormTable &operator=(const FormTable &) = delete;
+
+    /** Adds "NAME=TYPE[,TYPE...]"; an empty text, or what is wrong with it. */
+    std::string add(std::string_view form);
+
+    /** Not changed by those who use it. */
+    formTable *get();
+
+private:
+    struct Row;
+    std::vector<std::unique_ptr<Row>> m_rows;
+    std::vector<KTFormatter> m_list;
+    formTable m_table;
+};
+
+} // namespace tool::check
+
+#endif

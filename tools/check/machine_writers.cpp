@@ -1,0 +1,246 @@
+#include "check/utf8.h"
+#include "check/writers.h"
+#include "kelto.h"
+
+#include <fmt/core.h>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+namespace tool::check
+{
+namespace
+{
+
+/** What a reader of the document, or a terminal that it is printed on, could take for something else. */
+bool needsEscape(UChar32 character)
+{
+    switch (u_charType(character))
+    {
+    case U_CONTROL_CHAR:
+    case U_FORMAT_CHAR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+    case U_SURROGATE:
+    case U_UNASSIGNED:
+        return true;
+    default:
+        return character == '"' || character == '\\';
+    }
+}
+
+std::string jsonEscape(UChar32 character)
+{
+    switch (character)
+    {
+    case '"':
+        return "\\\"";
+    case '\\':
+        return "\\\\";
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default:
+        if (U_IS_BMP(character))
+            return fmt::format("\\u{:04x}", character);
+        return fmt::format("\\u{:04x}\\u{:04x}", static_cast<unsigned>(U16_LEAD(character)),
+                           static_cast<unsigned>(U16_TRAIL(character)));
+    }
+}
+
+/** Calls work(character, its bytes) for each character; what is no UTF-8 is U+FFFD. */
+template <typename Work> void forEachCharacter(std::string_view text, Work work)
+{
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        const auto character = static_cast<UChar32>(takeUtf8(text, at));
+        const bool isMalformed = character == 0xFFFD && text[begin] != '\xEF';
+        work(character, isMalformed ? std::string_view("\uFFFD") : text.substr(begin, at - begin));
+    }
+}
+
+/** {"line": 6, …}: the members of a region, the keys being those of the form. */
+std::string jsonPlace(const Place &place)
+{
+    return fmt::format("\"file\": {}, \"line\": {}, \"column\": {}, \"endLine\": {}, \"endColumn\": {}, "
+                       "\"byteOffset\": {}, \"byteLength\": {}",
+                       jsonString(place.file), place.begin.line, place.begin.column, place.end.line, place.end.column,
+                       place.bytes.begin, place.bytes.end - place.bytes.begin);
+}
+
+class JsonWriter : public Writer
+{
+public:
+    JsonWriter(Sink sink, const WriterOptions &options) : Writer(std::move(sink)), m_reference(options.reference) {}
+
+    void begin() override
+    {
+        print(fmt::format("{{\n  \"format\": 1,\n  \"tool\": {{\"name\": \"kelto\", \"version\": \"{}\"}},\n"
+                          "  \"reference\": {},\n  \"findings\": [",
+                          KELTO_VERSION, m_reference.empty() ? "null" : jsonString(m_reference)));
+    }
+
+    void write(const Diagnostic &diagnostic) override
+    {
+        const std::string message = diagnostic.message != 0 ? std::to_string(diagnostic.message) : "null";
+        const std::string note =
+            diagnostic.notePlace
+                ? fmt::format("{{{}, \"text\": {}}}", jsonPlace(*diagnostic.notePlace), jsonString(diagnostic.noteText))
+                : "null";
+        print(fmt::format("{}\n    {{\"rule\": \"{}\", \"severity\": \"{}\", {}, \"message\": {}, \"text\": {}, "
+                          "\"note\": {}}}",
+                          m_isFirst ? "" : ",", rowOf(diagnostic.rule).name, nameOf(diagnostic.severity),
+                          jsonPlace(diagnostic.place), message, jsonString(diagnostic.text), note));
+        m_isFirst = false;
+    }
+
+    void end(const Summary &summary) override
+    {
+        print(fmt::format("{}],\n  \"summary\": {{\"files\": {}, \"errors\": {}, \"warnings\": {}}}\n}}\n",
+                          m_isFirst ? "" : "\n  ", summary.files, summary.errors, summary.warnings));
+    }
+
+private:
+    std::string m_reference;
+    bool m_isFirst = true;
+};
+
+std::string sarifLocation(const Place &place)
+{
+    return fmt::format(
+        "\"physicalLocation\": {{\"artifactLocation\": {{\"uri\": {}}}, \"region\": {{\"startLine\": {}, "
+        "\"startColumn\": {}, \"endLine\": {}, \"endColumn\": {}}}}}",
+        jsonString(uriOf(place.file)), place.begin.line, place.begin.column, place.end.line, place.end.column);
+}
+
+class SarifWriter : public Writer
+{
+public:
+    SarifWriter(Sink sink, const WriterOptions &options) : Writer(std::move(sink)), m_levels(options.levels) {}
+
+    void begin() override
+    {
+        print(fmt::format(
+            "{{\n  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n  \"version\": \"2.1.0\",\n"
+            "  \"runs\": [{{\n    \"columnKind\": \"unicodeCodePoints\",\n    \"tool\": {{\"driver\": {{\n"
+            "      \"name\": \"kelto check\", \"semanticVersion\": \"{}\",\n      \"rules\": [",
+            KELTO_VERSION));
+        for (size_t i = 0; i < ruleCount; ++i)
+        {
+            const auto rule = static_cast<Rule>(i);
+            const RuleRow &row = rowOf(rule);
+            const Severity severity = (*m_levels)[rule];
+            print(fmt::format("{}\n        {{\"id\": \"{}\", \"shortDescription\": {{\"text\": {}}}, "
+                              "\"fullDescription\": {{\"text\": {}}}, \"help\": {{\"text\": {}}}, "
+                              "\"defaultConfiguration\": {{\"level\": \"{}\", \"enabled\": {}}}}}",
+                              i == 0 ? "" : ",", row.name, jsonString(row.summary), jsonString(row.explanation),
+                              jsonString(fmt::format("Wrong: {}\nRight: {}", row.wrong, row.right)), nameOf(severity),
+                              severity != Severity::off));
+        }
+        print("\n      ]\n    }},\n    \"results\": [");
+    }
+
+    void write(const Diagnostic &diagnostic) override
+    {
+        std::string related;
+        if (diagnostic.notePlace)
+            related = fmt::format(", \"relatedLocations\": [{{{}, \"message\": {{\"text\": {}}}}}]",
+                                  sarifLocation(*diagnostic.notePlace), jsonString(diagnostic.noteText));
+        print(fmt::format("{}\n      {{\"ruleId\": \"{}\", \"ruleIndex\": {}, \"level\": \"{}\", "
+                          "\"message\": {{\"text\": {}}}, \"locations\": [{{{}}}]{}}}",
+                          m_isFirst ? "" : ",", rowOf(diagnostic.rule).name, static_cast<size_t>(diagnostic.rule),
+                          nameOf(diagnostic.severity), jsonString(sentenceOf(diagnostic)),
+                          sarifLocation(diagnostic.place), related));
+        m_isFirst = false;
+    }
+
+    void end(const Summary &) override { print(fmt::format("{}]\n  }}]\n}}\n", m_isFirst ? "" : "\n    ")); }
+
+private:
+    const Levels *m_levels;
+    bool m_isFirst = true;
+};
+
+/**
+ * The text of a workflow command: what would end it, or a property of it, is escaped, and so is what needs it anywhere.
+ */
+std::string annotation(std::string_view text, bool isProperty)
+{
+    std::string result;
+    forEachCharacter(text, [&](UChar32 character, std::string_view bytes) {
+        const bool isSyntax = character == '%' || character == '\n' || character == '\r' ||
+                              (isProperty && (character == ':' || character == ','));
+        if (isSyntax)
+            result += fmt::format("%{:02X}", character);
+        else if (needsEscape(character) && character != '"' && character != '\\')
+            result += U_IS_BMP(character) ? fmt::format("\\u{:04X}", character) : fmt::format("\\U{:08X}", character);
+        else
+            result += bytes;
+    });
+    return result;
+}
+
+class GithubWriter : public Writer
+{
+public:
+    explicit GithubWriter(Sink sink) : Writer(std::move(sink)) {}
+
+    void write(const Diagnostic &diagnostic) override
+    {
+        const Place &place = diagnostic.place;
+        std::string text = sentenceOf(diagnostic);
+        if (diagnostic.notePlace)
+            text += fmt::format("\n{}:{}:{}: {}", diagnostic.notePlace->file, diagnostic.notePlace->begin.line,
+                                diagnostic.notePlace->begin.column, diagnostic.noteText);
+        // The end of a column is taken for the last one, and only within a line.
+        const bool isInLine = place.begin.line == place.end.line && place.end.column > place.begin.column;
+        print(fmt::format("::{} file={},line={},endLine={},col={},endColumn={},title={}::{}\n",
+                          nameOf(diagnostic.severity), annotation(place.file, true), place.begin.line, place.end.line,
+                          place.begin.column, isInLine ? place.end.column - 1 : place.begin.column,
+                          rowOf(diagnostic.rule).name, annotation(text, false)));
+    }
+};
+
+} // namespace
+
+std::string jsonString(std::string_view text)
+{
+    std::string result = "\"";
+    forEachCharacter(text, [&](UChar32 character, std::string_view bytes) {
+        if (needsEscape(character))
+            result += jsonEscape(character);
+        else
+            result += bytes;
+    });
+    return result + '"';
+}
+
+std::string uriOf(std::string_view path)
+{
+    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
+    std::string uri = !path.empty() && path[0] == '/' ? "file://" : "";
+    for (const char byte : path)
+        uri += plain.find(byte) != std::string_view::npos ? std::string(1, byte)
+                                                          : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+    return uri;
+}
+
+std::unique_ptr<Writer> jsonWriter(Sink sink, const WriterOptions &options)
+{
+    return std::make_unique<JsonWriter>(std::move(sink), options);
+}
+
+std::unique_ptr<Writer> sarifWriter(Sink sink, const WriterOptions &options)
+{
+    return std::make_unique<SarifWriter>(std::move(sink), options);
+}
+
+std::unique_ptr<Writer> githubWriter(Sink sink, const WriterOptions &)
+{
+    return std::make_unique<GithubWriter>(std::move(sink));
+}
+
+} // namespace tool::check

@@ -1,0 +1,94 @@
+/**
+ * The rules of `kelto check`: a row for each, with its name, what it counts as, and its page for --explain, which
+ * stands in docs/checking.md too. Levels says what each counts as after the options -W….
+ */
+#ifndef KELTO_TOOLS_CHECK_RULES_H
+#define KELTO_TOOLS_CHECK_RULES_H
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tool::check
+{
+
+/** In the order of the table; an error that is none in every file comes first. */
+enum class Rule
+{
+    xmlSyntax,
+    structure,
+    attributeMissing,
+    badId,
+    duplicateId,
+    language,
+    badConversion,
+    positionGap,
+    positionRepeat,
+    argumentType,
+    argumentMissing,
+    argumentExtra,
+    regionOpen,
+    messageMissing,
+    messageExtra,
+    sparseIds,
+    conversionChanged,
+    typedConversion,
+    lonePercent,
+    trailingBackslash,
+    unknownEscape,
+    whiteSpace,
+    emptyMessage,
+    doctype,
+};
+constexpr size_t ruleCount = static_cast<size_t>(Rule::doctype) + 1;
+
+enum class Severity
+{
+    off,
+    warning,
+    error
+};
+
+struct RuleRow
+{
+    const char *name;
+    Severity severity;
+    const char *summary;
+    const char *explanation; // three sentences
+    const char *wrong;
+    const char *right;
+};
+
+const RuleRow &rowOf(Rule rule);
+std::optional<Rule> findRule(std::string_view name);
+
+/** The table as --list-rules prints it, and one row as --explain does. */
+std::string listOfRules();
+std::string pageOf(Rule rule);
+
+/** "error" or "warning". */
+const char *nameOf(Severity severity);
+
+class Levels
+{
+public:
+    Levels();
+    Severity operator[](Rule rule) const { return m_severities[static_cast<size_t>(rule)]; }
+
+    /**
+     * Applies what stands behind a "-W": "RULE", "no-RULE", "error", "error=RULE", "no-error=RULE".
+     * @return an empty text, or what is wrong with it.
+     */
+    std::string apply(std::string_view option);
+
+private:
+    Severity &at(Rule rule) { return m_severities[static_cast<size_t>(rule)]; }
+
+    std::array<Severity, ruleCount> m_severities{};
+};
+
+} // namespace tool::check
+
+#endif

@@ -1,0 +1,90 @@
+/**
+ * A message file as it lies on the disk: its bytes, and where in it a byte stands for a reader. Offsets are bytes of
+ * the file, whatever its encoding; lines and columns count from 1, columns in code points. A byte order mark takes no
+ * column.
+ */
+#ifndef KELTO_TOOLS_CHECK_SOURCE_TEXT_H
+#define KELTO_TOOLS_CHECK_SOURCE_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::check
+{
+
+/** Bytes of a file, or of a message. */
+struct Range
+{
+    size_t begin = 0;
+    size_t end = 0;
+};
+
+struct Position
+{
+    size_t line = 1;
+    size_t column = 1;
+};
+
+/** A line, or what of it surrounds a place, in three parts: the one in the middle is marked. */
+struct Excerpt
+{
+    std::u16string before, marked, behind;
+};
+
+class SourceText
+{
+public:
+    enum class Encoding
+    {
+        utf8, // and its part US-ASCII
+        latin1,
+        utf16le,
+        utf16be
+    };
+
+    SourceText(std::string name, std::string bytes);
+
+    /** How people call the file; not escaped. */
+    const std::string &name() const { return m_name; }
+    std::string_view bytes() const { return m_bytes; }
+
+    Encoding encoding() const { return m_encoding; }
+    /** Takes note of the encoding that the XML declaration names, which counts where characters are bytes. */
+    void declareEncoding(std::string_view name);
+
+    /** The code point at an offset below `end`, which moves behind it; U+FFFD for what is none. */
+    char32_t take(size_t &offset, size_t end) const;
+
+    /** The bytes that a part of the file takes as UTF-8 where it is text, of any encoding. */
+    size_t sizeAsUtf8(Range range) const;
+
+    /** Where the code point stands that begins `utf8Bytes` bytes behind the beginning of a range, were it UTF-8. */
+    size_t behindUtf8(Range range, size_t utf8Bytes) const;
+
+    /** Counts lines and columns; needed once, before the two that follow. */
+    void index();
+    Position position(size_t offset) const;
+    Excerpt excerpt(Range range) const;
+
+private:
+    bool isUtf16() const { return m_encoding == Encoding::utf16le || m_encoding == Encoding::utf16be; }
+    char32_t unitAt(size_t offset) const;
+    size_t countCodePoints(size_t begin, size_t end) const;
+    size_t codePointsBefore(size_t offset) const;
+    size_t stepBack(size_t offset, size_t floor, size_t count) const;
+    size_t lineEnd(size_t line) const;
+    std::u16string decode(size_t begin, size_t end) const;
+
+    std::string m_name;
+    std::string m_bytes;
+    Encoding m_encoding = Encoding::utf8;
+    size_t m_begin = 0;               // behind a byte order mark
+    std::vector<size_t> m_lines;      // where each begins
+    std::vector<size_t> m_codePoints; // in front of each block of the file
+};
+
+} // namespace tool::check
+
+#endif
