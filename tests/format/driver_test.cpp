@@ -3,8 +3,6 @@
 #include "support/guarded.h"
 #include "support/ucs2.h"
 
-#include <cstdarg>
-
 namespace
 {
 
@@ -102,30 +100,8 @@ TEST_F(Driver, AMissingSlotIsAnInvalidParameter)
         EXPECT_EQ(buildBuffer(parameters, nullptr, nullptr, &size, out, u"a%*d[1]", slots), KT_ERR_INVALID_PARAMETER);
         EXPECT_EQ(size, 0u);
         EXPECT_EQ(out[0], 0);
-        size = 1;
-        EXPECT_EQ(buildBuffer(parameters, nullptr, nullptr, &size, out, u"a%*d[1]b", slots), KT_ERR_BUFFER_TOO_SMALL);
-        EXPECT_EQ(size, 2u);
     }
     ZEL_free(parameters);
-}
-
-/** Formats into too little room, then again with what was asked for and the same list. */
-std::u16string formatTwice(const char *format, ...)
-{
-    UCS2 out[20];
-    unsigned long size = 2;
-    va_list arguments;
-    va_start(arguments, format);
-    EXPECT_EQ(KTvFormatString(nullptr, false, &size, out, text(format), arguments), KT_ERR_BUFFER_TOO_SMALL);
-    ++size;
-    EXPECT_EQ(KTvFormatString(nullptr, false, &size, out, text(format), arguments), 0);
-    va_end(arguments);
-    return asString(out, size);
-}
-
-TEST_F(Driver, AnArgumentListServesTheRetryToo)
-{
-    EXPECT_EQ(formatTwice("%s[2]: %d[1]", 7, "x"), u"x: 7");
 }
 
 TEST_F(Driver, TakesExactlyTheBlocksThatItPromises)

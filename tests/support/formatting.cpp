@@ -39,6 +39,9 @@ public:
             return byPointers; // a wrong number of them, which a list cannot show
         const Outcome byList = call(capacity, [&](unsigned long *size, UCS2 *out) {
             return m_arguments.withList([&](va_list list) {
+                unsigned long none = 0; // a list serves the retry too
+                KTvFormatStringWithPassThru(nullptr, m_options.tag, m_options.table, m_options.passThru, &none, nullptr,
+                                            m_format.data(), list);
                 return KTvFormatStringWithPassThru(nullptr, m_options.tag, m_options.table, m_options.passThru, size,
                                                    out, m_format.data(), list);
             });

@@ -1,5 +1,6 @@
 // The formatters by themselves, as a table of a program's own may call them.
 
+#include "format/formatters/distinguished_name.h"
 #include "format/started_test.h"
 #include "support/arguments.h"
 #include "support/fake_zel.h"
@@ -10,7 +11,7 @@ namespace
 
 using Formatters = StartedTest;
 
-/** One call of a formatter, with the first of some arguments; an unlucky one has no memory. */
+/** One call of a formatter, with one argument. */
 struct Call
 {
     KTFormatFunction formatter;
@@ -22,8 +23,12 @@ struct Call
     int into(Guarded<UCS2> &out, unsigned long &size) const
     {
         Arguments arguments(argument);
+        return from(*arguments.pointers(), out, size);
+    }
+    int from(void *slot, Guarded<UCS2> &out, unsigned long &size) const
+    {
         size = out.capacity();
-        return formatter(name, width, precision, flags, nullptr, nullptr, arguments.pointers(), &size, out.data());
+        return formatter(name, width, precision, flags, nullptr, nullptr, &slot, &size, out.data());
     }
 };
 
@@ -69,32 +74,59 @@ TEST_F(Formatters, NeedAUnitBeyondTheirTextAndWriteNothingBehindIt)
         expectRoomToMatter(call, true);
 }
 
-TEST_F(Formatters, ReportWhatTheyLackAndTakeMemoryOnlyForLongNumbers)
+TEST_F(Formatters, ReportWhatTheyLackAndTakeMemoryOnlyForLongNumbersThatFit)
 {
     struct
     {
         Call call;
+        unsigned long room;
         bool hasMemory;
         int result;
         unsigned long size, blocks;
-    } const rows[] = {{{formatIP, "IP", "\"::1\""}, true, 0, 0, 0},
-                      {{formatDateTime, "D", "\"abc\""}, true, KT_ERR_INVALID_PARAMETER, 0, 0},
-                      {{formatUTF8Str, "s", "\"abc\""}, false, KT_ERR_NO_MEMORY, 400, 1},
-                      {{formatDouble, "f", "1.0e290"}, false, 0, 298, 0},
-                      {{formatDouble, "f", "1.0e300"}, true, 0, 308, 1},
-                      {{formatDouble, "f", "1.0e300"}, false, KT_ERR_NO_MEMORY, 400, 1}};
+    } const rows[] = {{{formatIP, "IP", "\"::1\""}, 0, true, 0, 0, 0},
+                      {{formatDateTime, "D", "\"abc\""}, 9, true, KT_ERR_INVALID_PARAMETER, 0, 0},
+                      {{formatUTF8Str, "s", "\"abc\""}, 9, false, KT_ERR_NO_MEMORY, 9, 1},
+                      {{formatDouble, "f", "1.0e290"}, 400, false, 0, 298, 0},
+                      {{formatDouble, "f", "1.0e300"}, 400, true, 0, 308, 1},
+                      {{formatDouble, "f", "1.0e300"}, 400, false, KT_ERR_NO_MEMORY, 400, 1},
+                      {{formatDouble, "f", "1.0e300"}, 10, false, KT_ERR_BUFFER_TOO_SMALL, 308, 0}};
     for (const auto &row : rows)
     {
         FakeZel::reset();
         FakeZel::record();
         if (!row.hasMemory)
             FakeZel::fail(Operation::Malloc);
-        Guarded<UCS2> out(400);
+        Guarded<UCS2> out(row.room);
         unsigned long size = 0;
         EXPECT_EQ(row.call.into(out, size), row.result) << row.call.name;
         EXPECT_EQ(size, row.size) << row.call.name;
         EXPECT_EQ(FakeZel::count(Operation::Malloc), row.blocks) << row.call.name;
     }
+}
+
+TEST_F(Formatters, ReadASourceThatLiesInTheOutputAsIfItLayElsewhere)
+{
+    const std::string source = "CN=ab,OU=c";
+    for (const Call &call : {Call{formatUCS2Str, "U", "", 0, "   CN=ab,OU=c", 13},
+                             {formatUCS2Str, "U", "", FLAG_MINUS | FLAG_ZERO, "CN=ab,OU=c000", 13},
+                             {formatUCS2Str, "U", "", 0, "   CN=a", 7, 4},
+                             {formatDN, "DND", "", 0, "ab.c"},
+                             {formatDN, "DNS", "", FLAG_TAG, "<DN>c/ab</DN>"}})
+        for (size_t place = 0; place <= 20; ++place)
+        {
+            SCOPED_TRACE(call.text + " from " + std::to_string(place));
+            Guarded<UCS2> out(40);
+            std::copy_n(source.c_str(), source.size() + 1, out.data() + place);
+            unsigned long size = 0;
+            ASSERT_EQ(call.from(out.data() + place, out, size), 0);
+            EXPECT_EQ(std::string(out.data(), out.data() + size), call.text);
+        }
+    UCS2 name[302] = u"a/b";
+    FakeZel::fail(Operation::Malloc);
+    EXPECT_EQ(_formatDN(name, CONV_DND, name), 0);
+    EXPECT_EQ(std::u16string(name), u"b.a");
+    std::fill_n(name, 300, u'/');
+    EXPECT_EQ(_formatDN(name, CONV_DNS, name), KT_ERR_NO_MEMORY) << "a long one needs a copy";
 }
 
 } // namespace
