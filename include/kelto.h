@@ -153,9 +153,10 @@ typedef struct MessageTable MessageTable;
  *               changed.
  * @param table  out: the handle. Untouched by failures before the file's structure was accepted, null after later ones.
  * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_FILE_UNAVAILABLE, KT_ERR_FILE_NOT_OPENED; KT_ERR_BAD_MSG_FILE, also where
- *         two messages have one ID or the file changes in length or structure while it is read; KT_ERR_NO_MEMORY, also for a message of more
- *         than INT_MAX bytes; -1 when no XML parser can be created; or the platform's own negative value for a file
- *         that cannot be read. The table is not loaded then, and nothing is left to release.
+ *         two messages have one ID, the file changes in length or structure while it is read, or makes more work than
+ *         docs/security.md allows; KT_ERR_NO_MEMORY, also for a message of more than INT_MAX bytes; -1 when no XML
+ *         parser can be created; or the platform's own negative value for a file that cannot be read. The table is not
+ *         loaded then, and nothing is left to release.
  *
  *     MessageTable *table;
  *     char path[] = "messages.xlf";
@@ -200,8 +201,9 @@ int KTMsgLen(const char *message);
 const char *KTMsgCpy(const char *source, char *destination);
 
 /**
- * Reads the product version that a message file declares. Nothing is loaded: the file is read up to the end of the 300
- * bytes in which its first "file" element begins, and is not checked beyond being well-formed so far.
+ * Reads the product version that a message file declares. Nothing is loaded: the file is read in pieces of 300 bytes up
+ * to the one in which the tag of its first "file" element ends, and is not checked beyond being well-formed so far. (The
+ * pieces grow only where tags or comments of more than 36 kB would make reading on like this quadratic.)
  * @param path     as in KTLoadMessages().
  * @param version  out: room for 20 bytes. The version in UTF-8, at most 19 bytes and a zero byte; the empty text on
  *                 every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.

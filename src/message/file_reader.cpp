@@ -2,28 +2,63 @@
 
 #include "kelto.h"
 
+#include <algorithm>
 #include <new>
+
+// What not every version of expat has; null where it is missing.
+extern "C" {
+__attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
+__attribute__((weak)) XML_Bool XML_SetBillionLaughsAttackProtectionActivationThreshold(XML_Parser parser,
+                                                                                       unsigned long long bytes);
+}
 
 namespace
 {
 
 constexpr unsigned long chunkBytes = 300;
 
-// A parser may read what it holds of an unfinished token (a tag, a comment) anew with every call. One of this size and more
-// is fed in steps that double, so that the work stays in proportion to its length.
-constexpr uint64_t shortToken = 4096;
+// A parser reads what it holds of an unfinished token (a tag, a comment) anew with every call. Chunk by chunk, that is
+// quadratic in the length of the token, so it may come to this much; no plausible file does.
+constexpr uint64_t unquestionedRereading = uint64_t{1} << 20;
+constexpr uint64_t mostRereading = 32; // for each byte read
 
-// A token that would need a longer step is refused.
-constexpr uint64_t longestStep = uint64_t{16} << 20;
+// A longer token is refused, since the parser holds it as a whole.
+constexpr uint64_t longestToken = uint64_t{24} << 20;
 
-/** The bytes to read for the next call of a parser that has been given `fed`: a chunk, or as many as are unfinished. */
-uint64_t nextStep(const kelto::Parser &parser, uint64_t fed)
+constexpr uint64_t wholeChunks(uint64_t bytes)
 {
-    const XML_Index event = XML_GetCurrentByteIndex(parser.get());
-    const uint64_t unfinished =
-        event >= 0 && static_cast<uint64_t>(event) < fed ? fed - static_cast<uint64_t>(event) : 0;
-    return unfinished < shortToken ? chunkBytes : (unfinished + chunkBytes - 1) / chunkBytes * chunkBytes;
+    return (bytes + chunkBytes - 1) / chunkBytes * chunkBytes;
 }
+
+/** How much to read before each call of the parser. */
+class Steps
+{
+public:
+    explicit Steps(const kelto::Parser &parser) : m_parser(parser) {}
+
+    /** The bytes of the next step, when the parser has been given `fed`; 0 where a token is too long. */
+    uint64_t next(uint64_t fed)
+    {
+        const uint64_t unfinished = unfinishedBytes(fed);
+        if (unfinished > longestToken)
+            return 0;
+        m_reread += unfinished;
+        if (m_reread <= unquestionedRereading + mostRereading * fed)
+            return chunkBytes;
+        return wholeChunks(std::min(unfinished, longestToken + 1 - unfinished));
+    }
+
+private:
+    /** What the parser holds of a token whose end it has not seen. */
+    uint64_t unfinishedBytes(uint64_t fed) const
+    {
+        const XML_Index event = XML_GetCurrentByteIndex(m_parser.get());
+        return event >= 0 && static_cast<uint64_t>(event) < fed ? fed - static_cast<uint64_t>(event) : 0;
+    }
+
+    const kelto::Parser &m_parser;
+    uint64_t m_reread = 0;
+};
 
 /** Bytes read and not yet parsed. */
 struct Step
@@ -66,12 +101,28 @@ int kelto::openMessageFile(File &file, const char *path) noexcept
     }
 }
 
-int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, uint64_t), void *state) noexcept
+bool kelto::Parser::create() noexcept
+{
+    m_parser.reset();
+    m_parser.reset(XML_ParserCreate(nullptr));
+    if (m_parser == nullptr)
+        return false;
+    // A parser that puts off the end of a token would report it with a later chunk than others do.
+    if (XML_SetReparseDeferralEnabled != nullptr)
+        XML_SetReparseDeferralEnabled(get(), XML_FALSE);
+    if (XML_SetBillionLaughsAttackProtectionActivationThreshold != nullptr)
+        XML_SetBillionLaughsAttackProtectionActivationThreshold(get(), XmlLimits::unquestionedBytes);
+    return true;
+}
+
+int kelto::parseFile(File &file, const Parser &parser, XmlLimits &limits, bool (*isDone)(const void *),
+                     const void *state) noexcept
 {
     char chunk[chunkBytes];
+    Steps steps(parser);
     uint64_t offset = 0;
     uint64_t wanted = chunkBytes;
-    for (;;)
+    while (wanted != 0)
     {
         std::unique_ptr<char[]> longStep;
         if (wanted > chunkBytes)
@@ -82,12 +133,12 @@ int kelto::parseFile(File &file, const Parser &parser, bool (*isDone)(void *, ui
         Step step = {longStep != nullptr ? longStep.get() : chunk};
         if (const int result = readStep(file, offset, wanted, step))
             return result;
+        limits.setBytesRead(offset);
         if (XML_Parse(parser.get(), step.bytes, static_cast<int>(step.length), step.isFinal) != XML_STATUS_OK)
             return KT_ERR_BAD_MSG_FILE;
-        if (isDone(state, offset) || step.isFinal)
+        if (isDone(state) || step.isFinal)
             return 0;
-        wanted = nextStep(parser, offset);
-        if (wanted > longestStep)
-            return KT_ERR_BAD_MSG_FILE;
+        wanted = steps.next(offset);
     }
+    return KT_ERR_BAD_MSG_FILE;
 }

@@ -2,6 +2,7 @@
 
 #include "kelto.h"
 #include "lifecycle/state.h"
+#include "message/file_reader.h"
 #include "message/structure.h"
 
 namespace
@@ -9,19 +10,37 @@ namespace
 
 constexpr size_t maxVersionBytes = 19;
 
-int queryVersion(const char *path, VersionQueryState &state)
+/** The handler's state, and in front of the handler the limits of a document. */
+struct GuardedQuery
+{
+    VersionQueryState query;
+    kelto::XmlLimits limits = {};
+};
+
+void guardStart(void *state, const char *name, const char **attrs)
+{
+    if (static_cast<GuardedQuery *>(state)->limits.addElement(kelto::findElement(name), attrs))
+        startElement(state, name, attrs);
+}
+
+bool isDone(const void *state)
+{
+    return static_cast<const GuardedQuery *>(state)->query.done;
+}
+
+int queryVersion(const char *path, char *version)
 {
     kelto::File file;
     int result = kelto::openMessageFile(file, path);
     if (result != 0)
         return result;
+    GuardedQuery guard = {{false, version}};
     kelto::Parser parser;
-    if (!parser.restart(&state))
+    if (!parser.restart(&guard))
         return -1;
-    XML_SetElementHandler(parser.get(), startElement, nullptr);
-    const auto isDone = [](void *query, uint64_t) { return static_cast<VersionQueryState *>(query)->done; };
-    result = kelto::parseFile(file, parser, isDone, &state);
-    return result == 0 && *state.version == '\0' ? KT_ERR_BAD_MSG_FILE : result;
+    XML_SetElementHandler(parser.get(), guardStart, nullptr);
+    result = kelto::parseFile(file, parser, guard.limits, isDone, &guard);
+    return result == 0 && *version == '\0' ? KT_ERR_BAD_MSG_FILE : result;
 }
 
 } // namespace
@@ -43,8 +62,7 @@ int KTGetMsgFileVer(char *path, char *version)
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
     *version = '\0';
-    VersionQueryState state = {false, version};
-    const int result = queryVersion(path, state);
+    const int result = queryVersion(path, version);
     if (result != 0)
         *version = '\0'; // the file may have turned out malformed behind the version
     return result;

@@ -5,21 +5,18 @@
 #ifndef KELTO_MESSAGE_FILE_VERSION_H
 #define KELTO_MESSAGE_FILE_VERSION_H
 
-#include "message/file_reader.h"
-
 struct VersionQueryState
 {
     bool done;     /**< a "file" element was seen */
     char *version; /**< the caller's buffer of 20 bytes */
-    kelto::Declarations declarations = {};
 };
 
 extern "C" {
 #pragma GCC visibility push(default)
 
 /**
- * The start-element handler; `state` is a VersionQueryState. Copies the version of the first "file" element where it has
- * at most 19 bytes.
+ * The start-element handler; `state` is a VersionQueryState. Copies the version of the first "file" element where it
+ * has at most 19 bytes.
  */
 void startElement(void *state, const char *name, const char **attrs);
 

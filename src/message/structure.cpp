@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <iterator>
 
-const ElementMapRow elmtMapTable[11] = {
+constexpr ElementMapRow elmtMapTable[11] = {
     {"trans-unit", ELM_TRANS_UNIT, 3},
     {"source", ELM_SOURCE, 4},
     {"x", ELM_X, 5},
@@ -21,8 +21,23 @@ const ElementMapRow elmtMapTable[11] = {
 namespace
 {
 
-constexpr size_t unknownRow = std::size(elmtMapTable) - 1;
-constexpr size_t longestName = 13; // of all rows
+constexpr size_t unknownRow = kelto::elementRows - 1;
+
+/** The length of the longest name of all rows. */
+constexpr size_t lengthOf(const char *name)
+{
+    size_t length = 0;
+    while (name[length] != '\0')
+        ++length;
+    return length;
+}
+
+constexpr size_t longestName = [] {
+    size_t longest = 0;
+    for (size_t i = 0; i < unknownRow; ++i)
+        longest = lengthOf(elmtMapTable[i].name) > longest ? lengthOf(elmtMapTable[i].name) : longest;
+    return longest;
+}();
 
 // Unrolled, the two loops below become a tree of comparisons with constants. It is asked twice for each element in each
 // pass, always for a short name that was written just now, which strcmp() takes longer to compare.
@@ -94,30 +109,28 @@ int parseId(const char *text)
 
 } // namespace
 
-bool kelto::readFileAttributes(const char **attrs, FileAttributes *file) noexcept
+kelto::FileAttributes kelto::readFileAttributes(const char **attrs) noexcept
 {
     const char *const language = getAttrValue(attrs, "source-language");
-    const size_t length = language != nullptr ? std::strlen(language) : 0;
-    *file = {language, length == 5, filledAttribute(attrs, "product-name"), filledAttribute(attrs, "product-version")};
-    return (length == 2 || length == 5) && file->productName != nullptr && file->productVersion != nullptr;
+    return {language, language != nullptr ? std::strlen(language) : 0, getAttrValue(attrs, "product-name"),
+            getAttrValue(attrs, "product-version")};
 }
 
 // An empty "ts" is not passed over in favour of "id".
+const char *kelto::findMessageId(const char **attrs) noexcept
+{
+    const char *const digits = getAttrValue(attrs, "ts");
+    return digits != nullptr ? digits : getAttrValue(attrs, "id");
+}
+
 int kelto::readMessageId(const char **attrs) noexcept
 {
-    const char *digits = getAttrValue(attrs, "ts");
-    if (digits == nullptr)
-        digits = getAttrValue(attrs, "id");
+    const char *const digits = findMessageId(attrs);
     const int id = digits != nullptr ? parseId(digits) : 0;
     return id > 0 ? id : 0;
 }
 
-bool kelto::readPlaceholder(const char **attrs, Placeholder *placeholder) noexcept
+kelto::Placeholder kelto::readPlaceholder(const char **attrs) noexcept
 {
-    const char *const text = filledAttribute(attrs, "ts");
-    const char *const position = filledAttribute(attrs, "id");
-    if (text == nullptr || position == nullptr)
-        return false;
-    *placeholder = {text, position, std::strlen(text), std::strlen(position)};
-    return true;
+    return {filledAttribute(attrs, "ts"), filledAttribute(attrs, "id")};
 }

@@ -1,7 +1,7 @@
 /**
  * The shape of a message file: its element names, the nesting level at which each may start, and access to attributes.
- * Both passes of the loader ask here, and take an element's attributes apart through the same three functions, so that
- * they cannot disagree on what a file says.
+ * Both passes of the loader ask here, and take an element's attributes apart through the same functions, so that they
+ * cannot disagree on what a file says.
  */
 #ifndef KELTO_MESSAGE_STRUCTURE_H
 #define KELTO_MESSAGE_STRUCTURE_H
@@ -56,6 +56,8 @@ const char *getAttrValue(const char **attrs, const char *name);
 namespace kelto
 {
 
+constexpr size_t elementRows = sizeof elmtMapTable / sizeof *elmtMapTable;
+
 inline bool equalNames(const char *a, const char *b) noexcept
 {
     return *a == *b && std::strcmp(a, b) == 0;
@@ -64,33 +66,45 @@ inline bool equalNames(const char *a, const char *b) noexcept
 /** The row of an element: mapElmtName() for callers inside the library. */
 const ElementMapRow &findElement(const char *name) noexcept;
 
-/** What a "file" element says; the texts are the parser's. */
+/** What a "file" element says; the texts are the parser's, null where an attribute is missing. */
 struct FileAttributes
 {
-    const char *language;    /**< two letters, or two, a separator and two for the country */
-    bool namesCountry;       /**< the latter */
-    const char *productName; /**< not empty, like the version */
+    const char *language; /**< two letters, or two, a separator and two for the country */
+    size_t languageLength;
+    const char *productName;
     const char *productVersion;
+
+    bool areThere() const noexcept
+    {
+        return language != nullptr && productName != nullptr && productVersion != nullptr;
+    }
+    bool namesCountry() const noexcept { return languageLength == 5; }
+    /** Whether a message file may say so: the language has its shape, and neither product text is empty. */
+    bool areAccepted() const noexcept
+    {
+        return areThere() && (languageLength == 2 || namesCountry()) && *productName != '\0' && *productVersion != '\0';
+    }
 };
 
-/** What an "x" element says, neither text empty. */
+/** What an "x" element says; the texts are the parser's, null where an attribute is missing or empty. */
 struct Placeholder
 {
     const char *text, *position;
-    size_t textLength, positionLength;
 
-    /** The bytes that the placeholder adds to its message. */
-    size_t size(bool raw) const noexcept { return raw ? textLength : textLength + positionLength + 2; }
+    bool isAccepted() const noexcept { return text != nullptr && position != nullptr; }
 };
 
-/** Takes a "file" element apart; false when an attribute is missing or out of shape. */
-bool readFileAttributes(const char **attrs, FileAttributes *file) noexcept;
+/** Takes a "file" element apart. */
+FileAttributes readFileAttributes(const char **attrs) noexcept;
+
+/** The digits of a "trans-unit", null where it has none; they may be no number. */
+const char *findMessageId(const char **attrs) noexcept;
 
 /** The message ID of a "trans-unit", at least 1; 0 when there is none. */
 int readMessageId(const char **attrs) noexcept;
 
-/** Takes an "x" element apart; false when an attribute is missing or empty. */
-bool readPlaceholder(const char **attrs, Placeholder *placeholder) noexcept;
+/** Takes an "x" element apart. */
+Placeholder readPlaceholder(const char **attrs) noexcept;
 
 } // namespace kelto
 

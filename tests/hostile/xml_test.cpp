@@ -1,4 +1,4 @@
-// The known ways to hurt an XML parser, or the program behind it, with a document.
+// The known ways to hurt an XML parser, or the program behind it, with a document; and what only looks like one.
 
 #include "message/loading.h"
 
@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 #include <expat.h>
 #include <fstream>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace
@@ -16,9 +17,23 @@ class HostileXml : public MessageTest
 {
 };
 
-std::string withDeclarations(const std::string &declarations, const std::string &source)
+struct Row
 {
-    return "<!DOCTYPE xliff [" + declarations + "]>" + MessageFile().declaration("").unit(1, source).xml();
+    const char *label;
+    std::string xml;
+    Loaded expected;
+};
+
+const Loaded loadedA = loaded("#1: 1=\"a\"");
+
+void expectLoads(const std::vector<Row> &rows)
+{
+    for (const Row &row : rows)
+    {
+        SCOPED_TRACE(row.label);
+        EXPECT_EQ(load(row.xml), row.expected);
+        EXPECT_TRUE(row.expected.result == 0 || blockSizes().empty()) << "refused before memory is taken for it";
+    }
 }
 
 std::string number(size_t value)
@@ -40,6 +55,30 @@ std::string repeated(const std::string &text, size_t n)
     return repeat(n, [&](size_t) { return text; });
 }
 
+std::string entity(const std::string &name, const std::string &value)
+{
+    return "<!ENTITY " + name + " '" + value + "'>";
+}
+
+std::string withDeclarations(const std::string &declarations, const MessageFile &file)
+{
+    return "<!DOCTYPE xliff [" + declarations + "]>" + MessageFile(file).declaration("").xml();
+}
+
+std::string withDeclarations(const std::string &declarations, const std::string &source)
+{
+    return withDeclarations(declarations, MessageFile().unit(1, source));
+}
+
+/** e1 refers to e0, e2 to e1 and so on; declared from one end or from the other. */
+std::string chain(size_t n, bool upwards)
+{
+    return entity("e0", "end") + repeat(n, [&](size_t i) {
+               const size_t k = upwards ? i + 1 : n - i;
+               return entity("e" + number(k), "&e" + number(k - 1) + ";");
+           });
+}
+
 int version(const std::string &xml)
 {
     FakeZel::file(memoryPath, xml);
@@ -49,188 +88,166 @@ int version(const std::string &xml)
 
 // ---- Entities ----
 
-TEST_F(HostileXml, RefusesEntitiesThatExplode)
+TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
 {
-    const auto doubling = repeat(
-        40, [](size_t i) { return "<!ENTITY e" + number(i + 1) + " '&e" + number(i) + ";&e" + number(i) + ";'>"; });
-    struct Row
-    {
-        const char *label;
-        std::string xml;
-    };
-    const std::string longEntity = "<!ENTITY e '" + std::string(100000, 'x') + "'>";
-    for (const Row &row : {
-             Row{"nested", withDeclarations("<!ENTITY e0 'lol'>" + doubling, "&e40;")},
-             Row{"nested in an attribute",
-                 withDeclarations("<!ENTITY e0 'lol'>" + doubling, placeholder("%s", "1") + "<x ts='&e40;' id='1'/>")},
-             Row{"quadratic", withDeclarations(longEntity, repeated("&e;", 10000))},
-             Row{"quadratic by placeholders in an entity",
-                 withDeclarations("<!ENTITY e '" + repeated("<x ts=\"" + std::string(300, 'x') + "\" id=\"1\"/>", 300) +
-                                      "'>",
-                                  repeated("&e;", 30000))},
-             Row{"itself", withDeclarations("<!ENTITY e '&f;'><!ENTITY f '&e;'>", "&e;")},
-         })
-    {
-        SCOPED_TRACE(row.label);
-        EXPECT_EQ(load(row.xml), refused());
-        EXPECT_TRUE(blockSizes().empty()) << "refused before memory is taken for it";
-    }
-    EXPECT_EQ(load(withDeclarations("<!ENTITY e 'lol'>", repeated("&e;", 1000))),
-              loaded("#1: 1=\"" + repeated("lol", 1000) + "\""));
+    const auto doubling = entity("e0", "lol") + repeat(40, [](size_t i) {
+                              return entity("e" + number(i + 1), repeated("&e" + number(i) + ";", 2));
+                          });
+    const std::string longEntity = entity("e", std::string(100000, 'x'));
+    const std::string placeholders = repeated("<x ts=\"" + std::string(300, 'x') + "\" id=\"1\"/>", 300);
+    expectLoads({
+        {"nested", withDeclarations(doubling, "&e40;"), refused()},
+        {"nested in an attribute", withDeclarations(doubling, "<x ts='&e40;' id='1'/>"), refused()},
+        {"quadratic", withDeclarations(longEntity, repeated("&e;", 10000)), refused()},
+        {"by placeholders", withDeclarations(entity("e", placeholders), repeated("&e;", 30000)), refused()},
+        {"itself", withDeclarations(entity("e", "&f;") + entity("f", "&e;"), "a"), refused()},
+        {"9 MB of text", withDeclarations(longEntity, repeated("&e;", 90)),
+         loaded("#1: 1=\"" + std::string(9000000, 'x') + "\"")},
+        {"references to no other entity",
+         withDeclarations(repeat(5000, [](size_t i) { return entity("e" + number(i), "&amp;&#38;lt;"); }), "&e7;"),
+         loaded("#1: 1=\"&<\"")},
+        {"5,000 that are flat",
+         withDeclarations(repeat(5000, [](size_t i) { return entity("e" + number(i), "&f;[&f;"); }) + entity("f", "a"),
+                          "&e7;"),
+         loaded("#1: 1=\"a[a\"")},
+        {"many that have to be followed again and again",
+         withDeclarations(repeat(20000, [](size_t i) { return entity("e" + number(i), "&f0;"); }) +
+                              repeat(90, [](size_t i) { return entity("f" + number(i), "&f" + number(i + 1) + ";"); }),
+                          "a"),
+         refused()},
+    });
 }
 
 // Each step of the chain costs the parser stack: 30,000 of them end a process that has 8 MiB.
 TEST_F(HostileXml, RefusesChainsOfEntitiesThatWouldExhaustTheStack)
 {
-    const auto chain = [](size_t n) {
-        return repeat(n, [&](size_t i) {
-            return std::string("<!ENTITY e") + number(i) + " '&e" + number(i == 0 ? n : i - 1) + ";'>";
-        });
-    };
-    constexpr size_t many = 100000, few = 90;
-    for (const auto &[n, result] : {std::pair{many, int{KT_ERR_BAD_MSG_FILE}}, {few, 0}})
-    {
-        const std::string last = "e" + number(n - 1) + ";";
-        const std::string declarations = "<!ENTITY e" + number(n) + " 'end'>" + chain(n);
-        for (const std::string &xml : {withDeclarations(declarations, "&" + last),
-                                       withDeclarations(declarations, "<x ts='&" + last + "' id='1'/>")})
-        {
-            EXPECT_EQ(load(xml).result, result) << n;
-            EXPECT_EQ(version(xml), result) << n;
-        }
-    }
-    EXPECT_EQ(load(withDeclarations("<!--" + std::string(100000, ' ') + "-->" + "<!ENTITY e100000 'end'>" + chain(many),
-                                    "&e99999;")),
-              refused())
-        << "behind a token that parsers hold back until it is complete";
+    for (const auto &[n, result] : {std::pair<size_t, int>{100000, KT_ERR_BAD_MSG_FILE}, {100, 0}})
+        for (const bool upwards : {true, false})
+            for (const char *source : {"&eN;", "<x ts='&eN;' id='1'/>"})
+            {
+                std::string used = source;
+                const std::string xml = withDeclarations(chain(n, upwards), used.replace(used.find('N'), 1, number(n)));
+                EXPECT_EQ(load(xml).result, result) << n << source;
+                EXPECT_EQ(version(xml), result) << n << source;
+            }
+    EXPECT_EQ(load(withDeclarations("<!--" + std::string(100000, ' ') + "-->" + chain(100000, true), "a")), refused())
+        << "behind a token that is read in long steps";
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need stack themselves
+
+TEST_F(HostileXml, ExpandsNoMoreThanTheStackOfAThreadBears)
+{
+    const auto run = [](void *) -> void * {
+        MessageTable *table = nullptr;
+        return reinterpret_cast<void *>(intptr_t{KTLoadMessages(memoryPath, &table)});
+    };
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 40 * 1024), 0);
+    std::string results;
+    for (size_t n = 10; n <= 100; n += 10)
+    {
+        FakeZel::file(memoryPath, withDeclarations(chain(n, true), "&e" + number(n) + ";"));
+        pthread_t thread;
+        void *result = nullptr;
+        ASSERT_EQ(pthread_create(&thread, &attributes, run, nullptr), 0);
+        pthread_join(thread, &result);
+        results += result == nullptr ? "loaded " : "refused ";
+    }
+    pthread_attr_destroy(&attributes);
+    EXPECT_EQ(results.find("loaded loaded loaded "), 0u) << results;
+    EXPECT_NE(results.find(" refused refused refused "), results.npos) << results;
+}
+
+#endif
 
 TEST_F(HostileXml, ReadsNoExternalEntityFromAnywhere)
 {
     const std::string secretPath = testing::TempDir() + "kelto-secret-" + number(static_cast<size_t>(getpid()));
     std::ofstream(secretPath) << "<!ENTITY e 'secret'>";
-    const std::string url = "file://" + secretPath;
-    const std::string external = "<!ENTITY e SYSTEM '" + url + "'>";
-    struct Row
-    {
-        const char *label;
-        std::string xml, message;
-    };
-    for (const Row &row : {
-             Row{"general, by URL", withDeclarations(external, "a&e;b"), "ab"},
-             Row{"general, by path", withDeclarations("<!ENTITY e SYSTEM '" + secretPath + "'>", "a&e;b"), "ab"},
-             Row{"general, public", withDeclarations("<!ENTITY e PUBLIC 'p' '" + url + "'>", "a&e;b"), "ab"},
-             Row{"parameter", withDeclarations("<!ENTITY % p SYSTEM '" + url + "'>%p;", "a&e;b"), "ab"},
-             Row{"document type",
-                 "<!DOCTYPE xliff SYSTEM '" + url + "'>" + MessageFile().declaration("").unit(1, "a&e;b").xml(), "ab"},
-         })
-    {
-        SCOPED_TRACE(row.label);
-        EXPECT_EQ(load(row.xml), loaded("#1: 1=\"" + row.message + "\""));
-        EXPECT_EQ(FakeZel::count(Operation::FileOpen), 1u) << "the message file alone";
-    }
-    EXPECT_EQ(load(withDeclarations(external, "<x ts='&e;' id='1'/>")), refused()) << "in an attribute";
+    const std::string url = "'file://" + secretPath + "'";
+    const std::string external = "<!ENTITY e SYSTEM '" + secretPath + "'>";
+    const Loaded withoutIt = loaded("#1: 1=\"ab\"");
+    expectLoads({
+        {"general, by path", withDeclarations(external, "a&e;b"), withoutIt},
+        {"general, public", withDeclarations("<!ENTITY e PUBLIC 'p' " + url + ">", "a&e;b"), withoutIt},
+        {"parameter", withDeclarations("<!ENTITY % p SYSTEM " + url + ">%p;", "a&e;b"), withoutIt},
+        {"document type", "<!DOCTYPE xliff SYSTEM " + url + ">" + MessageFile().declaration("").unit(1, "a&e;b").xml(),
+         withoutIt},
+        {"in an attribute", withDeclarations(external, "<x ts='&e;' id='1'/>"), refused()},
+    });
+    EXPECT_EQ(FakeZel::count(Operation::FileOpen), 1u) << "the message file alone";
     EXPECT_EQ(std::remove(secretPath.c_str()), 0);
 }
 
-// ---- Attributes ----
+// ---- Attributes, depth, encodings ----
 
-TEST_F(HostileXml, TakesDefaultAttributesAndLimitsThem)
+std::string attributes(const std::string &element, size_t n, const std::string &rest = " CDATA 'v'")
 {
-    const std::string unit = "<trans-unit><source>a<x id='1'/></source></trans-unit>";
-    const auto withBody = [](const std::string &declarations, const std::string &body) {
-        return "<!DOCTYPE xliff [" + declarations + "]>" + MessageFile().declaration("").body(body).xml();
-    };
-    EXPECT_EQ(load(withBody("<!ATTLIST trans-unit id CDATA '9'><!ATTLIST x ts CDATA '%s'>", unit)),
-              loaded("#9: 9=\"a%s[1]\""));
+    return "<!ATTLIST " + element + repeat(n, [&](size_t i) { return " a" + number(i) + rest; }) + ">";
+}
 
-    const auto attributes = [](size_t n) {
-        return repeat(n, [](size_t i) { return " a" + number(i) + " CDATA 'v'"; });
-    };
-    EXPECT_EQ(load(withBody("<!ATTLIST note" + attributes(200) + ">", "")).result, 0);
-    EXPECT_EQ(load(withBody("<!ATTLIST note" + attributes(5000) + ">", "")), refused())
-        << "each would be given to each element";
-
+TEST_F(HostileXml, TakesDeclaredAttributesAsLongAsTheyCostLittle)
+{
+    const MessageFile a = MessageFile().unit(1, "a");
+    const auto notes = [](size_t n) { return MessageFile().unit(1, "a", repeated("<note/>", n)); };
+    const auto units = [](size_t n) { return repeated("<x id='1'/>", n); };
     const std::string longText = "<!ATTLIST x ts CDATA '" + std::string(20000, 'x') + "'>";
-    const auto units = [](size_t n) {
-        return "<trans-unit id='1'><source>" + repeated("<x id='1'/>", n) + "</source></trans-unit>";
-    };
-    EXPECT_EQ(load(withBody(longText, units(100))).result, 0) << "2 MB of text";
-    EXPECT_EQ(load(withBody(longText, units(5000))), refused()) << "100 MB of text in a file of 75 KB";
-    EXPECT_TRUE(blockSizes().empty()) << "refused before memory is taken for it";
+    const std::string longId = "<!ATTLIST trans-unit id CDATA '" + std::string(1000000, '0') + "1'>";
+    expectLoads({
+        {"defaults",
+         withDeclarations("<!ATTLIST trans-unit id CDATA '9'><!ATTLIST x ts CDATA '%s'>",
+                          MessageFile().unit("", "a<x id='1'/>")),
+         loaded("#9: 9=\"a%s[1]\"")},
+        {"16,000 of an element", withDeclarations(attributes("note", 16000), notes(10)), loadedA},
+        {"30,000 of one", withDeclarations(attributes("note", 30000), a), refused()},
+        {"30,000 of two", withDeclarations(attributes("note", 15000) + attributes("header", 15000), a), loadedA},
+        {"100,000 without a value", withDeclarations(attributes("note", 100000, " CDATA #IMPLIED"), a), loadedA},
+        {"given to many elements", withDeclarations(attributes("note", 2000), notes(100000)), refused()},
+        {"10 MB of text",
+         withDeclarations(longText, units(500)),
+         {0, loaded("#1: 1=\"").content + repeated(std::string(20000, 'x') + "[1]", 500) + "\""}},
+        {"100 MB of text", withDeclarations(longText, units(5000)), refused()},
+        {"long numbers",
+         withDeclarations(longId, MessageFile().body(repeated("<trans-unit><source/></trans-unit>", 400))), refused()},
+    });
+    EXPECT_EQ(version(withDeclarations(attributes("note", 30000), a)), KT_ERR_BAD_MSG_FILE);
+    FakeZel::file(memoryPath, withDeclarations("<!ATTLIST x id CDATA '" + std::string(1000000, '1') + "'>",
+                                               repeated("<x ts='a'/>", 1000)));
+    EXPECT_EQ(loadFile(true), loaded("#1: 1=\"" + std::string(1000, 'a') + "\"")) << "positions are not read";
+    const std::string many = repeat(16000, [](size_t i) { return " a" + number(i) + "='v'"; });
+    EXPECT_EQ(load(MessageFile().unit(many + " id='7'", "a").xml()), loaded("#7: 7=\"a\""));
 }
-
-TEST_F(HostileXml, Takes16000Attributes)
-{
-    const std::string attributes = repeat(16000, [](size_t i) { return " a" + number(i) + "='v'"; });
-    EXPECT_EQ(load(MessageFile().unit(attributes + " id='7'", "text").xml()), loaded("#7: 7=\"text\""));
-    EXPECT_EQ(load(MessageFile().unit(attributes + " a8000='v' id='7'", "text").xml()), refused())
-        << "one of them twice";
-}
-
-// ---- Depth ----
 
 TEST_F(HostileXml, Survives100000NestedElements)
 {
     constexpr size_t depth = 100000;
     const std::string inside = repeated("<note>", depth) + repeated("</note>", depth);
     EXPECT_EQ(load(MessageFile().unit(1, "a", inside).xml()), refused());
-    const std::string file = "<file product-version='1.2'>";
-    EXPECT_EQ(version(repeated("<a>", depth) + file), KT_ERR_BAD_MSG_FILE) << "no end of the document";
-    EXPECT_EQ(version(repeated("<a>", depth) + file + "</file>" + repeated("</a>", depth)), 0);
-    EXPECT_EQ(
-        load(withDeclarations("<!ELEMENT a " + std::string(depth, '(') + "b" + std::string(depth, ')') + ">", "a")),
-        loaded("#1: 1=\"a\""));
+    const std::string file = "<file product-version='1.2'/>";
+    EXPECT_EQ(version(repeated("<a>", depth) + file + repeated("</a>", depth)), 0);
 }
 
-// ---- Encodings ----
-
-TEST_F(HostileXml, RefusesMalformedText)
+TEST_F(HostileXml, RefusesMalformedTextAndEncodingsDeclaredFalsely)
 {
-    const auto utf16 = [](const std::u16string &inserted) {
-        std::u16string wide = u"\uFEFF";
-        for (const char c : MessageFile().declaration("").unit(1, "@").xml())
-            wide += c == '@' ? inserted : std::u16string(1, static_cast<char16_t>(c));
-        std::string bytes;
-        for (const char16_t unit : wide)
-            bytes += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-        return bytes;
+    const auto declaring = [](const std::string &encoding, const char *text) {
+        return MessageFile().declaration("<?xml version='1.0' encoding='" + encoding + "'?>").unit(1, text).xml();
     };
-    EXPECT_EQ(load(utf16(u"\U0001F600")), loaded("#1: 1=\"\xF0\x9F\x98\x80\""));
-    EXPECT_EQ(load(utf16(std::u16string(1, char16_t{0xD83D}))), refused()) << "half a pair";
-    EXPECT_EQ(load(utf16(std::u16string(1, char16_t{0xDE00}))), refused()) << "the other half";
-    EXPECT_EQ(load(utf16(u"a") + "x"), refused()) << "half a unit at the end";
-
-    for (const char *bytes : {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xC3", "\xE0\x80\x80", "\xE2\x82",
-                              "\xED\xA0\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80", "\xF0\x9F\x98",
-                              "\xF8\x88\x80\x80\x80", "\xFE", "\xFF", "\xEF\xBF\xBF"})
-        for (const std::string &xml :
-             {MessageFile().unit(1, bytes).xml(),
-              MessageFile().unit(1, "<x ts='" + std::string(bytes) + "' id='1'/>").xml(),
-              MessageFile().attribute("product-name", bytes).xml(), MessageFile().unit(1, "", note(bytes)).xml()})
-            EXPECT_EQ(load(xml), refused()) << xml;
-    for (const char *reference : {"&#xD800;", "&#xDFFF;", "&#xFFFE;", "&#x110000;", "&#99999999999;", "&#1;"})
-        EXPECT_EQ(load(MessageFile().unit(1, reference).xml()), refused()) << reference;
+    expectLoads({
+        {"no UTF-8", MessageFile().unit(1, "\xC3").xml(), refused()},
+        {"a surrogate", MessageFile().unit(1, "&#xD800;").xml(), refused()},
+        {"not the encoding of the file", declaring("UTF-16", "a"), refused()},
+        {"an encoding that nobody knows", declaring("none", "a"), refused()},
+    });
 }
 
-TEST_F(HostileXml, RefusesEncodingsDeclaredFalsely)
-{
-    const auto declaring = [](const char *encoding) {
-        return MessageFile().declaration("<?xml version='1.0' encoding='" + std::string(encoding) + "'?>");
-    };
-    for (const char *encoding : {"UTF-16", "UTF-16LE", "UTF-32", "none", "", "UTF-8\xFF"})
-        EXPECT_EQ(load(declaring(encoding).unit(1, "a").xml()), refused()) << encoding;
-    EXPECT_EQ(load(declaring("US-ASCII").unit(1, "\xC3\xA9").xml()), refused());
-    EXPECT_EQ(load("\xEF\xBB\xBF" + declaring("UTF-16").unit(1, "a").xml()), refused());
-    EXPECT_EQ(load(declaring("ISO-8859-1").unit(1, "\xC3\xA9").xml()), loaded("#1: 1=\"\xC3\x83\xC2\xA9\""))
-        << "every byte is a character there";
-}
-
-// ---- Work ----
+// ---- Long tokens ----
 
 /** Characters of two bytes that parsers have looked at. Theirs is an encoding of this test's own, which counts. */
 size_t charactersSeen = 0;
 bool isCounting = false;
+std::string deferrals; // as parsers were told
 
 int countCharacter(void *, const char *)
 {
@@ -246,55 +263,83 @@ int countingEncoding(void *, const XML_Char *, XML_Encoding *encoding)
     return XML_STATUS_OK;
 }
 
-/** How often characters were looked at while the document loaded. */
-size_t countWork(const std::string &xml)
+template <typename Function> Function *real(const char *name)
 {
-    isCounting = true;
-    charactersSeen = 0;
-    EXPECT_EQ(load(xml).result, 0);
-    isCounting = false;
-    return charactersSeen;
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
 }
 
 } // namespace
 
 extern "C" void XML_SetElementHandler(XML_Parser parser, XML_StartElementHandler start, XML_EndElementHandler end)
 {
-    static const auto real =
-        reinterpret_cast<decltype(&XML_SetElementHandler)>(dlsym(RTLD_NEXT, "XML_SetElementHandler"));
-    real(parser, start, end);
+    real<decltype(XML_SetElementHandler)>("XML_SetElementHandler")(parser, start, end);
     if (isCounting)
         XML_SetUnknownEncodingHandler(parser, countingEncoding, nullptr);
+}
+
+extern "C" XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled)
+{
+    deferrals += enabled == XML_FALSE ? "off " : "on ";
+    auto *const next = real<decltype(XML_SetReparseDeferralEnabled)>("XML_SetReparseDeferralEnabled");
+    return next != nullptr ? next(parser, enabled) : XML_TRUE;
 }
 
 namespace
 {
 
-TEST_F(HostileXml, RefusesATokenOfMoreThan32MiB)
+TEST_F(HostileXml, ReadsALongTokenAnewOnlyWithinABudget)
 {
-    EXPECT_EQ(load(MessageFile().declaration("<!--" + std::string(33 << 20, ' ') + "-->").unit(1, "a").xml()),
-              refused());
-    EXPECT_TRUE(blockSizes().empty());
+    constexpr size_t megabyte = 1000000;
+    for (const auto &[before, after] : {std::pair{"<!--", "-->"}, {"<note a='", "'/>"}, {"<note>", "</note>"}})
+    {
+        const std::string xml = MessageFile()
+                                    .declaration("<?xml version='1.0' encoding='counted'?>")
+                                    .unit(1, "", before + std::string(megabyte, '\xC3') + after)
+                                    .xml();
+        charactersSeen = 0;
+        isCounting = true;
+        EXPECT_EQ(load(xml).result, 0) << before;
+        isCounting = false;
+        EXPECT_LE(charactersSeen, 2 * 18 * megabyte) << before << ": 33 bytes each time, both passes together";
+    }
+    const auto comment = [](size_t mebibytes) {
+        return MessageFile().declaration("<!--" + std::string(mebibytes << 20, ' ') + "-->").unit(1, "a").xml();
+    };
+    expectLoads({{"16 MiB", comment(16), loadedA}, {"32 MiB", comment(32), refused()}});
 }
 
-TEST_F(HostileXml, ATokenOfAMegabyteIsNotReadAnewWithEveryChunk)
+TEST_F(HostileXml, HearsOfALongTokenInTheChunkOfItsEnd)
 {
-    const auto withToken = [](const std::string &before, size_t bytes, const std::string &after) {
-        return MessageFile()
-            .declaration("<?xml version='1.0' encoding='counted'?>")
-            .unit(1, "", before + std::string(bytes, '\xC3') + after)
-            .xml();
+    const std::string comment = "<!--" + std::string(5200, ' ') + "-->";
+    const MessageFile file = MessageFile().declaration(comment).header(std::string(600, ' ')).unit(40, "<fault>");
+    EXPECT_EQ(version(file.xml(7000)), 0) << "a licence, and a fault behind the version";
+    EXPECT_EQ(version(MessageFile(file).attribute("product-name", std::string(4500, 'n')).xml(12000)), 0);
+
+    // Chunks are counted from 1; the one behind the token's last cannot be read.
+    constexpr size_t chunkBytes = 300;
+    const auto failBehind = [](const std::string &xml, const std::string &token) {
+        FakeZel::file(memoryPath, xml);
+        FakeZel::clearFaults();
+        FakeZel::fail(Operation::FileRead,
+                      static_cast<unsigned>((xml.find(token) + token.size() - 1) / chunkBytes + 2));
     };
-    constexpr size_t megabyte = 1000000;
-    for (const auto &[before, after] : {std::pair{"<!--", "-->"},
-                                        {"<note a='", "'/>"},
-                                        {"<?p ", "?>"},
-                                        {"<note>", "</note>"},
-                                        {"<note><![CDATA[", "]]></note>"}})
+    for (size_t bytes = 5000; bytes < 40000; bytes += 7001)
     {
-        SCOPED_TRACE(before);
-        EXPECT_LE(countWork(withToken(before, megabyte, after)), 10 * megabyte) << "both passes together";
+        std::array<char, 20> text{};
+        failBehind(comment + "<xliff><file product-version='1.0' product-name='" + std::string(bytes, 'n') + "'>" +
+                       std::string(1000, ' '),
+                   "n'>");
+        EXPECT_EQ(KTGetMsgFileVer(memoryPath, text.data()), 0) << bytes;
+        failBehind(
+            MessageFile().unit(1, placeholder(std::string(bytes, 't'), "1"), "<bad/>" + std::string(1000, ' ')).xml(),
+            "<bad/>");
+        EXPECT_EQ(loadFile(), refused()) << bytes;
     }
+    FakeZel::clearFaults();
+    deferrals.clear();
+    EXPECT_EQ(load(comment + MessageFile().declaration("").unit(1, "a").xml()), loadedA);
+    EXPECT_EQ(version("<file product-version='1'/>"), 0);
+    EXPECT_EQ(deferrals, "off off off ");
 }
 
 } // namespace

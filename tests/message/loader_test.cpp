@@ -145,31 +145,6 @@ TEST_F(LoaderTest, StoresMessagesUnderTheirIds)
     EXPECT_EQ(load(file().unit(1, "A<x ts='%s' id=''/>").xml(), true), refused());
 }
 
-TEST_F(LoaderTest, TakesTheLow32BitsOfADecimalId)
-{
-    struct Row
-    {
-        const char *text;
-        int id; // 0: refused
-    };
-    for (const Row &row :
-         {Row{"7", 7}, Row{"12abc", 12}, Row{" \t+7", 7}, Row{"007", 7}, Row{"0x10", 0}, Row{"0", 0}, Row{"-3", 0},
-          Row{"abc", 0}, Row{"1.5", 1}, Row{"12345678", 12345678}, Row{"123456789", 123456789},
-          Row{"2147483647", INT_MAX}, Row{"2147483648", 0}, Row{"4294967297", 1}, Row{"-4294967295", 1},
-          Row{"0000000000000000000012", 12}, Row{"9223372036854775807", 0}, Row{"99999999999999999999", 0}})
-    {
-        FirstPassState pass = {};
-        pass.depth = 3;
-        pass.last = ELM_BODY;
-        const char *attrs[] = {"id", row.text, nullptr};
-        errno = 77;
-        startElement1(&pass, "trans-unit", attrs);
-        EXPECT_EQ(pass.error, row.id != 0 ? 0 : KT_ERR_BAD_MSG_FILE) << '"' << row.text << '"';
-        EXPECT_EQ(pass.highestId, row.id) << row.text;
-        EXPECT_EQ(errno, 77) << row.text;
-    }
-}
-
 TEST_F(LoaderTest, ReadsAnyEncodingThatTheParserKnows)
 {
     const std::string text = "gr\xFC\xDF"; // ISO-8859-1
@@ -190,19 +165,6 @@ TEST_F(LoaderTest, ReadsAnyEncodingThatTheParserKnows)
         {"ISO-8859-1 without saying so", file().unit(1, text).xml(), refused()},
         {"a zero byte", file().unit(1, std::string("a\0b", 3)).xml(), refused()},
     });
-}
-
-TEST_F(LoaderTest, ReadsNoExternalEntityAndStopsExpansionsThatExplode)
-{
-    FakeZel::file("other", "secret");
-    EXPECT_EQ(load("<!DOCTYPE xliff [<!ENTITY e SYSTEM 'other'>]>" + file().declaration("").unit(1, "a&e;b").xml()),
-              loaded("#1: 1=\"ab\""));
-    EXPECT_EQ(FakeZel::count(Operation::FileOpen), 1u);
-    std::string type = "<!DOCTYPE xliff [<!ENTITY e0 'lol'>";
-    for (int i = 1; i < 40; ++i)
-        type +=
-            "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";&e" + std::to_string(i - 1) + ";'>";
-    EXPECT_EQ(load(type + "]>" + file().declaration("").unit(1, "&e39;").xml()), refused());
 }
 
 // ---- How it is read ----
@@ -380,23 +342,6 @@ TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)
 
 // ---- Sizes ----
 
-TEST(MessageLength, IsLimitedToWhatAnIntCounts)
-{
-    for (const uint64_t length : {uint64_t{INT_MAX}, uint64_t{INT_MAX} + 1})
-    {
-        FirstPassState pass = {};
-        pass.depth = 4;
-        pass.last = ELM_TRANS_UNIT;
-        pass.textSize = 1000;
-        const char *attrs[] = {nullptr};
-        startElement1(&pass, "source", attrs);
-        pass.textSize += length - 10;
-        characterData1(&pass, "0123456789", 10);
-        endElement1(&pass, "source");
-        EXPECT_EQ(pass.error, length > INT_MAX ? KT_ERR_NO_MEMORY : 0);
-    }
-}
-
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 long peakKilobytes()
@@ -437,28 +382,5 @@ TEST_F(LoaderTest, PaysForAHugeIdWithAddressSpaceOnly)
 }
 
 #endif
-
-// ---- Escapes ----
-
-TEST(Escapes, AreResolvedInPlace)
-{
-    struct Row
-    {
-        const char *before, *after;
-    };
-    for (const Row &row : {Row{"", ""}, Row{"plain", "plain"}, Row{"\\\\", "\\"}, Row{"\\t\\r\\n\\\"", "\t\r\n\""},
-                           Row{"a\\\\nb", "a\\nb"}, Row{"\\\\\\n", "\\\n"}, Row{"\\a\\0\\'\\N", "\\a\\0\\'\\N"},
-                           Row{"\\x\\n", "\\x\n"}, Row{"end\\", "end\\"}, Row{"\\", "\\"}, Row{"\\n\\", "\n\\"},
-                           Row{"\\\\\\\\", "\\\\"}, Row{"\\\xC3\xA9\\t", "\\\xC3\xA9\t"}})
-    {
-        const std::string before = row.before;
-        std::vector<char> text(before.c_str(), before.c_str() + before.size() + 1);
-        text.insert(text.end(), {'\0', '!'}); // the second zero byte, and what lies behind the message
-        handleEscape(text.data());
-        std::string expected = row.after;
-        expected.resize(before.size() + 2);
-        EXPECT_EQ(std::string(text.begin(), text.end()), expected + "!") << before;
-    }
-}
 
 } // namespace

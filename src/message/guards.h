@@ -1,0 +1,53 @@
+/**
+ * What stands in front of the handlers when the library itself loads a file. Files are untrusted and may change between
+ * the passes: guards see to it that no message is longer than can be told, that a document stays within its limits, and
+ * that the second pass, whatever the file has become, writes inside the block, with two zero bytes behind each message.
+ */
+#ifndef KELTO_MESSAGE_GUARDS_H
+#define KELTO_MESSAGE_GUARDS_H
+
+#include "message/first_pass.h"
+#include "message/second_pass.h"
+#include "message/xml_limits.h"
+
+#include <type_traits>
+
+namespace kelto
+{
+
+/** A state begins with the one that the handlers know. */
+struct FirstPassGuard
+{
+    FirstPassState pass = {};
+    uint64_t messageOffset = 0; /**< `textSize` where the current message began */
+    XmlLimits limits = {};
+};
+
+struct SecondPassGuard
+{
+    SecondPassState pass = {};
+    const char *end = nullptr;  /**< of the block */
+    bool isMessageOpen = false; /**< a "trans-unit" whose "source" has not ended */
+    XmlLimits limits = {};
+
+    size_t room() const noexcept { return static_cast<size_t>(end - pass.cursor); }
+    /** Whether the pass has filled all that the first one measured. */
+    bool isComplete() const noexcept;
+};
+
+static_assert(std::is_standard_layout_v<FirstPassGuard> && std::is_standard_layout_v<SecondPassGuard>);
+
+/** What a pass installs: handlers for its guarded state, and the question after each step whether it is over. */
+struct Handlers
+{
+    XML_StartElementHandler start;
+    XML_EndElementHandler end;
+    XML_CharacterDataHandler characterData;
+    bool (*isDone)(const void *state);
+};
+
+extern const Handlers firstPassHandlers, secondPassHandlers;
+
+} // namespace kelto
+
+#endif

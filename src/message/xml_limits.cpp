@@ -1,0 +1,49 @@
+#include "message/xml_limits.h"
+
+#include <cstring>
+
+namespace
+{
+
+// Work is counted in attributes that a parser hands out by default, of which each costs some twenty instructions. It
+// compares a default with all that were declared before for the same element, at a quarter of that.
+constexpr uint64_t comparisonsForOne = 4;
+
+size_t rowOf(const ElementMapRow &element)
+{
+    return static_cast<size_t>(&element - elmtMapTable);
+}
+
+} // namespace
+
+bool kelto::XmlLimits::addWork(uint64_t work) noexcept
+{
+    m_work += work;
+    if (m_work <= m_allowed)
+        return true;
+    stop();
+    return false;
+}
+
+void kelto::XmlLimits::addEntity(const char *name, std::string_view value) noexcept
+{
+    if (!m_entities.add(name, value))
+        stop();
+}
+
+void kelto::XmlLimits::addAttribute(const char *element, const char *type, const char *value) noexcept
+{
+    uint32_t &declared = m_declared[rowOf(findElement(element))];
+    if (value != nullptr || equalNames(type, "ID"))
+        addWork(declared / comparisonsForOne);
+    ++declared;
+    m_declaresAttributes = true;
+}
+
+// The parser looks at every attribute that was declared for an element, whether it hands it out or not. Of their texts
+// a pass reads those that it stores, which it counts, and the numbers of messages.
+bool kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
+{
+    const char *const id = element.id == ELM_TRANS_UNIT ? findMessageId(attrs) : nullptr;
+    return addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
+}

@@ -1,0 +1,62 @@
+/**
+ * What bounds the work that a hostile document makes without being long: texts and attributes that come out of its
+ * declarations. Every pass over a document has limits of its own, which hear of each declaration and, where any
+ * attribute was declared, of each element. A document beyond them stops the parser, which may have read far ahead.
+ */
+#ifndef KELTO_MESSAGE_XML_LIMITS_H
+#define KELTO_MESSAGE_XML_LIMITS_H
+
+#include "message/entity_nesting.h"
+#include "message/structure.h"
+
+#include <cstdint>
+#include <expat.h>
+#include <string_view>
+
+namespace kelto
+{
+
+class XmlLimits
+{
+public:
+    static constexpr uint64_t unquestionedBytes = uint64_t{64} << 20;
+    static constexpr uint64_t mostForEachByte = 100;
+
+    void attach(XML_Parser parser) noexcept { m_parser = parser; }
+
+    void setBytesRead(uint64_t bytes) noexcept
+    {
+        m_allowed = bytes * mostForEachByte > unquestionedBytes ? bytes * mostForEachByte : unquestionedBytes;
+    }
+
+    /** Whether a document of the bytes read so far may give this much text. */
+    bool allowsText(uint64_t bytes) const noexcept { return bytes <= m_allowed; }
+
+    /** An entity is declared with this value. */
+    void addEntity(const char *name, std::string_view value) noexcept;
+
+    /** An attribute of an element is declared; `value` is null where it has no default. */
+    void addAttribute(const char *element, const char *type, const char *value) noexcept;
+
+    /** An element starts. @return false where that is too much: the parser will stop. */
+    bool addElement(const ElementMapRow &element, const char **attrs) noexcept
+    {
+        return !m_declaresAttributes || addDeclaredAttributes(element, attrs);
+    }
+
+private:
+    bool addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept;
+    bool addWork(uint64_t work) noexcept;
+    void stop() noexcept { XML_StopParser(m_parser, XML_FALSE); }
+
+    XML_Parser m_parser = nullptr;
+    uint64_t m_allowed = unquestionedBytes; // bytes of text, and units of work
+    uint64_t m_work = 0;
+    uint32_t m_declared[elementRows] = {}; // attributes, by row of the elements; unknown elements share one
+    bool m_declaresAttributes = false;
+    EntityNesting m_entities;
+};
+
+} // namespace kelto
+
+#endif
