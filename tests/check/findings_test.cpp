@@ -1,3 +1,4 @@
+#include "agreement.h"
 #include "check/checks.h"
 #include "check/utf8.h"
 #include "document.h"
@@ -182,6 +183,7 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
     {
         SCOPED_TRACE(row.file + "\nreference:\n" + row.reference);
         EXPECT_EQ(findingsIn(row.file, row.reference, m_table.get()), row.expected);
+        EXPECT_EQ(disagreement(row.file), "");
         if (row.file.empty())
             continue;
         EXPECT_EQ(findingsIn("\xEF\xBB\xBF" + row.file, row.reference, m_table.get()), row.expected);

@@ -125,18 +125,28 @@ void MessageCheck::checkEscapes()
     }
 }
 
+bool isWhiteSpace(char32_t character)
+{
+    constexpr std::string_view ascii = " \t\n\v\f\r";
+    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
+                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
+}
+
 /** The text between the white space that it begins and ends with. */
 Range coreOf(std::string_view text)
 {
-    Range core{0, 0};
-    bool isFound = false;
-    for (size_t at = 0; at < text.size();)
+    Range core{0, text.size()};
+    for (size_t next = 0; core.begin < text.size() && isWhiteSpace(takeUtf8(text, next));)
+        core.begin = next;
+    while (core.end > core.begin)
     {
-        const size_t begin = at;
-        if (u_isUWhiteSpace(static_cast<UChar32>(takeUtf8(text, at))))
-            continue;
-        core = {isFound ? core.begin : begin, at};
-        isFound = true;
+        size_t last = core.end - 1;
+        while (last > core.begin && isContinuation(text[last]))
+            --last;
+        size_t next = last;
+        if (!isWhiteSpace(takeUtf8(text, next)))
+            break;
+        core.end = last;
     }
     return core;
 }
@@ -148,7 +158,7 @@ void MessageCheck::compareWhiteSpace()
     const std::string_view there = original.text();
     const Range edges = coreOf(here);
     const Range originals = coreOf(there);
-    if (edges.end == 0 || originals.end == 0)
+    if (edges.begin == edges.end || originals.begin == originals.end)
         return; // nothing but white space
     const auto noteAt = [&](Range range) {
         return Note{true, m_reference->catalog().locate(*m_pair.original, original.beforeEscapes(range)),
