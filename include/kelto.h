@@ -477,8 +477,8 @@ unsigned int KTFirstChar(const char *charSet, const char *s);
 /**
  * Drops the first character, in place, and returns the one that is first now, packed.
  * @return 0 where there are fewer than two characters or the text cannot be converted; it is then left alone. Also 0
- *         where the character that is first now cannot be packed. Malformed text whose rest no longer fits its own bytes
- *         is left alone although the result is not 0: a walk must end when the text does not change.
+ *         where the character that is first now cannot be packed. Malformed text whose rest no longer fits its own
+ *         bytes is left alone although the result is not 0: a walk must end when the text does not change.
  */
 unsigned int KTNextChar(const char *charSet, char *s);
 
@@ -664,7 +664,7 @@ extern formTable builtInFormTable;
 /** Its list: the seventeen conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
-/** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Codes above these take no argument. */
+/** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Codes above them take no argument. */
 enum KTArgumentCode
 {
     KT_ARG_END = 0,       /**< ends a list */
@@ -795,6 +795,343 @@ int formatUCS2Str(const char *convName, int width, int precision, int flags, KTE
  */
 int formatUTF8Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
+
+/* ## 8. Prepared formats and typed arguments
+ *
+ * A format call looks at its format anew each time, and believes that its arguments have the types that the format
+ * names. A prepared format is looked at once, and is given arguments that say what they are: a translation that asks
+ * for something else gets a result code, and cannot crash the program. Texts go in and come out as UTF-8.
+ *
+ *     KTPreparedFormat *greeting; // once
+ *     int result = KTPrepareFormat("%s[2]: %d[1]", NULL, &greeting);
+ *
+ *     char text[400]; // often, in any thread
+ *     size_t size = sizeof text;
+ *     const KTArgument arguments[] = {KT_INT(7), KT_UTF8("files")};
+ *     result = KTFormatPreparedUTF8(greeting, 0, NULL, &size, text, arguments, 2); // "files: 7"
+ *
+ *     KTFreePrepared(greeting);
+ *
+ * The arguments are compared with what the format asks for before anything is written. A text goes with the conversions
+ * that take a text of its encoding, a double with "f", a long double with "Lf", a char with "c", a unit with "lc". An
+ * integer of any size goes with every integer conversion whose size holds its value: "d" signed, the others unsigned,
+ * where a negative value of the conversion's own size (32 or 64 bits) counts as the unsigned one of the same bits.
+ * docs/prepared-formats.md has every rule with examples.
+ */
+
+/** What a typed argument is, and which member of its value holds it. */
+enum KTArgumentType
+{
+    KT_ARGUMENT_INT = 1,         /**< i: a signed integer of 32 bits */
+    KT_ARGUMENT_UINT = 2,        /**< u: an unsigned one */
+    KT_ARGUMENT_INT64 = 3,       /**< i: a signed integer of 64 bits */
+    KT_ARGUMENT_UINT64 = 4,      /**< u: an unsigned one */
+    KT_ARGUMENT_CHAR = 5,        /**< u: a char as an unsigned number, 0 to 255 */
+    KT_ARGUMENT_UNIT = 6,        /**< u: a UCS-2 unit */
+    KT_ARGUMENT_DOUBLE = 7,      /**< d */
+    KT_ARGUMENT_LONG_DOUBLE = 8, /**< p: points to a long double */
+    KT_ARGUMENT_UTF8 = 9,        /**< p: a UTF-8 text; null is the empty one */
+    KT_ARGUMENT_UCS2 = 10,       /**< p: a UCS-2 text; null is the empty one */
+    KT_ARGUMENT_POINTER = 11     /**< p: anything; the length is its kind */
+};
+
+/** The value of a typed argument, in the member that its type names. */
+typedef union KTValue
+{
+    int64_t i;
+    uint64_t u;
+    double d;
+    const void *p;
+} KTValue;
+
+/** A typed argument. The functions below make it, or a language binding does from these numbers. */
+typedef struct KTArgument
+{
+    uint32_t type;   /**< one of KTArgumentType; others are refused */
+    uint32_t length; /**< of a text: bytes or units, UINT32_MAX if zero-terminated; of a pointer: its kind; else 0 */
+    KTValue value;   /**< 8 bytes */
+} KTArgument;
+
+/* Each makes a typed argument. A text, a long double, and what a pointer points to are not copied: they live during the
+ * call. A zero inside a text ends it. */
+
+/** Goes with "d", and where it is not negative with "u", "o", "x", "X" and "EID"; also with a '*'. */
+static inline KTArgument KT_INT(int32_t value)
+{
+    KTArgument argument = {KT_ARGUMENT_INT, 0, {0}};
+    argument.value.i = value;
+    return argument;
+}
+
+/** Goes with the same conversions where it has room there. */
+static inline KTArgument KT_UINT(uint32_t value)
+{
+    KTArgument argument = {KT_ARGUMENT_UINT, 0, {0}};
+    argument.value.u = value;
+    return argument;
+}
+
+/** Goes with "!d", and with the others as far as they have room for the value. */
+static inline KTArgument KT_INT64(int64_t value)
+{
+    KTArgument argument = {KT_ARGUMENT_INT64, 0, {0}};
+    argument.value.i = value;
+    return argument;
+}
+
+/** Likewise, unsigned. */
+static inline KTArgument KT_UINT64(uint64_t value)
+{
+    KTArgument argument = {KT_ARGUMENT_UINT64, 0, {0}};
+    argument.value.u = value;
+    return argument;
+}
+
+/** Goes with "c". */
+static inline KTArgument KT_CHAR(char value)
+{
+    KTArgument argument = {KT_ARGUMENT_CHAR, 0, {0}};
+    argument.value.u = (unsigned char)value;
+    return argument;
+}
+
+/** Goes with "lc". */
+static inline KTArgument KT_UNIT(UCS2 value)
+{
+    KTArgument argument = {KT_ARGUMENT_UNIT, 0, {0}};
+    argument.value.u = value;
+    return argument;
+}
+
+/** Goes with "f". */
+static inline KTArgument KT_DOUBLE(double value)
+{
+    KTArgument argument = {KT_ARGUMENT_DOUBLE, 0, {0}};
+    argument.value.d = value;
+    return argument;
+}
+
+/** Goes with "Lf". */
+static inline KTArgument KT_LONG_DOUBLE(const long double *value)
+{
+    KTArgument argument = {KT_ARGUMENT_LONG_DOUBLE, 0, {0}};
+    argument.value.p = value;
+    return argument;
+}
+
+/** Zero-terminated; goes with "s", "E", "IP", "DT", "D" and "T". */
+static inline KTArgument KT_UTF8(const char *text)
+{
+    KTArgument argument = {KT_ARGUMENT_UTF8, UINT32_MAX, {0}};
+    argument.value.p = text;
+    return argument;
+}
+
+/** Of so many bytes, or to its first zero. */
+static inline KTArgument KT_UTF8N(const char *text, size_t bytes)
+{
+    KTArgument argument = {KT_ARGUMENT_UTF8, bytes < UINT32_MAX ? (uint32_t)bytes : UINT32_MAX - 1, {0}};
+    argument.value.p = text;
+    return argument;
+}
+
+/** Zero-terminated; goes with "U", "DND" and "DNS". */
+static inline KTArgument KT_UCS2(const UCS2 *text)
+{
+    KTArgument argument = {KT_ARGUMENT_UCS2, UINT32_MAX, {0}};
+    argument.value.p = text;
+    return argument;
+}
+
+/** Of so many units, or to its first zero. */
+static inline KTArgument KT_UCS2N(const UCS2 *text, size_t units)
+{
+    KTArgument argument = {KT_ARGUMENT_UCS2, units < UINT32_MAX ? (uint32_t)units : UINT32_MAX - 1, {0}};
+    argument.value.p = text;
+    return argument;
+}
+
+/** Goes with a conversion of the caller's own that takes a pointer and asks KTPointerOfKind() for this kind. */
+static inline KTArgument KT_POINTER(uint32_t kind, const void *value)
+{
+    KTArgument argument = {KT_ARGUMENT_POINTER, kind, {0}};
+    argument.value.p = value;
+    return argument;
+}
+
+/** A format string, parsed and checked. It never changes: any number of threads may use it at once. */
+typedef struct KTPreparedFormat KTPreparedFormat;
+
+/**
+ * Prepares a format.
+ * @param format    the format string, UTF-8; not needed afterwards.
+ * @param table     its conversions, or null for the built-in ones, as in KTFormatStringWithPassThru(). It must live,
+ *                  and its records must stay as they are, as long as the prepared format; the encoder is looked up in
+ *                  each call.
+ * @param prepared  out: the prepared format, which the caller releases with KTFreePrepared() before the KTClean() that
+ *                  stops the library; null on failure.
+ * @return 0; KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER for a null format; otherwise what a format call says of
+ *         the format: KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT.
+ */
+int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **prepared);
+
+/** Releases a prepared format, or null. Nobody may use it any more. */
+void KTFreePrepared(KTPreparedFormat *prepared);
+
+/** The options of the calls below. */
+enum KTFormatOption
+{
+    KT_TAG = 1 /**< dates, names, entry IDs and errors are wrapped in tags */
+};
+
+/**
+ * Formats a prepared format into UCS-2. The text is that of KTvpFormatStringWithPassThru().
+ * @param prepared   from KTPrepareFormat().
+ * @param options    0 or KT_TAG; other bits are refused.
+ * @param passThru   handed to the formatters of the caller's own conversions.
+ * @param size       in: the capacity of out in units, the terminator counted; out: the units of the text, the
+ *                   terminator not counted, also where the result is KT_ERR_BUFFER_TOO_SMALL: then the units that the
+ *                   text needs.
+ * @param out        the text, terminated; of no use after KT_ERR_BUFFER_TOO_SMALL. Null is allowed for a capacity of 0.
+ * @param arguments  in the order of the positions, one for each of KTPreparedSlots(); null where there is none.
+ * @param count      their number.
+ * @return 0; KT_ERR_BUFFER_TOO_SMALL. With size and out untouched: KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER
+ *         where prepared is null, an option unknown, or an argument missing, surplus, of another kind than the format
+ *         asks for, or out of range. With out empty and size 0: KT_ERR_INVALID_PARAMETER for a text that is no date,
+ *         KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT for a text of 2^31 bytes and more, and what a formatter
+ *         or encoder of the caller's returns (but KT_ERR_BUFFER_TOO_SMALL where the text had not fitted before). Memory
+ *         is taken for an "f" of more than 303 characters that fits, for encoded texts and by conversions of the
+ *         caller's own, else none.
+ */
+int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, UCS2 *out,
+                     const KTArgument *arguments, size_t count);
+
+/**
+ * Formats as KTFormatPrepared() does, into UTF-8: the text is what KTUCS2ToUTF8() makes of the other one, so U+0000
+ * from a "c" ends it. Sizes are in bytes. What a conversion of the caller's own writes goes through a buffer of 256
+ * units, or, on its word, one as large as it asks for.
+ */
+int KTFormatPreparedUTF8(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, char *out,
+                         const KTArgument *arguments, size_t count);
+
+/** What an argument has to be. */
+enum KTSlotCode
+{
+    KT_SLOT_INT16 = 1,        /**< a signed integer, "hd" */
+    KT_SLOT_UINT16 = 2,       /**< an unsigned one, "hu" */
+    KT_SLOT_INT32 = 3,        /**< "d", and a '*' */
+    KT_SLOT_UINT32 = 4,       /**< "u" */
+    KT_SLOT_INT64 = 5,        /**< "!d" */
+    KT_SLOT_UINT64 = 6,       /**< "!u" */
+    KT_SLOT_CHAR = 7,         /**< "c" */
+    KT_SLOT_UNIT = 8,         /**< "lc" */
+    KT_SLOT_DOUBLE = 9,       /**< "f" */
+    KT_SLOT_LONG_DOUBLE = 10, /**< "Lf" */
+    KT_SLOT_UTF8 = 11,        /**< "s" */
+    KT_SLOT_UCS2 = 12,        /**< "U" */
+    KT_SLOT_POINTER = 13      /**< of a conversion of the caller's own */
+};
+
+/** What the argument is for. */
+enum KTSlotRole
+{
+    KT_SLOT_VALUE = 0,
+    KT_SLOT_WIDTH = 1,    /**< a '*' */
+    KT_SLOT_PRECISION = 2 /**< likewise, behind the '.' */
+};
+
+/** One argument that a format asks for. */
+typedef struct KTSlot
+{
+    uint32_t code;     /**< one of KTSlotCode */
+    uint32_t position; /**< of its conversion, 1 or more */
+    uint32_t role;     /**< one of KTSlotRole */
+} KTSlot;
+
+/**
+ * Tells what arguments a format asks for, in the order in which they are passed: for wrappers, checkers and language
+ * bindings, which so need no parser of their own.
+ * @param slots  out: the first of them; it lives as long as the prepared format. Null is allowed.
+ * @return their number.
+ */
+size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots);
+
+/**
+ * For a conversion of the caller's own that takes a pointer (KT_ARG_POINTER): the pointer, where it is of the kind that
+ * the conversion expects. Without this question a conversion trusts the translation to name it for the right argument.
+ * @param argSlot  the slot that the formatter was given.
+ * @return the pointer that was given with KT_POINTER() and this kind to the prepared call that is running in this
+ *         thread; null for another kind, and in the calls without typed arguments, which know no kinds.
+ */
+const void *KTPointerOfKind(void *const *argSlot, uint32_t kind);
+
+/* A format that is not the program's own can be looked at before it is used. */
+
+/** What is wrong with a format. */
+enum KTRule
+{
+    KT_RULE_NONE = 0,
+    KT_RULE_POSITION_MISSING = 1,   /**< a conversion without "[n]"; a '%' by itself, which is written "%%" */
+    KT_RULE_POSITION_MALFORMED = 2, /**< between the brackets stands no number from 1 on, or one is not closed */
+    KT_RULE_NUMBER_TOO_LARGE = 3,   /**< a width, precision or position that no format can have */
+    KT_RULE_NAME_TOO_LONG = 4,      /**< more than 19 characters before the '[' */
+    KT_RULE_NAME_NOT_ASCII = 5,     /**< another character before the '[' */
+    KT_RULE_UNKNOWN_CONVERSION = 6, /**< no table has the name */
+    KT_RULE_POSITION_REPEATED = 7,
+    KT_RULE_POSITION_GAP = 8,      /**< a position below the number of conversions has none */
+    KT_RULE_REFERENCE = 9,         /**< the format is correct, but not the reference */
+    KT_RULE_ARGUMENT_TYPE = 10,    /**< an argument of another kind or size than in the reference */
+    KT_RULE_ARGUMENT_MISSING = 11, /**< fewer arguments than in the reference */
+    KT_RULE_ARGUMENT_EXTRA = 12    /**< more of them */
+};
+
+/** What is wrong with a format, and where. All texts are constant and in English. */
+typedef struct KTProblem
+{
+    size_t structSize;     /**< in: sizeof(KTProblem); a library of another version fills no more than this */
+    int rule;              /**< one of KTRule */
+    unsigned int slot;     /**< which argument, from 1 in the order of passing; 0 where none is concerned */
+    unsigned int position; /**< which position; 0 where none is concerned */
+    size_t offset;         /**< in bytes of the format: where the conversion specification begins */
+    size_t length;         /**< in bytes: how far it goes, of a malformed one as far as it will have been meant to */
+    const char *expected;  /**< what the reference has there, as "a 32-bit integer"; or null */
+    const char *found;     /**< what the format has there; or null */
+} KTProblem;
+
+/**
+ * Tells whether a format call accepts a format, and if not, why and where.
+ * @param format   UTF-8.
+ * @param table    its conversions, or null for the built-in ones.
+ * @param problem  in: structSize; out: the first problem in the order of the text, or rule KT_RULE_NONE. Null is
+ *                 allowed.
+ * @return as KTPrepareFormat(); KT_ERR_INVALID_PARAMETER also where structSize is too small.
+ *
+ *     KTProblem problem = {sizeof problem};
+ *     int result = KTExplainFormat("%d[1] of %q[2]", NULL, &problem); // KT_ERR_FORMAT_SYNTAX
+ *     // KT_RULE_UNKNOWN_CONVERSION, offset 9, length 5
+ */
+int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
+
+/**
+ * Tells whether the arguments of one format may be passed to another, as a translation of it: as many, and each of the
+ * same kind and size. Whether an integer is signed does not matter, nor which letter shows it.
+ * @param format     the translation, UTF-8.
+ * @param reference  the program's own format, UTF-8.
+ * @param table      the conversions of both, or null for the built-in ones.
+ * @param problem    in: structSize; out: as in KTExplainFormat(), of the format. Null is allowed.
+ * @return 0 when they may; KT_ERR_INVALID_PARAMETER when they may not (rule KT_RULE_ARGUMENT_…), for null, and for too
+ *         small a structSize; else as KTPrepareFormat(), for the format and then for the reference.
+ */
+int KTCompareFormats(const char *format, const char *reference, formTable *table, KTProblem *problem);
+
+/**
+ * Makes a sentence of a problem, as "argument 2 is a 32-bit integer here, a UTF-8 string in the reference", in English,
+ * without a full stop; needs no started library.
+ * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the sentence, the
+ *              terminator not counted, also where it does not fit.
+ * @return 0, or KT_ERR_BUFFER_TOO_SMALL; text then holds the empty text, where it has room.
+ */
+int KTProblemText(const KTProblem *problem, size_t *size, char *text);
 
 #pragma GCC visibility pop
 #ifdef __cplusplus

@@ -106,7 +106,7 @@ def write_comment(page, lines):
 
 def names_of(declaration):
     """What a declaration declares, for its heading."""
-    record = re.match(r"(?:typedef )?(?:struct|enum) (\w+)", declaration)
+    record = re.match(r"(?:typedef )?(?:struct|union|enum) (\w+)", declaration)
     if record and "{" in declaration:
         return [record.group(1)]
     pointer = re.match(r"typedef .*?\(\*(\w+)\)", declaration, re.DOTALL)
@@ -140,6 +140,7 @@ def write_declaration(page, declaration):
 
 def strip_preprocessor(source):
     code = re.sub(r"^#(?:.*\\\n)*.*$", "", source, flags=re.MULTILINE)
+    code = re.sub(r"^static inline ([^;{]*)\n\{\n.*?\n\}$", r"\1;", code, flags=re.MULTILINE | re.DOTALL)
     return code.replace('extern "C" {', "").replace("\n}\n", "\n")
 
 

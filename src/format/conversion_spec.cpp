@@ -4,14 +4,20 @@
 
 #include <climits>
 #include <cstdint>
+#include <type_traits>
 
 namespace
 {
 
+template <typename Unit> constexpr bool isAscii(Unit unit)
+{
+    return static_cast<std::make_unsigned_t<Unit>>(unit) <= 127;
+}
+
 /** A character of the syntax and the flag that it sets. */
 struct FlagCharacter
 {
-    UCS2 character;
+    char character;
     int flag;
 };
 
@@ -22,42 +28,45 @@ public:
     template <size_t N> constexpr explicit FlagTable(const FlagCharacter (&rows)[N])
     {
         for (const FlagCharacter &row : rows)
-            m_flags[row.character] = static_cast<uint16_t>(row.flag);
+            m_flags[static_cast<unsigned char>(row.character)] = static_cast<uint16_t>(row.flag);
     }
 
-    /** The flag of a character; 0 for one that sets none. */
-    constexpr int operator[](UCS2 character) const { return character < 128 ? m_flags[character] : 0; }
+    /** The flag of a unit; 0 for one that sets none. */
+    template <typename Unit> constexpr int operator[](Unit unit) const
+    {
+        return isAscii(unit) ? m_flags[static_cast<unsigned char>(unit)] : 0;
+    }
 
 private:
     uint16_t m_flags[128] = {};
 };
 
 constexpr FlagTable
-    flagCharacters({{u'-', FLAG_MINUS}, {u'+', FLAG_PLUS}, {u' ', FLAG_SPACE}, {u'#', FLAG_HASH}, {u'0', FLAG_ZERO}});
-constexpr FlagTable modifiers({{u'h', FLAG_h}, {u'l', FLAG_l}, {u'L', FLAG_L}, {u'!', FLAG_BANG}});
+    flagCharacters({{'-', FLAG_MINUS}, {'+', FLAG_PLUS}, {' ', FLAG_SPACE}, {'#', FLAG_HASH}, {'0', FLAG_ZERO}});
+constexpr FlagTable modifiers({{'h', FLAG_h}, {'l', FLAG_l}, {'L', FLAG_L}, {'!', FLAG_BANG}});
 
-bool isDigit(UCS2 unit)
+template <typename Unit> bool isDigit(Unit unit)
 {
-    return unit >= u'0' && unit <= u'9';
+    return unit >= '0' && unit <= '9';
 }
 
 constexpr int tooLarge = -1;
 
 /** Takes a run of digits, perhaps empty: its value, or tooLarge where an int does not hold it. */
-int takeNumber(const UCS2 *&cursor)
+template <typename Unit> int takeNumber(const Unit *&cursor)
 {
     int64_t value = 0;
     for (; isDigit(*cursor); ++cursor)
         if (value <= INT_MAX)
-            value = value * 10 + (*cursor - u'0');
+            value = value * 10 + (*cursor - '0');
     return value <= INT_MAX ? static_cast<int>(value) : tooLarge;
 }
 
 /** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `ifMissing`. */
-bool takeWidthOrPrecision(const UCS2 *&cursor, int ifMissing, int &value)
+template <typename Unit> bool takeWidthOrPrecision(const Unit *&cursor, int ifMissing, int &value)
 {
     value = ifMissing;
-    if (*cursor == u'*')
+    if (*cursor == '*')
     {
         ++cursor;
         value = KT_FROM_ARGUMENTS;
@@ -69,7 +78,7 @@ bool takeWidthOrPrecision(const UCS2 *&cursor, int ifMissing, int &value)
     return value != tooLarge;
 }
 
-int takeFlags(const UCS2 *&cursor)
+template <typename Unit> int takeFlags(const Unit *&cursor)
 {
     int flags = 0;
     while (const int flag = flagCharacters[*cursor])
@@ -81,86 +90,118 @@ int takeFlags(const UCS2 *&cursor)
 }
 
 /** Takes flags, width and precision; false where a number is too large. */
-bool takeOptions(const UCS2 *&cursor, int &flags, int &width, int &precision)
+template <typename Unit> bool takeOptions(const Unit *&cursor, int &flags, int &width, int &precision)
 {
     flags = takeFlags(cursor);
     if (!takeWidthOrPrecision(cursor, KT_ABSENT, width))
         return false;
-    if (*cursor != u'.')
+    if (*cursor != '.')
         return true;
     ++cursor;
     return takeWidthOrPrecision(cursor, 0, precision);
 }
 
-int takeModifier(const UCS2 *&cursor)
+template <typename Unit> int takeModifier(const Unit *&cursor)
 {
     const int flag = modifiers[*cursor];
     cursor += flag != 0 ? 1 : 0;
     return flag;
 }
 
-kelto::ConversionName takeName(const UCS2 *&cursor)
+template <typename Unit> kelto::ConversionName<Unit> takeName(const Unit *&cursor)
 {
-    const UCS2 *const begin = cursor;
-    while (*cursor != 0 && *cursor != u'[' && *cursor <= 127 && cursor != begin + kelto::maxNameLength)
+    const Unit *const begin = cursor;
+    while (*cursor != 0 && *cursor != '[' && isAscii(*cursor) && cursor != begin + kelto::maxNameLength)
         ++cursor;
     return {begin, static_cast<size_t>(cursor - begin)};
 }
 
-/** Takes "[number]"; 0 when it is malformed. */
-int takePosition(const UCS2 *&cursor)
+/** Takes "[number]"; 0, and the reason in `fault`, when it is malformed. */
+template <typename Unit> int takePosition(const Unit *&cursor, KTRule &fault)
 {
-    if (*cursor != u'[')
+    if (*cursor != '[')
+    {
+        fault = *cursor == 0 ? KT_RULE_POSITION_MISSING : KT_RULE_NAME_TOO_LONG;
+        if (!isAscii(*cursor))
+            fault = KT_RULE_NAME_NOT_ASCII;
         return 0;
+    }
     ++cursor;
     const int position = takeNumber(cursor);
-    if (position == tooLarge || *cursor != u']')
-        return 0;
-    ++cursor;
-    return position;
+    if (position > 0 && *cursor == ']')
+    {
+        ++cursor;
+        return position;
+    }
+    fault = position == tooLarge ? KT_RULE_NUMBER_TOO_LARGE : KT_RULE_POSITION_MALFORMED;
+    return 0;
 }
 
-kelto::Conversion resolveName(const kelto::ConversionName &name, int flags, formTable &table)
+template <typename Unit>
+kelto::FoundConversion resolveName(const kelto::ConversionName<Unit> &name, int flags, formTable &table)
 {
     // The markers of an encoded region share the record that ends the list: it takes no arguments, and since it is not
     // null, a marker does not look like the end of a parameter array.
-    if (name.length == 1 && (name.begin[0] == u'N' || name.begin[0] == u'O'))
-        return {name.begin[0] == u'N' ? CONV_N : CONV_O, kelto::terminatingRecord(), 0};
+    if (name.length == 1 && (name.begin[0] == 'N' || name.begin[0] == 'O'))
+        return {name.begin[0] == 'N' ? CONV_N : CONV_O, kelto::terminatingRecord(), 0};
     return kelto::findConversion(name, flags, table);
 }
 
-constexpr kelto::ConversionSpec malformed = {0, {CONV_UNKNOWN, 0, 0, 0, 0, nullptr}, nullptr};
+template <typename Unit> kelto::ConversionSpec<Unit> malformed(KTRule fault)
+{
+    return {0, fault, {CONV_UNKNOWN, 0, 0, 0, 0, nullptr}, nullptr};
+}
 
 } // namespace
 
 namespace kelto
 {
 
-ConversionSpec parseSpecification(const UCS2 *percent, formTable &table) noexcept
+template <typename Unit> ConversionSpec<Unit> parseSpecification(const Unit *percent, formTable &table) noexcept
 {
-    const UCS2 *cursor = percent + 1;
+    const Unit *cursor = percent + 1;
     int flags = 0;
     int width = KT_ABSENT;
     int precision = KT_ABSENT;
     // Flags, digits, '*' and '.' are all below 'A': where a letter follows the '%', there is nothing to take.
-    if (*cursor < u'A' && !takeOptions(cursor, flags, width, precision))
-        return malformed;
+    if (*cursor < 'A' && !takeOptions(cursor, flags, width, precision))
+        return malformed<Unit>(KT_RULE_NUMBER_TOO_LARGE);
     flags |= takeModifier(cursor);
-    const ConversionName name = takeName(cursor);
-    const int position = takePosition(cursor);
+    const ConversionName<Unit> name = takeName(cursor);
+    KTRule fault = KT_RULE_NONE;
+    const int position = takePosition(cursor, fault);
     if (position == 0)
-        return malformed;
-    const Conversion conversion = resolveName(name, flags, table);
-    return {
-        position, {conversion.type, width, precision, flags | conversion.addedFlags, 0, conversion.formatter}, cursor};
+        return malformed<Unit>(fault);
+    const FoundConversion found = resolveName(name, flags, table);
+    return {position, fault, {found.type, width, precision, flags | found.addedFlags, 0, found.formatter}, cursor};
 }
+
+template ConversionSpec<UCS2> parseSpecification(const UCS2 *, formTable &) noexcept;
+template ConversionSpec<char> parseSpecification(const char *, formTable &) noexcept;
+
+// The string was accepted, so the first bracket is the position's, and its digits fit.
+template <typename Unit> int takeAcceptedPosition(const Unit *&cursor) noexcept
+{
+    const Unit *next = cursor;
+    while (*next != '[' && *next != 0)
+        ++next;
+    unsigned position = 0;
+    if (*next != 0)
+        for (++next; isDigit(*next); ++next)
+            position = position * 10 + static_cast<unsigned>(*next - '0');
+    cursor = *next != 0 ? next + 1 : next;
+    return static_cast<int>(position);
+}
+
+template int takeAcceptedPosition(const UCS2 *&) noexcept;
+template int takeAcceptedPosition(const char *&) noexcept;
 
 } // namespace kelto
 
 int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *width, int *precision, int *flags,
                   KTFormatter **formatter)
 {
-    const kelto::ConversionSpec spec = kelto::parseSpecification(*cursor, kelto::tableOrBuiltIn(table));
+    const auto spec = kelto::parseSpecification(*cursor, kelto::tableOrBuiltIn(table));
     if (spec.position == 0)
         return 0;
     *type = spec.record.type;
@@ -172,16 +213,7 @@ int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *widt
     return spec.position;
 }
 
-// The string was accepted, so the first bracket is the position's, and its digits fit.
 int getConvSpecOrder(const UCS2 **cursor)
 {
-    const UCS2 *next = *cursor;
-    while (*next != u'[' && *next != 0)
-        ++next;
-    unsigned position = 0;
-    if (*next != 0)
-        for (++next; isDigit(*next); ++next)
-            position = position * 10 + (*next - u'0');
-    *cursor = *next != 0 ? next + 1 : next;
-    return static_cast<int>(position);
+    return kelto::takeAcceptedPosition(*cursor);
 }

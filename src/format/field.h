@@ -1,9 +1,10 @@
 /**
- * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. A conversion
- * says its pieces once, to whatever takes them: the Field of a formatter, which adds them up, answers "fits, or needs n"
- * and writes them; or a GrowingText (growing_text.h) in either encoding. What numbers and tagged values have in common
- * is laid out here and nowhere else. (A text that an encoder has written itself is only padded: formatters/text.cpp.)
- * Counts are 64 bits wide: a field may be far longer than any memory, since it is then measured only.
+ * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. A
+ * conversion says its pieces once, to whatever takes them: the Field of a formatter, which adds them up, answers "fits,
+ * or needs n" and writes them; or a GrowingText (growing_text.h) in either encoding. What numbers and tagged values
+ * have in common is laid out here and nowhere else. (A text that an encoder has written itself is only padded:
+ * formatters/text.cpp.) Counts are 64 bits wide: a field may be far longer than any memory, since it is then measured
+ * only.
  */
 #ifndef KELTO_FORMAT_FIELD_H
 #define KELTO_FORMAT_FIELD_H
@@ -98,7 +99,7 @@ public:
         return 0;
     }
 
-    /** Writes a text that may lie in the output itself, padded; it goes to its place before anything else is written. */
+    /** Writes a text that may lie in the output itself, padded; it is moved before anything else is written. */
     int writePadded(const Text &text, const Fill &padding, bool isPaddedBehind) noexcept
     {
         if (!claim(text.count + padding.count))

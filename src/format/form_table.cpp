@@ -16,15 +16,15 @@ constexpr const char *printfLikeNames = "duUoxXfcs";
 constexpr unsigned letterCount = 26;
 
 /** The place of a letter in the alphabet, in either case; letterCount or more for any other character. */
-unsigned letterOf(UCS2 character)
+unsigned letterOf(unsigned character)
 {
     return (character | 0x20U) - 'a';
 }
 
-bool isSameName(const char *known, const kelto::ConversionName &name)
+template <typename Unit> bool isSameName(const char *known, const kelto::ConversionName<Unit> &name)
 {
     for (size_t i = 0; i < name.length; ++i)
-        if (static_cast<UCS2>(known[i]) != name.begin[i])
+        if (static_cast<Unit>(known[i]) != name.begin[i])
             return false;
     return known[name.length] == '\0';
 }
@@ -40,20 +40,20 @@ bool isUsable(const KTFormatter &record)
     return slots == record.argCount;
 }
 
-/** What the two short names of 64-bit integers stand for, which only the built-in table knows; CONV_UNKNOWN for others. */
-Flag_t shortNameType(const kelto::ConversionName &name, int flags)
+/** What the two short names of 64-bit integers, which only the built-in table knows, stand for; or CONV_UNKNOWN. */
+template <typename Unit> Flag_t shortNameType(const kelto::ConversionName<Unit> &name, int flags)
 {
     if (name.length == 0 && (flags & FLAG_l) != 0)
         return CONV_d;
-    return name.length == 2 && name.begin[0] == u'u' && name.begin[1] == u'l' ? CONV_u : CONV_UNKNOWN;
+    return name.length == 2 && name.begin[0] == 'u' && name.begin[1] == 'l' ? CONV_u : CONV_UNKNOWN;
 }
 
 /** The record of a name in one table, or null. */
-KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &table)
+template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Unit> &name, const formTable &table)
 {
     if (table.formList == nullptr || name.length == 0)
         return nullptr;
-    const unsigned letter = letterOf(name.begin[0]);
+    const unsigned letter = letterOf(static_cast<unsigned>(name.begin[0]));
     if (letter >= letterCount)
         return nullptr;
     KTFormatter *record = table.formList;
@@ -68,7 +68,7 @@ KTFormatter *findInTable(const kelto::ConversionName &name, const formTable &tab
     {
         if (isSameName(record->name, name))
             return record;
-        if (table.indexed && letterOf(static_cast<UCS2>(record->name[0])) != letter)
+        if (table.indexed && letterOf(static_cast<unsigned char>(record->name[0])) != letter)
             break;
     }
     return nullptr;
@@ -124,9 +124,10 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
 namespace kelto
 {
 
-Conversion findConversion(const ConversionName &name, int flags, formTable &first) noexcept
+template <typename Unit>
+FoundConversion findConversion(const ConversionName<Unit> &name, int flags, formTable &first) noexcept
 {
-    constexpr Conversion unknown = {CONV_UNKNOWN, nullptr, 0};
+    constexpr FoundConversion unknown = {CONV_UNKNOWN, nullptr, 0};
     for (formTable *table = &first; table != nullptr; table = table->nextTable)
     {
         const bool isBuiltIn = table == &builtInFormTable;
@@ -142,6 +143,9 @@ Conversion findConversion(const ConversionName &name, int flags, formTable &firs
     }
     return unknown;
 }
+
+template FoundConversion findConversion(const ConversionName<UCS2> &, int, formTable &) noexcept;
+template FoundConversion findConversion(const ConversionName<char> &, int, formTable &) noexcept;
 
 KTEncoder findEncoder(formTable *table) noexcept
 {

@@ -11,15 +11,18 @@
 namespace kelto
 {
 
-/** A conversion's name as it stands in a format string: ASCII, at most maxNameLength units, not terminated. */
-struct ConversionName
+/**
+ * A conversion's name as it stands in a format string, UCS-2 or UTF-8: ASCII, at most maxNameLength units, not
+ * terminated.
+ */
+template <typename Unit> struct ConversionName
 {
-    const UCS2 *begin;
+    const Unit *begin;
     size_t length;
 };
 
-/** A conversion as a table knows it. */
-struct Conversion
+/** What a name stands for in a chain of tables. */
+struct FoundConversion
 {
     Flag_t type;            /**< CONV_UNKNOWN when no table has the name */
     KTFormatter *formatter; /**< null when no table has it */
@@ -29,9 +32,10 @@ struct Conversion
 /**
  * Looks a name up, whole and case-sensitive, in the first table and those chained to it.
  * @param name   perhaps empty.
- * @param flags  the specification's flags so far: an empty name means something with 'l'.
+ * @param flags  the conversion's flags so far: an empty name means something with 'l'.
  */
-Conversion findConversion(const ConversionName &name, int flags, formTable &first) noexcept;
+template <typename Unit>
+FoundConversion findConversion(const ConversionName<Unit> &name, int flags, formTable &first) noexcept;
 
 /** The table that a caller names, null standing for the built-in one. */
 inline formTable &tableOrBuiltIn(formTable *table) noexcept

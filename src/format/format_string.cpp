@@ -3,9 +3,11 @@
 #include "format/conversion_spec.h"
 #include "format/form_table.h"
 #include "lifecycle/state.h"
-#include "platform/scoped.h"
+#include "strconv/utf8_text.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -31,18 +33,33 @@ public:
     }
 
     /**
-     * Whether each of the positions 1 to n has a record, n being how many were stored. A gap or a repetition leaves one of
-     * them empty, at the latest the one behind the highest, so the loop stays inside the array.
+     * The lowest of the positions 1 to n that has no record, n being how many were stored; 0 when all have one. A gap
+     * or a repetition leaves one of them empty, at the latest the one behind the highest, so the loop stays inside the
+     * array.
      */
-    bool isComplete(size_t n) const
+    size_t firstMissing(size_t n) const
     {
         for (size_t i = 0; i < n; ++i)
             if (m_records[i].formatter == nullptr)
-                return false;
-        return true;
+                return i + 1;
+        return 0;
     }
 
-    KTParameter *release() { return m_records.release(); }
+    /** Stores a record again: false where its position has one by now. */
+    bool storeFirst(size_t position, const KTParameter &record)
+    {
+        const bool isFirst = m_records[position - 1].formatter == nullptr;
+        m_records[position - 1] = record;
+        return isFirst;
+    }
+
+    void clear()
+    {
+        if (m_capacity > 0)
+            std::memset(static_cast<void *>(m_records.get()), 0, m_capacity * sizeof(KTParameter));
+    }
+
+    kelto::TagBlock<KTParameter> release() { return std::move(m_records); }
 
 private:
     bool growTo(size_t position)
@@ -65,31 +82,122 @@ private:
     size_t m_capacity = 0;
 };
 
-/** Checks the specifications of a text into an array: 0, or the failure. */
-int checkSpecifications(const UCS2 *format, size_t length, formTable &table, ParameterArray &array,
-                        kelto::PercentPlaces &places)
+constexpr kelto::FormatVerdict accepted = {0, KT_RULE_NONE, 0, 0, 0};
+constexpr kelto::FormatVerdict outOfMemory = {KT_ERR_NO_MEMORY, KT_RULE_NONE, 0, 0, 0};
+
+/** The UCS-2 units of a text. */
+size_t countUnits(const UCS2 * /*text*/, size_t length)
 {
-    const UCS2 *const end = format + length;
-    size_t specifications = 0;
-    for (const UCS2 *percent = kelto::findPercent(format, end); percent != end;)
-    {
-        kelto::PercentPlace place = {percent, percent + 2, 0};
-        if (percent[1] != u'%')
-        {
-            const kelto::ConversionSpec spec = kelto::parseSpecification(percent, table);
-            const auto position = static_cast<size_t>(spec.position);
-            if (position == 0 || spec.record.type == CONV_UNKNOWN || (position > alwaysBelieved && position > length))
-                return KT_ERR_FORMAT_SYNTAX;
-            if (!array.store(position, spec.record))
-                return KT_ERR_NO_MEMORY;
-            ++specifications;
-            place = {percent, spec.end, spec.position};
-        }
-        places.note(place);
-        percent = kelto::findPercent(place.end, end);
-    }
-    return array.isComplete(specifications) ? 0 : KT_ERR_FORMAT_SYNTAX;
+    return length;
 }
+
+size_t countUnits(const char *text, size_t length)
+{
+    return kelto::countUnits(text, length);
+}
+
+/** Checks the conversion specifications of one format, the first time for the driver, once more for the reason. */
+template <typename Unit> class Check
+{
+public:
+    Check(const Unit *format, size_t length, formTable &table, ParameterArray &array)
+        : m_format(format), m_length(length), m_table(table), m_array(array)
+    {
+    }
+
+    kelto::FormatVerdict run(kelto::PercentPlaces<Unit> &places)
+    {
+        const Unit *const end = m_format + m_length;
+        size_t specifications = 0;
+        for (const Unit *percent = kelto::findPercent(m_format, end); percent != end;)
+        {
+            kelto::PercentPlace<Unit> place = {percent, percent + 2, 0};
+            if (percent[1] != '%')
+            {
+                const auto spec = kelto::parseSpecification(percent, m_table);
+                const auto position = static_cast<size_t>(spec.position);
+                if (position == 0 || spec.record.type == CONV_UNKNOWN || !isPlausible(position))
+                    return refuse(percent, spec);
+                if (!m_array.store(position, spec.record))
+                    return outOfMemory;
+                ++specifications;
+                place = {percent, spec.end, spec.position};
+            }
+            places.note(place);
+            percent = kelto::findPercent(place.end, end);
+        }
+        const size_t missing = m_array.firstMissing(specifications);
+        return missing == 0 ? accepted : refusePositions(missing, specifications);
+    }
+
+private:
+    bool isPlausible(size_t position)
+    {
+        if (position <= alwaysBelieved)
+            return true;
+        if (m_units == 0)
+            m_units = countUnits(m_format, m_length);
+        return position <= m_units;
+    }
+
+    kelto::FormatVerdict refuse(KTRule rule, const Unit *begin, const Unit *end, size_t position = 0) const
+    {
+        return {KT_ERR_FORMAT_SYNTAX, rule, static_cast<unsigned>(position), static_cast<size_t>(begin - m_format),
+                static_cast<size_t>(end - begin)};
+    }
+
+    /** Of one conversion specification by itself. */
+    [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, const kelto::ConversionSpec<Unit> &spec) const
+    {
+        if (spec.position != 0)
+            return refuse(spec.record.type == CONV_UNKNOWN ? KT_RULE_UNKNOWN_CONVERSION : KT_RULE_NUMBER_TOO_LARGE,
+                          percent, spec.end);
+        const Unit *const end = guessEnd(percent);
+        const bool hasBracket = std::find(percent, end, '[') != end;
+        const bool isNumberFault = spec.fault == KT_RULE_NUMBER_TOO_LARGE;
+        return refuse(hasBracket || isNumberFault ? spec.fault : KT_RULE_POSITION_MISSING, percent, end);
+    }
+
+    /** Where the author will have meant a malformed one to end: at its ']', else at the next white space or '%'. */
+    const Unit *guessEnd(const Unit *percent) const
+    {
+        constexpr char flagsAndBreaks[] = "-+ #0";
+        const Unit *const end = m_format + m_length;
+        const Unit *next = percent + 1;
+        while (next != end && *next > 0 && *next < 128 && std::strchr(flagsAndBreaks, *next) != nullptr)
+            ++next;
+        for (; next != end && *next != '%' && *next != ' ' && *next != '\t' && *next != '\r' && *next != '\n'; ++next)
+            if (*next == ']')
+                return next + 1;
+        return next;
+    }
+
+    /** Of the positions together: the first that is used twice, or else what stands beyond the number of them. */
+    [[gnu::cold]] kelto::FormatVerdict refusePositions(size_t missing, size_t specifications)
+    {
+        kelto::FormatVerdict repeated = accepted;
+        kelto::FormatVerdict beyond = accepted;
+        m_array.clear();
+        kelto::PercentPlaces<Unit> places;
+        const auto ignore = [](const Unit *, size_t) {};
+        kelto::walkFormat(m_format, m_length, places, ignore, [&](const kelto::PercentPlace<Unit> &place) {
+            const auto position = static_cast<size_t>(place.position);
+            const bool isFirst = m_array.storeFirst(position, kelto::parseSpecification(place.begin, m_table).record);
+            if (!isFirst && repeated.result == 0)
+                repeated = refuse(KT_RULE_POSITION_REPEATED, place.begin, place.end, position);
+            if (position > specifications && beyond.result == 0)
+                beyond = refuse(KT_RULE_POSITION_GAP, place.begin, place.end, missing);
+            return true;
+        });
+        return repeated.result != 0 ? repeated : beyond;
+    }
+
+    const Unit *m_format;
+    size_t m_length;
+    formTable &m_table;
+    ParameterArray &m_array;
+    size_t m_units = 0; // of the format, once they were asked for
+};
 
 } // namespace
 
@@ -119,32 +227,50 @@ const UCS2 *findPercent(const UCS2 *from, const UCS2 *end) noexcept
     return end;
 }
 
-PercentPlace PercentPlaces::find(const UCS2 *from, const UCS2 *end) noexcept
+const char *findPercent(const char *from, const char *end) noexcept
 {
-    const UCS2 *const percent = findPercent(from, end);
+    const void *const hit = std::memchr(from, '%', static_cast<size_t>(end - from));
+    return hit != nullptr ? static_cast<const char *>(hit) : end;
+}
+
+template <typename Unit> PercentPlace<Unit> PercentPlaces<Unit>::find(const Unit *from, const Unit *end) noexcept
+{
+    const Unit *const percent = findPercent(from, end);
     if (percent == end)
         return {end, end, 0};
-    if (percent[1] == u'%')
+    if (percent[1] == '%')
         return {percent, percent + 2, 0};
-    const UCS2 *behind = percent;
-    const int position = getConvSpecOrder(&behind);
+    const Unit *behind = percent;
+    const int position = takeAcceptedPosition(behind);
     return {percent, behind, position};
 }
 
-int checkFormat(const UCS2 *format, size_t length, formTable *table, KTParameter **parameters,
-                PercentPlaces &places) noexcept
+template class PercentPlaces<UCS2>;
+template class PercentPlaces<char>;
+
+template <typename Unit>
+FormatVerdict checkFormat(const Unit *format, size_t length, formTable *table, TagBlock<KTParameter> &parameters,
+                          PercentPlaces<Unit> &places) noexcept
 {
     ParameterArray array;
-    const int result = checkSpecifications(format, length, tableOrBuiltIn(table), array, places);
-    *parameters = array.release();
-    return result;
+    const FormatVerdict verdict = Check<Unit>(format, length, tableOrBuiltIn(table), array).run(places);
+    parameters = array.release();
+    return verdict;
 }
+
+template FormatVerdict checkFormat(const UCS2 *, size_t, formTable *, TagBlock<KTParameter> &,
+                                   PercentPlaces<UCS2> &) noexcept;
+template FormatVerdict checkFormat(const char *, size_t, formTable *, TagBlock<KTParameter> &,
+                                   PercentPlaces<char> &) noexcept;
 
 } // namespace kelto
 
 int checkSyntax(const UCS2 *format, formTable *table, KTParameter **parameters)
 {
     *parameters = nullptr;
-    kelto::PercentPlaces places;
-    return kelto::checkFormat(format, KTUCS2strlen(format), table, parameters, places);
+    kelto::TagBlock<KTParameter> checked;
+    kelto::PercentPlaces<UCS2> places;
+    const int result = kelto::checkFormat(format, KTUCS2strlen(format), table, checked, places).result;
+    *parameters = checked.release();
+    return result;
 }

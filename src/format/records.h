@@ -1,6 +1,6 @@
 /**
- * What parser, driver and formatters ask of the records in kelto.h (KTFormatter, KTParameter) beyond their members: which
- * codes take an argument, what a marker is, which record stands for it, how long a name can be.
+ * What parser, driver and formatters ask of the records in kelto.h (KTFormatter, KTParameter) beyond their members:
+ * which codes take an argument, what a marker is, which record stands for it, how long a name can be.
  */
 #ifndef KELTO_FORMAT_RECORDS_H
 #define KELTO_FORMAT_RECORDS_H

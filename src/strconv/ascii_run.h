@@ -1,7 +1,7 @@
 /**
  * The leading run of ASCII in a text, copied between UTF-8 and UCS-2 sixteen units at a step. Most texts are ASCII from
- * end to end and need no more than this. Neither widenAscii() nor narrowAscii() reads or writes at `limit` or beyond
- * it, nor writes anything behind the run.
+ * end to end and need no more than this. None of the three functions at the end reads or writes at `limit` or beyond it,
+ * nor writes anything behind the run.
  */
 #ifndef KELTO_STRCONV_ASCII_RUN_H
 #define KELTO_STRCONV_ASCII_RUN_H
@@ -33,6 +33,26 @@ inline bool widenEight(const char *source, UCS2 *destination) noexcept
     if (_mm_movemask_epi8(bytes) != 0)
         return false;
     _mm_storeu_si128(reinterpret_cast<__m128i *>(destination), _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    return true;
+}
+
+/* The same without widening. */
+
+inline bool copySixteen(const char *source, char *destination) noexcept
+{
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(source));
+    if (_mm_movemask_epi8(bytes) != 0)
+        return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(destination), bytes);
+    return true;
+}
+
+inline bool copyEight(const char *source, char *destination) noexcept
+{
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(source));
+    if (_mm_movemask_epi8(bytes) != 0)
+        return false;
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(destination), bytes);
     return true;
 }
 
@@ -98,6 +118,12 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
 inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
 {
     return copyAscii(source, limit, destination, widenSixteen, widenEight);
+}
+
+/** Copies the ASCII at the start of `limit` bytes. @return the length of the run. */
+inline size_t copyAsciiBytes(const char *source, size_t limit, char *destination) noexcept
+{
+    return copyAscii(source, limit, destination, copySixteen, copyEight);
 }
 
 /** Narrows the ASCII at the start of `limit` units. @return the length of the run. */

@@ -1,7 +1,7 @@
 /**
- * Dates and times: the formatter of "DT", "D" and "T" with its two readers and its one layout. The value is a text, either
- * a count of seconds since 1970-01-01 00:00:00 or a time stamp of exactly 21 bytes; there is no time zone and no locale.
- * The calendar has a leap year every four years, without exception.
+ * Dates and times: the formatter of "DT", "D" and "T" with its two readers and its one layout. The value is a text,
+ * either a count of seconds since 1970-01-01 00:00:00 or a time stamp of exactly 21 bytes; there is no time zone and no
+ * locale. The calendar has a leap year every four years, without exception.
  */
 #ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 #define KELTO_FORMAT_FORMATTERS_DATE_TIME_H

@@ -114,7 +114,8 @@ extern "C" {
 /**
  * Converts a name.
  * @param kind  CONV_DNS for the form with slashes, root first; any other for the dotted one, leaf first.
- * @param out   room for the name's length plus 2 units; terminated. It may overlap the name, which is then copied first.
+ * @param out   room for the name's length plus 2 units; terminated. It may overlap the name, which is then copied
+ *             first.
  * @return 0; KT_ERR_NO_MEMORY where a name of 256 units and more cannot be copied.
  *
  *     UCS2 text[19];

@@ -1,6 +1,6 @@
 /**
- * Floating-point numbers as the C library's printf writes them in the current numeric locale, in fixed-point notation and
- * at any length. Padding and sign are laid out here, since no size is asked of the C library for a huge width or
+ * Floating-point numbers as the C library's printf writes them in the current numeric locale, in fixed-point notation
+ * and at any length. Padding and sign are laid out here, since no size is asked of the C library for a huge width or
  * precision; doubles of usual size are rendered by ourselves, with the same digits.
  */
 #ifndef KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H

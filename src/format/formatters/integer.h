@@ -1,7 +1,7 @@
 /**
- * Integers as text: the digit writers, numToUCS2() on top of them, and the formatters of "d", "u", "o", "x" and "X". The
- * rules differ from printf's on purpose: a precision also cuts digits, '0' wins over '-' and over a precision, and '#'
- * puts its prefix before a zero too.
+ * Integers as text: the digit writers, numToUCS2() on top of them, and the formatters of "d", "u", "o", "x" and "X".
+ * The rules differ from printf's on purpose: a precision also cuts digits, '0' wins over '-' and over a precision, and
+ * '#' puts its prefix before a zero too.
  */
 #ifndef KELTO_FORMAT_FORMATTERS_INTEGER_H
 #define KELTO_FORMAT_FORMATTERS_INTEGER_H
@@ -47,7 +47,7 @@ inline Padding integerPadding(int flags) noexcept
     return (flags & FLAG_MINUS) != 0 ? Padding::right : Padding::left;
 }
 
-/** A precision is a number of digits: 42 with four is 0042, and 12345 with two is 12000. @return the zeros before them. */
+/** A precision is a number of digits: 42 with four is 0042, 12345 with two is 12000. @return the zeros before them. */
 inline uint64_t applyPrecision(int precision, char *digits, size_t count) noexcept
 {
     if (precision < 0)

@@ -1,0 +1,248 @@
+#include "format/prepared.h"
+
+#include "format/arguments.h"
+#include "format/form_table.h"
+#include "format/format_string.h"
+#include "format/growing_text.h"
+#include "format/typed_argument.h"
+#include "lifecycle/state.h"
+
+#include <cstring>
+
+namespace
+{
+
+using kelto::PreparedStep;
+using kelto::Writer;
+
+/** A formatter of the library's own, the one argument that it knows, and what it writes. */
+struct OwnFormatter
+{
+    KTFormatFunction format;
+    int argument;
+    Writer writer;
+};
+
+constexpr OwnFormatter ownFormatters[] = {
+    {formatUTF8Str, KT_ARG_UTF8, Writer::utf8Text},
+    {formatInteger, KT_ARG_SIGNED, Writer::signedInteger},
+    {formatUnsigned, KT_ARG_UNSIGNED, Writer::unsignedInteger},
+    {formatOctHex, KT_ARG_UNSIGNED, Writer::octHex},
+    {formatDouble, KT_ARG_DOUBLE, Writer::floatingPoint},
+    {formatChar, KT_ARG_CHARACTER, Writer::character},
+    {formatUCS2Str, KT_ARG_UCS2, Writer::ucs2Text},
+    {formatDateTime, KT_ARG_UTF8, Writer::dateTime},
+    {formatDN, KT_ARG_UCS2, Writer::name},
+    {formatEID, KT_ARG_UNSIGNED, Writer::entryId},
+    {formatError, KT_ARG_UTF8, Writer::error},
+    {formatIP, KT_ARG_UTF8, Writer::address},
+};
+
+// By the function in the record and not by its address in the list: private copies and tables of the caller's may hold
+// the built-in conversions too. One that is given other arguments than it knows is called like any other.
+Writer writerOf(const KTFormatter &formatter)
+{
+    for (const OwnFormatter &own : ownFormatters)
+        if (formatter.format == own.format)
+            return formatter.argTypes[0] == own.argument && formatter.argTypes[1] == KT_ARG_END ? own.writer
+                                                                                                : Writer::called;
+    return Writer::called;
+}
+
+template <typename T> T *take(char *&at, size_t count)
+{
+    auto *const taken = reinterpret_cast<T *>(at);
+    at += count * sizeof(T);
+    return taken;
+}
+
+/** Lays a checked format out as a block. */
+class Preparation
+{
+public:
+    kelto::FormatVerdict run(const char *format, size_t length, formTable *table)
+    {
+        kelto::FormatVerdict verdict = kelto::checkFormat(format, length, table, m_parameters, m_places);
+        if (verdict.result != 0)
+            return verdict;
+        m_slotCount = kelto::numberSlots(m_parameters.get(), false);
+        verdict.result = build(format, length, table);
+        return verdict;
+    }
+
+    KTPreparedFormat *release() { return reinterpret_cast<KTPreparedFormat *>(m_block.release()); }
+
+private:
+    /** How much of each there will be. */
+    struct Sizes
+    {
+        size_t steps, units, bytes;
+    };
+
+    int build(const char *format, size_t length, formTable *table)
+    {
+        const Sizes sizes = measure(format, length);
+        m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + sizes.steps * sizeof(PreparedStep) +
+                                                          m_slotCount * sizeof(KTSlot) +
+                                                          (sizes.units + 1) * sizeof(UCS2) + sizes.bytes + 1);
+        if (m_block == nullptr)
+            return KT_ERR_NO_MEMORY;
+        char *at = m_block.get();
+        auto *const prepared = take<KTPreparedFormat>(at, 1);
+        auto *const steps = take<PreparedStep>(at, sizes.steps);
+        auto *const slots = take<KTSlot>(at, m_slotCount);
+        auto *const units = take<UCS2>(at, sizes.units + 1);
+        auto *const bytes = take<char>(at, sizes.bytes + 1);
+        *prepared = {table, static_cast<uint32_t>(sizes.steps), static_cast<uint32_t>(m_slotCount), steps, slots, units,
+                     bytes};
+        listSlots(slots);
+        fill(format, length, steps, {units, bytes, sizes});
+        return 0;
+    }
+
+    Sizes measure(const char *format, size_t length)
+    {
+        kelto::PercentPlaces<char> places = m_places;
+        Sizes sizes = {1, 0, 0};
+        kelto::walkFormat(
+            format, length, places, [&](const char *text, size_t count) { addLiteral(text, count, sizes); },
+            [&](const kelto::PercentPlace<char> &place) {
+                sizes.steps += kelto::isMarker(parameterAt(place)) ? 0 : 1;
+                return true;
+            });
+        return sizes;
+    }
+
+    static void addLiteral(const char *text, size_t count, Sizes &sizes)
+    {
+        for (const char *const end = text + count; text != end;)
+        {
+            const UChar32 codePoint = kelto::takeCodePoint(text, end);
+            sizes.units += static_cast<size_t>(U16_LENGTH(codePoint));
+            sizes.bytes += static_cast<size_t>(U8_LENGTH(codePoint));
+        }
+    }
+
+    const KTParameter &parameterAt(const kelto::PercentPlace<char> &place) const
+    {
+        return m_parameters[static_cast<size_t>(place.position) - 1];
+    }
+
+    void listSlots(KTSlot *slot) const
+    {
+        if (m_parameters == nullptr)
+            return;
+        for (uint32_t position = 1; m_parameters[position - 1].formatter != nullptr; ++position)
+        {
+            const KTParameter &parameter = m_parameters[position - 1];
+            if (kelto::isMarker(parameter))
+                continue;
+            if (parameter.width == KT_FROM_ARGUMENTS)
+                *slot++ = {KT_SLOT_INT32, position, KT_SLOT_WIDTH};
+            if (parameter.precision == KT_FROM_ARGUMENTS)
+                *slot++ = {KT_SLOT_INT32, position, KT_SLOT_PRECISION};
+            for (const int *type = parameter.formatter->argTypes; *type != KT_ARG_END; ++type)
+                if (kelto::takesSlot(*type))
+                    *slot++ = {static_cast<uint32_t>(kelto::slotCodeOf(*type, parameter.flags)), position,
+                               KT_SLOT_VALUE};
+        }
+    }
+
+    struct Texts
+    {
+        UCS2 *units;
+        char *bytes;
+        Sizes sizes;
+    };
+
+    void fill(const char *format, size_t length, PreparedStep *step, const Texts &texts)
+    {
+        const unsigned long unitRoom = texts.sizes.units + 1;
+        const unsigned long byteRoom = texts.sizes.bytes + 1;
+        kelto::GrowingText<UCS2> units(texts.units, &unitRoom);
+        kelto::GrowingText<char> bytes(texts.bytes, &byteRoom);
+        unsigned long unitsDone = 0;
+        unsigned long bytesDone = 0;
+        const auto endLiteral = [&] {
+            unsigned long unitsNow;
+            unsigned long bytesNow;
+            units.finish(&unitsNow);
+            bytes.finish(&bytesNow);
+            step->literalUnits = unitsNow - unitsDone;
+            step->literalBytes = bytesNow - bytesDone;
+            unitsDone = unitsNow;
+            bytesDone = bytesNow;
+        };
+        kelto::walkFormat(
+            format, length, m_places,
+            [&](const char *text, size_t count) {
+                const kelto::UTF8Text piece = {text, count, UINT64_MAX};
+                units.write(kelto::Ending::open, piece);
+                bytes.write(kelto::Ending::open, piece);
+            },
+            [&](const kelto::PercentPlace<char> &place) {
+                const KTParameter &parameter = parameterAt(place);
+                if (kelto::isMarker(parameter))
+                    return true;
+                endLiteral();
+                step->formatter = parameter.formatter;
+                step->layout = {parameter.width, parameter.precision, parameter.flags};
+                step->firstSlot = static_cast<uint32_t>(parameter.argIndex);
+                step->writer = writerOf(*parameter.formatter);
+                ++step;
+                return true;
+            });
+        endLiteral();
+        step->formatter = nullptr;
+        step->writer = Writer::none;
+    }
+
+    kelto::PercentPlaces<char> m_places;
+    kelto::TagBlock<KTParameter> m_parameters;
+    size_t m_slotCount = 0;
+    kelto::TagBlock<char> m_block;
+};
+
+} // namespace
+
+namespace kelto
+{
+
+FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept
+{
+    const size_t length = std::strlen(format);
+    if (isTooLong(length))
+        return {KT_ERR_CONVERSION_INVALID_ARGUMENT, KT_RULE_NONE, 0, 0, 0};
+    Preparation preparation;
+    const FormatVerdict verdict = preparation.run(format, length, table);
+    prepared.reset(preparation.release());
+    return verdict;
+}
+
+} // namespace kelto
+
+int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **prepared)
+{
+    *prepared = nullptr;
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    if (format == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
+    kelto::PreparedOwner owner;
+    const int result = kelto::prepareFormat(format, table, owner).result;
+    *prepared = owner.release();
+    return result;
+}
+
+void KTFreePrepared(KTPreparedFormat *prepared)
+{
+    if (prepared != nullptr)
+        ZEL_free(prepared);
+}
+
+size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots)
+{
+    if (slots != nullptr)
+        *slots = prepared != nullptr ? prepared->slots : nullptr;
+    return prepared != nullptr ? prepared->slotCount : 0;
+}

@@ -1,0 +1,71 @@
+/**
+ * A prepared format: what a check found of it, kept in one block. It is a row of steps in the order of the text, each
+ * some literal text, which stands there in both encodings, and the conversion behind it; and the slots that the
+ * conversions take, in the order in which arguments are passed.
+ */
+#ifndef KELTO_FORMAT_PREPARED_H
+#define KELTO_FORMAT_PREPARED_H
+
+#include "format/field.h"
+#include "platform/scoped.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace kelto
+{
+
+/** What writes a conversion: a family of the library's own, or the function in its record. */
+enum class Writer : uint8_t
+{
+    none, /**< nothing, as behind the last literal text */
+    called,
+    signedInteger,
+    unsignedInteger,
+    octHex,
+    floatingPoint,
+    character,
+    utf8Text,
+    ucs2Text,
+    dateTime,
+    name,
+    entryId,
+    error,
+    address
+};
+
+struct PreparedStep
+{
+    size_t literalBytes, literalUnits; /**< of the text before the conversion */
+    const KTFormatter *formatter;
+    Layout layout;      /**< KT_FROM_ARGUMENTS where a slot holds the width or precision */
+    uint32_t firstSlot; /**< of the conversion, a '*' included */
+    Writer writer;
+};
+
+struct FormatVerdict;
+
+} // namespace kelto
+
+/** The head of the block; behind it stand steps, slots, UCS-2 text and UTF-8 text. */
+struct KTPreparedFormat
+{
+    formTable *table; /**< null where the caller named none */
+    uint32_t stepCount, slotCount;
+    const kelto::PreparedStep *steps;
+    const KTSlot *slots;
+    const UCS2 *units;
+    const char *bytes;
+};
+
+namespace kelto
+{
+
+using PreparedOwner = std::unique_ptr<KTPreparedFormat, TagFree>;
+
+/** KTPrepareFormat() for a format that is not null, while the library is started; of a refused one the reason. */
+FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept;
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,160 @@
+#include "format/typed_argument.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <iterator>
+
+namespace
+{
+
+/** What a kind of slot takes. */
+struct SlotKind
+{
+    const char *name;
+    uint32_t type;       // of an argument; 0 for integers, which are compared by value
+    int64_t least;       // of integers
+    uint64_t most;       // likewise
+    uint32_t sameSize;   // the signed type whose negative values count bit for bit in an unsigned slot
+    uint32_t signedCode; // the slot's own code, or of an unsigned integer the one of the signed one
+};
+
+// By KTSlotCode.
+constexpr SlotKind slotKinds[] = {
+    {"nothing", 0, 0, 0, 0, 0},
+    {"a 16-bit integer", 0, INT16_MIN, INT16_MAX, 0, KT_SLOT_INT16},
+    {"a 16-bit integer", 0, 0, UINT16_MAX, 0, KT_SLOT_INT16},
+    {"a 32-bit integer", 0, INT32_MIN, INT32_MAX, 0, KT_SLOT_INT32},
+    {"a 32-bit integer", 0, 0, UINT32_MAX, KT_ARGUMENT_INT, KT_SLOT_INT32},
+    {"a 64-bit integer", 0, INT64_MIN, INT64_MAX, 0, KT_SLOT_INT64},
+    {"a 64-bit integer", 0, 0, UINT64_MAX, KT_ARGUMENT_INT64, KT_SLOT_INT64},
+    {"an 8-bit character", KT_ARGUMENT_CHAR, 0, UINT8_MAX, 0, KT_SLOT_CHAR},
+    {"a UCS-2 unit", KT_ARGUMENT_UNIT, 0, UINT16_MAX, 0, KT_SLOT_UNIT},
+    {"a double", KT_ARGUMENT_DOUBLE, 0, 0, 0, KT_SLOT_DOUBLE},
+    {"a long double", KT_ARGUMENT_LONG_DOUBLE, 0, 0, 0, KT_SLOT_LONG_DOUBLE},
+    {"a UTF-8 string", KT_ARGUMENT_UTF8, 0, 0, 0, KT_SLOT_UTF8},
+    {"a UCS-2 string", KT_ARGUMENT_UCS2, 0, 0, 0, KT_SLOT_UCS2},
+    {"a pointer", KT_ARGUMENT_POINTER, 0, 0, 0, KT_SLOT_POINTER},
+};
+
+const SlotKind &kindOf(uint32_t slotCode)
+{
+    return slotKinds[slotCode < std::size(slotKinds) ? slotCode : 0];
+}
+
+bool isAcceptedInteger(const KTArgument &argument, const SlotKind &slot)
+{
+    if (argument.length != 0)
+        return false;
+    const int64_t asSigned = argument.value.i;
+    switch (argument.type)
+    {
+    case KT_ARGUMENT_INT:
+        if (asSigned < INT32_MIN || asSigned > INT32_MAX)
+            return false;
+        [[fallthrough]];
+    case KT_ARGUMENT_INT64:
+        if (asSigned < 0)
+            return slot.least < 0 ? asSigned >= slot.least : argument.type == slot.sameSize;
+        break;
+    case KT_ARGUMENT_UINT:
+        if (argument.value.u > UINT32_MAX)
+            return false;
+        break;
+    case KT_ARGUMENT_UINT64:
+        break;
+    default:
+        return false;
+    }
+    return argument.value.u <= slot.most;
+}
+
+size_t lengthOf(const char *text, uint32_t length)
+{
+    return length == UINT32_MAX ? std::strlen(text) : strnlen(text, length);
+}
+
+size_t lengthOf(const UCS2 *text, uint32_t length)
+{
+    return length == UINT32_MAX ? KTUCS2strlen(text)
+                                : static_cast<size_t>(std::find(text, text + length, u'\0') - text);
+}
+
+template <typename Unit> kelto::ArgumentText<Unit> textOf(const KTArgument &argument, const Unit *empty)
+{
+    const auto *const text = static_cast<const Unit *>(argument.value.p);
+    return text != nullptr ? kelto::ArgumentText<Unit>{text, lengthOf(text, argument.length)}
+                           : kelto::ArgumentText<Unit>{empty, 0};
+}
+
+} // namespace
+
+namespace kelto
+{
+
+KTSlotCode slotCodeOf(int argumentCode, int flags) noexcept
+{
+    const bool isSigned = argumentCode == KT_ARG_SIGNED;
+    switch (argumentCode)
+    {
+    case KT_ARG_CHARACTER:
+        return (flags & FLAG_l) != 0 ? KT_SLOT_UNIT : KT_SLOT_CHAR;
+    case KT_ARG_UTF8:
+        return KT_SLOT_UTF8;
+    case KT_ARG_UCS2:
+        return KT_SLOT_UCS2;
+    case KT_ARG_DOUBLE:
+        return (flags & FLAG_L) != 0 ? KT_SLOT_LONG_DOUBLE : KT_SLOT_DOUBLE;
+    case KT_ARG_POINTER:
+        return KT_SLOT_POINTER;
+    default:
+        if ((flags & FLAG_h) != 0)
+            return isSigned ? KT_SLOT_INT16 : KT_SLOT_UINT16;
+        if ((flags & FLAG_BANG) != 0)
+            return isSigned ? KT_SLOT_INT64 : KT_SLOT_UINT64;
+        return isSigned ? KT_SLOT_INT32 : KT_SLOT_UINT32;
+    }
+}
+
+const char *slotName(uint32_t slotCode) noexcept
+{
+    return kindOf(slotCode).name;
+}
+
+bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept
+{
+    return kindOf(slotCode).signedCode == kindOf(otherCode).signedCode;
+}
+
+bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
+{
+    const SlotKind &slot = kindOf(slotCode);
+    if (slot.type == 0)
+        return isAcceptedInteger(argument, slot);
+    if (argument.type != slot.type)
+        return false;
+    switch (slotCode)
+    {
+    case KT_SLOT_CHAR:
+    case KT_SLOT_UNIT:
+        return argument.length == 0 && argument.value.u <= slot.most;
+    case KT_SLOT_DOUBLE:
+        return argument.length == 0;
+    case KT_SLOT_LONG_DOUBLE:
+        return argument.length == 0 && argument.value.p != nullptr;
+    default:
+        return true; // the length is that of the text, or the kind
+    }
+}
+
+ArgumentText<char> utf8Of(const KTArgument &argument) noexcept
+{
+    return textOf(argument, "");
+}
+
+ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept
+{
+    return textOf(argument, u"");
+}
+
+} // namespace kelto

@@ -1,0 +1,48 @@
+/**
+ * Arguments that say what they are: whether one is what a format asks for, and its value in the form that a conversion
+ * takes.
+ */
+#ifndef KELTO_FORMAT_TYPED_ARGUMENT_H
+#define KELTO_FORMAT_TYPED_ARGUMENT_H
+
+#include "kelto.h"
+
+#include <cstddef>
+
+namespace kelto
+{
+
+/** The slot of an argument code (KTArgumentCode, one that takes a slot) under the flags of its conversion. */
+KTSlotCode slotCodeOf(int argumentCode, int flags) noexcept;
+
+/** What a person calls such an argument, as "a 32-bit integer". */
+const char *slotName(uint32_t slotCode) noexcept;
+
+/** Whether two slots take the same arguments; whether an integer is signed does not matter. */
+bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept;
+
+/** Whether an argument has the kind of the slot, and a value that the slot holds. */
+bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept;
+
+/* The values of arguments that were accepted. */
+
+inline uint64_t unsignedValue(const KTArgument &argument, int flags) noexcept
+{
+    if ((flags & FLAG_h) != 0)
+        return static_cast<uint16_t>(argument.value.u);
+    return (flags & FLAG_BANG) != 0 ? argument.value.u : static_cast<uint32_t>(argument.value.u);
+}
+
+/** A text of an argument: null is the empty one, and a zero inside ends it. */
+template <typename Unit> struct ArgumentText
+{
+    const Unit *begin;
+    size_t length;
+};
+
+ArgumentText<char> utf8Of(const KTArgument &argument) noexcept;
+ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept;
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,37 @@
+/**
+ * UTF-8 read code point by code point, malformed text included: what is malformed becomes U+FFFD in the same places, and
+ * as often, as in a conversion of the whole text.
+ */
+#ifndef KELTO_STRCONV_UTF8_TEXT_H
+#define KELTO_STRCONV_UTF8_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <unicode/utf8.h>
+
+namespace kelto
+{
+
+/** Takes the code point at the cursor, which is before `end`. */
+inline UChar32 takeCodePoint(const char *&cursor, const char *end) noexcept
+{
+    const auto *const bytes = reinterpret_cast<const uint8_t *>(cursor);
+    ptrdiff_t taken = 0;
+    UChar32 codePoint;
+    U8_NEXT_OR_FFFD(bytes, taken, end - cursor, codePoint);
+    cursor += taken;
+    return codePoint;
+}
+
+/** The UCS-2 units of a text of `length` bytes. */
+inline size_t countUnits(const char *text, size_t length) noexcept
+{
+    size_t units = 0;
+    for (const char *const end = text + length; text != end;)
+        units += takeCodePoint(text, end) > 0xFFFF ? 2 : 1;
+    return units;
+}
+
+} // namespace kelto
+
+#endif
