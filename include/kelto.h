@@ -182,6 +182,45 @@ int KTLoadRawMessages(char *path, MessageTable **table);
 int KTGetMessage(MessageTable *table, unsigned int id, char **message);
 
 /**
+ * Walks over the messages that a table has, in the order of their numbers. A step costs no more for a number that is far
+ * away, so that a file with few messages and huge numbers is walked through at once.
+ * @param after    the number of the message before; 0 for the first one.
+ * @param id       out: the number of the next message; 0 when there is none, and on every other failure but
+ *                 KT_ERR_NOT_INITIALIZED, which leaves both outputs alone.
+ * @param message  out: the message, as KTGetMessage() gives it; null where `id` is 0.
+ * @return 0; KT_ERR_INVALID_MSG_ID where no message has a higher number; KT_ERR_NOT_INITIALIZED or
+ *         KT_ERR_TABLE_NOT_FOUND.
+ *
+ *     unsigned int id = 0;
+ *     char *message;
+ *     while (KTNextMessage(table, id, &id, &message) == 0)
+ *         printf("%u: %s\n", id, message);
+ */
+int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, char **message);
+
+/** What a message file says about itself; KTTableInfo(). Later versions may add members at the end. */
+typedef struct KTTableFacts
+{
+    size_t structSize;       /**< in: sizeof(KTTableFacts) */
+    const char *productName; /**< UTF-8, not empty; the table's, until it is released, like the version */
+    const char *productVersion;
+    char language[3];       /**< two bytes and a zero byte */
+    char country[3];        /**< likewise; the empty text where the file names none */
+    unsigned int highestId; /**< of all messages; 0 for a file without any */
+} KTTableFacts;
+
+/**
+ * Tells what the "file" element of a loaded message file says, and the highest number of its messages.
+ * @param info  in: its structSize; out: the rest. Untouched by failures.
+ * @return 0, KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND, or KT_ERR_INVALID_PARAMETER for null and for a structSize
+ *         that is too small.
+ *
+ *     KTTableFacts facts = {sizeof facts};
+ *     int result = KTTableInfo(table, &facts); // 0, and facts.productVersion is "2.1.0"
+ */
+int KTTableInfo(MessageTable *table, KTTableFacts *info);
+
+/**
  * Releases a table with all its messages; pointers to them end with it.
  * @return 0, KT_ERR_NOT_INITIALIZED, or KT_ERR_TABLE_NOT_FOUND (nothing is released).
  */

@@ -29,7 +29,10 @@ void guardStart1(void *state, const char *name, const char **attrs)
         return;
     kelto::startInFirstPass(guard.pass, element, attrs);
     if (element.id == ELM_SOURCE)
+    {
         guard.messageOffset = guard.pass.textSize;
+        ++guard.messages;
+    }
     else if (element.id == ELM_X && isOutOfProportion(guard))
         guard.pass.error = KT_ERR_BAD_MSG_FILE;
 }
@@ -71,6 +74,8 @@ public:
         if (m_guard.isMessageOpen || id == 0 || static_cast<unsigned>(id) > m_guard.pass.table->msgCount)
             return false;
         m_guard.isMessageOpen = true;
+        if (m_guard.index != nullptr)
+            m_guard.index->add(static_cast<uint32_t>(id));
         return true;
     }
 

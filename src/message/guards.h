@@ -8,6 +8,7 @@
 
 #include "message/first_pass.h"
 #include "message/second_pass.h"
+#include "message/sparse_index.h"
 #include "message/xml_limits.h"
 
 #include <type_traits>
@@ -20,14 +21,16 @@ struct FirstPassGuard
 {
     FirstPassState pass = {};
     uint64_t messageOffset = 0; /**< `textSize` where the current message began */
+    size_t messages = 0;
     XmlLimits limits = {};
 };
 
 struct SecondPassGuard
 {
     SecondPassState pass = {};
-    const char *end = nullptr;  /**< of the block */
-    bool isMessageOpen = false; /**< a "trans-unit" whose "source" has not ended */
+    const char *end = nullptr;          /**< of the block */
+    bool isMessageOpen = false;         /**< a "trans-unit" whose "source" has not ended */
+    std::unique_ptr<SparseIndex> index; /**< null where the table needs none */
     XmlLimits limits = {};
 
     size_t room() const noexcept { return static_cast<size_t>(end - pass.cursor); }

@@ -4,19 +4,13 @@
 #include "lifecycle/state.h"
 #include "message/file_reader.h"
 #include "message/guards.h"
+#include "message/table_owner.h"
 #include "platform/zero_fill.h"
 
-#include <memory>
+#include <utility>
 
 namespace
 {
-
-struct TableFree
-{
-    void operator()(MessageTable *table) const noexcept { kelto::freeTable(table); }
-};
-
-using TableOwner = std::unique_ptr<MessageTable, TableFree>;
 
 template <typename Guard>
 int runPass(kelto::File &file, kelto::Parser &parser, const kelto::Handlers &handlers, Guard &guard)
@@ -41,34 +35,32 @@ kelto::TagBlock<char> allocateMessages(size_t pointerBytes, uint64_t textBytes)
 }
 
 /** Fills a table with what the first pass measured and hands it to the list. */
-int createTable(kelto::File &file, kelto::Parser &parser, const FirstPassState &measured, MessageTable **created)
+int createTable(kelto::File &file, kelto::Parser &parser, const kelto::FirstPassGuard &measured, MessageTable **created)
 {
-    TableOwner table(kelto::allocateZeroed<MessageTable>(glbResHandle, 1).release());
+    kelto::TableOwner table(kelto::allocateZeroed<MessageTable>(glbResHandle, 1).release());
     *created = table.get();
     if (table == nullptr)
         return KT_ERR_NO_MEMORY;
-    table->msgCount = static_cast<uint32_t>(measured.highestId);
+    table->msgCount = static_cast<uint32_t>(measured.pass.highestId);
 
     const size_t pointerBytes = (size_t{table->msgCount} + 1) * sizeof(char *);
-    kelto::TagBlock<char> block = allocateMessages(pointerBytes, measured.textSize);
+    kelto::TagBlock<char> block = allocateMessages(pointerBytes, measured.pass.textSize);
     if (block == nullptr)
         return KT_ERR_NO_MEMORY;
     auto *const messages = reinterpret_cast<char **>(block.get());
     char *const text = block.get() + pointerBytes;
     kelto::SecondPassGuard guard;
-    guard.pass = {measured.raw, 0, false, table.get(), messages, 0, text};
-    guard.end = text + measured.textSize;
-    int result = runPass(file, parser, kelto::secondPassHandlers, guard);
-    if (result == 0 && !guard.isComplete())
-        result = KT_ERR_BAD_MSG_FILE;
+    guard.pass = {measured.pass.raw, 0, false, table.get(), messages, 0, text};
+    guard.end = text + measured.pass.textSize;
+    guard.index = kelto::SparseIndex::create(table->msgCount, measured.messages);
+    const int result = runPass(file, parser, kelto::secondPassHandlers, guard);
     if (result != 0)
         return result;
+    if (!guard.isComplete())
+        return KT_ERR_BAD_MSG_FILE;
 
     table->messages = reinterpret_cast<char **>(block.release());
-    result = msgTableList->Insert(table.get());
-    if (result == 0)
-        static_cast<void>(table.release()); // the list's now, which may have freed it already
-    return result;
+    return kelto::insertTable(std::move(table), std::move(guard.index));
 }
 
 } // namespace
@@ -87,7 +79,7 @@ int _KTLoadMessages(char *path, MessageTable **table, bool raw)
     result = runPass(file, parser, kelto::firstPassHandlers, guard);
     if (result != 0)
         return result;
-    result = createTable(file, parser, guard.pass, table);
+    result = createTable(file, parser, guard, table);
     if (result != 0)
         *table = nullptr;
     return result;

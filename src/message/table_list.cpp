@@ -2,6 +2,7 @@
 
 #include "kelto.h"
 #include "lifecycle/state.h"
+#include "message/sparse_index.h"
 #include "platform/scoped.h"
 
 namespace
@@ -89,7 +90,10 @@ int MsgTableList::Remove(MessageTable *table)
 void MsgTableList::freeTableItem(tableItem *item) // NOLINT(readability-convert-member-functions-to-static): likewise
 {
     if (item->table != nullptr)
+    {
+        kelto::SparseIndex::detach(item->table);
         kelto::freeTable(item->table);
+    }
     item->table = nullptr;
     ZEL_free(item);
 }

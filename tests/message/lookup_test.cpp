@@ -43,6 +43,65 @@ TEST_F(LookupTest, AcceptsExactlyTheIdsUpToTheHighest)
     EXPECT_EQ(message, nullptr);
 }
 
+/** All messages, as the walk gives them. */
+std::string walk(MessageTable *table)
+{
+    std::string all;
+    unsigned id = 0;
+    char *message = nullptr;
+    while (KTNextMessage(table, id, &id, &message) == 0)
+        all += std::to_string(id) + "=" + message + " ";
+    EXPECT_EQ(id, 0u);
+    EXPECT_EQ(message, nullptr);
+    return all;
+}
+
+TEST_F(LookupTest, WalksFromMessageToMessage)
+{
+    struct Row
+    {
+        std::string xml, all;
+    };
+    for (const Row &row : {Row{MessageFile().xml(), ""},
+                           {MessageFile().unit(5, "b").unit(2, "a").unit(6, "").xml(), "2=a 5=b 6= "},
+                           {MessageFile().unit(4194304, "c").unit(1, "a").unit(4194303, "b").xml(),
+                            "1=a 4194303=b 4194304=c "}})
+    {
+        MessageTable *const table = loadTable(row.xml), *const other = loadTable(row.xml);
+        EXPECT_EQ(KTFreeMessages(other), 0);
+        EXPECT_EQ(walk(table), row.all);
+        unsigned id = 7;
+        char *message = marker;
+        EXPECT_EQ(KTNextMessage(table, 0xFFFFFFFF, &id, &message), KT_ERR_INVALID_MSG_ID);
+        EXPECT_EQ(id, 0u);
+        EXPECT_EQ(KTNextMessage(other, 0, &id, &message), KT_ERR_TABLE_NOT_FOUND);
+    }
+}
+
+// What the file has in the second pass decides, whatever was counted in the first.
+TEST_F(LookupTest, WalksOverAllMessagesOfAFileThatChanged)
+{
+    MessageTable *table = nullptr;
+    FakeZel::file(memoryPath, MessageFile().unit(4194304, "abcdefg").xml())
+        .thenBytes(MessageFile().unit(4194304, "a").unit(1, "b").unit(2, "c").xml());
+    ASSERT_EQ(KTLoadMessages(memoryPath, &table), 0);
+    EXPECT_EQ(walk(table), "1=b 2=c 4194304=a ");
+}
+
+TEST_F(LookupTest, TellsWhatTheFileSays)
+{
+    MessageTable *const table = loadTable(MessageFile().unit(7, "a").xml());
+    KTTableFacts facts = {};
+    EXPECT_EQ(KTTableInfo(table, &facts), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTTableInfo(table, nullptr), KT_ERR_INVALID_PARAMETER);
+    facts.structSize = sizeof facts + 1;
+    EXPECT_EQ(KTTableInfo(nullptr, &facts), KT_ERR_TABLE_NOT_FOUND);
+    EXPECT_EQ(facts.productName, nullptr);
+    ASSERT_EQ(KTTableInfo(table, &facts), 0);
+    EXPECT_EQ(std::string(facts.productName) + facts.productVersion + facts.language + facts.country, "Example1.0enUS");
+    EXPECT_EQ(facts.highestId, 7u);
+}
+
 TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
 {
     MessageTable *const released = loadTable(MessageFile().unit(1, "one").xml());
@@ -64,6 +123,8 @@ TEST(Lookup, RefusesWhileTheLibraryIsStoppedAndWritesNothing)
     char version[20] = "untouched";
     EXPECT_EQ(KTGetMessage(nullptr, 1, &message), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(KTFreeMessages(nullptr), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTNextMessage(nullptr, 0, nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTTableInfo(nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(KTLoadMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(KTLoadRawMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(KTGetMsgFileVer(memoryPath, version), KT_ERR_NOT_INITIALIZED);

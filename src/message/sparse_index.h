@@ -1,0 +1,53 @@
+/**
+ * The IDs of a table with few messages and high numbers, in their order, so that a walk over its messages need not look
+ * at every number between them. Such a table has its index beside it from its loading to its release; other tables, and
+ * those for whose index there was no memory, have none.
+ */
+#ifndef KELTO_MESSAGE_SPARSE_INDEX_H
+#define KELTO_MESSAGE_SPARSE_INDEX_H
+
+#include "message/table_list.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace kelto
+{
+
+class SparseIndex
+{
+public:
+    /** An index to be filled, where one is needed and there is memory for it; else null. */
+    static std::unique_ptr<SparseIndex> create(uint32_t highestId, size_t messages) noexcept;
+
+    /** Notes an ID, in any order. */
+    void add(uint32_t id) noexcept
+    {
+        if (m_count < m_capacity)
+            m_ids[m_count] = id;
+        ++m_count;
+    }
+
+    /** The lowest ID above this one; 0 when there is none. */
+    uint32_t next(uint32_t after) const noexcept;
+
+    /* The indexes of all tables, by handle. The caller holds `tableListMutex`, or nobody else uses the library. An index
+     * that was given more IDs than it has room for is dropped. */
+    static void attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept;
+    static void detach(const MessageTable *table) noexcept;
+    static const SparseIndex *find(const MessageTable *table) noexcept;
+
+private:
+    SparseIndex() = default;
+
+    const MessageTable *m_table = nullptr;
+    std::unique_ptr<uint32_t[]> m_ids;
+    size_t m_count = 0, m_capacity = 0;
+    SparseIndex *m_next = nullptr;
+
+    static SparseIndex *all;
+};
+
+} // namespace kelto
+
+#endif
