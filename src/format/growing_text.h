@@ -150,6 +150,8 @@ private:
 
     void append(const NarrowText &text) noexcept
     {
+        if (text.characters == nullptr && text.count > 0) // only counted: the number as a whole does not fit
+            m_isTruncated = true;
         if (isOver(text.count) || !claim(isUTF8 ? text.count + text.beyondAscii : text.count))
             return;
         for (const char *next = text.characters; next != text.characters + text.count; ++next)
