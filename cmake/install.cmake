@@ -29,9 +29,19 @@ install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDI
 
 # The manual: section 1 comes with the program, the others with the header. `man KTFormatString` and the other functions
 # lead to the one page of them all.
-foreach(section 3 5 7)
+function(kelto_install_pages section component)
   file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.${section}")
-  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+  foreach(page IN LISTS pages)
+    get_filename_component(name "${page}" NAME)
+    file(READ "${page}" text)
+    string(REGEX REPLACE "\"Kelto [0-9.]+\"" "\"Kelto ${PROJECT_VERSION}\"" text "${text}")
+    file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/man/${name}" CONTENT "@text@" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/man/${name}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section}
+            COMPONENT ${component})
+  endforeach()
+endfunction()
+foreach(section 3 5 7)
+  kelto_install_pages(${section} development)
 endforeach()
 file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" KELTO_PROTOTYPES REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
 foreach(prototype IN LISTS KELTO_PROTOTYPES)
@@ -58,8 +68,7 @@ if(TARGET kelto-cli)
   set_target_properties(kelto-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${KELTO_BIN_TO_LIB}")
   install(TARGETS kelto-cli EXPORT KeltoProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(EXPORT KeltoProgram NAMESPACE Kelto:: DESTINATION ${KELTO_CMAKE_DIR} COMPONENT tools)
-  file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.1")
-  install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  kelto_install_pages(1 tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/kelto.bash" RENAME kelto
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto"

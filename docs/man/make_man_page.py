@@ -10,6 +10,7 @@ It fails too where the header declares something without a comment of its own.
 import re
 import sys
 
+DATE = "2026-11-25"
 TITLE = "message catalogs, formatting with positions, and character sets"
 
 # A comment, or code up to the end of its declaration. Braces belong to the declaration.
@@ -144,11 +145,16 @@ def strip_preprocessor(source):
     return code.replace('extern "C" {', "").replace("\n}\n", "\n")
 
 
+def begins_paragraph(lines, i):
+    """Whether a .PP has an effect: not behind a heading, nor in front of what begins a paragraph itself."""
+    return not lines[i - 1].startswith((".SH", ".SS", ".PP")) and not lines[i + 1].startswith((".SH", ".SS", ".PP", ".TP"))
+
+
 def make_page(header):
     version = ".".join(re.findall(r"#define KELTO_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", header))
     page = Page()
     page.request('.\\" Made by make_man_page.py of kelto.h; change the comments there.')
-    page.request(f'.TH KELTO 3 "" "Kelto {version}" "Library Functions"')
+    page.request(f'.TH KELTO 3 {DATE} "Kelto {version}" "Library Functions"')
     page.request(".nh")
     page.request(".ad l")
     page.request(".SH NAME")
@@ -197,7 +203,10 @@ def make_page(header):
     page.request(".SH SEE ALSO")
     page.request(".BR kelto (1),")
     page.request(".BR printf (3),")
-    page.request(".BR setlocale (3)")
+    page.request(".BR setlocale (3),")
+    page.request(".BR kelto\\-messages (5),")
+    page.request(".BR kelto\\-format (7)")
+    page.lines = [line for i, line in enumerate(page.lines) if line != ".PP" or begins_paragraph(page.lines, i)]
     return "\n".join(page.lines) + "\n"
 
 

@@ -2,8 +2,9 @@
  * Says how large a file is and when it was read, in a language:
  *     conversions LANGUAGE
  *
- * Shows two conversions of a program's own. "size" writes a count of bytes and "duration" a count of seconds, in units that
- * the catalog names, for they are words too. The call hands the names to the formatters as its pass-through pointer.
+ * Shows two conversions of a program's own. "size" writes a count of bytes and "duration" a count of seconds, in
+ * units that the catalog names, for they are words too. The call hands the names to the formatters as its
+ * pass-through pointer.
  */
 #include "catalog.h"
 #include "formatted.h"

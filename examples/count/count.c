@@ -2,8 +2,8 @@
  * Counts the lines and characters of texts, and speaks the user's language:
  *     count [--lang LANGUAGE] FILE...
  *
- * Shows a program that always speaks. Its language is the one asked for, or else the user's; where there is no catalog, or a
- * translation is wrong, it has its own English.
+ * Shows a program that always speaks. Its language is the one asked for, or else the user's; where there is no catalog,
+ * or a translation is wrong, it has its own English.
  */
 #include "catalog.h"
 #include "formatted.h"

@@ -18,8 +18,8 @@ static char *encoded(const UCS2 *text, const char *charSet)
 }
 
 /*
- * A message with its arguments, in a character set. table and passThru are for programs with conversions or an encoder of
- * their own. Null where the message is none, is malformed, or memory runs out. Free it with free().
+ * A message with its arguments, in a character set. table and passThru are for programs with conversions or an
+ * encoder of their own. Null where the message is none, is malformed, or memory runs out. Free it with free().
  */
 static char *vformatted(const char *charSet, formTable *table, void *passThru, const char *message, va_list arguments)
 {

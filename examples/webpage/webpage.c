@@ -2,8 +2,8 @@
  * Writes a web page about some documents, in a language:
  *     webpage LANGUAGE >page.html
  *
- * Shows an encoder. The titles come from anywhere, and the messages put them between the markers %N and %O, so that they go
- * through the encoder of the form table, which escapes what HTML gives a meaning to.
+ * Shows an encoder. The titles come from anywhere, and the messages put them between the markers %N and %O, so that
+ * they go through the encoder of the form table, which escapes what HTML gives a meaning to.
  */
 #include "catalog.h"
 #include "formatted.h"
