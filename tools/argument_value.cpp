@@ -2,12 +2,12 @@
 
 #include "charset.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <fmt/core.h>
 #include <limits>
 #include <string_view>
 #include <unicode/utf16.h>
@@ -41,9 +41,9 @@ WholeNumber readWholeNumber(std::string_view word)
     const char *const end = word.data() + word.size();
     const auto [stop, error] = std::from_chars(word.data(), end, number.magnitude, base);
     if (stop != end || error == std::errc::invalid_argument)
-        throw Unreadable{"is no whole number, as 12, -7 or 0x1F"};
+        throw Unreadable{say(Text::noWholeNumber)};
     if (error == std::errc::result_out_of_range)
-        throw Unreadable{"is beyond 64 bits"};
+        throw Unreadable{say(Text::beyond64Bits)};
     return number;
 }
 
@@ -54,7 +54,7 @@ template <typename Number> Value readInteger(const std::string &word)
     const uint64_t most = static_cast<uint64_t>(Limits::max());
     const uint64_t mostNegative = Limits::is_signed ? most + 1 : 0;
     if (number.magnitude > (number.negative ? mostNegative : most))
-        throw Unreadable{fmt::format("is out of the range {} to {}", Limits::min(), Limits::max())};
+        throw Unreadable{say(Text::outOfRange, {std::to_string(Limits::min()), std::to_string(Limits::max())})};
     const uint64_t bits = number.negative ? 0 - number.magnitude : number.magnitude;
     return static_cast<Number>(bits);
 }
@@ -74,20 +74,18 @@ template <typename Number> Value readFloating(const std::string &word, Number (*
     const Number number = convert(word.c_str(), &end);
     const bool startsWithSpace = !word.empty() && std::isspace(static_cast<unsigned char>(word.front())) != 0;
     if (word.empty() || startsWithSpace || end != word.c_str() + word.size())
-        throw Unreadable{"is no number, as 12.5, -3 or 1e9"};
+        throw Unreadable{say(Text::noNumber)};
     if (errno == ERANGE && std::isinf(number))
-        throw Unreadable{"is too large a number"};
+        throw Unreadable{say(Text::tooLargeNumber)};
     return number;
 }
 
 std::u16string readText(const std::string &word)
 {
     const std::string &charset = terminal().charset();
-    requireCharset(charset);
     std::u16string text = ucs2(charset, word);
     if (lossOfDecoding(charset, word, text).characters != 0)
-        throw Unreadable{fmt::format("is no text in the terminal's charset, {} (LC_ALL=C.UTF-8 sets UTF-8)",
-                                     terminal().showBytes(charset))};
+        throw Unreadable{say(Text::noTextInCharset, {terminal().showBytes(terminal().charsetName())})};
     return text;
 }
 
@@ -96,13 +94,13 @@ Value readCharacter(const std::string &word, int flags)
     constexpr char16_t last8BitCharacter = 0xFF;
     const std::u16string text = readText(word);
     if (text.size() == 2 && U16_IS_LEAD(text[0]))
-        throw Unreadable{"is a character beyond U+FFFF, which takes two units"};
+        throw Unreadable{say(Text::takesTwoUnits)};
     if (text.size() != 1)
-        throw Unreadable{"is not one character"};
+        throw Unreadable{say(Text::notOneCharacter)};
     if ((flags & FLAG_l) != 0)
         return text[0];
     if (text[0] > last8BitCharacter)
-        throw Unreadable{"is a character beyond U+00FF, which only %lc takes"};
+        throw Unreadable{say(Text::beyond8Bits)};
     return static_cast<char>(text[0]);
 }
 
@@ -140,7 +138,7 @@ Value readValue(int type, int flags, const std::string &word)
     for (const Reader &reader : readers)
         if (reader.type == type)
             return reader.read(word, flags);
-    throw Unreadable{"is of a kind that cannot be given here"};
+    throw Unreadable{say(Text::cannotBeGiven)};
 }
 
 Value readStar(const std::string &word)

@@ -1,9 +1,7 @@
 #include "arguments.h"
 
-#include "failure.h"
 #include "terminal.h"
-
-#include <fmt/core.h>
+#include "text.h"
 
 namespace tool
 {
@@ -14,9 +12,7 @@ constexpr int lastArgumentType = 7; // codes above take no argument
 
 std::string countOf(size_t arguments)
 {
-    if (arguments == 0)
-        return "no arguments";
-    return arguments == 1 ? "1 argument" : fmt::format("{} arguments", arguments);
+    return arguments == 0 ? say(Text::noArguments) : sayCount(Text::oneArgument, Text::manyArguments, arguments);
 }
 
 bool isDate(const KTParameter &parameter)
@@ -37,20 +33,21 @@ Arguments::Arguments(const std::vector<Conversion> &conversions, const std::vect
             m_values.push_back(read(m_slots[i], words[i]));
             m_pointers.push_back(pointerTo(m_values.back()));
         }
-        catch (const Unreadable &fault)
+        catch (const Unreadable &unreadable)
         {
-            throw Failure(fmt::format("{} {}", name(i), fault.reason));
+            throw fault(i, unreadable.reason);
         }
     if (words.size() < m_slots.size())
-        throw Failure(fmt::format("argument {} is missing, for {}: the message takes {}{}", words.size() + 1,
-                                  purpose(m_slots[words.size()]), countOf(m_slots.size()),
-                                  nameOf(KT_ERR_INVALID_PARAMETER)));
-    if (words.size() > m_slots.size())
         throw Failure(
-            fmt::format("argument {} {} is surplus: the message takes {}{}{}", m_slots.size() + 1,
-                        terminal().quote(words[m_slots.size()]), countOf(m_slots.size()),
-                        words[m_slots.size()].substr(0, 2) == "--" ? ", and options stand in front of the file" : "",
-                        nameOf(KT_ERR_INVALID_PARAMETER)));
+            say(Text::argumentMissing, {words.size() + 1, purpose(m_slots[words.size()]), countOf(m_slots.size())}) +
+            nameOf(KT_ERR_INVALID_PARAMETER));
+    if (words.size() > m_slots.size())
+    {
+        const std::string &word = words[m_slots.size()];
+        throw Failure(say(word.substr(0, 2) == "--" ? Text::optionIsSurplus : Text::argumentSurplus,
+                          {m_slots.size() + 1, terminal().quote(word), countOf(m_slots.size())}) +
+                      nameOf(KT_ERR_INVALID_PARAMETER));
+    }
     m_pointers.push_back(nullptr);
 }
 
@@ -70,22 +67,23 @@ Value Arguments::read(const Slot &slot, const std::string &word)
     return slot.role == Role::value ? readValue(slot.type, slot.conversion->parameter.flags, word) : readStar(word);
 }
 
-/** The argument as diagnostics name it: its number, its text, what it is for. */
-std::string Arguments::name(size_t index) const
+/** What is wrong with an argument, behind its number, its text, and what it is for. */
+Failure Arguments::fault(size_t index, const std::string &what) const
 {
-    return fmt::format("argument {} {}, for {},", index + 1, terminal().quote(m_words[index]), purpose(m_slots[index]));
+    return Failure(
+        say(Text::argumentFor, {index + 1, terminal().quote(m_words[index]), purpose(m_slots[index]), what}));
 }
 
 std::string Arguments::purpose(const Slot &slot)
 {
-    const char *const what = slot.role == Role::width       ? "the width of "
-                             : slot.role == Role::precision ? "the precision of "
-                                                            : "";
-    return what + terminal().quote(slot.conversion->written);
+    std::string written = terminal().quote(slot.conversion->written);
+    if (slot.role == Role::value)
+        return written;
+    return say(slot.role == Role::width ? Text::widthOf : Text::precisionOf, {written});
 }
 
 // A formatter that is offered no room only measures, or says what it refuses.
-std::string Arguments::whyRefused(int result)
+Failure Arguments::whyRefused(int result)
 {
     for (size_t i = 0; i < m_slots.size(); ++i)
     {
@@ -100,11 +98,10 @@ std::string Arguments::whyRefused(int result)
         if (answer != result)
             continue;
         if (isDate(parameter))
-            return fmt::format("{} is no date: seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z{}", name(i),
-                               nameOf(result));
-        return fmt::format("{} is refused: {}", name(i), meaningOf(result));
+            return fault(i, say(Text::noDate) + nameOf(result));
+        return fault(i, say(Text::refused, {meaningOf(result)}));
     }
-    return meaningOf(result);
+    return Failure(meaningOf(result));
 }
 
 } // namespace tool

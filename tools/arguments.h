@@ -6,6 +6,7 @@
 #define KELTO_TOOLS_ARGUMENTS_H
 
 #include "argument_value.h"
+#include "failure.h"
 #include "parsed_message.h"
 
 #include <deque>
@@ -25,7 +26,7 @@ public:
     void **pointers() { return m_pointers.data(); }
 
     /** Why a format call with these arguments failed: the first conversion that refuses its own, else the result. */
-    std::string whyRefused(int result);
+    Failure whyRefused(int result);
 
 private:
     enum class Role
@@ -44,7 +45,7 @@ private:
 
     void addSlots(const Conversion &conversion);
     static Value read(const Slot &slot, const std::string &word);
-    std::string name(size_t index) const;
+    Failure fault(size_t index, const std::string &what) const;
     static std::string purpose(const Slot &slot);
 
     std::vector<Slot> m_slots;

@@ -45,7 +45,7 @@ void requireCharset(const std::string &name)
     size_t size = 1;
     const int result = KTMultiByteToUCS2(name.c_str(), 0, 0, "", &size, nothing);
     if (result != 0)
-        throw Failure(terminal().quote(name), result);
+        throw Failure(terminal().quote(name) + ": " + meaningOf(result) + hint("kelto convert --list-charsets"));
 }
 
 void appendUcs2(std::u16string &target, const std::string &charset, const char *source, size_t length)

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "terminal.h"
+#include "text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -11,16 +12,36 @@ namespace tool
 namespace
 {
 
-/** Help with the synopsis as the table of subcommands has it. */
+/** Help with the synopsis as the subcommand has it, and its options as "-h, --help". */
 class HelpFormatter : public CLI::Formatter
 {
 public:
     explicit HelpFormatter(std::string usage) : m_usage(std::move(usage)) {}
     std::string make_usage(const CLI::App *, std::string) const override { return m_usage; }
+    std::string make_option_name(const CLI::Option *option, bool) const override
+    {
+        const std::string shortName = option->get_snames().empty() ? "  " : "-" + option->get_snames().front();
+        if (option->get_lnames().empty())
+            return shortName;
+        return shortName + (option->get_snames().empty() ? "  " : ", ") + "--" + option->get_lnames().front();
+    }
 
 private:
     std::string m_usage;
 };
+
+/** The option that an error of the parser is about, as it begins: "--from: 1 required NAME missing". */
+std::string optionIn(const CLI::ParseError &error)
+{
+    const std::string text = error.what();
+    const size_t begin = std::min(text.find('-'), text.size());
+    return terminal().showBytes(text.substr(begin, text.find_first_of(":= ", begin) - begin));
+}
+
+bool isHelp(const std::string &word)
+{
+    return word == "-h" || word == "--help";
+}
 
 } // namespace
 
@@ -77,7 +98,7 @@ Words CommandLine::files()
 {
     Words names = operands();
     if (names.empty())
-        throw misuse("no file is given");
+        throw misuse(say(Text::noFile));
     return names;
 }
 
@@ -97,6 +118,14 @@ Words CommandLine::operandsBehindOptions(size_t fixedCount)
     return rest;
 }
 
+void CommandLine::requireAlone(const std::string &option) const
+{
+    const std::string shortForm = option.substr(1, 2);
+    for (const std::string &word : m_words)
+        if (word != option && word != shortForm)
+            throw misuse(say(Text::surplusWord, {terminal().quote(word), option}));
+}
+
 void CommandLine::parse()
 {
     m_app->allow_extras();
@@ -107,7 +136,18 @@ void CommandLine::parse()
     }
     catch (const CLI::CallForHelp &)
     {
+        const auto help = std::find_if(m_words.begin(), m_words.end(), isHelp);
+        if (help != m_words.end() && help + 1 != m_words.end())
+            throw misuse(say(Text::surplusWord, {terminal().quote(help[1]), *help}));
         throw HelpWanted();
+    }
+    catch (const CLI::ArgumentMismatch &error)
+    {
+        throw misuse(say(Text::optionNeedsValue, {optionIn(error)}));
+    }
+    catch (const CLI::ConversionError &error)
+    {
+        throw misuse(say(Text::optionTakesNoValue, {optionIn(error)}));
     }
     catch (const CLI::ParseError &error)
     {
@@ -120,12 +160,12 @@ void CommandLine::refuseOptions(Words::const_iterator begin, Words::const_iterat
     const auto isOption = [](const std::string &word) { return word.size() > 1 && word[0] == '-' && word != "--"; };
     const auto unknown = std::find_if(begin, end, isOption);
     if (unknown != end)
-        throw misuse("unknown option " + terminal().quote(*unknown));
+        throw misuse(say(Text::unknownOption, {terminal().quote(*unknown)}));
 }
 
 Failure CommandLine::misuse(const std::string &text) const
 {
-    return Failure(fmt::format("{}: {}\nTry 'kelto {} --help'.", m_name, text, m_name));
+    return Failure(m_name + ": " + text + hint("kelto " + m_name + " --help"));
 }
 
 } // namespace tool

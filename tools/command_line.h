@@ -47,6 +47,9 @@ public:
      */
     Words operandsBehindOptions(size_t fixedCount);
 
+    /** Fails where there are other words than this option. */
+    void requireAlone(const std::string &option) const;
+
     /** The operands, all of them files, of which there must be one at least. */
     Words files();
 

@@ -3,10 +3,10 @@
 #include "icu.h"
 #include "output.h"
 #include "terminal.h"
+#include "text.h"
 #include "transcode.h"
 
 #include <algorithm>
-#include <fmt/core.h>
 
 namespace tool
 {
@@ -43,12 +43,10 @@ void listCharsets()
 }
 
 /** Whether there was anything to warn of. */
-bool warn(const std::string &subject, size_t characters, const std::string &what, const std::string &charset)
+bool warn(const std::string &path, Text one, Text many, size_t characters, const std::string &charset)
 {
     if (characters != 0)
-        complain(fmt::format("{}: {} {} {}, replaced", subject,
-                             characters == 1 ? "1 character" : fmt::format("{} characters", characters), what,
-                             terminal().showBytes(charset)));
+        complain(inputName(path) + ": " + sayCount(one, many, characters, {terminal().showBytes(charset)}));
     return characters != 0;
 }
 
@@ -65,8 +63,8 @@ ExitStatus convert(const std::string &from, const std::string &to, const std::st
         throw Failure(inputName(path) + ": " + failure.what());
     }
     print(result.bytes);
-    const bool malformed = warn(inputName(path), result.malformed, "malformed or unknown in", from);
-    const bool unshowable = warn(inputName(path), result.unshowable, "that cannot be shown in", to);
+    const bool malformed = warn(path, Text::oneMalformed, Text::manyMalformed, result.malformed, from);
+    const bool unshowable = warn(path, Text::oneUnshowable, Text::manyUnshowable, result.unshowable, to);
     return strict && (malformed || unshowable) ? ExitStatus::negative : ExitStatus::done;
 }
 
@@ -76,20 +74,21 @@ ExitStatus run(CommandLine &line)
     std::string to;
     bool strict = false;
     bool list = false;
-    line.option("--from", "NAME", from, "The charset of the input");
-    line.option("--to", "NAME", to, "The charset of the output");
-    line.flag("--strict", strict, "End with status 1 if a character was replaced");
-    line.flag("--list-charsets", list, "Print the names of all charsets, one charset a line");
+    line.option("-f,--from", "NAME", from, "The charset of the input");
+    line.option("-t,--to", "NAME", to, "The charset of the output");
+    line.flag("-s,--strict", strict, "End with status 1 if a character was replaced");
+    line.flag("-l,--list-charsets", list, "Print the names of all charsets, one charset a line");
     const Words files = line.operands();
     if (list)
     {
+        line.requireAlone("--list-charsets");
         listCharsets();
         return ExitStatus::done;
     }
     if (from.empty() || to.empty())
-        throw line.misuse(from.empty() ? "--from is not given" : "--to is not given");
+        throw line.misuse(say(Text::optionMissing, {from.empty() ? "--from" : "--to"}));
     if (files.size() > 1)
-        throw line.misuse("more than one file is given");
+        throw line.misuse(say(Text::moreThanOneFile));
     requireReadable(from);
     requireCharset(to);
     return convert(from, to, files.empty() ? "-" : files.front(), strict);
@@ -100,13 +99,12 @@ malformed, or that the other charset cannot show, are replaced and counted. Zero
 bytes are kept; the texts between them are converted one by one.
 
 Example:
-  kelto convert --from Shift_JIS --to UTF-8 --strict letter.txt
+  kelto convert -s -f Shift_JIS -t UTF-8 letter.txt
 )";
 
 } // namespace
 
-const Subcommand convertSubcommand = {"convert",
-                                      "--from NAME --to NAME [--strict] [FILE]\n       kelto convert --list-charsets",
+const Subcommand convertSubcommand = {"convert", "-f NAME -t NAME [-s] [FILE]\n       kelto convert -l",
                                       "Convert text between charsets", details, run};
 
 } // namespace tool

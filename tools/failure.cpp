@@ -1,10 +1,12 @@
 #include "failure.h"
 
 #include "kelto.h"
+#include "terminal.h"
+#include "text.h"
 
 #include <cstdio>
-#include <fmt/core.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace tool
 {
@@ -13,15 +15,20 @@ Failure::Failure(const std::string &subject, int result) : m_text(subject + ": "
 {
 }
 
+std::string hint(const std::string &command)
+{
+    return "\n" + say(Text::tryCommand, {command});
+}
+
 std::string meaningOf(int result)
 {
-    return KTResultText(result) + nameOf(result);
+    return resultText(result) + nameOf(result);
 }
 
 std::string nameOf(int result)
 {
     const char *const name = KTResultName(result);
-    return name != nullptr ? fmt::format(" ({})", name) : fmt::format(" ({})", result);
+    return " (" + (name != nullptr ? name : std::to_string(result)) + ")";
 }
 
 std::string systemText(int error)
@@ -32,7 +39,9 @@ std::string systemText(int error)
 void complain(const std::string &text)
 {
     std::fflush(stdout);
-    fmt::print(stderr, "kelto: {}\n", text);
+    const char *const name = terminal().showsColors(STDERR_FILENO) ? "\33[1;31mkelto:\33[0m " : "kelto: ";
+    const std::string line = name + terminal().encodedLines(text) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 } // namespace tool

@@ -1,6 +1,6 @@
 /**
- * Why something could not be done, on its way to main(), which prints it and ends with ExitStatus::failed. The text is in
- * the charset of the terminal and safe to print there; what it quotes of files and arguments went through the Terminal.
+ * Why something could not be done, on its way to main(), which prints it and ends with ExitStatus::failed. The text is
+ * UTF-8; what it quotes of files and arguments went through the Terminal.
  */
 #ifndef KELTO_TOOLS_FAILURE_H
 #define KELTO_TOOLS_FAILURE_H
@@ -31,6 +31,9 @@ public:
     using Failure::Failure;
 };
 
+/** A second line that says what to do next: "Try 'kelto --help'." */
+std::string hint(const std::string &command);
+
 /** The meaning of a result of the library, with its name: "there is no such file (KT_ERR_FILE_UNAVAILABLE)". */
 std::string meaningOf(int result);
 
@@ -40,7 +43,7 @@ std::string nameOf(int result);
 /** What the operating system says of an errno value. */
 std::string systemText(int error);
 
-/** Prints one line of diagnostics, "kelto: …", behind what stands in standard output so far. */
+/** Prints diagnostics, "kelto: …", behind what stands in standard output so far. */
 void complain(const std::string &text);
 
 } // namespace tool

@@ -5,10 +5,9 @@
 #include "output.h"
 #include "parsed_message.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <charconv>
-#include <fmt/core.h>
-#include <limits>
 
 namespace tool
 {
@@ -16,6 +15,7 @@ namespace
 {
 
 constexpr size_t fileAndId = 2;
+constexpr unsigned highestPossibleId = 0x7FFFFFFF;
 
 unsigned readId(const CommandLine &line, const std::string &word)
 {
@@ -23,8 +23,7 @@ unsigned readId(const CommandLine &line, const std::string &word)
     const char *const end = word.data() + word.size();
     const auto [stop, error] = std::from_chars(word.data(), end, id);
     if (stop != end || error != std::errc())
-        throw line.misuse(fmt::format("{} is no message ID: these are numbers from 1 to {}", terminal().quote(word),
-                                      std::numeric_limits<int32_t>::max()));
+        throw line.misuse(say(Text::badMessageId, {terminal().quote(word), highestPossibleId}));
     return id;
 }
 
@@ -37,9 +36,9 @@ std::u16string formatMessage(std::string &message, bool tag, Arguments &argument
         unsigned long size = text.size();
         const int result = KTvpFormatString(nullptr, tag, &size, text.data(), message.data(), arguments.pointers());
         if (result == KT_ERR_BUFFER_TOO_SMALL && size >= longestText)
-            throw Failure(fmt::format("the text is too long: {} units", size));
+            throw Failure(say(Text::textTooLong, {size}));
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-            throw Failure(arguments.whyRefused(result));
+            throw arguments.whyRefused(result);
         text.resize(result == 0 ? size : size + 1);
         if (result == 0)
             return text;
@@ -53,43 +52,37 @@ std::u16string formatLine(std::string message, bool tag, const Words &words)
     return formatMessage(message, tag, arguments) + u'\n';
 }
 
-std::string countOf(size_t characters)
-{
-    return characters == 1 ? "1 character" : fmt::format("{} characters", characters);
-}
-
 void printIn(const std::string &charset, const std::u16string &text)
 {
-    print(multiByte(charset, text));
+    print(multiByte(charset, forOutput(charset, text)));
     const size_t lost = lossOfEncoding(charset, text).characters;
+    if (lost == 0)
+        return;
     const bool isTerminals = charset == terminal().charset();
-    if (lost != 0)
-        complain(fmt::format("{} cannot show {} of the text, replaced in the output{}", terminal().showBytes(charset),
-                             countOf(lost), isTerminals ? "; LC_ALL=C.UTF-8 makes the terminal's charset UTF-8" : ""));
+    const std::string name = isTerminals ? terminal().charsetName() : charset;
+    const std::string warning = sayCount(Text::oneLost, Text::manyLost, lost, {terminal().showBytes(name)});
+    complain(isTerminals ? say(Text::utf8Hint, {warning}) : warning);
 }
 
 ExitStatus run(CommandLine &line)
 {
     bool tag = false;
     std::string charset = terminal().charset();
-    line.flag("--tag", tag, "Wrap dates, names, entry IDs and errors in tags, as <date>");
-    line.option("--charset", "NAME", charset, "The charset of the output; without it, that of the terminal");
+    line.flag("-t,--tag", tag, "Wrap dates, names, entry IDs and errors in tags, as <date>");
+    line.option("-c,--charset", "NAME", charset, "The charset of the output; without it, that of the terminal");
     const Words operands = line.operandsBehindOptions(fileAndId);
     if (operands.size() < fileAndId)
-        throw line.misuse(operands.empty() ? "no file is given" : "no message ID is given");
+        throw line.misuse(say(operands.empty() ? Text::noFile : Text::noMessageId));
     requireCharset(charset);
 
     const unsigned id = readId(line, operands[1]);
     const Words words(operands.begin() + fileAndId, operands.end());
     const MessageFile file(operands[0]);
-    const std::optional<std::string> message = file.message(id);
-    const std::string subject = fmt::format("{}: message {}", terminal().showBytes(operands[0]), id);
-    if (!message)
-        throw Failure(fmt::format("{}: the file has none of this number; its IDs run from 1 to {}, with gaps", subject,
-                                  file.highestId()));
+    const std::string message = file.message(id);
+    const std::string subject = terminal().showBytes(operands[0]) + ": " + say(Text::messageSubject, {id});
     try
     {
-        printIn(charset, formatLine(*message, tag, words));
+        printIn(charset, formatLine(message, tag, words));
     }
     catch (const OutputFailure &)
     {
@@ -119,7 +112,7 @@ Example: message 1 is "Hello %s[1], you have %u[2] new messages."
 
 } // namespace
 
-const Subcommand formatSubcommand = {"format", "[--tag] [--charset NAME] FILE ID [ARG...]",
-                                     "Format a message with arguments", details, run};
+const Subcommand formatSubcommand = {"format", "[-t] [-c NAME] FILE ID [ARG...]", "Format a message with arguments",
+                                     details, run};
 
 } // namespace tool

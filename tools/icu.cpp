@@ -56,6 +56,30 @@ Converter openConverter(const std::string &charset)
     return U_SUCCESS(status) ? std::move(converter) : nullptr;
 }
 
+CharacterSet charactersOf(UConverter *converter)
+{
+    CharacterSet set(uset_openEmpty());
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_getUnicodeSet(converter, set.get(), UCNV_ROUNDTRIP_AND_FALLBACK_SET, &status);
+    return set;
+}
+
+bool zeroByteEndsText(const std::string &charset)
+{
+    const Converter converter = openConverter(charset);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    char16_t unit = 0;
+    ucnv_toUChars(converter.get(), &unit, 1, "", 1, &status);
+    if (unit != 0 || status == U_TRUNCATED_CHAR_FOUND)
+        return false;
+    // SCSU has characters that hold zero bytes although one by itself is U+0000.
+    char room[32];
+    status = U_ZERO_ERROR;
+    const int32_t length = ucnv_fromUChars(converter.get(), room, sizeof room, u"\u4E00", 1, &status);
+    return std::string_view(room, static_cast<size_t>(length)).find('\0') == std::string_view::npos;
+}
+
 DecodingLoss lossOfDecoding(const std::string &charset, std::string_view bytes, std::u16string_view decoded)
 {
     DecodingLoss loss;

@@ -29,6 +29,12 @@ using CharacterSet = std::unique_ptr<USet, CloseSet>;
 /** The converter that Kelto uses for a charset of this name; null where there is none. */
 Converter openConverter(const std::string &charset);
 
+/** The characters that a charset can show. */
+CharacterSet charactersOf(UConverter *converter);
+
+/** Whether byte 00 is U+0000 in a charset, and part of no other character. */
+bool zeroByteEndsText(const std::string &charset);
+
 /** What a whole text lost, or would lose, on its way out of a charset. */
 struct DecodingLoss
 {

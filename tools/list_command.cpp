@@ -4,8 +4,6 @@
 #include "output.h"
 #include "terminal.h"
 
-#include <fmt/core.h>
-
 namespace tool
 {
 namespace
@@ -21,31 +19,23 @@ std::u16string withDoubledBackslashes(const std::u16string &text)
     return doubled;
 }
 
-/** A file may have few messages with huge IDs: those found are shown while the others are looked for. */
-constexpr unsigned idsWithoutFlush = 1U << 20;
-
 void listMessages(const MessageFile &file)
 {
-    const unsigned highest = file.highestId();
-    for (unsigned id = 1; id <= highest; ++id)
-    {
-        if (const std::optional<std::string> message = file.message(id))
-            print(fmt::format("{}\t{}\n", id, terminal().show(withDoubledBackslashes(ucs2FromUtf8(*message)))));
-        if (id % idsWithoutFlush == 0)
-            flushOutput();
-    }
+    file.forEachMessage([](unsigned id, const std::string &message) {
+        print(std::to_string(id) + "\t" + terminal().show(withDoubledBackslashes(ucs2FromUtf8(message))) + "\n");
+    });
 }
 
 ExitStatus run(CommandLine &line)
 {
     bool raw = false;
-    line.flag("--raw", raw, "Show placeholders as the file has them, without positions");
+    line.flag("-r,--raw", raw, "Show placeholders as the file has them, without positions");
     const Words files = line.files();
     bool first = true;
     return forEachFile(files, [&](const std::string &path) {
         const MessageFile file(path, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
         if (files.size() > 1)
-            print(fmt::format("{}{}:\n", first ? "" : "\n", terminal().showBytes(path)));
+            printText((first ? "" : "\n") + terminal().showBytes(path) + ":\n");
         first = false;
         listMessages(file);
     });
@@ -56,11 +46,11 @@ control characters and what the terminal cannot show appear as \n, \t, \u001B,
 and a backslash as \\.
 
 Example:
-  kelto list --raw de.xlf
+  kelto list -r de.xlf
 )";
 
 } // namespace
 
-const Subcommand listSubcommand = {"list", "[--raw] FILE...", "List the messages of files", details, run};
+const Subcommand listSubcommand = {"list", "[-r] FILE...", "List the messages of files", details, run};
 
 } // namespace tool

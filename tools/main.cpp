@@ -5,6 +5,7 @@
 #include "output.h"
 #include "subcommand.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <algorithm>
 #include <csignal>
@@ -13,19 +14,13 @@
 #include <numeric>
 #include <utility>
 
-using namespace std::string_literals;
-
 namespace tool
 {
 namespace
 {
 
 constexpr const Subcommand *subcommands[] = {
-    &formatSubcommand,
-    &listSubcommand,
-    &versionSubcommand,
-    &checkSubcommand,
-    &convertSubcommand,
+    &formatSubcommand, &listSubcommand, &versionSubcommand, &checkSubcommand, &convertSubcommand,
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]
@@ -38,7 +33,7 @@ Subcommands:
 constexpr const char *usageEnd = R"(
 Options:
   -h, --help     Print this help; behind a subcommand, its own
-  --version      Print the version of Kelto
+  -V, --version  Print the version of Kelto
 
 The exit status is 0 when the work is done, 1 when its answer is no, 2 when it
 could not be done or the usage was wrong.
@@ -79,13 +74,16 @@ Failure unknownSubcommand(const std::string &word)
         *std::min_element(std::begin(subcommands), std::end(subcommands),
                           [&](const auto *a, const auto *b) { return distance(a) < distance(b); });
     const bool isNear = !isOption && distance(nearest) <= farthest;
-    return Failure(fmt::format("unknown {} {}{}\nTry 'kelto --help'.", isOption ? "option" : "subcommand",
-                               terminal().quote(word),
-                               isNear ? fmt::format("; did you mean '{}'?", nearest->name) : ""));
+    const std::string quoted = terminal().quote(word);
+    const std::string text = isOption ? say(Text::unknownOption, {quoted})
+                             : isNear ? say(Text::unknownSubcommandNear, {quoted, nearest->name})
+                                      : say(Text::unknownSubcommand, {quoted});
+    return Failure(text + hint("kelto --help"));
 }
 
-ExitStatus runSubcommand(const Subcommand &subcommand, Words words)
+ExitStatus runSubcommand(const Library &library, const Subcommand &subcommand, Words words)
 {
+    library.require();
     CommandLine line(subcommand, std::move(words));
     try
     {
@@ -98,28 +96,28 @@ ExitStatus runSubcommand(const Subcommand &subcommand, Words words)
     }
 }
 
-ExitStatus runWords(const Words &words)
+ExitStatus runWords(const Library &library, const Words &words)
 {
     if (words.empty() || words[0].empty())
-        throw Failure("no subcommand is given\nTry 'kelto --help'.");
+        throw Failure(say(Text::noSubcommand) + hint("kelto --help"));
     for (const Subcommand *subcommand : subcommands)
         if (words[0] == subcommand->name)
-            return runSubcommand(*subcommand, Words(words.begin() + 1, words.end()));
-    if (words[0] == "--help" || words[0] == "-h")
-        print(help());
-    else if (words[0] == "--version")
-        print("kelto "s + KELTO_VERSION + "\n");
-    else
+            return runSubcommand(library, *subcommand, Words(words.begin() + 1, words.end()));
+    const bool wantsHelp = words[0] == "--help" || words[0] == "-h";
+    if (!wantsHelp && words[0] != "--version" && words[0] != "-V")
         throw unknownSubcommand(words[0]);
+    if (words.size() > 1)
+        throw Failure(say(Text::surplusWord, {terminal().quote(words[1]), words[0]}) + hint("kelto --help"));
+    print(wantsHelp ? help() : "kelto " KELTO_VERSION "\n");
     return ExitStatus::done;
 }
 
 ExitStatus run(const Words &words)
 {
+    const Library library;
     try
     {
-        const Library library;
-        const ExitStatus status = runWords(words);
+        const ExitStatus status = runWords(library, words);
         flushOutput();
         return status;
     }
@@ -143,6 +141,6 @@ ExitStatus run(const Words &words)
 
 int main(int argc, char **argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that left is a failure like a full disk
+    std::signal(SIGPIPE, SIG_DFL); // a reader that left ends the program quietly, whatever it was started by
     return static_cast<int>(tool::run(tool::Words(argv + std::min(argc, 1), argv + argc)));
 }

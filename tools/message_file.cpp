@@ -1,10 +1,10 @@
 #include "message_file.h"
 
 #include "terminal.h"
+#include "text.h"
 
 #include <cerrno>
 #include <filesystem>
-#include <fmt/core.h>
 #include <unistd.h>
 
 namespace tool
@@ -12,26 +12,29 @@ namespace tool
 namespace
 {
 
-std::string whyNotOpened(const std::string &path)
+std::string whyNotOpened(const std::string &path, const std::string &meaning)
 {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (std::filesystem::is_directory(status))
-        return ", since it is a directory";
+        return say(Text::isDirectory, {meaning});
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        return ", since it is no regular file";
-    if (access(path.c_str(), R_OK) != 0)
-        return ": " + systemText(errno);
-    return "";
+        return say(Text::isNoRegularFile, {meaning});
+    return access(path.c_str(), R_OK) != 0 ? meaning + ": " + systemText(errno) : meaning;
 }
 
 } // namespace
 
-Library::Library()
+Library::~Library()
 {
-    const int result = KTInit();
-    if (result != 0)
-        throw Failure(meaningOf(result));
+    if (m_result == 0)
+        KTClean();
+}
+
+void Library::require() const
+{
+    if (m_result != 0)
+        throw Failure(meaningOf(m_result));
 }
 
 MessageFile::MessageFile(const std::string &path, Placeholders placeholders) : m_path(path)
@@ -42,41 +45,50 @@ MessageFile::MessageFile(const std::string &path, Placeholders placeholders) : m
         throw fileFailure(path, result);
 }
 
-std::optional<std::string> MessageFile::message(unsigned id) const
+std::string MessageFile::message(unsigned id) const
 {
     char *text = nullptr;
     const int result = KTGetMessage(m_table, id, &text);
-    if (result == KT_ERR_INVALID_MSG_ID)
-    {
-        const unsigned highest = highestId();
-        const std::string range =
-            highest == 0 ? "the file has no messages" : fmt::format("IDs run from 1 to {}", highest);
-        throw Failure(fmt::format("{}: message {} is out of range: {}{}", terminal().showBytes(m_path), id, range,
-                                  nameOf(result)));
-    }
-    if (result != 0)
+    if (result != 0 && result != KT_ERR_INVALID_MSG_ID)
         throw fileFailure(m_path, result);
-    return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
+    if (text == nullptr)
+        throw noSuchMessage(id);
+    return text;
 }
 
-// The interface does not tell the highest ID, but whether one is too high.
-unsigned MessageFile::highestId() const
+const char *MessageFile::messageBehind(unsigned &id) const
 {
-    unsigned valid = 0;
-    unsigned invalid = 1U << 31; // IDs are signed 32-bit numbers in the file
-    while (invalid - valid > 1)
-    {
-        const unsigned middle = valid + (invalid - valid) / 2;
-        char *text = nullptr;
-        (KTGetMessage(m_table, middle, &text) == 0 ? valid : invalid) = middle;
-    }
-    return valid;
+    char *text = nullptr;
+    while (text == nullptr && KTGetMessage(m_table, ++id, &text) == 0)
+        ;
+    return text;
+}
+
+Failure MessageFile::noSuchMessage(unsigned id) const
+{
+    unsigned lowest = 0;
+    unsigned highest = 0;
+    unsigned count = 0;
+    forEachMessage([&](unsigned found, const std::string &) {
+        lowest = lowest == 0 ? found : lowest;
+        highest = found;
+        ++count;
+    });
+    const std::string file = terminal().showBytes(m_path);
+    if (count == 0)
+        return Failure(file + ": " + say(Text::noMessages) + nameOf(KT_ERR_INVALID_MSG_ID));
+    const Text text = highest - lowest + 1 == count ? Text::idsWithoutGaps : Text::idsWithGaps;
+    const std::string why = count == 1 ? say(Text::onlyId, {id, lowest}) : say(text, {id, lowest, highest});
+    const bool isInRange = 0 < id && id <= highest;
+    return Failure(file + ": " + why + (isInRange ? "" : nameOf(KT_ERR_INVALID_MSG_ID)) + hint("kelto list " + file));
 }
 
 Failure fileFailure(const std::string &path, int result)
 {
-    const std::string why = result == KT_ERR_FILE_NOT_OPENED ? whyNotOpened(path) : "";
-    return Failure(fmt::format("{}: {}{}{}", terminal().showBytes(path), KTResultText(result), why, nameOf(result)));
+    std::string meaning = resultText(result);
+    if (result == KT_ERR_FILE_NOT_OPENED)
+        meaning = whyNotOpened(path, meaning);
+    return Failure(terminal().showBytes(path) + ": " + meaning + nameOf(result));
 }
 
 } // namespace tool

@@ -8,20 +8,24 @@
 #include "failure.h"
 #include "kelto.h"
 
-#include <optional>
 #include <string>
 
 namespace tool
 {
 
-/** The library, started. */
+/** The library, started if it could be. */
 class Library
 {
 public:
-    Library();
-    ~Library() { KTClean(); }
+    Library() : m_result(KTInit()) {}
+    ~Library();
+    /** Fails where it is not started. */
+    void require() const;
     Library(const Library &) = delete;
     Library &operator=(const Library &) = delete;
+
+private:
+    int m_result;
 };
 
 class MessageFile
@@ -38,13 +42,23 @@ public:
     MessageFile(const MessageFile &) = delete;
     MessageFile &operator=(const MessageFile &) = delete;
 
-    /** The message of this number; empty where the file has none. Fails for a number above the highest. */
-    std::optional<std::string> message(unsigned id) const;
+    /** The message of this number. */
+    std::string message(unsigned id) const;
 
-    /** 0 where the file has no message at all. */
-    unsigned highestId() const;
+    /** Hands every message to the work, with its number, in the order of the numbers. */
+    template <typename Work> void forEachMessage(Work work) const
+    {
+        unsigned id = 0;
+        while (const char *const text = messageBehind(id))
+            work(id, std::string(text));
+    }
 
 private:
+    /** The message with the next number, which becomes the id; null where none remains. */
+    const char *messageBehind(unsigned &id) const;
+
+    Failure noSuchMessage(unsigned id) const;
+
     MessageTable *m_table = nullptr;
     std::string m_path;
 };

@@ -2,13 +2,16 @@
 
 #include "charset.h"
 #include "failure.h"
+#include "icu.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unicode/utf16.h>
 #include <unistd.h>
 
 namespace tool
@@ -62,7 +65,7 @@ private:
 
 [[noreturn]] void outputFailed()
 {
-    throw OutputFailure("standard output: " + systemText(errno));
+    throw OutputFailure(say(Text::standardOutput) + ": " + systemText(errno));
 }
 
 constexpr size_t leastRoom = 65536;
@@ -73,6 +76,27 @@ void print(std::string_view bytes)
 {
     if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
         outputFailed();
+}
+
+std::u16string forOutput(const std::string &charset, const std::u16string &text)
+{
+    if (isatty(STDOUT_FILENO) == 0)
+        return text;
+    const CharacterSet showable = charactersOf(openConverter(charset).get());
+    std::u16string shown;
+    for (size_t i = 0; i < text.size();)
+    {
+        const size_t start = i;
+        UChar32 character = 0;
+        U16_NEXT(text, i, text.size(), character);
+        shown += uset_contains(showable.get(), character) ? text.substr(start, i - start) : u"?";
+    }
+    return shown;
+}
+
+void printText(const std::string &text)
+{
+    print(terminal().encodedLines(text));
 }
 
 void flushOutput()
@@ -86,7 +110,7 @@ std::string readWhole(const std::string &path)
     Input input(path);
     const auto checkSize = [&](size_t size) {
         if (size > longestText)
-            throw Failure(inputName(path) + ": inputs of 2 GiB and more are not converted");
+            throw Failure(inputName(path) + ": " + say(Text::inputTooLarge));
     };
     checkSize(input.expectedSize());
     std::string bytes(input.expectedSize() + leastRoom, '\0');
@@ -104,7 +128,7 @@ std::string readWhole(const std::string &path)
 
 std::string inputName(const std::string &path)
 {
-    return path == "-" ? "standard input" : terminal().showBytes(path);
+    return path == "-" ? say(Text::standardInput) : terminal().showBytes(path);
 }
 
 } // namespace tool

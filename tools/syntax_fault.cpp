@@ -1,5 +1,6 @@
 #include "syntax_fault.h"
 
+#include "charset.h"
 #include "failure.h"
 #include "terminal.h"
 
@@ -104,7 +105,7 @@ std::string underline(View format, Span place)
     const std::u16string marked = terminal().escaped(firstPart(place.of(format), mostMarked));
     const std::u16string behind = terminal().escaped(firstPart(format.substr(place.end), mostBehind));
     const std::string carets(std::max<size_t>(columns(marked), 1) - 1, '~');
-    return fmt::format("  {}\n  {:{}}^{}", terminal().encoded(before + marked + behind), "", columns(before), carets);
+    return fmt::format("  {}\n  {:{}}^{}", utf8(before + marked + behind), "", columns(before), carets);
 }
 
 } // namespace

@@ -3,10 +3,14 @@
 #include "charset.h"
 #include "kelto.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <fmt/core.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv_err.h>
 #include <unicode/utf16.h>
+#include <unistd.h>
 
 namespace tool
 {
@@ -25,14 +29,6 @@ std::string systemCharset()
     KTGetSystemFullLocale(locale);
     KTGetSystemCharSet(charset);
     return charset;
-}
-
-CharacterSet showableCharacters(UConverter *converter)
-{
-    CharacterSet set(uset_openEmpty());
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_getUnicodeSet(converter, set.get(), UCNV_ROUNDTRIP_AND_FALLBACK_SET, &status);
-    return set;
 }
 
 bool isJoiner(UChar32 character)
@@ -76,15 +72,23 @@ std::u16string escapeOf(UChar32 character)
 
 } // namespace
 
-Terminal::Terminal() : m_charset(systemCharset()), m_shownCharset(m_charset)
+Terminal::Terminal() : m_charsetName(systemCharset()), m_charset(m_charsetName)
 {
     Converter converter = openConverter(m_charset);
     if (converter == nullptr)
     {
-        m_shownCharset = "US-ASCII";
-        converter = openConverter(m_shownCharset);
+        m_charset = "US-ASCII";
+        converter = openConverter(m_charset);
     }
-    m_showable = showableCharacters(converter.get());
+    m_showable = charactersOf(converter.get());
+}
+
+bool Terminal::showsColors(int descriptor)
+{
+    const char *const unwanted = std::getenv("NO_COLOR");
+    const char *const kind = std::getenv("TERM");
+    const bool isDumb = kind != nullptr && std::strcmp(kind, "dumb") == 0;
+    return (unwanted == nullptr || *unwanted == '\0') && !isDumb && isatty(descriptor) != 0;
 }
 
 std::u16string Terminal::escaped(std::u16string_view text) const
@@ -104,14 +108,28 @@ std::u16string Terminal::escaped(std::u16string_view text) const
     return result;
 }
 
-std::string Terminal::encoded(const std::u16string &escapedText) const
+std::string Terminal::show(std::u16string_view text) const
 {
-    return multiByte(m_shownCharset, escapedText);
+    return multiByte(m_charset, escaped(text));
+}
+
+std::string Terminal::encodedLines(const std::string &text) const
+{
+    std::string encoded;
+    for (size_t begin = 0;;)
+    {
+        const size_t end = std::min(text.find('\n', begin), text.size());
+        encoded += show(ucs2FromUtf8(text.substr(begin, end - begin)));
+        if (end == text.size())
+            return encoded;
+        encoded += '\n';
+        begin = end + 1;
+    }
 }
 
 std::u16string Terminal::decoded(std::string_view bytes) const
 {
-    const Converter converter = openConverter(m_shownCharset);
+    const Converter converter = openConverter(m_charset);
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_ESCAPE, UCNV_ESCAPE_C, nullptr, nullptr, &status);
     std::u16string text(4 * bytes.size() + 1, u'\0'); // four units for a byte that is no character
@@ -123,7 +141,7 @@ std::u16string Terminal::decoded(std::string_view bytes) const
 
 std::string Terminal::showBytes(std::string_view bytes) const
 {
-    return show(decoded(bytes));
+    return utf8(escaped(decoded(bytes)));
 }
 
 std::string Terminal::quote(std::string_view bytes) const
@@ -134,10 +152,10 @@ std::string Terminal::quote(std::string_view bytes) const
 std::string Terminal::quote(std::u16string_view text) const
 {
     if (text.size() <= longestQuotation)
-        return fmt::format("\"{}\"", show(text));
+        return "\"" + utf8(escaped(text)) + "\"";
     size_t end = longestQuotation;
     U16_SET_CP_START(text, 0, end);
-    return fmt::format("\"{}\"...", show(text.substr(0, end)));
+    return "\"" + utf8(escaped(text.substr(0, end))) + "\"...";
 }
 
 size_t columns(std::u16string_view text)

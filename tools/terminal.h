@@ -18,36 +18,43 @@ class Terminal
 public:
     Terminal();
 
-    /** The name of its charset, as the environment says; arguments on the command line are written in it too. */
+    /** Its charset, in which arguments on the command line are written too; US-ASCII where nobody knows the one it has. */
     const std::string &charset() const { return m_charset; }
+
+    /** The name of its charset, as the environment says. */
+    const std::string &charsetName() const { return m_charsetName; }
+
+    /** Whether what is written there is seen in colours: a terminal, and a user who did not set NO_COLOR. */
+    static bool showsColors(int descriptor);
 
     /** The text with escapes, in UCS-2: what is left can be shown. */
     std::u16string escaped(std::u16string_view text) const;
 
-    /** An escaped text in the terminal's charset. */
-    std::string encoded(const std::u16string &escapedText) const;
+    /** The text as bytes for the terminal. */
+    std::string show(std::u16string_view text) const;
 
-    std::string show(std::u16string_view text) const { return encoded(escaped(text)); }
+    /** A text of the program, UTF-8 and of several lines perhaps, as bytes for the terminal. */
+    std::string encodedLines(const std::string &text) const;
 
-    /** Bytes in the terminal's charset, as of a file name; bytes that are none of its characters appear as \xE4. */
+    /** Bytes in the terminal's charset, as of a file name, in UTF-8; those that are none of its characters as \xE4. */
     std::string showBytes(std::string_view bytes) const;
 
-    /** A text from a command line or file between quotation marks, cut where it is long. */
+    /** The same of a text from a command line or file, between quotation marks, cut where it is long. */
     std::string quote(std::string_view bytes) const;
     std::string quote(std::u16string_view text) const;
 
 private:
     std::u16string decoded(std::string_view bytes) const;
 
+    std::string m_charsetName;
     std::string m_charset;
-    std::string m_shownCharset; // the same, or US-ASCII where nobody knows it
     CharacterSet m_showable;
 };
 
 /** How many columns a text without control characters takes on a terminal. */
 size_t columns(std::u16string_view text);
 
-/** The one terminal; the library must be started. */
+/** The one terminal. */
 const Terminal &terminal();
 
 } // namespace tool

@@ -3,26 +3,17 @@
 #include "charset.h"
 #include "failure.h"
 #include "icu.h"
+#include "output.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fmt/core.h>
 
 namespace tool
 {
 namespace
 {
-
-constexpr UConverterType withZeroBytesInCharacters[] = {
-    UCNV_UTF16_BigEndian,
-    UCNV_UTF16_LittleEndian,
-    UCNV_UTF16,
-    UCNV_UTF32_BigEndian,
-    UCNV_UTF32_LittleEndian,
-    UCNV_UTF32,
-    UCNV_SCSU,
-};
 
 /** Where a byte may mean another character after a shift; BOCU-1 is none, since a zero byte resets it. */
 constexpr UConverterType withShiftStates[] = {
@@ -115,10 +106,8 @@ std::string encode(const std::string &charset, const std::u16string &text)
 void requireReadable(const std::string &charset)
 {
     requireCharset(charset);
-    if (isOneOf(charset, withZeroBytesInCharacters))
-        throw Failure(
-            fmt::format("{} can only be written, not read: zero bytes, at which texts end, are parts of its characters",
-                        terminal().quote(charset)));
+    if (!zeroByteEndsText(charset))
+        throw Failure(say(Text::onlyWritten, {terminal().quote(charset)}));
 }
 
 Transcoded transcode(const std::string &from, const std::string &to, const std::string &input)
@@ -126,13 +115,12 @@ Transcoded transcode(const std::string &from, const std::string &to, const std::
     const std::u16string text = decode(from, input);
     const DecodingLoss decoding = lossOfDecoding(from, input, text);
     if (!decoding.asDecoded && isOneOf(from, withShiftStates))
-        throw Failure(
-            fmt::format("a shift state of {} reaches over a zero byte, at which texts end", terminal().quote(from)));
+        throw Failure(say(Text::shiftStateOverZero, {terminal().quote(from)}));
     if (text.find(u'\0') != std::u16string::npos && isOneOf(to, withStateAtTheEnd))
-        throw Failure(fmt::format("{} cannot be written behind a zero byte", terminal().quote(to)));
+        throw Failure(say(Text::notBehindZero, {terminal().quote(to)}));
     const EncodingLoss encoding = lossOfEncoding(to, text);
     const size_t ofMalformed = std::min(encoding.replacements, decoding.characters);
-    return {encode(to, text), decoding.characters, encoding.characters - ofMalformed};
+    return {encode(to, forOutput(to, text)), decoding.characters, encoding.characters - ofMalformed};
 }
 
 } // namespace tool

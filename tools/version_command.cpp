@@ -5,8 +5,6 @@
 #include "output.h"
 #include "terminal.h"
 
-#include <fmt/core.h>
-
 namespace tool
 {
 namespace
@@ -21,7 +19,7 @@ std::string versionOf(const std::string &file)
     const int result = KTGetMsgFileVer(path.data(), version);
     if (result != 0)
         throw fileFailure(path, result);
-    return terminal().show(ucs2FromUtf8(version));
+    return utf8(terminal().escaped(ucs2FromUtf8(version)));
 }
 
 ExitStatus run(CommandLine &line)
@@ -29,7 +27,7 @@ ExitStatus run(CommandLine &line)
     const Words files = line.files();
     return forEachFile(files, [&](const std::string &file) {
         const std::string version = versionOf(file);
-        print(files.size() == 1 ? version + "\n" : fmt::format("{}: {}\n", terminal().showBytes(file), version));
+        printText((files.size() == 1 ? "" : terminal().showBytes(file) + ": ") + version + "\n");
     });
 }
 

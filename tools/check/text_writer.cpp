@@ -63,8 +63,8 @@ private:
 
     std::string placeOf(const Place &place) const
     {
-        return coloured(
-            bold, fmt::format("{}:{}:{}:", terminal().showBytes(place.file), place.begin.line, place.begin.column));
+        return coloured(bold, fmt::format("{}:{}:{}:", terminal().encodedLines(terminal().showBytes(place.file)),
+                                          place.begin.line, place.begin.column));
     }
 
     /** What is missing in a unit or file stands nowhere in it. */
@@ -83,7 +83,7 @@ private:
         const size_t gutter = std::max<size_t>(number.size(), 5);
         const std::string carets = "^" + std::string(std::max<size_t>(columns(marked), 1) - 1, '~');
         return fmt::format("{:>{}} |{}\n{:{}} |{:{}}{}\n", number, gutter,
-                           terminal().encoded(u" " + before + marked + behind), "", gutter, "", columns(before) + 1,
+                           terminal().show(u" " + before + marked + behind), "", gutter, "", columns(before) + 1,
                            coloured(green, carets));
     }
 

@@ -1,30 +1,62 @@
 # Completion of kelto for bash.
 
-_kelto_charsets() {
-    kelto convert --list-charsets 2>/dev/null
+# The options of a subcommand; those that end with '=' take a value.
+_kelto_options() {
+    case $1 in
+    format) echo '--tag --charset= --help' ;;
+    list) echo '--raw --help' ;;
+    version) echo '--help' ;;
+    convert) echo '--from= --to= --strict --list-charsets --help' ;;
+    esac
+}
+
+# What kind of value an option of a subcommand takes.
+_kelto_kind() {
+    case $1:$2 in
+    format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
+    esac
 }
 
 _kelto() {
-    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} words=
+    local IFS=$' \t\n' word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local subcommand=${COMP_WORDS[1]} option i skip=
+    local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words='format list version convert --help --version'
-    else
-        case $previous in
-        --charset | --from | --to) words=$(_kelto_charsets) ;;
-        *)
-            case ${COMP_WORDS[1]}:$word in
-            format:-*) words='--tag --charset --help' ;;
-            list:-*) words='--raw --help' ;;
-            version:-*) words='--help' ;;
-            convert:-*) words='--from --to --strict --list-charsets --help' ;;
-            esac
-            ;;
-        esac
+        mapfile -t COMPREPLY < <(compgen -W 'format list version convert --help --version' -- "$word")
+        return
     fi
-    local IFS=$' \t\n'
-    if [ -n "$words" ]; then
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+
+    # Bash makes "--to=UTF" three words.
+    if [ "$word" = = ]; then
+        word=
+    elif [ "$previous" = = ]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    if [ "$(_kelto_kind "$subcommand" "$previous")" = charset ]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(kelto convert --list-charsets 2>/dev/null)" -- "$word")
+        return
+    fi
+
+    for ((i = 2; i < COMP_CWORD; i++)); do
+        option=${COMP_WORDS[i]}
+        if [ "$option" = = ]; then
+            skip=value
+        elif [ -n "$skip" ]; then
+            skip=
+        elif [[ $option != -* || ${#operands[@]} -gt 0 && $subcommand = format ]]; then
+            operands+=("$option")
+        else
+            skip=$(_kelto_kind "$subcommand" "$option")
+        fi
+    done
+    if [ "$subcommand" = format ] && [ "${#operands[@]}" -gt 0 ]; then
+        # The number of a message; its arguments can be anything.
+        [ "${#operands[@]}" -gt 1 ] ||
+            mapfile -t COMPREPLY < <(compgen -W "$(kelto list "${operands[0]}" 2>/dev/null | cut -f 1)" -- "$word")
+    elif [[ $word = -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(_kelto_options "$subcommand")" -- "$word")
+        [[ ${COMPREPLY[0]} != *= ]] || compopt -o nospace
     else
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
