@@ -12,6 +12,7 @@
 
 #include "format/field.h"
 #include "format/formatters/distinguished_name.h"
+#include "format/formatters/text.h"
 #include "lifecycle/state.h"
 #include "platform/scoped.h"
 #include "strconv/ascii_run.h"
@@ -77,15 +78,17 @@ public:
 
     /**
      * Appends what a formatter of the caller's writes.
-     * @param call  calls it with a size and an output, as in KTFormatFunction.
+     * @param call     calls it with a size and an output, as in KTFormatFunction.
+     * @param padding  what pads it then: a UTF-8 text is padded here, so that a huge width takes no memory.
      * @return its failure; 0 also where its text was merely too long.
      */
-    template <typename Call> int appendCalled(Call call) noexcept
+    template <typename Call>
+    int appendCalled(Call call, [[maybe_unused]] const Layout &padding = {KT_ABSENT, KT_ABSENT, 0}) noexcept
     {
         if constexpr (std::is_same_v<Unit, UCS2>)
             return appendInPlace(call);
         else
-            return appendThroughBuffer(call);
+            return appendThroughBuffer(call, padding);
     }
 
     /** Ends the text. @param size  out: its length, or the need. */
@@ -283,14 +286,18 @@ private:
         return 0;
     }
 
-    template <typename Call> int appendThroughBuffer(Call call) noexcept
+    template <typename Call> int appendThroughBuffer(Call call, const Layout &padding) noexcept
     {
+        const auto writeCalled = [&](const UCS2 *text, unsigned long count) {
+            const Fill fill = {padUnit(padding.flags), paddingTo(padding.width, count)};
+            return writePadded(Text{text, count}, fill, (padding.flags & FLAG_MINUS) != 0);
+        };
         constexpr size_t usualUnits = 256;
         UCS2 usual[usualUnits];
         unsigned long units = usualUnits;
         int result = call(&units, usual);
         if (result == 0 && units < usualUnits)
-            return write(Ending::open, Text{usual, units});
+            return writeCalled(usual, units);
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
             return result;
 
@@ -301,7 +308,7 @@ private:
         units = asked;
         result = call(&units, buffer.get());
         if (result == 0 && units < asked)
-            return write(Ending::open, Text{buffer.get(), units});
+            return writeCalled(buffer.get(), units);
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
             return result;
         if (!isOver(units))

@@ -158,7 +158,7 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
 
 template <typename Unit>
 int callFormatter(kelto::GrowingText<Unit> &text, const KTFormatter &formatter, const Layout &layout,
-                  const KTArgument *values, const Call &call)
+                  const KTArgument *values, const Call &call, const Layout &padding = {KT_ABSENT, KT_ABSENT, 0})
 {
     const auto count = static_cast<size_t>(formatter.argCount);
     CalledArguments arguments;
@@ -166,10 +166,12 @@ int callFormatter(kelto::GrowingText<Unit> &text, const KTFormatter &formatter, 
         return KT_ERR_NO_MEMORY;
     const CalledSlots slots = {arguments.slots(), values, count, runningSlots};
     const RunningSlots running(slots);
-    return text.appendCalled([&](unsigned long *units, UCS2 *out) {
-        return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
-                                call.passThru, slots.begin, units, out);
-    });
+    return text.appendCalled(
+        [&](unsigned long *units, UCS2 *out) {
+            return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
+                                    call.passThru, slots.begin, units, out);
+        },
+        padding);
 }
 
 template <typename Unit> int writeUTF8(kelto::GrowingText<Unit> &text, const Layout &layout, const KTArgument &argument)
@@ -225,7 +227,11 @@ template <typename Unit> int writeConversion(kelto::GrowingText<Unit> &text, con
     const KTArgument *const argument = takeLayout(call.arguments + step.firstSlot, layout);
     const KTFormatter &formatter = *step.formatter;
     if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0 && isEncoded(step.writer))
-        return callFormatter(text, formatter, layout, argument, call);
+    {
+        if constexpr (std::is_same_v<Unit, UCS2>)
+            return callFormatter(text, formatter, layout, argument, call);
+        return callFormatter(text, formatter, {KT_ABSENT, layout.precision, layout.flags}, argument, call, layout);
+    }
     switch (step.writer)
     {
     case Writer::utf8Text:
