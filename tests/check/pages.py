@@ -1,0 +1,88 @@
+"""Whether `kelto check` does what its page shows, and its documents are what their schemas say.
+
+    pages.py KELTO ROOT [--update]     --update writes what the commands print, and the rules, into the page
+
+Blocks under a line `NAME`: are files; in blocks of the console each line "$ COMMAND" is followed by what it prints.
+"""
+
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+import jsonschema
+
+kelto, root = sys.argv[1:3]
+page_path = f"{root}/docs/checking.md"
+faults = []
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def run(command, folder):
+    environment = dict(os.environ, LC_ALL="C.UTF-8", PATH=f"{os.path.dirname(kelto)}:{os.environ['PATH']}")
+    return subprocess.run(command, shell=True, cwd=folder, env=environment, encoding="utf-8", check=False,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
+
+
+def played(block, folder):
+    """A block of the console as it comes out."""
+    commands = re.findall(r"^\$ .*$", block, re.MULTILINE)
+    return "".join(f"{command}\n{run(command[2:], folder)}" for command in commands)
+
+
+def rules(folder):
+    """The chapter of the page that --explain gives."""
+    text = ""
+    for line in run("kelto check --list-rules", folder).splitlines():
+        name = line.split()[0]
+        heading, explanation, examples = run(f"kelto check --explain {name}", folder).split("\n\n")
+        wrong, right = re.fullmatch(r"Wrong:\n  (.*)\nRight:\n  (.*)\n", examples).groups()
+        severity, summary = re.fullmatch(rf"{name} \((\w+)\): (.*)", heading).groups()
+        explanation = re.sub(r'"(&\w+;)"', r"`\1`", explanation)
+        text += f"### {name}\n\n{severity.capitalize()}: {summary}\n\n{explanation}\n\n"
+        text += f"```text\nwrong:  {wrong}\nright:  {right}\n```\n\n"
+    return text
+
+
+def schemas(folder):
+    ours = json.loads(read(f"{root}/share/kelto/check.schema.json"))
+    sarif = json.loads(read(f"{root}/tests/check/sarif.schema.json"))
+    nasty = 'a"\\\x1b\u202e\u2028é\n'.encode() + b"\xff.xlf"
+    with open(os.path.join(folder.encode(), nasty), "w", encoding="utf-8") as file:
+        file.write(read(f"{folder}/de.xlf").replace("kopiert", "\u202e\u0085&#x9f;\U000E0001 \\\u0085 %y[1] \U0001F600"))
+    for form, schema in (("json", ours), ("sarif", sarif)):
+        for files in ("en.xlf", "-r en.xlf de.xlf en.xlf own.xlf", "-r en.xlf a*", "-r de.xlf - </dev/null"):
+            output = run(f"kelto check --format={form} {files}", folder)
+            if re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f\u2028-\u202e\U000E0001]", output):
+                faults.append(f"{form} of {files} holds control characters")
+            jsonschema.validate(json.loads(output), schema)
+
+
+with tempfile.TemporaryDirectory() as work:
+    page = read(page_path)
+    for name, text in re.findall(r"^`([\w./-]+)`:\n\n```\w+\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
+        with open(f"{work}/{name}", "w", encoding="utf-8") as file:
+            file.write(text)
+    real = re.sub(r"^```console\n(.*?)^```$", lambda block: f"```console\n{played(block[1], work)}```", page,
+                  flags=re.DOTALL | re.MULTILINE)
+    real = re.sub(r"(?<=\n## Rules\n\n).*?(?=## At run time)", lambda _: rules(work), real, flags=re.DOTALL)
+    if "--update" in sys.argv:
+        with open(page_path, "w", encoding="utf-8") as file:
+            file.write(real)
+    elif real != page:
+        with open(f"{work}/real.md", "w", encoding="utf-8") as file:
+            file.write(real)
+        faults.append(run(f"diff -u {page_path} real.md", work))
+    workflow = re.search(r"^```yaml\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
+    if workflow != read(f"{root}/examples/workflows/check-messages.yml"):
+        faults.append("the workflow of the page is not that of the examples")
+    schemas(work)
+for fault in faults:
+    print(fault)
+sys.exit(bool(faults))
