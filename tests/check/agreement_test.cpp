@@ -1,5 +1,6 @@
 #include "agreement.h"
 #include "check/checks.h"
+#include "document.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,6 +9,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -214,6 +216,47 @@ TEST(CheckAgreement, WithTheLibraryOnDamagedFiles)
     }
     EXPECT_GT(loaded, count / 20);
     EXPECT_LT(loaded, count / 2);
+    KTClean();
+}
+
+/** A few conversions with positions of their own, nearly always 1 to n. */
+std::string randomFormat(std::mt19937 &random)
+{
+    constexpr const char *names[] = {"d",  "u", "hd", "!x", "s",   "E", "U", "c",
+                                     "lc", "f", "Lf", "*d", ".*s", "N", "O", "q"};
+    std::string format;
+    for (unsigned position = 1, count = random() % 4; position <= count; ++position)
+    {
+        const unsigned shown = random() % 20 == 0 ? position + 1 : position;
+        const std::string conversion = fmt::format("%{}[{}]", names[random() % std::size(names)], shown);
+        format = random() % 2 == 0 ? conversion + format : format + conversion;
+    }
+    return format;
+}
+
+TEST(CheckAgreement, WithTheLibraryOnWhatMayStandForWhat)
+{
+    ASSERT_EQ(KTInit(), 0);
+    std::mt19937 random(1);
+    size_t fitting = 0;
+    for (int i = 0; i < 20000 && !HasFailure(); ++i)
+    {
+        const std::string format = randomFormat(random);
+        const std::string reference = random() % 4 == 0 ? format : randomFormat(random);
+        const Catalog catalog(SourceText("file", unit(format)), Catalog::Placeholders::positioned);
+        const Catalog original(SourceText("reference", unit(reference)), Catalog::Placeholders::positioned);
+        const Findings findings =
+            checkMessages(catalog, &builtInFormTable, std::make_unique<Reference>(original, &builtInFormTable).get());
+        if (KTExplainFormat(reference.c_str(), nullptr, nullptr) != 0)
+            continue;
+        const bool fits = KTCompareFormats(format.c_str(), reference.c_str(), nullptr, nullptr) == 0;
+        fitting += fits ? 1 : 0;
+        EXPECT_EQ(fits, !has(findings, 1,
+                             {Rule::badConversion, Rule::positionGap, Rule::positionRepeat, Rule::argumentType,
+                              Rule::argumentMissing, Rule::argumentExtra}))
+            << format << " for " << reference;
+    }
+    EXPECT_GT(fitting, 3000U);
     KTClean();
 }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <climits>
 #include <fmt/core.h>
-#include <map>
 #include <optional>
 #include <set>
 #include <unicode/uchar.h>
@@ -262,13 +261,13 @@ void MessageCheck::checkTyped(const Format &format)
 
 void MessageCheck::checkRegion(const Format &format)
 {
-    std::map<int, const Conversion *> markers;
-    for (const Conversion &conversion : format.conversions)
-        if (conversion.name == "N" || conversion.name == "O")
-            markers.emplace(conversion.position, &conversion);
-    if (!markers.empty() && markers.rbegin()->second->name == "N")
-        find(Rule::regionOpen, placeOf(markers.rbegin()->second->place),
-             fmt::format("the region that \"{}\" opens is not closed", markers.rbegin()->second->written));
+    const Conversion *last = nullptr; // of the markers, in the order of the positions
+    for (const size_t index : format.byPosition)
+        if (const Conversion &conversion = format.conversions[index]; conversion.name == "N" || conversion.name == "O")
+            last = &conversion;
+    if (last != nullptr && last->name == "N")
+        find(Rule::regionOpen, placeOf(last->place),
+             fmt::format("the region that \"{}\" opens is not closed", last->written));
 }
 
 std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
@@ -282,12 +281,9 @@ std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
 /** All slots of a format in the order in which arguments are passed. */
 std::vector<Kind> argumentsOf(const Format &format)
 {
-    std::map<int, const Conversion *> byPosition;
-    for (const Conversion &conversion : format.conversions)
-        byPosition.emplace(conversion.position, &conversion);
     std::vector<Kind> kinds;
-    for (const auto &[position, conversion] : byPosition)
-        for (const Slot &slot : conversion->slots)
+    for (const size_t index : format.byPosition)
+        for (const Slot &slot : format.conversions[index].slots)
             kinds.push_back(slot.kind);
     return kinds;
 }

@@ -1,8 +1,10 @@
 #include "check/formats.h"
 
 #include "charset.h"
+#include "check/utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <fmt/core.h>
 #include <unicode/utf16.h>
 
@@ -11,22 +13,23 @@ namespace tool::check
 namespace
 {
 
-constexpr int fromArguments = -2;
 constexpr int believedPosition = 1000; // a higher one must not exceed the length of the text
 
-struct FreeParameters
+/** Whether format calls accept a text, which a zero byte follows; if not, the first problem. */
+bool isAccepted(const char *text, formTable *table, KTProblem *problem)
 {
-    void operator()(KTParameter *parameters) const { ZEL_free(parameters); }
-};
-
-bool isAccepted(const std::u16string &text, formTable *table)
-{
-    KTParameter *parameters = nullptr;
-    const int result = checkSyntax(text.c_str(), table, &parameters);
-    const std::unique_ptr<KTParameter, FreeParameters> release(parameters);
+    const int result = KTExplainFormat(text, table, problem);
     if (result == KT_ERR_NO_MEMORY)
         throw std::bad_alloc();
     return result == 0;
+}
+
+std::string sentenceOf(const KTProblem &problem)
+{
+    std::array<char, 400> text{};
+    size_t size = text.size();
+    KTProblemText(&problem, &size, text.data());
+    return text.data();
 }
 
 /** The kind of an argument-type code; false for one that takes no argument. */
@@ -34,23 +37,23 @@ bool kindOf(int code, int flags, Kind &kind)
 {
     switch (code)
     {
-    case 1:
+    case KT_ARG_CHARACTER:
         kind = (flags & FLAG_l) != 0 ? Kind::unit : Kind::character;
         return true;
-    case 2:
+    case KT_ARG_UTF8:
         kind = Kind::utf8;
         return true;
-    case 3:
+    case KT_ARG_UCS2:
         kind = Kind::ucs2;
         return true;
-    case 4:
-    case 5:
+    case KT_ARG_SIGNED:
+    case KT_ARG_UNSIGNED:
         kind = (flags & FLAG_h) != 0 ? Kind::integer16 : (flags & FLAG_BANG) != 0 ? Kind::integer64 : Kind::integer32;
         return true;
-    case 6:
+    case KT_ARG_DOUBLE:
         kind = (flags & FLAG_L) != 0 ? Kind::longFloating : Kind::floating;
         return true;
-    case 7:
+    case KT_ARG_POINTER:
         kind = Kind::pointer;
         return true;
     default:
@@ -92,66 +95,57 @@ const char *nameOf(Kind kind)
 
 const Conversion *Format::find(int position) const
 {
-    const auto found = std::find_if(conversions.begin(), conversions.end(),
-                                    [position](const Conversion &row) { return row.position == position; });
-    return found != conversions.end() ? &*found : nullptr;
+    const auto found =
+        std::lower_bound(byPosition.begin(), byPosition.end(), position,
+                         [this](size_t index, int wanted) { return conversions[index].position < wanted; });
+    return found != byPosition.end() && conversions[*found].position == position ? &conversions[*found] : nullptr;
 }
 
 int Format::highestPosition() const
 {
-    int highest = 0;
-    for (const Conversion &conversion : conversions)
-        highest = std::max(highest, conversion.position);
-    return highest;
+    return byPosition.empty() ? 0 : conversions[byPosition.back()].position;
 }
 
 namespace
 {
 
-/** What the author will have meant as one conversion: to its ']', else to the next blank or '%'. */
-size_t guessEnd(const std::u16string &text, size_t begin)
+/** The problem of a malformed conversion, of which this is the beginning of a text. */
+KTProblem problemAt(std::string_view rest, formTable *table)
 {
-    const size_t name = std::min(text.find_first_not_of(u"-+ #0", begin + 1), text.size());
-    const size_t next = std::min(text.find_first_of(u"% \t\r\n", name), text.size());
-    const size_t bracket = std::u16string_view(text).substr(0, next).find(u']', name);
-    return bracket != std::u16string::npos ? bracket + 1 : std::max(next, begin + 1);
-}
-
-std::string whyMalformed(std::u16string_view specification)
-{
-    const size_t open = specification.find(u'[');
-    if (open == std::u16string_view::npos)
-        return "has no position, as in \"%s[1]\"; a percent sign that stands for itself is written \"%%\"";
-    if (specification.back() != u']')
-        return "has a position that is not closed by \"]\"";
-    return "is malformed; the form is %[flags][width][.precision][h|l|L|!]name[position]";
+    constexpr size_t enough = 200; // for what a conversion can be meant to be
+    size_t length = std::min(rest.size(), enough);
+    while (length < rest.size() && isContinuation(rest[length]))
+        --length;
+    KTProblem problem{};
+    problem.structSize = sizeof problem;
+    isAccepted(std::string(rest.substr(0, length)).c_str(), table, &problem);
+    problem.length = std::clamp<size_t>(problem.length, 1, length);
+    return problem;
 }
 
 /** Whether a malformed conversion looks like a percent sign that was never meant as one. */
-bool isLone(std::u16string_view specification, formTable *table)
+bool isLone(std::string_view specification, formTable *table)
 {
-    if (specification.find(u'[') != std::u16string_view::npos)
+    if (specification.find('[') != std::string_view::npos)
         return false;
-    const size_t begin = std::min(specification.find_first_not_of(u"-+#0123456789.*", 1), specification.size());
-    const auto isNameCharacter = [](char16_t unit) {
-        return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit == u'!';
+    const size_t begin = std::min(specification.find_first_not_of("-+#0123456789.*", 1), specification.size());
+    const auto isNameCharacter = [](char byte) {
+        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '!';
     };
     size_t end = begin;
     while (end < specification.size() && isNameCharacter(specification[end]))
         ++end;
-    if (end == begin)
-        return true;
     // With a position it would be one.
-    const std::u16string completed = u"%" + std::u16string(specification.substr(begin, end - begin)) + u"[1]";
-    return !isAccepted(completed, table);
+    return end == begin ||
+           !isAccepted(fmt::format("%{}[1]", specification.substr(begin, end - begin)).c_str(), table, nullptr);
 }
 
 std::vector<Slot> slotsOf(const KTFormatter &formatter, int width, int precision, int flags)
 {
     std::vector<Slot> slots;
-    if (width == fromArguments)
+    if (width == KT_FROM_ARGUMENTS)
         slots.push_back({Slot::Role::width, Kind::integer32});
-    if (precision == fromArguments)
+    if (precision == KT_FROM_ARGUMENTS)
         slots.push_back({Slot::Role::precision, Kind::integer32});
     Kind kind{};
     if (formatter.argTypes != nullptr)
@@ -167,11 +161,14 @@ Format parseFormat(std::string_view message, formTable *table)
 {
     const std::u16string text = ucs2FromUtf8(std::string(message));
     Format format;
-    format.isAccepted = isAccepted(text, table);
+    format.isAccepted = isAccepted(message.data(), table, nullptr);
     Walk walk(text);
-    const auto placeOf = [&](size_t begin, size_t end) {
-        const size_t from = walk.bytesTo(begin);
-        return Range{from, walk.bytesTo(end)};
+    const auto addFault = [&format, message](size_t begin, const KTProblem &problem, int position, bool isLone) {
+        const size_t length = isLone ? 1 : problem.length;
+        format.faults.push_back({{begin, begin + length},
+                                 fmt::format("\"{}\": {}", message.substr(begin, length), sentenceOf(problem)),
+                                 position,
+                                 isLone});
     };
     for (size_t at = text.find(u'%'); at < text.size(); at = text.find(u'%', at))
     {
@@ -187,31 +184,39 @@ Format parseFormat(std::string_view message, formTable *table)
         int flags = 0;
         KTFormatter *formatter = nullptr;
         const int position = parseConvSpec(&cursor, table, &type, &width, &precision, &flags, &formatter);
-        const size_t end = position != 0 ? static_cast<size_t>(cursor - text.c_str()) : guessEnd(text, at);
-        const std::u16string_view specification(text.data() + at, end - at);
-        if (position == 0 && isLone(specification, table))
+        const size_t begin = walk.bytesTo(at);
+        if (position == 0)
         {
-            format.faults.push_back({placeOf(at, at + 1), "\"%\" by itself is written \"%%\"", 0, true});
-            ++at;
+            const KTProblem problem = problemAt(message.substr(begin), table);
+            const bool isLonePercent = isLone(message.substr(begin, problem.length), table);
+            addFault(begin, problem, 0, isLonePercent);
+            do
+                ++at;
+            while (at < text.size() && walk.bytesTo(at) < format.faults.back().place.end);
             continue;
         }
-        const Range place = placeOf(at, end);
-        std::string written(message.substr(place.begin, place.end - place.begin));
-        if (position == 0)
-            format.faults.push_back({place, fmt::format("\"{}\" {}", written, whyMalformed(specification)), 0, false});
-        else if (type == CONV_UNKNOWN)
-            format.faults.push_back(
-                {place, fmt::format("\"{}\" has a name that no conversion has", written), position, false});
+        at = static_cast<size_t>(cursor - text.c_str());
+        const Range place{begin, walk.bytesTo(at)};
+        KTProblem problem{};
+        problem.length = place.end - begin;
+        if (type == CONV_UNKNOWN)
+            problem.rule = KT_RULE_UNKNOWN_CONVERSION;
         else if (position > believedPosition && static_cast<size_t>(position) > text.size())
-            format.faults.push_back({place, fmt::format("\"{}\" has too high a position", written), position, false});
+            problem.rule = KT_RULE_NUMBER_TOO_LARGE;
+        if (problem.rule != KT_RULE_NONE)
+            addFault(begin, problem, position, false);
         else
-            format.conversions.push_back({position, place, std::move(written),
+            format.conversions.push_back({position, place, std::string(message.substr(begin, place.end - begin)),
                                           type == CONV_N   ? "N"
                                           : type == CONV_O ? "O"
                                                            : formatter->name,
                                           slotsOf(*formatter, width, precision, flags)});
-        at = end;
     }
+    for (size_t i = 0; i < format.conversions.size(); ++i)
+        format.byPosition.push_back(i);
+    std::stable_sort(format.byPosition.begin(), format.byPosition.end(), [&format](size_t a, size_t b) {
+        return format.conversions[a].position < format.conversions[b].position;
+    });
     return format;
 }
 
@@ -241,8 +246,9 @@ FormTable::~FormTable() = default;
 
 std::string FormTable::add(std::string_view form)
 {
-    constexpr std::pair<std::string_view, int> types[] = {{"char", 1}, {"utf8", 2},   {"ucs2", 3},   {"int", 4},
-                                                          {"uint", 5}, {"double", 6}, {"pointer", 7}};
+    constexpr std::pair<std::string_view, int> types[] = {
+        {"char", KT_ARG_CHARACTER}, {"utf8", KT_ARG_UTF8},     {"ucs2", KT_ARG_UCS2},      {"int", KT_ARG_SIGNED},
+        {"uint", KT_ARG_UNSIGNED},  {"double", KT_ARG_DOUBLE}, {"pointer", KT_ARG_POINTER}};
     const size_t equals = form.find('=');
     if (equals == std::string_view::npos || equals == 0)
         return "the form is NAME=TYPE[,TYPE...]";
@@ -264,8 +270,7 @@ std::string FormTable::add(std::string_view form)
     row->types.push_back(0);
     m_list.push_back({row->name.c_str(), nullptr, count, row->types.data(), formatNothing});
     m_rows.push_back(std::move(row));
-    const std::u16string used = u"%" + ucs2FromUtf8(m_rows.back()->name) + u"[1]";
-    if (!isAccepted(used, get()))
+    if (!isAccepted(fmt::format("%{}[1]", m_rows.back()->name).c_str(), get(), nullptr))
         return "a name has up to 19 ASCII characters, begins with a letter, and not with h, l or L";
     return "";
 }

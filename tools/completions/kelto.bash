@@ -6,6 +6,10 @@ _kelto_options() {
     format) echo '--tag --charset= --help' ;;
     list) echo '--raw --help' ;;
     version) echo '--help' ;;
+    check)
+        echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
+            --explain= --help -Werror'
+        ;;
     convert) echo '--from= --to= --strict --list-charsets --help' ;;
     esac
 }
@@ -13,8 +17,22 @@ _kelto_options() {
 # What kind of value an option of a subcommand takes.
 _kelto_kind() {
     case $1:$2 in
+    check:--format) echo form ;;
+    check:--color) echo when ;;
+    check:--explain) echo rule ;;
+    check:-r | check:--reference | check:-o | check:--output) echo file ;;
+    check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
+}
+
+# The rules of the checker, behind each of the prefixes.
+_kelto_rules() {
+    local rules prefix
+    rules=$(kelto check --list-rules 2>/dev/null | cut -d ' ' -f 1)
+    for prefix in "$@"; do
+        compgen -P "$prefix" -W "$rules"
+    done
 }
 
 _kelto() {
@@ -23,7 +41,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'format list version convert --help --version' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W 'format list version check convert --help --version' -- "$word")
         return
     fi
 
@@ -33,8 +51,20 @@ _kelto() {
     elif [ "$previous" = = ]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
-    if [ "$(_kelto_kind "$subcommand" "$previous")" = charset ]; then
-        mapfile -t COMPREPLY < <(compgen -W "$(kelto convert --list-charsets 2>/dev/null)" -- "$word")
+    if [[ $word = -W* ]]; then
+        mapfile -t COMPREPLY < <(compgen -P -W -W "error no-error $(_kelto_rules '' no- error= no-error=)" -- "${word#-W}")
+        return
+    fi
+    local kind words=
+    kind=$(_kelto_kind "$subcommand" "$previous")
+    case $kind in
+    charset) words=$(kelto convert --list-charsets 2>/dev/null) ;;
+    form) words='text json sarif github' ;;
+    when) words='auto always never' ;;
+    rule) words=$(_kelto_rules '') ;;
+    esac
+    if [ -n "$kind" ] && [ "$kind" != file ]; then
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
         return
     fi
 
