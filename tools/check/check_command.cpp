@@ -235,8 +235,7 @@ bool wantsColour(const CommandLine &line, const Options &options)
         throw line.misuse("a colour is \"auto\", \"always\" or \"never\", not " + terminal().quote(options.colour));
     if (options.colour != "auto")
         return options.colour == "always";
-    const char *const noColour = std::getenv("NO_COLOR");
-    return options.output.empty() && isatty(STDOUT_FILENO) != 0 && (noColour == nullptr || *noColour == '\0');
+    return options.output.empty() && Terminal::showsColors(STDOUT_FILENO);
 }
 
 std::unique_ptr<Writer> makeWriter(const CommandLine &line, const std::string &format, Sink sink,
