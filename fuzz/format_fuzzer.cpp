@@ -1,5 +1,5 @@
 // A format string, which ends at the first zero byte, then what decides about tables and arguments. The string is used
-// with arguments of the types that it asks for, in both forms, with no table, the built-in one, copies and own ones,
+// with arguments of the types that it asks for, in both forms and prepared, with no table, the built-in one, copies and own ones,
 // with and without encoder, and into every class of capacity. One formatter is also called by itself, with any width,
 // precision and flags, and the helpers behind the formatters write into buffers of just the size that they ask for.
 
@@ -194,7 +194,8 @@ void addArgument(Arguments &arguments, int type, int flags, FuzzedDataProvider &
     case KT_ARG_SIGNED:
     case KT_ARG_UNSIGNED:
         if ((flags & FLAG_h) != 0)
-            arguments.addAs<int16_t>(takeInt(source));
+            type == KT_ARG_SIGNED ? arguments.addAs<int16_t>(takeInt(source))
+                                  : arguments.addAs<uint16_t>(takeInt(source));
         else if ((flags & FLAG_BANG) != 0)
             arguments.add(takeNumber(source));
         else
@@ -207,7 +208,7 @@ void addArgument(Arguments &arguments, int type, int flags, FuzzedDataProvider &
             arguments.add(static_cast<double>(takeFloatingPoint(source)));
         break;
     case KT_ARG_POINTER:
-        arguments.add(takeNumber(source));
+        arguments.add(reinterpret_cast<const void *>(takeNumber(source)));
         break;
     default: // takes no argument
         break;
@@ -257,20 +258,49 @@ public:
         if (m_syntax == 0)
             addArguments(m_arguments, parameters, source);
         ZEL_free(parameters);
+        require(KTPrepareFormat(m_format.c_str(), m_table.get(), &m_prepared) == m_syntax, "preparing is checking");
+        require((m_prepared != nullptr) == (m_syntax == 0), "what is refused is not prepared");
     }
+    ~Formatting() { KTFreePrepared(m_prepared); }
+    Formatting(const Formatting &) = delete;
+    Formatting &operator=(const Formatting &) = delete;
 
-    void check()
+    void check(FuzzedDataProvider &source)
     {
+        checkExplanation();
         if (m_syntax != 0)
+        {
             require(byList(20).result == m_syntax, "a format call refuses what checkSyntax refuses");
-        else
-            checkCapacities();
-        if (m_syntax == 0 && m_arguments.count() > 0)
+            return;
+        }
+        const KTSlot *slots = nullptr;
+        require(KTPreparedSlots(m_prepared, &slots) == m_arguments.count(), "each argument has its slot");
+        checkCapacities();
+        if (m_arguments.count() > 0)
             require(byPointers(20, m_arguments.pointers() + 1).result == KT_ERR_INVALID_PARAMETER,
                     "a missing argument is noticed");
+        checkUTF8(foreignArguments(source));
     }
 
 private:
+    void checkExplanation()
+    {
+        KTProblem problem = {sizeof problem, -1, 0, 0, 0, 0, nullptr, nullptr};
+        require(KTExplainFormat(m_format.c_str(), m_table.get(), &problem) == m_syntax, "explaining is checking");
+        require((problem.rule == KT_RULE_NONE) == (m_syntax == 0), "what is refused has a reason");
+        require(problem.offset <= m_format.size() && problem.length <= m_format.size() - problem.offset,
+                "a problem lies in the format");
+        require(KTCompareFormats(m_format.c_str(), m_format.c_str(), m_table.get(), nullptr) == m_syntax,
+                "a format that is accepted fits itself");
+        size_t need = 0;
+        const int measured = KTProblemText(&problem, &need, nullptr);
+        Guarded<char> text(need + 1);
+        size_t size = need + 1;
+        require(measured == KT_ERR_BUFFER_TOO_SMALL && KTProblemText(&problem, &size, text.data()) == 0,
+                "it has a text");
+        require(size == need && text.text().size() == need, "of the length that was told");
+    }
+
     void checkCapacities()
     {
         const Outcome measured = format(0);
@@ -291,6 +321,7 @@ private:
             else // a conversion that fails before the room ends
                 require(cut.result != 0 && (!isWritten || cut.result == whole.result), "a failure is the same");
         }
+        checkUTF8(m_arguments.typed());
         if (!isWritten || m_isWild)
             return;
         require(whole.result != KT_ERR_BUFFER_TOO_SMALL, "the need reported suffices");
@@ -298,10 +329,76 @@ private:
         require(format(need + 17).text == whole.text, "the text is the same with more room");
     }
 
+    /** The arguments with one of them, perhaps, replaced by any other, and perhaps another number of them. */
+    std::vector<KTArgument> foreignArguments(FuzzedDataProvider &source)
+    {
+        static const char text[] = "te\xC3\xA9xt";
+        static const UCS2 units[] = u"a\xD83D\xDE00";
+        static const long double real = 1.5L;
+        const KTArgument others[] = {KT_INT(-1),
+                                     KT_UINT(UINT32_MAX),
+                                     KT_INT64(INT64_MIN),
+                                     KT_UINT64(UINT64_MAX),
+                                     KT_CHAR('\xE9'),
+                                     KT_UNIT(0xD83D),
+                                     KT_DOUBLE(1e300),
+                                     KT_LONG_DOUBLE(&real),
+                                     KT_LONG_DOUBLE(nullptr),
+                                     KT_UTF8(nullptr),
+                                     KT_UTF8N(text, 3),
+                                     KT_UTF8(text),
+                                     KT_UCS2(nullptr),
+                                     KT_UCS2N(units, 2),
+                                     KT_UCS2(units),
+                                     KT_POINTER(2, text),
+                                     {0, 0, {0}},
+                                     {99, 1, {0}},
+                                     {KT_ARGUMENT_INT, 1, {0}},
+                                     {KT_ARGUMENT_INT, 0, {INT64_MAX}},
+                                     {KT_ARGUMENT_CHAR, 0, {256}}};
+        std::vector<KTArgument> arguments = m_arguments.typed();
+        for (KTArgument &argument : arguments)
+            if (source.ConsumeIntegralInRange(0, 3) == 0)
+                argument = source.PickValueInArray(others);
+        if (source.ConsumeIntegralInRange(0, 7) == 0)
+            arguments.resize(source.ConsumeIntegralInRange<size_t>(0, arguments.size() + 1));
+        return arguments;
+    }
+
+    /** Whatever the arguments are: the UTF-8 text is what becomes of the UCS-2 text, in any room. */
+    void checkUTF8(const std::vector<KTArgument> &arguments)
+    {
+        const Outcome measured = byPrepared(0, arguments);
+        const bool isWritten = measured.result == KT_ERR_BUFFER_TOO_SMALL && measured.size <= largest;
+        const Outcome whole = isWritten ? byPrepared(measured.size + 1, arguments) : measured;
+        const std::string text = toUTF8(whole.text);
+        for (const size_t capacity : {size_t{0}, size_t{1}, size_t{9}, text.size() / 2, text.size(), text.size() + 1})
+        {
+            const Outstanding before = FakeZel::outstanding();
+            Guarded<char> out(capacity);
+            size_t size = capacity;
+            const int result = KTFormatPreparedUTF8(m_prepared, m_tag ? KT_TAG : 0, &claim, &size, out.data(),
+                                                    arguments.data(), arguments.size());
+            require(FakeZel::outstanding() == before, "a prepared call leaves nothing behind");
+            const bool isRefused = result == KT_ERR_INVALID_PARAMETER && size == capacity && out.untouched();
+            require(isRefused || capacity == 0 || out.isTerminated(), "a text ends in its room");
+            if (m_isWild || (measured.result == KT_ERR_BUFFER_TOO_SMALL && !isWritten))
+                continue;
+            if (whole.result != 0)
+                require(result == whole.result || (isWritten && result == KT_ERR_BUFFER_TOO_SMALL),
+                        "a failure is the same");
+            else
+                require(result == (capacity > text.size() ? 0 : KT_ERR_BUFFER_TOO_SMALL) && size == text.size(),
+                        "the need is that of the other text");
+            require(result != 0 || out.text() == text, "the text is the other text");
+        }
+    }
+
     Outcome format(size_t capacity)
     {
         const Outcome list = byList(capacity);
         require(byPointers(capacity, m_arguments.pointers()) == list, "both forms agree");
+        require(m_isWild || byPrepared(capacity, m_arguments.typed()) == list, "a prepared call agrees with them");
         return list;
     }
 
@@ -320,6 +417,14 @@ private:
         return call(capacity, [&](unsigned long *size, UCS2 *out) {
             return KTvpFormatStringWithPassThru(nullptr, m_tag, m_table.get(), &claim, size, out, m_format.data(),
                                                 pointers);
+        });
+    }
+
+    Outcome byPrepared(size_t capacity, const std::vector<KTArgument> &arguments)
+    {
+        return call(capacity, [&](unsigned long *size, UCS2 *out) {
+            return KTFormatPrepared(m_prepared, m_tag ? KT_TAG : 0, &claim, size, out, arguments.data(),
+                                    arguments.size());
         });
     }
 
@@ -350,6 +455,7 @@ private:
     int m_syntax;
     bool m_isWild;
     Arguments m_arguments;
+    KTPreparedFormat *m_prepared = nullptr;
 };
 
 /** Replaces what stands in brackets by the positions 1, 2, … or the same backwards. */
@@ -460,6 +566,7 @@ void checkHelpers(int64_t number, int flags, const std::string &bytes, const std
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     [[maybe_unused]] static const int started = KTInit();
+    FakeZel::refuseAbove(size_t{1} << 20); // what a wild conversion asks for beyond that
     const uint8_t *const end = std::find(data, data + size, uint8_t{0});
     std::string format(data, end);
     FuzzedDataProvider source(end, static_cast<size_t>(data + size - end));
@@ -469,7 +576,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
              source.PickValueInArray<unsigned long>({0, 1, 19, 1000, UINT32_MAX, UINT64_MAX})};
 
     const Outstanding before = FakeZel::outstanding();
-    Formatting(format, source).check();
+    Formatting(format, source).check(source);
 
     const KTFormatter &formatter =
         builtInFormList[source.ConsumeIntegralInRange<size_t>(0, std::size(builtInFormList) - 1)];

@@ -29,19 +29,20 @@ struct Outputs
     MessageTable *table = untouchedTable;
     formTable *copy = &builtInFormTable;
     KTParameter *parameters = nullptr;
+    KTPreparedFormat *prepared = nullptr;
     std::array<char, 20> text = {"?"};
-    Ucs2Buffer units{600};
-    unsigned long size = 600;
+    Ucs2Buffer units{800};
+    unsigned long size = 800;
     size_t bytes = 20;
 
     void expectNothing() const
     {
         EXPECT_TRUE(table == untouchedTable || table == nullptr);
         EXPECT_TRUE(copy == &builtInFormTable || copy == nullptr);
-        EXPECT_EQ(parameters, nullptr);
+        EXPECT_TRUE(parameters == nullptr && prepared == nullptr);
         EXPECT_TRUE(text[0] == '?' || text[0] == '\0');
         EXPECT_EQ(bytes, 20u);
-        EXPECT_TRUE(units.untouched() ? size == 600 : size == 0 && units[0] == 0);
+        EXPECT_TRUE(units.untouched() ? size == 800 : size == 0 && units[0] == 0);
     }
 
     void release() const
@@ -49,6 +50,7 @@ struct Outputs
         EXPECT_EQ(table != untouchedTable ? KTFreeMessages(table) : 0, 0);
         EXPECT_EQ(copy != &builtInFormTable ? KTFreeFormTable(copy) : 0, 0);
         ZEL_free(parameters);
+        KTFreePrepared(prepared);
     }
 };
 
@@ -75,6 +77,34 @@ int formatPointers()
     UCS2 u[] = u"b";
     void *slots[] = {s, u, &width, &number, s, u, s + 1, &real, s, s, s, s, nullptr};
     return KTvpFormatString(nullptr, true, &got.size, got.units.data(), manyForms, slots);
+}
+
+/** Writes 300 units, more than the library has at hand for a text that is to become UTF-8. */
+int formatOwn(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *out)
+{
+    const bool fits = *size > 300;
+    *size = 300;
+    if (fits)
+        std::fill_n(out, 300, u'o');
+    return fits ? 0 : KT_ERR_BUFFER_TOO_SMALL;
+}
+
+const int ownTypes[] = {8, KT_ARG_END};
+KTFormatter ownList[] = {{"own", nullptr, 0, ownTypes, formatOwn}, {nullptr, nullptr, 0, nullptr, nullptr}};
+formTable ownTable = {false, {}, ownList, nullptr, &builtInFormTable};
+char ownForms[] = "%own[1]%.400Lf[2]";
+
+KTPreparedFormat *prepared; // of ownForms, while the library is started
+constexpr long double real = 1.5L;
+const KTArgument preparedArguments[] = {KT_LONG_DOUBLE(&real)};
+
+int formatPreparedUTF8()
+{
+    std::array<char, 800> utf8 = {"?"};
+    size_t size = utf8.size();
+    const int result = KTFormatPreparedUTF8(prepared, 0, nullptr, &size, utf8.data(), preparedArguments, 1);
+    EXPECT_TRUE(result == 0 ? size == 300 + 402 && utf8[size] == '\0' : size == 0 && utf8[0] == '\0');
+    return result;
 }
 
 /** 0 where a function gave what it gives when nothing fails, else what it gave. */
@@ -129,6 +159,15 @@ const Row rows[] = {
     {"list", 23, {}, [] { return formatList(manyForms, "a", u"b", 4, 5, "e", u"n", "1", 1.5L, "", "", "", ""); }},
     {"pointers", 10, {}, formatPointers},
     {"long number", 5, {}, [] { return formatList("%f[1]", 1e300); }},
+    // What it takes to check, and the prepared format; of a prepared one the long number, a buffer for the own text.
+    {"prepare", 3, {}, [] { return KTPrepareFormat(manyForms, nullptr, &got.prepared); }},
+    {"explain", 2, {}, [] { return KTExplainFormat(manyForms, nullptr, nullptr); }},
+    {"compare formats", 4, {}, [] { return KTCompareFormats("%d[1]", "%d[1]", nullptr, nullptr); }},
+    {"prepared",
+     1,
+     {},
+     [] { return KTFormatPrepared(prepared, 0, nullptr, &got.size, got.units.data(), preparedArguments, 1); }},
+    {"prepared, UTF-8", 2, {}, formatPreparedUTF8},
 
     {"no memory needed", 0, {0}, [] { return KTUTF8ToUCS2("a\u3042", &got.bytes, got.units.data()); }},
     {"to UCS-2", 0, {notOpened}, [] { return KTMultiByteToUCS2(eucJp, 0, 0, text, &got.bytes, got.units.data()); }},
@@ -164,8 +203,16 @@ protected:
     }
     static void TearDownTestSuite() { unlink(messagePath); }
 
-    void SetUp() override { ASSERT_EQ(GetParam().isStartUp ? 0 : KTInit(), 0); }
-    void TearDown() override { GetParam().isStartUp ? 0 : KTClean(); }
+    void SetUp() override
+    {
+        const bool isStarted = !GetParam().isStartUp;
+        ASSERT_EQ(isStarted ? KTInit() + KTPrepareFormat(ownForms, &ownTable, &prepared) : 0, 0);
+    }
+    void TearDown() override
+    {
+        KTFreePrepared(std::exchange(prepared, nullptr));
+        GetParam().isStartUp ? 0 : KTClean();
+    }
 
     void runOnce(unsigned n, unsigned &failures, const std::function<void(unsigned)> &arm,
                  const std::function<unsigned()> &disarm, const std::function<std::set<int>()> &expected)

@@ -63,6 +63,21 @@ void formatWithTables(int number)
     EXPECT_TRUE(text == u"plain" || text == u"!") << "either encoder, and nothing else";
 }
 
+KTPreparedFormat *sharedFormat; // "%s[2]: %*d[1]"
+
+void formatPrepared(int number)
+{
+    const KTArgument arguments[] = {KT_INT(3), KT_INT(number), KT_UTF8("thread")};
+    char utf8[20];
+    UCS2 units[20];
+    size_t bytes = sizeof utf8, length = std::size(units);
+    EXPECT_EQ(KTFormatPreparedUTF8(sharedFormat, 0, nullptr, &bytes, utf8, arguments, 3), 0);
+    EXPECT_EQ(KTFormatPrepared(sharedFormat, 0, nullptr, &length, units, arguments, 3), 0);
+    const std::string expected = "thread:   " + std::to_string(number);
+    EXPECT_EQ(utf8, expected);
+    EXPECT_EQ(asString(units), std::u16string(expected.begin(), expected.end()));
+}
+
 void convert(int)
 {
     std::array<char, 20> bytes{};
@@ -94,7 +109,9 @@ TEST_F(HostileThreads, DoEverythingAtOnce)
 {
     FakeZel::file(memoryPath, MessageFile().unit(2, placeholder("%s", "2") + " of " + placeholder("%d", "1")).xml());
     ASSERT_EQ(KTLoadMessages(memoryPath, &shared), 0);
-    static constexpr void (*works[])(int) = {loadAndRead, formatWithTables, convert, askForVersion, comeAndGo};
+    ASSERT_EQ(KTPrepareFormat("%s[2]: %*d[1]", nullptr, &sharedFormat), 0);
+    static constexpr void (*works[])(int) = {loadAndRead, formatWithTables, formatPrepared,
+                                             convert,     askForVersion,    comeAndGo};
     std::vector<std::thread> threads;
     for (int number = 0; number < 8; ++number)
         threads.emplace_back([number] {
@@ -103,6 +120,7 @@ TEST_F(HostileThreads, DoEverythingAtOnce)
         });
     for (std::thread &thread : threads)
         thread.join();
+    KTFreePrepared(sharedFormat);
     EXPECT_EQ(KTRegisterEncoder(nullptr), 0);
     EXPECT_EQ(KTFreeMessages(shared), 0) << "the table of the user who stayed";
 }

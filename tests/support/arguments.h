@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <type_traits>
 #include <vector>
 
 class Arguments
@@ -46,6 +47,17 @@ public:
     {
         addBlock(&value, sizeof value);
         addToList(value);
+        if constexpr (std::is_same_v<Value, double>)
+            m_typed.push_back(KT_DOUBLE(value));
+        else if constexpr (std::is_same_v<Value, long double>)
+            m_typed.push_back(KT_LONG_DOUBLE(static_cast<long double *>(lastBlock())));
+        else if constexpr (std::is_pointer_v<Value>)
+            m_typed.push_back(KT_POINTER(1, value));
+        else if constexpr (sizeof value == sizeof(int64_t))
+            m_typed.push_back(std::is_signed_v<Value> ? KT_INT64(static_cast<int64_t>(value))
+                                                      : KT_UINT64(static_cast<uint64_t>(value)));
+        else
+            m_typed.push_back(KT_INT(value));
     }
     /** An int in the list, of which the block holds the part that is read: char, UCS2, int16_t. */
     template <typename Part> void addAs(int value)
@@ -53,17 +65,26 @@ public:
         const auto part = static_cast<Part>(value);
         addBlock(&part, sizeof part);
         addToList(value);
+        m_typed.push_back(sizeof part == 1             ? KT_CHAR(static_cast<char>(part))
+                          : std::is_same_v<Part, UCS2> ? KT_UNIT(static_cast<UCS2>(part))
+                                                       : KT_INT(part));
     }
     /** A text of bytes or units; the list may hold a null pointer in the place of an empty one. */
     template <typename Text> void addText(const Text &text, bool isNullInList = false)
     {
         addBlock(text.c_str(), (text.size() + 1) * sizeof text[0]);
-        addToList(isNullInList ? nullptr : m_blocks.back().data());
+        addToList(isNullInList ? nullptr : lastBlock());
+        if constexpr (sizeof text[0] == 1)
+            m_typed.push_back(KT_UTF8(isNullInList ? nullptr : static_cast<char *>(lastBlock())));
+        else
+            m_typed.push_back(KT_UCS2(isNullInList ? nullptr : static_cast<UCS2 *>(lastBlock())));
     }
 
     /** Ended by a null pointer. */
     void **pointers() { return m_pointers.data(); }
     size_t count() const { return m_blocks.size(); }
+    /** For the calls with typed arguments. */
+    std::vector<KTArgument> typed() const { return m_typed; }
 
     /** Has the function called with the arguments as a list; its result. */
     template <typename Call> auto withList(Call call)
@@ -109,6 +130,8 @@ private:
         m_pointers.push_back(nullptr);
     }
 
+    void *lastBlock() { return m_blocks.back().data(); }
+
     template <typename Value> void addToList(Value value)
     {
         constexpr size_t words = (sizeof value + 7) / 8;
@@ -118,6 +141,7 @@ private:
 
     std::deque<std::vector<char>> m_blocks;
     std::vector<void *> m_pointers = {nullptr};
+    std::vector<KTArgument> m_typed;
     std::vector<uint64_t> m_list; // from the heap, so aligned to 16 bytes
 };
 
