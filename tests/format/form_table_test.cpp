@@ -63,8 +63,9 @@ TEST_F(FormTable, ACopyKnowsAllNamesOrThePrintfLikeOnesAndNoShortOnes)
         EXPECT_EQ(find(name, full.get()).type, CONV_EXTERNAL) << name;
         EXPECT_NE(full->formList[i].name, builtInFormList[i].name);
         EXPECT_EQ(reduced->formList[i].format, builtInFormList[i].format);
-        if (find(name, reduced.get()).type == CONV_EXTERNAL)
-            kept += name + ' ';
+        const bool isKept = find(name, reduced.get()).type == CONV_EXTERNAL;
+        EXPECT_STREQ(reduced->formList[i].name, isKept ? name.c_str() : "");
+        kept += isKept ? name + ' ' : "";
     }
     EXPECT_EQ(kept, "d u U o x X f c s ");
     for (const char *name : {"l", "ul"})

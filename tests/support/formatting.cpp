@@ -7,17 +7,56 @@
 namespace
 {
 
-struct Outcome
+template <typename Unit> struct Outcome
 {
     int result;
     unsigned long size;
-    std::u16string text; // after success
+    std::basic_string<Unit> text; // after success
 
     bool operator==(const Outcome &other) const
     {
         return result == other.result && size == other.size && text == other.text;
     }
 };
+
+template <typename Value> Value valueIn(const void *block)
+{
+    return *static_cast<const Value *>(block);
+}
+
+/** What a block holds, as the argument that a slot asks for. */
+KTArgument typedFor(const KTSlot &slot, const void *block)
+{
+    switch (slot.code)
+    {
+    case KT_SLOT_INT16:
+        return KT_INT(valueIn<int16_t>(block));
+    case KT_SLOT_UINT16:
+        return KT_UINT(valueIn<uint16_t>(block));
+    case KT_SLOT_INT32:
+        return KT_INT(valueIn<int32_t>(block));
+    case KT_SLOT_UINT32:
+        return KT_UINT(valueIn<uint32_t>(block));
+    case KT_SLOT_INT64:
+        return KT_INT64(valueIn<int64_t>(block));
+    case KT_SLOT_UINT64:
+        return KT_UINT64(valueIn<uint64_t>(block));
+    case KT_SLOT_CHAR:
+        return KT_CHAR(valueIn<char>(block));
+    case KT_SLOT_UNIT:
+        return KT_UNIT(valueIn<UCS2>(block));
+    case KT_SLOT_DOUBLE:
+        return KT_DOUBLE(valueIn<double>(block));
+    case KT_SLOT_LONG_DOUBLE:
+        return KT_LONG_DOUBLE(static_cast<const long double *>(block));
+    case KT_SLOT_UTF8:
+        return KT_UTF8(static_cast<const char *>(block));
+    case KT_SLOT_UCS2:
+        return KT_UCS2(static_cast<const UCS2 *>(block));
+    default:
+        return KT_POINTER(1, valueIn<const void *>(block));
+    }
+}
 
 /** One format with its arguments. */
 class Formatting
@@ -26,18 +65,29 @@ public:
     Formatting(const std::string &format, Arguments &arguments, const FormatOptions &options)
         : m_format(format), m_arguments(arguments), m_options(options)
     {
+        m_verdict = KTPrepareFormat(m_format.c_str(), options.table, &m_prepared);
+        EXPECT_EQ(KTExplainFormat(m_format.c_str(), options.table, nullptr), m_verdict);
+        EXPECT_EQ(KTCompareFormats(m_format.c_str(), m_format.c_str(), options.table, nullptr), m_verdict);
+        const KTSlot *slots = nullptr;
+        if (m_prepared != nullptr && KTPreparedSlots(m_prepared, &slots) == arguments.count())
+            for (size_t i = 0; i < arguments.count(); ++i)
+                m_typed.push_back(typedFor(slots[i], arguments.pointers()[i]));
     }
+    ~Formatting() { KTFreePrepared(m_prepared); }
+    Formatting(const Formatting &) = delete;
+    Formatting &operator=(const Formatting &) = delete;
 
-    Outcome into(size_t capacity)
+    Outcome<UCS2> into(size_t capacity)
     {
         SCOPED_TRACE("\"" + m_format + "\", capacity " + std::to_string(capacity));
-        const Outcome byPointers = call(capacity, [&](unsigned long *size, UCS2 *out) {
+        const auto byPointers = call<UCS2>(capacity, [&](unsigned long *size, UCS2 *out) {
             return KTvpFormatStringWithPassThru(nullptr, m_options.tag, m_options.table, m_options.passThru, size, out,
                                                 m_format.data(), m_arguments.pointers());
         });
+        EXPECT_TRUE(m_verdict == 0 || m_verdict == byPointers.result) << "refused by one and not by the other";
         if (byPointers.result == KT_ERR_INVALID_PARAMETER && byPointers.size == capacity)
             return byPointers; // a wrong number of them, which a list cannot show
-        const Outcome byList = call(capacity, [&](unsigned long *size, UCS2 *out) {
+        const auto byList = call<UCS2>(capacity, [&](unsigned long *size, UCS2 *out) {
             return m_arguments.withList([&](va_list list) {
                 unsigned long none = 0; // a list serves the retry too
                 KTvFormatStringWithPassThru(nullptr, m_options.tag, m_options.table, m_options.passThru, &none, nullptr,
@@ -47,13 +97,37 @@ public:
             });
         });
         EXPECT_TRUE(byList == byPointers) << byList.result << " by list, " << byPointers.result << " by pointers";
+        if (m_verdict != 0)
+            return byPointers;
+        const auto prepared = call<UCS2>(capacity, [&](unsigned long *size, UCS2 *out) {
+            return KTFormatPrepared(m_prepared, m_options.tag ? KT_TAG : 0, m_options.passThru, size, out,
+                                    m_typed.data(), m_typed.size());
+        });
+        EXPECT_TRUE(prepared == byPointers) << prepared.result << " prepared, " << byPointers.result << " by pointers";
         return byPointers;
     }
 
-private:
-    template <typename Call> Outcome call(size_t capacity, Call format)
+    /** Whether UTF-8 comes out like this at every capacity. */
+    void expectUTF8(const std::string &text)
     {
-        Guarded<UCS2> out(capacity);
+        for (size_t capacity = 0; capacity <= text.size() + 2; ++capacity)
+        {
+            SCOPED_TRACE("\"" + m_format + "\" in UTF-8, capacity " + std::to_string(capacity));
+            const auto written = call<char>(capacity, [&](unsigned long *size, char *out) {
+                return KTFormatPreparedUTF8(m_prepared, m_options.tag ? KT_TAG : 0, m_options.passThru, size, out,
+                                            m_typed.data(), m_typed.size());
+            });
+            const bool fits = capacity > text.size();
+            EXPECT_EQ(written.result, fits ? 0 : KT_ERR_BUFFER_TOO_SMALL);
+            EXPECT_EQ(written.size, text.size());
+            EXPECT_EQ(written.text, fits ? text : "");
+        }
+    }
+
+private:
+    template <typename Unit, typename Call> Outcome<Unit> call(size_t capacity, Call format)
+    {
+        Guarded<Unit> out(capacity);
         unsigned long size = capacity;
         const int result = format(&size, out.data());
         if (result == 0)
@@ -65,12 +139,15 @@ private:
             EXPECT_TRUE(capacity == 0 || (size >= capacity && out.isTerminated())) << "cut and terminated";
         else
             EXPECT_TRUE(out.untouched() ? size == capacity : size == 0 && out[0] == 0) << "left alone, or emptied";
-        return {result, size, u""};
+        return {result, size, {}};
     }
 
     std::string m_format;
     Arguments &m_arguments;
     FormatOptions m_options;
+    KTPreparedFormat *m_prepared = nullptr;
+    int m_verdict;
+    std::vector<KTArgument> m_typed;
 };
 
 std::string nameOf(int result)
@@ -85,7 +162,7 @@ std::string formatted(const std::string &format, Arguments &arguments, const For
 {
     constexpr unsigned long longest = 5000;
     Formatting formatting(format, arguments, options);
-    const Outcome measured = formatting.into(0);
+    const auto measured = formatting.into(0);
     if (measured.result != KT_ERR_BUFFER_TOO_SMALL)
     {
         EXPECT_EQ(formatting.into(3).size, 3U) << "refused before the output";
@@ -94,7 +171,7 @@ std::string formatted(const std::string &format, Arguments &arguments, const For
     const unsigned long need = measured.size;
     if (need > longest)
         return nameOf(measured.result) + " with " + std::to_string(need);
-    const Outcome whole = formatting.into(need + 1);
+    const auto whole = formatting.into(need + 1);
     unsigned long capacity = 1;
     while (capacity <= need && formatting.into(capacity) == measured)
         ++capacity;
@@ -106,7 +183,9 @@ std::string formatted(const std::string &format, Arguments &arguments, const For
     {
         EXPECT_EQ(uncut, need + 1) << "written at this capacity, though more was asked for";
         EXPECT_EQ(whole.size, need);
-        return toUTF8(whole.text);
+        const std::string text = toUTF8(whole.text);
+        formatting.expectUTF8(text);
+        return text;
     }
     return nameOf(whole.result) + (need > 0 ? " with " + std::to_string(need) : "") +
            (uncut > 1 ? " from " + std::to_string(uncut) + " on" : "");

@@ -81,9 +81,10 @@ TEST_F(FloatingPoint, OfAnyBitsIsWhatTheCLibraryPrints)
         const uint64_t bits = random();
         double value;
         std::memcpy(&value, &bits, sizeof value);
-        // Every other one of a usual magnitude, with ties among them.
+        // Every other one of a usual magnitude, some with ties among them and some with all their bits.
         if (round % 2 == 0)
-            value = static_cast<double>(static_cast<int64_t>(bits) >> 24) / static_cast<double>(1 << (bits % 20));
+            value = std::ldexp(static_cast<double>(static_cast<int64_t>(bits) >> (round % 4 == 0 ? 24 : 11)),
+                               -static_cast<int>(bits % (round % 4 == 0 ? 20 : 60)));
         compare("%." + std::to_string(bits % 23), value);
     }
 }
