@@ -1,0 +1,214 @@
+// What prepared formats have of their own; that they write what the other calls write is checked with every row.
+
+#include "format/started_test.h"
+#include "support/fake_zel.h"
+#include "support/guarded.h"
+#include "support/literals.h"
+
+#include <cstring>
+
+namespace
+{
+
+using Prepared = StartedTest;
+
+struct Free
+{
+    void operator()(KTPreparedFormat *prepared) const { KTFreePrepared(prepared); }
+};
+using Owner = std::unique_ptr<KTPreparedFormat, Free>;
+
+Owner prepare(const std::string &format, formTable *table = nullptr)
+{
+    KTPreparedFormat *prepared = nullptr;
+    EXPECT_EQ(KTPrepareFormat(format.c_str(), table, &prepared), 0) << format;
+    return Owner(prepared);
+}
+
+/** The text in UTF-8, or the name of a result that left size and buffer alone. */
+std::string formatted(const Owner &prepared, const std::vector<KTArgument> &arguments, unsigned options = 0)
+{
+    constexpr size_t capacity = 1000;
+    Guarded<char> out(capacity);
+    size_t size = capacity;
+    const int result =
+        KTFormatPreparedUTF8(prepared.get(), options, nullptr, &size, out.data(), arguments.data(), arguments.size());
+    if (result == 0)
+        return std::string(out.data(), size);
+    EXPECT_TRUE(size == capacity && out.untouched());
+    return KTResultName(result);
+}
+
+TEST_F(Prepared, IsOneBlockAndKeepsNothingOfTheCaller)
+{
+    const long before = FakeZel::outstanding()[0];
+    std::string format = "%s[2]: %d[1]";
+    const Owner prepared = prepare(format);
+    EXPECT_EQ(FakeZel::outstanding()[0], before + 1);
+    format.assign(format.size(), '?');
+    FakeZel::record();
+    EXPECT_EQ(formatted(prepared, {KT_INT(7), KT_UTF8("files")}), "files: 7");
+    EXPECT_EQ(FakeZel::count(Operation::Malloc), 0U) << "formatting takes no memory";
+}
+
+TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
+{
+    auto *const untouched = reinterpret_cast<KTPreparedFormat *>(8);
+    KTPreparedFormat *prepared = untouched;
+    EXPECT_EQ(KTPrepareFormat(nullptr, nullptr, &prepared), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(prepared, nullptr);
+    prepared = untouched;
+    EXPECT_EQ(KTPrepareFormat("%d", nullptr, &prepared), KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(prepared, nullptr);
+    EXPECT_EQ(KTPrepareFormat("%d", nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(formatted(nullptr, {}), "KT_ERR_INVALID_PARAMETER");
+    EXPECT_EQ(formatted(prepare("%EID[1]"), {KT_UINT(1)}, KT_TAG), "<EID>0X00000001</EID>");
+    EXPECT_EQ(formatted(prepare("a"), {}, KT_TAG | 2), "KT_ERR_INVALID_PARAMETER");
+    KTFreePrepared(nullptr);
+    KTClean();
+    EXPECT_EQ(KTPrepareFormat("a", nullptr, &prepared), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTExplainFormat("a", nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(KTCompareFormats("a", "a", nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
+    EXPECT_EQ(formatted(nullptr, {}), "KT_ERR_NOT_INITIALIZED");
+    ASSERT_EQ(KTInit(), 0);
+}
+
+TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
+{
+    KTArgument wide = KT_INT(0), narrow = KT_INT(0), character = KT_CHAR('a'), unit = KT_UNIT(u'a');
+    wide.value.i = int64_t{1} << 31;
+    narrow.value.u = UINT32_MAX;
+    character.value.u = 256;
+    unit.value.u = 65536;
+    const std::pair<const char *, KTArgument> rows[] = {
+        {"%!d[1]", wide},
+        {"%!d[1]", narrow},
+        {"%!u[1]", {KT_ARGUMENT_UINT, 0, {int64_t{1} << 32}}},
+        {"%c[1]", character},
+        {"%lc[1]", unit},
+        {"%d[1]", {KT_ARGUMENT_INT, 1, {7}}},
+        {"%f[1]", {KT_ARGUMENT_DOUBLE, 1, {0}}},
+        {"%Lf[1]", KT_LONG_DOUBLE(nullptr)},
+        {"%d[1]", {0, 0, {7}}},
+        {"%d[1]", {12, 0, {7}}},
+    };
+    for (const auto &[format, argument] : rows)
+        EXPECT_EQ(formatted(prepare(format), {argument}), "KT_ERR_INVALID_PARAMETER") << format;
+    EXPECT_EQ(formatted(prepare("%s[1]%U[2]."), {KT_UTF8N(nullptr, 5), KT_UCS2N(u"a\0b", 3)}), "a.");
+}
+
+TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
+{
+    static const int types[] = {KT_ARG_POINTER, 9, KT_ARG_UNSIGNED, KT_ARG_END};
+    KTFormatter list[] = {{"two", nullptr, 2, types, formatIP}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, &builtInFormTable};
+    const Owner prepared = prepare("%N[1]%!two[3]%*.*hd[2]%lc[4]%Lf[5]%D[6]", &table);
+    const KTSlot *slots = nullptr;
+    ASSERT_EQ(KTPreparedSlots(prepared.get(), &slots), 8U);
+    EXPECT_EQ(KTPreparedSlots(prepared.get(), nullptr), 8U);
+    const KTSlot expected[] = {{KT_SLOT_INT32, 2, KT_SLOT_WIDTH},       {KT_SLOT_INT32, 2, KT_SLOT_PRECISION},
+                               {KT_SLOT_INT16, 2, KT_SLOT_VALUE},       {KT_SLOT_POINTER, 3, KT_SLOT_VALUE},
+                               {KT_SLOT_UINT64, 3, KT_SLOT_VALUE},      {KT_SLOT_UNIT, 4, KT_SLOT_VALUE},
+                               {KT_SLOT_LONG_DOUBLE, 5, KT_SLOT_VALUE}, {KT_SLOT_UTF8, 6, KT_SLOT_VALUE}};
+    EXPECT_EQ(std::memcmp(slots, expected, sizeof expected), 0);
+}
+
+/** Writes as many 'x' as the number that it points to says, where its pointer is of kind 5; formats something meanwhile. */
+int repeat(const char *, int, int, int, KTEncoder, void *, void **slot, unsigned long *size, UCS2 *out)
+{
+    EXPECT_EQ(KTPointerOfKind(slot, 6), nullptr);
+    const Owner inner = prepare("%d[1]");
+    EXPECT_EQ(formatted(inner, {KT_INT(1)}), "1");
+    const auto *const number = static_cast<const unsigned long *>(KTPointerOfKind(slot, 5));
+    if (number == nullptr)
+        return -77;
+    const unsigned long room = *size;
+    *size = *number;
+    if (*number >= room)
+        return KT_ERR_BUFFER_TOO_SMALL;
+    std::fill_n(out, *number, u'x');
+    return 0;
+}
+
+TEST_F(Prepared, AConversionOfOnesOwnAsksForThePointerItKnows)
+{
+    static const int types[] = {KT_ARG_POINTER, KT_ARG_END};
+    KTFormatter list[] = {{"repeat", nullptr, 1, types, repeat}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, nullptr};
+    const Owner prepared = prepare("[%repeat[1]]", &table);
+    for (const unsigned long number : {0UL, 1UL, 254UL, 255UL, 256UL, 257UL, 900UL}) // around the buffer of 256 units
+        EXPECT_EQ(formatted(prepared, {KT_POINTER(5, &number)}), "[" + std::string(number, 'x') + "]");
+    char out[20];
+    size_t size = sizeof out;
+    const KTArgument other = KT_POINTER(7, "");
+    EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out, &other, 1), -77);
+    char format[] = "[%repeat[1]]";
+    UCS2 wide[20];
+    unsigned long units = 20;
+    EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide, format, &other), -77)
+        << "which knows no kinds";
+}
+
+TEST_F(Prepared, ACharacterMayBeWrittenInHalves)
+{
+    static constexpr UCS2 halves[] = {0xD83D, 0xDE00, 0xD83D, 0};
+    const Owner prepared = prepare("%.1U[1]%U[2]%lc[3]%.0s[4]%lc[5]");
+    EXPECT_EQ(formatted(prepared, {KT_UCS2(halves), KT_UCS2(halves + 1), KT_UNIT(0xDE00), KT_UTF8("a"), KT_UNIT(0)}),
+              "\U0001F600\U0001F600");
+    EXPECT_EQ(formatted(prepared, {KT_UCS2(halves), KT_UCS2(u"-"), KT_UNIT(0xDE00), KT_UTF8("a"), KT_UNIT(u'b')}),
+              "\uFFFD-\uFFFDb");
+}
+
+TEST(Problem, IsToldAndMadeASentence)
+{
+    struct Row
+    {
+        const char *format, *reference;
+        int result, rule;
+        unsigned slot, position;
+        const char *part; // of the format
+    };
+    const Row rows[] = {
+        {"%s[2] %d[1]", "%d[1] %s[2]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"%u[1]", "%d[1]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"%E[1]", "%s[1]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"%*d[1]", "%d[1]%d[2]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"\xFF %s[1]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 1, "%s[1]"},
+        {"%%%N[1]%hd[2]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 2, "%hd[2]"},
+        {"%d[1]", "%d[1]%s[2]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_MISSING, 2, 2, ""},
+        {"é%d[1]%.*s[2]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_EXTRA, 2, 2, "%.*s[2]"},
+        {"%d[1]", "%d", KT_ERR_FORMAT_SYNTAX, KT_RULE_REFERENCE, 0, 0, ""},
+        {"%\xC3\xA9[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_NOT_ASCII, 0, 0, "%\xC3\xA9[1]"},
+        {"%abcdefghijklmnopqrst[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_TOO_LONG, 0, 0, "%abcdefghijklmnopqrst[1]"},
+    };
+    ASSERT_EQ(KTInit(), 0);
+    for (const Row &row : rows)
+    {
+        SCOPED_TRACE(std::string(row.format) + " against " + row.reference);
+        KTProblem problem = {sizeof problem, -1, 9, 9, 9, 9, nullptr, nullptr};
+        EXPECT_EQ(KTCompareFormats(row.format, row.reference, nullptr, &problem), row.result);
+        EXPECT_EQ(problem.rule, row.rule);
+        EXPECT_EQ(problem.slot, row.slot);
+        EXPECT_EQ(problem.position, row.position);
+        EXPECT_EQ(std::string(row.format).substr(problem.offset, problem.length), row.part);
+        EXPECT_EQ(problem.structSize, sizeof problem);
+        char whole[200];
+        size_t length = sizeof whole;
+        ASSERT_EQ(KTProblemText(&problem, &length, whole), 0);
+        EXPECT_EQ(length, std::strlen(whole));
+        for (size_t capacity = 0; capacity <= length; ++capacity)
+        {
+            Guarded<char> out(capacity);
+            size_t size = capacity;
+            EXPECT_EQ(KTProblemText(&problem, &size, out.data()), KT_ERR_BUFFER_TOO_SMALL);
+            EXPECT_TRUE(size == length && (capacity == 0 || out[0] == '\0'));
+        }
+    }
+    KTProblem small = {sizeof small - 1, 77, 0, 0, 0, 0, nullptr, nullptr};
+    EXPECT_EQ(KTExplainFormat("a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTCompareFormats("a", "a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(small.rule, 77);
+    KTClean();
+}
+
+} // namespace
