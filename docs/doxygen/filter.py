@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""Gives Doxygen pages and headers in the form that it reads right, and mends what it makes of them.
+
+    filter.py FILE          writes a page, or a header, to standard output
+    filter.py --mend HTML   gives the characters that were hidden from Doxygen back to all files of a folder
+
+Pages: headings get the anchors that links between the pages use, and the links become references. kelto.h: each chapter
+becomes a group, with its introduction. Doxygen gives a meaning to many characters in code and between quotes, without a
+way to escape all of them; they are hidden from it as characters of private use.
+"""
+
+import glob
+import html
+import os
+import re
+import sys
+
+# A heading, or a link; code is matched too, so that it is left alone.
+MARKDOWN = re.compile(r"^(?P<code>```[\s\S]*?^```$)|`(?P<span>[^`]+)`|^(?P<level>#+) (?P<title>.*)$"
+                      r"|\]\((?P<link>[^)\s]*)\)|\*\*(?P<bold>.*?)\*\*", re.MULTILINE)
+PRIVATE = 0xE000  # and the character's own number
+COMMENT = re.compile(r"/\*(\*?<?)(.*?)\*/", re.DOTALL)
+
+
+def hidden(text, characters):
+    return re.sub(characters, lambda found: chr(PRIVATE + ord(found[0])), text)
+
+
+def anchor(title):
+    return re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-")
+
+
+def identifier(path, title=""):
+    """The name by which Doxygen knows a page, or a heading of it."""
+    if path == "README.md" and not title:
+        return "mainpage"
+    name = "page-" + re.sub(r"\W", "-", os.path.relpath(path))
+    return f"{name}-{title}" if title else name
+
+
+def page(path, text):
+    def replaced(found):
+        if found["title"]:
+            title = found["title"] if found["level"] != "#" else ""
+            return f"{found['level']} {found['title']} {{#{identifier(path, anchor(title))}}}"
+        if found["span"]:
+            return f"`{hidden(found['span'], '[!-/:-@[-^{-~]')}`"
+        if found["bold"]:
+            return f"<b>{MARKDOWN.sub(replaced, found['bold'])}</b>"
+        if found["link"] is None or "://" in found["link"]:
+            return found[0]
+        target, _, heading = found["link"].partition("#")
+        target = os.path.normpath(os.path.join(os.path.dirname(path), target)) if target else path
+        if os.path.isdir(target) and os.path.exists(os.path.join(target, "README.md")):
+            target = os.path.join(target, "README.md")
+        if target.endswith(".md"):
+            return f"](@ref {identifier(target, heading).replace('mainpage', 'index')})"
+        return f"](@ref {os.path.basename(target)})"
+
+    return MARKDOWN.sub(replaced, text)
+
+
+def reference(found):
+    return f"@ref {identifier(found[0])}" if os.path.exists(found[0]) else found[0]
+
+
+def plain(line):
+    """A line of running text in which nothing but the commands in use has a meaning to Doxygen."""
+    line = hidden(line, r"@(?!(?:param|return)\b)|[\\%<>#]")
+    return re.sub(r"docs/[\w-]+\.md", reference, line)
+
+
+def comment_text(body):
+    lines = [re.sub(r"^ \*(?: |$)", "", line) for line in body.split("\n")]
+    return "\n".join(line if line.startswith("    ") and "@" not in line else plain(line) for line in lines)
+
+
+def header(text):
+    chapters = []
+
+    def replaced(found):
+        kind, body = found[1], found[2]
+        chapter = re.search(r"^(?: \*)? ?## (\d+)\. (.*)$", body, re.MULTILINE)
+        if chapter:
+            body = comment_text(body[chapter.end():])
+            end = "/** @} */\n" if chapters else "/** @file\nThe whole C interface. */\n"
+            chapters.append(chapter[1])
+            return f"{end}/** @defgroup chapter{chapter[1]} {chapter[1]}. {chapter[2].strip()}\n{body}\n@{{ */"
+        if not kind and body.startswith(" ") and "\n" in body:
+            return f"/** @}} */\n/** @addtogroup chapter{chapters[-1]}\n@details {comment_text(body)}\n@{{ */"
+        return f"/*{kind}{comment_text(body)}*/" if kind else found[0]
+
+    text = COMMENT.sub(replaced, text)
+    end = text.rindex("#pragma GCC visibility pop")
+    return text[:end] + "/** @} */\n" + text[end:]
+
+
+def mend(folder):
+    pattern = f"[{chr(PRIVATE + 0x21)}-{chr(PRIVATE + 0x7E)}]"
+    for path in glob.glob(f"{folder}/**/*.*", recursive=True):
+        if path.endswith((".html", ".js")):
+            with open(path, encoding="utf-8") as file:
+                text = file.read()
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(re.sub(pattern, lambda found: html.escape(chr(ord(found[0]) - PRIVATE)), text))
+
+
+def main(path):
+    with open(path, encoding="utf-8") as file:
+        text = file.read()
+    path = os.path.relpath(path)
+    if path.endswith(".md"):
+        text = page(path, text)
+    elif path.endswith("kelto.h"):
+        text = header(text)
+    sys.stdout.write(text)
+
+
+if sys.argv[1] == "--mend":
+    mend(sys.argv[2])
+else:
+    main(sys.argv[1])
