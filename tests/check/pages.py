@@ -64,6 +64,19 @@ def schemas(folder):
             jsonschema.validate(json.loads(output), schema)
 
 
+def build(page, folder):
+    """The project of the page, first with the broken translation, then with a good one."""
+    snippet = re.search(r"^```cmake\nfind_package.*?\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
+    with open(f"{folder}/CMakeLists.txt", "w", encoding="utf-8") as file:
+        file.write(f"cmake_minimum_required(VERSION 3.20)\nproject(user NONE)\nset(KELTO_PROGRAM {kelto})\n"
+                   f"include({root}/cmake/KeltoMessages.cmake)\n{snippet}")
+    command = "cp en.xlf fr.xlf; cmake -S . -B build >log && cmake --build build >>log 2>&1; echo $?; cd build && ctest"
+    broken = run(command, folder)
+    good = run(f"cp en.xlf de.xlf; {command}", folder)
+    if broken.startswith("0") or "0% tests passed" not in broken or not good.startswith("0") or "100%" not in good:
+        faults.append(f"the project of the page:\n{broken}\n{good}\n{read(folder + '/log')}")
+
+
 with tempfile.TemporaryDirectory() as work:
     page = read(page_path)
     for name, text in re.findall(r"^`([\w./-]+)`:\n\n```\w+\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
@@ -83,6 +96,7 @@ with tempfile.TemporaryDirectory() as work:
     if workflow != read(f"{root}/examples/workflows/check-messages.yml"):
         faults.append("the workflow of the page is not that of the examples")
     schemas(work)
+    build(page, work)
 for fault in faults:
     print(fault)
 sys.exit(bool(faults))
