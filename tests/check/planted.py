@@ -1,0 +1,79 @@
+"""Whether `kelto check` finds twenty mistakes, planted one by one in five translations, each where it stands and nothing else.
+
+    planted.py KELTO MESSAGES [GUARDED]     the program, the folder of the message files, a program that guards its messages
+"""
+
+import json
+import shutil
+import subprocess
+import sys
+import tempfile
+
+# The file, a text in it, what it is turned into with "‸" where the finding is expected, its rule; others that follow from
+# it, which stand at the unit, the body, or where they do.
+PLANTED = [
+    ("de", '<x ts="%s" id="1"/>, Sie', '‸<x ts="%d" id="1"/>, Sie', "argument-type", ""),
+    ("de", 'haben <x ts="%u" id="2"/> neue', "haben neue", "argument-missing", ""),
+    ("de", 'Dateien <x ts="%d" id="1"/>', 'Dateien ‸<x ts="%d" id="2"/>', "position-repeat", "argument-missing"),
+    ("de", "Willkommen im Dokumentenarchiv</source>",
+     "Willkommen im Dokumentenarchiv</source>‸<target>Welcome</target>", "structure", ""),
+    ("fr", "Bienvenue dans les archives", "Bienvenue aux archives &‸ documents", "xml-syntax", ""),
+    ("fr", "%% terminé", "‸% terminé", "bad-conversion", ""),
+    ("fr", '<trans-unit id="5" restype', '‸<trans-unit id="4" restype', "duplicate-id",
+     "argument-type argument-type message-missing"),
+    ("fr", "store --help</source>", "store --help‸\\</source>", "trailing-backslash", ""),
+    ("it", '<x ts="%E" id="2"/>', '‸<x ts="%e" id="2"/>', "bad-conversion", ""),
+    ("it", "Benvenuti nell’archivio dei documenti</source>", "Benvenuti nell’archivio dei documenti‸<source>", "structure",
+     "xml-syntax"),
+    ("it", '<trans-unit id="10"', '‸<trans-unit id="1O"', "duplicate-id",
+     "argument-type argument-type argument-extra message-missing"),
+    ("it", 'di <x ts="%d" id="2"/> copiati', "di ‸%d[2] copiati", "typed-conversion", ""),
+    ("ja", '<x ts="%s" id="1"/>さん', "％s[1]さん", "argument-missing", ""),
+    ("ja", '<x ts="%u" id="2"/>件', "‸%u件", "bad-conversion", ""),
+    ("ja", '<trans-unit id="8" restype="string">', '<trans-unit id="80" restype="string">', "message-missing",
+     "message-extra"),
+    ("ja", 'source-language="ja-JP"', 'source-language="‸jpn"', "language", ""),
+    ("el", '<x ts="%!u" id="2"/>', '‸<x ts="%u" id="2"/>', "argument-type", ""),
+    ("el", '<x ts="%-16s" id="1"/>', '‸<x ts="%-16s"/>', "attribute-missing", ""),
+    ("el", "\\n\\tstore", "‸\\Ν\\tstore", "unknown-escape", ""),
+    ("el", '<x ts="%d" id="2"/>', '‸<x ts="%*d" id="2"/>', "argument-extra", ""),
+]
+
+kelto, messages, *guarded = sys.argv[1:]
+faults = []
+
+
+def findings(work, language):
+    command = [kelto, "check", "--format=json", "-Wno-conversion-changed", "-r", "en.xlf", f"{language}.xlf"]
+    return json.loads(subprocess.run(command, cwd=work, stdout=subprocess.PIPE, check=False).stdout)["findings"]
+
+
+with tempfile.TemporaryDirectory() as work:
+    shutil.copytree(messages, work, dirs_exist_ok=True)
+    for language in "de el fr it ja".split():
+        if findings(work, language):
+            faults.append(f"{language}: {findings(work, language)}")
+    for language, old, new, rule, others in PLANTED:
+        path = f"{work}/{language}.xlf"
+        encoding = "utf-16" if language == "el" else "utf-8"
+        with open(f"{messages}/{language}.xlf", encoding=encoding) as file:
+            text = file.read()
+        assert text.count(old) == 1, (language, old)
+        text = text.replace(old, new)
+        before = text.partition("‸")[0].split("\n")
+        with open(path, "w", encoding=encoding) as file:
+            file.write(text.replace("‸", ""))
+        found = findings(work, language)
+        if "‸" in new and (len(before), len(before[-1]) + 1, rule) not in [
+                (finding["line"], finding["column"], finding["rule"]) for finding in found]:
+            faults.append(f"{language}: {rule} is not found at {len(before)}:{len(before[-1]) + 1}: {found}")
+        if sorted(finding["rule"] for finding in found) != sorted([rule, *others.split()]):
+            faults.append(f"{language}: {new}: {found}")
+        if guarded:
+            ran = subprocess.run([*guarded, path], stdout=subprocess.PIPE, check=False)
+            if ran.returncode < 0 or not ran.stdout:
+                faults.append(f"{language}: {new}: the guarded program ends with {ran.returncode}: {ran.stdout}")
+        shutil.copy(f"{messages}/{language}.xlf", path)
+for fault in faults:
+    print(fault)
+sys.exit(bool(faults))
