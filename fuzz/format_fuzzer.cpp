@@ -1,7 +1,8 @@
 // A format string, which ends at the first zero byte, then what decides about tables and arguments. The string is used
-// with arguments of the types that it asks for, in both forms and prepared, with no table, the built-in one, copies and own ones,
-// with and without encoder, and into every class of capacity. One formatter is also called by itself, with any width,
-// precision and flags, and the helpers behind the formatters write into buffers of just the size that they ask for.
+// with arguments of the types that it asks for, in both forms and prepared, with no table, the built-in one, copies and
+// own ones, with and without encoder, and into every class of capacity. One formatter is also called by itself, with
+// any width, precision and flags, and the helpers behind the formatters write into buffers of just the size that they
+// ask for.
 
 #include "format/formatters/date_time.h"
 #include "format/formatters/distinguished_name.h"
