@@ -9,16 +9,15 @@
 #include "format/field.h"
 #include "platform/scoped.h"
 
-#include <cfloat>
 #include <cmath>
+#include <limits>
 
 namespace kelto
 {
 
 /** The most decimal places that a value of the type can have: all behind them are zeros. */
-template <typename Value> inline constexpr int mostDecimals = 0;
-template <> inline constexpr int mostDecimals<double> = DBL_MANT_DIG - DBL_MIN_EXP;
-template <> inline constexpr int mostDecimals<long double> = LDBL_MANT_DIG - LDBL_MIN_EXP;
+template <typename Value>
+constexpr int mostDecimals = std::numeric_limits<Value>::digits - std::numeric_limits<Value>::min_exponent;
 static_assert(mostDecimals<double> == 1074 && mostDecimals<long double> == 16445);
 
 /** A number without its sign: in a fixed buffer, or where that is too small, and it is needed, in one from the tag. */
