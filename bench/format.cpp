@@ -30,9 +30,6 @@ private:
     std::string m_text;
 };
 
-constexpr std::string_view tenConversions =
-    "%-14s[1]|%5d[2]|%7.2f[3]|%08x[4]|%s[5]|%12.3f[6]|%u[7]|%.1f[8]|%-6d[9]|%10s[10]";
-
 const Register keltoW1("W1", kelto, [] {
     return job([format = Format("%s[2]: %d[1]"), out = Units()]() mutable {
         unsigned long units = out.size();
@@ -87,14 +84,14 @@ const Register keltoW4("W4", kelto, [] {
     });
 });
 
-const Register snprintfW1("W1", "snprintf", [] {
+const Register snprintfW1({"W1", "W1p/UTF-8"}, "snprintf", [] {
     return job([format = Format("%2$s: %1$d"), out = Bytes()]() mutable {
         const int length = snprintf(out.data(), out.size(), format.get(), 7, "files");
         return std::string_view(out.data(), static_cast<size_t>(length));
     });
 });
 
-const Register snprintfW2("W2", "snprintf", [] {
+const Register snprintfW2({"W2", "W2p"}, "snprintf", [] {
     return job([format = Format("%1$-14s|%2$5d|%3$7.2f|%4$08x|%5$s|%6$12.3f|%7$u|%8$.1f|%9$-6d|%10$10s"),
                 a = TenArguments(), out = Bytes()]() mutable {
         const int length = snprintf(out.data(), out.size(), format.get(), a.user, a.files, a.done, a.mask, a.volume,
@@ -103,7 +100,7 @@ const Register snprintfW2("W2", "snprintf", [] {
     });
 });
 
-const Register snprintfW3("W3", "snprintf", [] {
+const Register snprintfW3({"W3", "W3p"}, "snprintf", [] {
     return job([format = Format(longText("%1$d")), out = Bytes()]() mutable {
         const int length = snprintf(out.data(), out.size(), format.get(), 7);
         return std::string_view(out.data(), static_cast<size_t>(length));
@@ -117,7 +114,7 @@ const Register snprintfW3Mixed("W3/mixed", "snprintf", [] {
     });
 });
 
-const Register snprintfW4("W4", "snprintf", [] {
+const Register snprintfW4({"W4", "W4p"}, "snprintf", [] {
     return job([format = Format("%2$s: %1$d"), out = Bytes()]() mutable {
         int length = snprintf(out.data(), shortRoom, format.get(), 7, "files");
         if (length >= static_cast<int>(shortRoom))

@@ -25,6 +25,10 @@ struct TenArguments
     const char *state = "mounted";
 };
 
+/** The format of W2. */
+constexpr const char *tenConversions =
+    "%-14s[1]|%5d[2]|%7.2f[3]|%08x[4]|%s[5]|%12.3f[6]|%u[7]|%.1f[8]|%-6d[9]|%10s[10]";
+
 /** 2,000 units of literal text with a conversion in the middle: letters of the English alphabet, or several scripts. */
 inline std::string longText(std::string_view conversion)
 {

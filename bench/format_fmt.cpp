@@ -2,6 +2,7 @@
 
 #include "format.h"
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <array>
@@ -13,7 +14,7 @@ namespace
 
 using Bytes = std::array<char, formatRoom>;
 
-const Register fmtW1("W1", "{fmt}", [] {
+const Register fmtW1({"W1", "W1p/UTF-8"}, "{fmt}", [] {
     return job([format = std::string("{1}: {0}"), out = Bytes()]() mutable {
         keep(format.data());
         const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), 7, "files");
@@ -21,7 +22,16 @@ const Register fmtW1("W1", "{fmt}", [] {
     });
 });
 
-const Register fmtW2("W2", "{fmt}", [] {
+/** What no format that comes from a catalog can be: known to the compiler. */
+const Register compiledW1("W1p/UTF-8", "{fmt}, FMT_COMPILE", [] {
+    return job([text = "files", number = 7, out = Bytes()]() mutable {
+        keep(&number);
+        const auto end = fmt::format_to_n(out.data(), out.size(), FMT_COMPILE("{1}: {0}"), number, text);
+        return std::string_view(out.data(), end.size);
+    });
+});
+
+const Register fmtW2({"W2", "W2p"}, "{fmt}", [] {
     const std::string format = "{0:<14}|{1:5}|{2:7.2f}|{3:08x}|{4}|{5:12.3f}|{6}|{7:.1f}|{8:<6}|{9:>10}";
     return job([format, a = TenArguments(), out = Bytes()]() mutable {
         keep(format.data());
@@ -32,7 +42,7 @@ const Register fmtW2("W2", "{fmt}", [] {
     });
 });
 
-const Register fmtW3("W3", "{fmt}", [] {
+const Register fmtW3({"W3", "W3p"}, "{fmt}", [] {
     return job([format = longText("{0}"), out = Bytes()]() mutable {
         keep(format.data());
         const auto end = fmt::format_to_n(out.data(), out.size(), fmt::runtime(format), 7);
@@ -48,7 +58,7 @@ const Register fmtW3Mixed("W3/mixed", "{fmt}", [] {
     });
 });
 
-const Register fmtW4("W4", "{fmt}", [] {
+const Register fmtW4({"W4", "W4p"}, "{fmt}", [] {
     return job([format = std::string("{1}: {0}"), out = Bytes()]() mutable {
         keep(format.data());
         auto end = fmt::format_to_n(out.data(), shortRoom, fmt::runtime(format), 7, "files");

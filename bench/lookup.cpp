@@ -1,8 +1,8 @@
 // Fetching a message, alone and as a part of the way from key to text: Kelto and the C library's catalogs.
 
-#include "format.h"
+#include "lookup.h"
 
-#include "kelto.h"
+#include "format.h"
 
 #include <libintl.h>
 #include <nl_types.h>
@@ -18,34 +18,6 @@ namespace bench
 {
 namespace
 {
-
-/** A loaded catalog of 2,000 messages, and newer ones that stand before it in the list of the open ones. */
-class OpenCatalogs
-{
-public:
-    explicit OpenCatalogs(size_t count)
-    {
-        load("messages-2000.xlf");
-        while (m_tables.size() < count)
-            load("messages-10.xlf");
-    }
-    OpenCatalogs(OpenCatalogs &&) = default;
-    ~OpenCatalogs()
-    {
-        for (MessageTable *table : m_tables)
-            KTFreeMessages(table);
-    }
-    MessageTable *oldest() const { return m_tables.front(); }
-
-private:
-    void load(std::string_view file)
-    {
-        MessageTable *table = nullptr;
-        require(KTLoadMessages(catalog(file).data(), &table) == 0, "a message file cannot be loaded");
-        m_tables.push_back(table);
-    }
-    std::vector<MessageTable *> m_tables;
-};
 
 std::unique_ptr<Job> keltoLookup(size_t catalogs)
 {
@@ -107,7 +79,7 @@ std::unique_ptr<Job> catgetsLookup(size_t catalogs)
 const Register catgets1("W5/1", "catgets", [] { return catgetsLookup(1); });
 const Register catgets20("W5/20", "catgets", [] { return catgetsLookup(20); });
 
-const Register catgetsW9("W9", "catgets, snprintf", [] {
+const Register catgetsW9({"W9", "W9p"}, "catgets, snprintf", [] {
     return job([catalogs = CatgetsCatalogs(1), out = std::array<char, formatRoom>()]() mutable {
         const char *format = catgets(catalogs.oldest(), 1, formattedMessage, "");
         const int length = snprintf(out.data(), out.size(), format, 7, "files");
@@ -144,7 +116,7 @@ std::unique_ptr<Job> gettextLookup(size_t catalogs)
 const Register gettext1("W5/1", "gettext", [] { return gettextLookup(1); });
 const Register gettext20("W5/20", "gettext", [] { return gettextLookup(20); });
 
-const Register gettextW9("W9", "gettext, snprintf", [] {
+const Register gettextW9({"W9", "W9p"}, "gettext, snprintf", [] {
     openDomains(1);
     return job([out = std::array<char, formatRoom>()]() mutable {
         const int length = snprintf(out.data(), out.size(), dgettext(domain, formattedKey), 7, "files");

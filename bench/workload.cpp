@@ -49,6 +49,13 @@ bench::Register::Register(std::string work, std::string name, std::function<std:
     registered().push_back({std::move(work), std::move(name), std::move(setUp)});
 }
 
+bench::Register::Register(std::initializer_list<const char *> works, const std::string &name,
+                          const std::function<std::unique_ptr<Job>()> &setUp)
+{
+    for (const char *work : works)
+        registered().push_back({work, name, setUp});
+}
+
 void bench::startProcess()
 {
     setenv("LC_ALL", "C.UTF-8", 1);

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -94,6 +95,9 @@ class Register
 {
 public:
     Register(std::string work, std::string name, std::function<std::unique_ptr<Job>()> setUp);
+    /** For works that are the same for this contender: {fmt} does not prepare. */
+    Register(std::initializer_list<const char *> works, const std::string &name,
+             const std::function<std::unique_ptr<Job>()> &setUp);
 };
 
 /** Starts what all contenders expect of the process: Kelto, and the locale. Ends the program where that fails. */
