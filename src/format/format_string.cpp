@@ -126,6 +126,7 @@ public:
             places.note(place);
             percent = kelto::findPercent(place.end, end);
         }
+        places.note({end, end, 0});
         const size_t missing = m_array.firstMissing(specifications);
         return missing == 0 ? accepted : refusePositions(missing, specifications);
     }

@@ -44,8 +44,11 @@ public:
     /** Whether the text has run out of room, and is only measured from there on. */
     bool isTruncated() const noexcept { return m_isTruncated; }
 
+    /** The units so far, written or not. */
+    unsigned long length() const noexcept { return m_total; }
+
     /** Whether so many more units may fit; false is certain. */
-    bool canHold(uint64_t length) const noexcept { return !m_isTruncated && fits(length, room()); }
+    bool canHold(uint64_t length) const noexcept { return !m_isTruncated && fits(length, m_capacity - m_total); }
 
     /** Appends units of literal text; what does not fit as a whole is written as far as it does. */
     void appendLiteral(const Unit *units, size_t count) noexcept
@@ -54,9 +57,9 @@ public:
             return;
         if (!m_isTruncated)
         {
-            const unsigned long writable = room() > 0 ? room() - 1 : 0;
-            const size_t written = std::min<size_t>(count, writable);
-            m_next = std::copy_n(units, written, m_next);
+            const size_t written = std::min<size_t>(count, m_capacity - m_total - 1);
+            std::memcpy(m_next, units, written * sizeof(Unit));
+            m_next += written;
             m_isTruncated = written < count;
         }
         addToTotal(count);
@@ -128,37 +131,49 @@ private:
     /** Counts units, and tells whether they are to be written. */
     bool claim(uint64_t units) noexcept
     {
-        const bool isWritable = canHold(units);
-        m_isTruncated = !isWritable;
+        if (canHold(units))
+        {
+            m_total += units;
+            return true;
+        }
+        m_isTruncated = true;
         addToTotal(units);
-        return isWritable;
+        return false;
     }
 
     /** Whether the text has ended before these units; if not, no surrogate waits for them. */
     bool isOver(uint64_t count) noexcept
     {
-        if constexpr (isUTF8)
-        {
-            m_high = count > 0 ? u'\0' : m_high;
-            return m_isEnded;
-        }
+        if (!isUTF8 || m_high == 0)
+            return false;
+        if (m_high == ended)
+            return true;
+        m_high = count > 0 ? u'\0' : m_high;
         return false;
     }
 
+    // Most fills are empty.
     void append(const Fill &fill) noexcept
     {
-        if (!isOver(fill.count) && claim(fill.count))
+        if (fill.count > 0 && !isOver(fill.count) && claim(fill.count))
             m_next = std::fill_n(m_next, fill.count, static_cast<Unit>(fill.unit)); // ASCII in every conversion
     }
 
     void append(const NarrowText &text) noexcept
     {
-        if (text.characters == nullptr && text.count > 0) // only counted: the number as a whole does not fit
+        if (text.count == 0)
+            return;
+        if (text.characters == nullptr) // only counted: the number as a whole does not fit
             m_isTruncated = true;
         if (isOver(text.count) || !claim(isUTF8 ? text.count + text.beyondAscii : text.count))
             return;
-        for (const char *next = text.characters; next != text.characters + text.count; ++next)
-            putWritable(static_cast<unsigned char>(*next));
+        const char *const end = text.characters + text.count;
+        if (isUTF8 && text.beyondAscii > 0)
+            for (const char *next = text.characters; next != end; ++next)
+                putWritable(static_cast<unsigned char>(*next));
+        else
+            for (const char *next = text.characters; next != end; ++next)
+                *m_next++ = static_cast<Unit>(static_cast<unsigned char>(*next));
     }
 
     void append(const Text &text) noexcept
@@ -207,7 +222,7 @@ private:
                 addToTotal(run);
             return run;
         }
-        const size_t run = copyRun(text, std::min<size_t>(limit, room() - 1), m_next);
+        const size_t run = copyRun(text, std::min<size_t>(limit, m_capacity - m_total - 1), m_next);
         if (isOver(run))
             return run;
         m_next += run;
@@ -246,8 +261,10 @@ private:
             if (claim(1))
                 *m_next++ = unit;
         }
+        else if (m_high == ended)
+            return;
         else if (unit == 0)
-            m_isEnded = true;
+            m_high = ended;
         else if (!U16_IS_SURROGATE(unit))
             putCodePoint(unit);
         else if (m_high != 0 && U16_IS_TRAIL(unit))
@@ -322,10 +339,12 @@ private:
     Unit *m_out;
     Unit *m_next;
     unsigned long m_capacity;
-    unsigned long m_total = 0;
-    bool m_isTruncated;     // from the start where there is no room at all
-    bool m_isEnded = false; // UTF-8 only, like the next
-    UCS2 m_high = 0;        // a high surrogate that ends the text so far, and was written as U+FFFD
+    unsigned long m_total = 0; // less than the capacity while nothing is cut
+    bool m_isTruncated;        // from the start where there is no room at all
+
+    // UTF-8 only: a high surrogate that ends the text so far, and was written as U+FFFD; or that U+0000 has ended it.
+    UCS2 m_high = 0;
+    static constexpr UCS2 ended = 1;
 };
 
 } // namespace kelto

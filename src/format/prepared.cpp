@@ -73,59 +73,56 @@ public:
     KTPreparedFormat *release() { return reinterpret_cast<KTPreparedFormat *>(m_block.release()); }
 
 private:
-    /** How much of each there will be. */
-    struct Sizes
-    {
-        size_t steps, units, bytes;
-    };
-
     int build(const char *format, size_t length, formTable *table)
     {
-        const Sizes sizes = measure(format, length);
-        m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + sizes.steps * sizeof(PreparedStep) +
-                                                          m_slotCount * sizeof(KTSlot) +
-                                                          (sizes.units + 1) * sizeof(UCS2) + sizes.bytes + 1);
+        const size_t stepCount = countSteps();
+        const TextSizes sizes = sizesOf(format, length);
+        m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + stepCount * sizeof(PreparedStep) +
+                                                          m_slotCount * sizeof(KTSlot) + sizes.units * sizeof(UCS2) +
+                                                          sizes.bytes);
         if (m_block == nullptr)
             return KT_ERR_NO_MEMORY;
         char *at = m_block.get();
         auto *const prepared = take<KTPreparedFormat>(at, 1);
-        auto *const steps = take<PreparedStep>(at, sizes.steps);
+        auto *const steps = take<PreparedStep>(at, stepCount);
         auto *const slots = take<KTSlot>(at, m_slotCount);
-        auto *const units = take<UCS2>(at, sizes.units + 1);
-        auto *const bytes = take<char>(at, sizes.bytes + 1);
-        *prepared = {table, static_cast<uint32_t>(sizes.steps), static_cast<uint32_t>(m_slotCount), steps, slots, units,
-                     bytes};
+        auto *const units = take<UCS2>(at, sizes.units);
+        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_slotCount), steps, slots, units,
+                     at};
         listSlots(slots);
-        fill(format, length, steps, {units, bytes, sizes});
+        fill(format, length, steps, kelto::GrowingText<UCS2>(units, &sizes.units),
+             kelto::GrowingText<char>(at, &sizes.bytes));
         return 0;
     }
 
-    Sizes measure(const char *format, size_t length)
+    /** One for each conversion that is no marker, and one for the text behind them. */
+    size_t countSteps() const
     {
-        kelto::PercentPlaces<char> places = m_places;
-        Sizes sizes = {1, 0, 0};
-        kelto::walkFormat(
-            format, length, places, [&](const char *text, size_t count) { addLiteral(text, count, sizes); },
-            [&](const kelto::PercentPlace<char> &place) {
-                sizes.steps += kelto::isMarker(parameterAt(place)) ? 0 : 1;
-                return true;
-            });
-        return sizes;
+        size_t count = 1;
+        if (m_parameters != nullptr)
+            for (const KTParameter *parameter = m_parameters.get(); parameter->formatter != nullptr; ++parameter)
+                count += kelto::isMarker(*parameter) ? 0 : 1;
+        return count;
     }
 
-    static void addLiteral(const char *text, size_t count, Sizes &sizes)
+    /** Room for literal text, which is no longer than the whole format. */
+    struct TextSizes
     {
-        for (const char *const end = text + count; text != end;)
+        size_t units, bytes;
+    };
+
+    static TextSizes sizesOf(const char *format, size_t length)
+    {
+        if (kelto::isAllAscii(format, length))
+            return {length + 1, length + 1};
+        TextSizes sizes = {1, 1};
+        for (const char *const end = format + length; format != end;)
         {
-            const UChar32 codePoint = kelto::takeCodePoint(text, end);
+            const UChar32 codePoint = kelto::takeCodePoint(format, end);
             sizes.units += static_cast<size_t>(U16_LENGTH(codePoint));
             sizes.bytes += static_cast<size_t>(U8_LENGTH(codePoint));
         }
-    }
-
-    const KTParameter &parameterAt(const kelto::PercentPlace<char> &place) const
-    {
-        return m_parameters[static_cast<size_t>(place.position) - 1];
+        return sizes;
     }
 
     void listSlots(KTSlot *slot) const
@@ -143,35 +140,29 @@ private:
                 *slot++ = {KT_SLOT_INT32, position, KT_SLOT_PRECISION};
             for (const int *type = parameter.formatter->argTypes; *type != KT_ARG_END; ++type)
                 if (kelto::takesSlot(*type))
-                    *slot++ = {static_cast<uint32_t>(kelto::slotCodeOf(*type, parameter.flags)), position,
-                               KT_SLOT_VALUE};
+                    *slot++ = {kelto::slotCodeOf(*type, parameter.flags), position, KT_SLOT_VALUE};
         }
     }
 
-    struct Texts
+    /** Fills in the steps, the literal text of each in both encodings. */
+    void fill(const char *format, size_t length, PreparedStep *step, kelto::GrowingText<UCS2> units,
+              kelto::GrowingText<char> bytes)
     {
-        UCS2 *units;
-        char *bytes;
-        Sizes sizes;
-    };
-
-    void fill(const char *format, size_t length, PreparedStep *step, const Texts &texts)
-    {
-        const unsigned long unitRoom = texts.sizes.units + 1;
-        const unsigned long byteRoom = texts.sizes.bytes + 1;
-        kelto::GrowingText<UCS2> units(texts.units, &unitRoom);
-        kelto::GrowingText<char> bytes(texts.bytes, &byteRoom);
-        unsigned long unitsDone = 0;
-        unsigned long bytesDone = 0;
-        const auto endLiteral = [&] {
-            unsigned long unitsNow;
-            unsigned long bytesNow;
-            units.finish(&unitsNow);
-            bytes.finish(&bytesNow);
-            step->literalUnits = unitsNow - unitsDone;
-            step->literalBytes = bytesNow - bytesDone;
-            unitsDone = unitsNow;
-            bytesDone = bytesNow;
+        size_t unitsDone = 0;
+        size_t bytesDone = 0;
+        const auto endStep = [&](const KTParameter *parameter) {
+            step->literalUnits = units.length() - unitsDone;
+            step->literalBytes = bytes.length() - bytesDone;
+            unitsDone = units.length();
+            bytesDone = bytes.length();
+            step->formatter = parameter != nullptr ? parameter->formatter : nullptr;
+            step->writer = parameter != nullptr ? writerOf(*parameter->formatter) : Writer::none;
+            if (parameter != nullptr)
+            {
+                step->layout = {parameter->width, parameter->precision, parameter->flags};
+                step->firstSlot = static_cast<uint32_t>(parameter->argIndex);
+            }
+            ++step;
         };
         kelto::walkFormat(
             format, length, m_places,
@@ -181,20 +172,12 @@ private:
                 bytes.write(kelto::Ending::open, piece);
             },
             [&](const kelto::PercentPlace<char> &place) {
-                const KTParameter &parameter = parameterAt(place);
-                if (kelto::isMarker(parameter))
-                    return true;
-                endLiteral();
-                step->formatter = parameter.formatter;
-                step->layout = {parameter.width, parameter.precision, parameter.flags};
-                step->firstSlot = static_cast<uint32_t>(parameter.argIndex);
-                step->writer = writerOf(*parameter.formatter);
-                ++step;
+                const KTParameter &parameter = m_parameters[static_cast<size_t>(place.position) - 1];
+                if (!kelto::isMarker(parameter))
+                    endStep(&parameter);
                 return true;
             });
-        endLiteral();
-        step->formatter = nullptr;
-        step->writer = Writer::none;
+        endStep(nullptr);
     }
 
     kelto::PercentPlaces<char> m_places;

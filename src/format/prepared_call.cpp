@@ -297,9 +297,11 @@ template <typename Unit> int writeSteps(const Call &call, size_t *size, Unit *ou
     const PreparedStep *const end = call.prepared.steps + call.prepared.stepCount;
     for (const PreparedStep *step = call.prepared.steps; step != end; ++step)
     {
-        const size_t length = literalLength(*step, literal);
-        text.appendLiteral(literal, length);
-        literal += length;
+        if (const size_t length = literalLength(*step, literal))
+        {
+            text.appendLiteral(literal, length);
+            literal += length;
+        }
         if (step->formatter == nullptr)
             continue;
         // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the

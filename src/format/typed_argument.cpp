@@ -92,7 +92,7 @@ template <typename Unit> kelto::ArgumentText<Unit> textOf(const KTArgument &argu
 namespace kelto
 {
 
-KTSlotCode slotCodeOf(int argumentCode, int flags) noexcept
+uint32_t slotCodeOf(int argumentCode, int flags) noexcept
 {
     const bool isSigned = argumentCode == KT_ARG_SIGNED;
     switch (argumentCode)
@@ -126,7 +126,7 @@ bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept
     return kindOf(slotCode).signedCode == kindOf(otherCode).signedCode;
 }
 
-bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
+bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept
 {
     const SlotKind &slot = kindOf(slotCode);
     if (slot.type == 0)

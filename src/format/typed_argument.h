@@ -12,8 +12,8 @@
 namespace kelto
 {
 
-/** The slot of an argument code (KTArgumentCode, one that takes a slot) under the flags of its conversion. */
-KTSlotCode slotCodeOf(int argumentCode, int flags) noexcept;
+/** The KTSlotCode of an argument code (KTArgumentCode, one that takes a slot) under the flags of its conversion. */
+uint32_t slotCodeOf(int argumentCode, int flags) noexcept;
 
 /** What a person calls such an argument, as "a 32-bit integer". */
 const char *slotName(uint32_t slotCode) noexcept;
@@ -21,8 +21,17 @@ const char *slotName(uint32_t slotCode) noexcept;
 /** Whether two slots take the same arguments; whether an integer is signed does not matter. */
 bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept;
 
+/** isAccepted() for all that is not as usual. */
+bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept;
+
 /** Whether an argument has the kind of the slot, and a value that the slot holds. */
-bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept;
+inline bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
+{
+    const bool isUsualText = slotCode == KT_SLOT_UTF8 && argument.type == KT_ARGUMENT_UTF8;
+    const bool isUsualNumber = slotCode == KT_SLOT_INT32 && argument.type == KT_ARGUMENT_INT && argument.length == 0 &&
+                               argument.value.i == static_cast<int32_t>(argument.value.i);
+    return isUsualText || isUsualNumber || isAcceptedAtLength(argument, slotCode);
+}
 
 /* The values of arguments that were accepted. */
 

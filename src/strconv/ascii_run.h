@@ -8,13 +8,14 @@
 
 #include "kelto.h"
 
+#include <cstring>
 #include <emmintrin.h>
 #include <type_traits>
 
 namespace kelto
 {
 
-/* The next two widen 16 bytes and 8; false, and nothing is written, where one of them is not ASCII. */
+/* The next three widen 16 bytes, 8 and 4; false, and nothing is written, where one of them is not ASCII. */
 
 inline bool widenSixteen(const char *source, UCS2 *destination) noexcept
 {
@@ -36,6 +37,22 @@ inline bool widenEight(const char *source, UCS2 *destination) noexcept
     return true;
 }
 
+inline bool areAscii(uint32_t bytes) noexcept
+{
+    return (bytes & 0x80808080) == 0;
+}
+
+inline bool widenFour(const char *source, UCS2 *destination) noexcept
+{
+    uint32_t bytes;
+    std::memcpy(&bytes, source, sizeof bytes);
+    if (!areAscii(bytes))
+        return false;
+    const __m128i units = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(bytes)), _mm_setzero_si128());
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(destination), units);
+    return true;
+}
+
 /* The same without widening. */
 
 inline bool copySixteen(const char *source, char *destination) noexcept
@@ -53,6 +70,16 @@ inline bool copyEight(const char *source, char *destination) noexcept
     if (_mm_movemask_epi8(bytes) != 0)
         return false;
     _mm_storel_epi64(reinterpret_cast<__m128i *>(destination), bytes);
+    return true;
+}
+
+inline bool copyFour(const char *source, char *destination) noexcept
+{
+    uint32_t bytes;
+    std::memcpy(&bytes, source, sizeof bytes);
+    if (!areAscii(bytes))
+        return false;
+    std::memcpy(destination, &bytes, sizeof bytes);
     return true;
 }
 
@@ -84,13 +111,23 @@ inline bool narrowEight(const UCS2 *source, char *destination) noexcept
     return true;
 }
 
+inline bool narrowFour(const UCS2 *source, char *destination) noexcept
+{
+    const __m128i units = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(source));
+    if (!isAscii(units))
+        return false;
+    const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(units, units));
+    std::memcpy(destination, &bytes, sizeof bytes);
+    return true;
+}
+
 /**
  * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is
  * left behind the last whole step is done by one more that ends with the text and overlaps the one before.
  */
 template <typename From, typename To>
 size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixteen)(const From *, To *),
-                 bool (*eight)(const From *, To *)) noexcept
+                 bool (*eight)(const From *, To *), bool (*four)(const From *, To *)) noexcept
 {
     size_t run = 0;
     if (limit >= 16)
@@ -101,11 +138,17 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
         if (limit - run < 16 && sixteen(source + limit - 16, destination + limit - 16))
             return limit;
     }
-    else if (limit >= 8 && eight(source, destination))
+    else if (limit >= 8)
     {
-        if (eight(source + limit - 8, destination + limit - 8))
+        run = eight(source, destination) ? 8 : 0;
+        if (run != 0 && eight(source + limit - 8, destination + limit - 8))
             return limit;
-        run = 8;
+    }
+    else if (limit >= 4)
+    {
+        run = four(source, destination) ? 4 : 0;
+        if (run != 0 && four(source + limit - 4, destination + limit - 4))
+            return limit;
     }
     for (;
          run < limit && static_cast<std::conditional_t<sizeof(From) == 1, unsigned char, char16_t>>(source[run]) < 0x80;
@@ -114,22 +157,38 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
     return run;
 }
 
+/** Whether a text holds nothing but ASCII. */
+inline bool isAllAscii(const char *text, size_t length) noexcept
+{
+    for (; length >= sizeof(uint64_t); text += sizeof(uint64_t), length -= sizeof(uint64_t))
+    {
+        uint64_t bytes;
+        std::memcpy(&bytes, text, sizeof bytes);
+        if ((bytes & 0x8080808080808080) != 0)
+            return false;
+    }
+    for (; length > 0; ++text, --length)
+        if (static_cast<signed char>(*text) < 0)
+            return false;
+    return true;
+}
+
 /** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
 inline size_t widenAscii(const char *source, size_t limit, UCS2 *destination) noexcept
 {
-    return copyAscii(source, limit, destination, widenSixteen, widenEight);
+    return copyAscii(source, limit, destination, widenSixteen, widenEight, widenFour);
 }
 
 /** Copies the ASCII at the start of `limit` bytes. @return the length of the run. */
 inline size_t copyAsciiBytes(const char *source, size_t limit, char *destination) noexcept
 {
-    return copyAscii(source, limit, destination, copySixteen, copyEight);
+    return copyAscii(source, limit, destination, copySixteen, copyEight, copyFour);
 }
 
 /** Narrows the ASCII at the start of `limit` units. @return the length of the run. */
 inline size_t narrowAscii(const UCS2 *source, size_t limit, char *destination) noexcept
 {
-    return copyAscii(source, limit, destination, narrowSixteen, narrowEight);
+    return copyAscii(source, limit, destination, narrowSixteen, narrowEight, narrowFour);
 }
 
 } // namespace kelto
