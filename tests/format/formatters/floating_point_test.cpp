@@ -1,6 +1,6 @@
 #include "format/specification.h"
 #include "format/started_test.h"
-#include "support/fake_zel.h"
+#include "support/formatting.h"
 #include "support/locale_folder.h"
 
 #include <cfenv>
@@ -104,6 +104,8 @@ TEST_F(FloatingPoint, UsesTheDecimalMarkOfTheLocale)
                     compare(specificationStart(flags, width, precision), 1234.5);
                     compare(specificationStart(flags, width, precision), -1234.5L);
                 }
+        Arguments number("-1234.5");
+        EXPECT_NE(formatted("%.2f[1]", number), "-1234.50") << "and every form of call writes the same";
         std::setlocale(LC_NUMERIC, "C");
     }
     compare("%.2", 1234.5);
