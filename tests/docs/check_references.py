@@ -27,7 +27,7 @@ for path in pages:
     page = read(path)
     folder = os.path.dirname(path)
     name = os.path.relpath(path, root)
-    for target in re.findall(r"\]\(([^)]*)\)", page):
+    for target in re.findall(r"\]\(([^)]*)\)", re.sub(r"```.*?```", "", page, flags=re.DOTALL)):
         file, _, anchor = target.partition("#")
         if "://" in file:
             continue

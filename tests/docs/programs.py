@@ -1,9 +1,9 @@
-"""The C programs of a page of the documentation.
+"""The programs of a page of the documentation in one language, c or cpp.
 
-    programs.py extract PAGE FOLDER COUNT     writes FOLDER/1.c, FOLDER/1.txt, ...; there must be COUNT
-    programs.py run PROGRAM FILE              runs the program; its output must be what the file holds
+    programs.py extract PAGE FOLDER COUNT [c]  writes FOLDER/1.c, FOLDER/1.txt, ...; there must be COUNT
+    programs.py run PROGRAM FILE               runs the program; its output must be what the file holds
 
-A program is a block of C with a main() in it; the next block of text in the page is its output. The first block of XML is
+A program is a block with a main() in it; the next block of text in the page is its output. The first block of XML is
 the file messages.xlf that it finds in its folder. Any other block under a line `NAME`: is the file of that name there.
 """
 
@@ -21,22 +21,22 @@ def write(path, text):
         file.write(text)
 
 
-def extract(page, folder, count):
+def extract(page, folder, count, language="c"):
     with open(page, encoding="utf-8") as file:
         blocks = BLOCK.findall(file.read())
     found = 0
     catalog = "messages.xlf"
     while blocks:
-        name, language, text = blocks.pop(0)
-        if language == "c" and "int main(" in text:
+        name, kind, text = blocks.pop(0)
+        if kind == language and "int main(" in text:
             found += 1
             if not blocks or blocks[0][1] != "text":
                 raise SystemExit(f"{page}: no output follows program {found}")
-            write(f"{folder}/{found}.c", text)
+            write(f"{folder}/{found}.{language}", text)
             write(f"{folder}/{found}.txt", blocks[0][2])
         elif name:
             write(f"{folder}/{name}", text)
-        elif language == "xml" and catalog:
+        elif kind == "xml" and catalog:
             write(f"{folder}/{catalog}", text)
             catalog = None
     if found != int(count):

@@ -1,0 +1,149 @@
+#include "hpp/texts.h"
+
+#include <map>
+#include <stdexcept>
+
+struct Money
+{
+    int cents;
+};
+struct Weight
+{
+    double grams;
+};
+template <> struct kelto::argument_of<Money> : kelto::by_identity<Money>
+{
+};
+template <> struct kelto::argument_of<Weight> : kelto::by_identity<Weight>
+{
+};
+
+namespace
+{
+
+std::string money(const Money &m)
+{
+    if (m.cents < 0)
+        throw std::domain_error("debts");
+    return std::to_string(m.cents / 100) + "." + std::to_string(m.cents % 100);
+}
+
+std::string escapeHtml(std::string_view text)
+{
+    std::string escaped;
+    for (const char c : text)
+        escaped += c == '<' ? "&lt;" : c == '&' ? "&amp;" : std::string(1, c);
+    return escaped;
+}
+
+kelto::form_table exampleTable()
+{
+    return kelto::form_table::builder()
+        .add<Money>("money", money)
+        .add<Weight>("weight",
+                     [unit = std::u16string(u" g")](const Weight &w) { // with a state
+                         return kelto::detail::to_ucs2(std::to_string(static_cast<int>(w.grams))) + unit;
+                     })
+        .add<long>("stars", [](long n) { return std::string(static_cast<std::size_t>(n), '*'); })
+        .add<unsigned char>("byte", [](unsigned char n) { return std::to_string(n); })
+        .add<double>("percent", [](double d) { return std::to_string(static_cast<int>(100 * d)) + '%'; })
+        .add<std::string_view, std::u16string_view, char16_t>(
+            "both",
+            [](std::string_view a, std::u16string_view b, char16_t c, const kelto::conversion_spec &spec) {
+                return std::string(spec.name) + ' ' + std::string(a) + kelto::detail::to_utf8(b) +
+                       kelto::detail::to_utf8(std::u16string(1, c)) + ' ' + std::to_string(spec.width);
+            })
+        .with_encoder(escapeHtml)
+        .build();
+}
+
+TEST(OwnConversions, WriteTheirValues)
+{
+    kelto::form_table table = exampleTable();
+    kelto::format_options options;
+    options.table = &table;
+    const auto text = [&](const char *format, const auto &...arguments) {
+        return text_with(options, format, arguments...);
+    };
+    const std::string refused = "KT_ERR_INVALID_PARAMETER";
+    const Expected rows[] = {
+        {"12.50|   12.50|12|12.500",
+         text("%money[1]|%8money[2]|%.2money[3]|%-06money[4]", Money{1250}, Money{1250}, Money{1250}, Money{1250})},
+        {"7 g and 12.50", text("%weight[2] and %money[1]", Money{1250}, Weight{7})},
+        {"***|**", text("%stars[1]|%!stars[2]", 3, 2L)},
+        {std::string(3000, '*'), text("%stars[1]", 3000)},
+        {"255", text("%byte[1]", 255)},
+        {refused, text("%byte[1]", 256)},
+        {"50% 25%", text("%percent[1] %Lpercent[2]", 0.5, 0.25L)},
+        {"both xyz 4", text("%4lboth[1]", "x", u"y", u'z')},
+        {"a<b a&lt;b &lt; &lt; ***", text("%s[1] %N[2]%s[3] %c[4] %lc[5] %stars[6]", "a<b", "a<b", '<', u'<', 3)},
+        {"\xEF\xBF\xBD 😀", text("%N[1]%lc[2] %s[3]", char16_t(0xD83D), "😀")},
+        // A translation that mistakes one type for another reads nothing.
+        {refused, text("%money[1]", Weight{7})},
+        {refused, text("%money[1]", 7)},
+        {refused, text("%s[1]", Money{7})},
+        {refused, text("%!d[1]", Money{7})},
+        {"KT_ERR_FORMAT_SYNTAX", text_of("%money[1]", Money{7})},
+    };
+    for (const Expected &row : rows)
+        EXPECT_EQ(row.text, row.given);
+}
+
+TEST(OwnConversions, ThrowThroughTheLibrary)
+{
+    kelto::form_table table = exampleTable();
+    kelto::format_options options;
+    options.table = &table;
+    const kelto::prepared_format prepared("%stars[1]%money[2]", options);
+    for (const int stars : {0, 3000}) // where the text fits and where it does not
+        EXPECT_THROW(prepared.format(stars, Money{-1}), std::domain_error);
+    EXPECT_EQ(prepared.format(1, Money{100}), "*1.0");
+    EXPECT_THROW(prepared.format(1), kelto::error);
+}
+
+TEST(OwnConversions, OutliveTheirTable)
+{
+    std::unique_ptr<kelto::prepared_format> prepared;
+    {
+        const kelto::form_table table = exampleTable();
+        kelto::format_options options;
+        options.table = &table;
+        prepared = std::make_unique<kelto::prepared_format>("%money[1]", options);
+    }
+    EXPECT_EQ(prepared->format(Money{5}), "0.5");
+}
+
+int cFormatter(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *)
+{
+    *size = 0;
+    return 0;
+}
+
+TEST(OwnConversions, AreRefusedWhereTheyAreNotSafe)
+{
+    constexpr int pointer[] = {KT_ARG_POINTER, 0}, integer[] = {KT_ARG_SIGNED, 0};
+    KTFormatter unsafe[] = {{"raw", nullptr, 1, pointer, cFormatter}, {}};
+    KTFormatter safe[] = {{"nothing", nullptr, 1, integer, cFormatter}, {}};
+    formTable unsafeTable = {false, {}, unsafe, nullptr, nullptr};
+    formTable safeTable = {false, {}, safe, nullptr, &builtInFormTable};
+    formTable front = {false, {}, safe, nullptr, &unsafeTable};
+    const kelto::form_table own = exampleTable();
+    const std::pair<formTable *, int> tables[] = {
+        {&unsafeTable, KT_ERR_INVALID_PARAMETER}, {&front, KT_ERR_INVALID_PARAMETER}, {&safeTable, 0}, {own.get(), 0}};
+    for (const auto &[table, result] : tables)
+    {
+        std::error_code failure;
+        const kelto::form_table built = kelto::form_table::builder().in_front_of(table).build(failure);
+        EXPECT_EQ(failure, kelto::make_error(result));
+        EXPECT_EQ(built.get() == nullptr, result != 0);
+    }
+    for (const char *name : {"", "host", "long", "List", "N", "O", "1st", "a[", "caf\xC3\xA9", "abcdefghijklmnopqrst"})
+        EXPECT_THROW(kelto::form_table::builder().add<int>(name, [](int) { return ""; }).build(), kelto::error) << name;
+    UCS2 out[10];
+    unsigned long size = 10;
+    char format[] = "%N[1]%s[2]";
+    EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, own.get(), nullptr, &size, out, format, "x"),
+              KT_ERR_INVALID_PARAMETER); // nothing is written unescaped
+}
+
+} // namespace

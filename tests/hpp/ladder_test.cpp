@@ -1,0 +1,267 @@
+#include "hpp/texts.h"
+#include "support/fake_zel.h"
+#include "support/message_file_builder.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <thread>
+
+namespace
+{
+thread_local long allocations = 0;
+}
+
+// What the C++ side takes from the heap; the C side takes nothing but through ZEL_malloc().
+void *operator new(std::size_t size)
+{
+    ++allocations;
+    if (void *const block = std::malloc(size))
+        return block;
+    throw std::bad_alloc();
+}
+void operator delete(void *block) noexcept
+{
+    std::free(block);
+}
+void operator delete(void *block, std::size_t) noexcept
+{
+    std::free(block);
+}
+
+namespace
+{
+
+constexpr unsigned hugeId = 2147483647;
+enum class Message
+{
+    pages = 3
+};
+
+/** A folder "d" with catalogs "store" in memory, and what was told. */
+class Ladder : public testing::Test
+{
+protected:
+    Ladder()
+    {
+        options.languages = "de:fr";
+        options.on_problem = [this](const kelto::problem &p) {
+            told.push_back(std::string(p.language) + ' ' + std::to_string(p.id) + ' ' + nameOf(p.error));
+            stories.push_back(p.text);
+        };
+    }
+
+    static void language(const std::string &name, const MessageFile &file)
+    {
+        FakeZel::file("d/" + name + "/store.xlf", file.xml());
+    }
+
+    kelto::catalog store() const { return kelto::catalog::find("store", "d", options); }
+
+    std::vector<std::string> told, stories;
+    kelto::catalog_options options;
+};
+
+const std::string english = "report.txt has 12 pages";
+
+TEST_F(Ladder, SurvivesHostileTranslations)
+{
+    const std::pair<const char *, std::string> rows[] = {
+        {"%s[1] hat %d[2] Seiten", "report.txt hat 12 Seiten"},
+        {"%hd[2] Seiten: %5.2s[1]", "12 Seiten:    re"},
+        {"%x[2] %!d[2]", english},
+        {"%s[1] hat %s[2] Seiten", english},
+        {"%d[1] hat %d[2] Seiten", english},
+        {"%d[1] hat %s[2] Seiten", english},
+        {"%s[1]", english},
+        {"", english},
+        {"%s[1] %d[2] %d[3]", english},
+        {"%s[1] %d[2] %s[3]", english},
+        {"%U[1] %d[2]", english},
+        {"%DND[1] %d[2]", english},
+        {"%DT[1] %d[2]", english},
+        {"%s[1] %f[2]", english},
+        {"%s[1] %Lf[2]", english},
+        {"%s[1] %c[2]", english},
+        {"%*s[1] %d[2]", english},
+        {"%s[1] %.*d[2]", english},
+        {"%s[1] %n[2]", english},
+        {"%s %d", english},
+        {"%s[1] %d[2] 100%", english},
+        {"%s[0] %d[1]", english},
+        {"%s[1] %d[1]", english},
+        {"%s[1] %d[3]", english},
+        {"%s[1] %d[2", english},
+        {"%s[1] %d[2000000000]", english},
+        {"%2147483648s[1] %d[2]", english},
+        {"%2000000000s[1] %d[2]", english},
+        {"%s[1] %.2000000000d[2]", english},
+    };
+    language("en", MessageFile().unit(3, "%s[1] has %d[2] pages"));
+    for (const auto &[translation, expected] : rows)
+    {
+        told.clear();
+        language("de", MessageFile().unit(3, translation));
+        const kelto::catalog catalog = store();
+        for (int call = 0; call < 3; ++call)
+        {
+            EXPECT_EQ(catalog.format(3, "report.txt", 12), expected) << translation;
+            EXPECT_EQ(catalog.format(Message::pages, KELTO_DEFAULT("%s[1]: %d[2]"), "report.txt", 12), expected);
+        }
+        EXPECT_EQ(told.size(), expected == english ? 1 : 0) << translation;
+    }
+}
+
+TEST_F(Ladder, GoesFromLanguageToLanguageToTheSource)
+{
+    language("de", MessageFile().unit(1, "eins").unit(3, "%s[1]"));
+    language("fr", MessageFile().unit(1, "un").unit(2, "deux").unit(3, "%n[1]"));
+    FakeZel::file("d/en/store.xlf", "<damaged");
+    const kelto::catalog catalog = store();
+    EXPECT_EQ(catalog.language(), "de");
+    const Expected rows[] = {
+        {"eins", catalog.format(1)},
+        {"deux", catalog.format(2)},
+        {"Number 7", catalog.format(3, KELTO_DEFAULT("Number %d[1]"), 7)},
+        {"No. 7", catalog.format(3, KELTO_DEFAULT("No. %d[1]"), 7)}, // another text for the same message
+        {"Number 7", catalog.format(3, KELTO_DEFAULT("Number %d[1]"), 7)},
+        {"[store 3: x, 7]", catalog.format(3, kelto::unchecked("%own[1] %d[2]"), "x", 7)},
+        {"[store 3: x, 7, -1, \xC3\xA9, あ, 1.5, 2.5, wide, ]",
+         catalog.format(3, std::string("x"), 7U, -1L, '\xE9', u'あ', 1.5, 2.5L, u"wide", std::string_view())},
+        {"[store 9: a, \xEF\xBF\xBD\xEF\xBF\xBD]",
+         catalog.format(hugeId / hugeId * 9, std::string("a\0b", 3), "\xF0\x9F\xFF")},
+        {"[store 2147483647]", catalog.format(hugeId)},
+        {"[store 4294967295]", catalog.format(-1)},
+        {"deux", std::string(catalog.text(2))},
+        {"", std::string(catalog.text(4))},
+    };
+    for (const Expected &row : rows)
+        EXPECT_EQ(row.text, row.given);
+    const std::vector<std::string> expected = {"de 2 KT_ERR_INVALID_MSG_ID",
+                                               "de 3 KT_ERR_INVALID_PARAMETER",
+                                               "fr 3 KT_ERR_FORMAT_SYNTAX",
+                                               "en 0 KT_ERR_BAD_MSG_FILE",
+                                               " 3 KT_ERR_FORMAT_SYNTAX",
+                                               "de 9 KT_ERR_INVALID_MSG_ID",
+                                               "fr 9 KT_ERR_INVALID_MSG_ID",
+                                               "de 2147483647 KT_ERR_INVALID_MSG_ID",
+                                               "fr 2147483647 KT_ERR_INVALID_MSG_ID",
+                                               "de 4294967295 KT_ERR_INVALID_MSG_ID",
+                                               "fr 4294967295 KT_ERR_INVALID_MSG_ID"};
+    EXPECT_EQ(told, expected);
+    EXPECT_EQ(stories[1].substr(0, 9), "\"%s[1]\": ");
+}
+
+TEST_F(Ladder, TellsWhatIsTooLong)
+{
+    language("de", MessageFile().unit(1, "%28s[1]").unit(2, "%29s[1]"));
+    options.max_size = 20;
+    const kelto::catalog catalog = store();
+    EXPECT_EQ(catalog.format(1, "a").size(), 28);
+    EXPECT_EQ(catalog.format(2, "a"), "[store 2: a]");
+    EXPECT_EQ(told, std::vector<std::string>{"de 2 KT_ERR_BUFFER_TOO_SMALL"});
+    told.clear();
+    const std::string text(3000, 'x');
+    EXPECT_EQ(catalog.format(1, text), text);
+    EXPECT_EQ(catalog.format(1, KELTO_DEFAULT("%s[1]"), text.c_str()), text);
+    language("de", MessageFile().unit(1, "%9000U[1]"));
+    EXPECT_EQ(store().format(1, std::u16string(400, u'x')).size(), 9000); // 3 bytes of UTF-8 for a unit
+    EXPECT_EQ(told.size(), 0);
+    EXPECT_EQ(store().format(1, u"a"), "[store 1: a]");
+    EXPECT_EQ(told, std::vector<std::string>{"de 1 KT_ERR_BUFFER_TOO_SMALL"});
+}
+
+TEST_F(Ladder, NeedsNoFile)
+{
+    std::error_code failure;
+    options.languages = "..:../../etc:/etc";
+    EXPECT_EQ(store().format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
+    EXPECT_EQ(store().language(), "");
+    EXPECT_THROW(kelto::catalog::find("../store", "d"), kelto::error);
+    EXPECT_EQ(kelto::catalog::find("", "d", failure).format(1), "[ 1]");
+    EXPECT_EQ(failure, std::errc::invalid_argument);
+    EXPECT_EQ(kelto::catalog::load("d/missing.xlf", failure).format(1, 7), "[missing 1: 7]");
+    EXPECT_EQ(failure, std::errc::no_such_file_or_directory);
+    EXPECT_STREQ(failure.category().name(), "kelto");
+    EXPECT_EQ(failure.message(), KTResultText(KT_ERR_FILE_UNAVAILABLE));
+    FakeZel::file("d/one.xlf", MessageFile().unit(1, "%d[1]").xml());
+    kelto::catalog one = kelto::catalog::load("d/one.xlf"), other = std::move(one);
+    EXPECT_EQ(other.format(1, 7), "7");
+    EXPECT_EQ(other.format(2), "[one 2]");
+    EXPECT_EQ(one.format(1, 7), "[ 1: 7]");
+}
+
+TEST_F(Ladder, HoldsTheLibraryAsLongAsItNeedsIt)
+{
+    language("de", MessageFile().unit(1, "%d[1]"));
+    std::unique_ptr<kelto::catalog> catalog;
+    formTable *table = nullptr;
+    {
+        const kelto::library library;
+        catalog = std::make_unique<kelto::catalog>(store());
+        EXPECT_EQ(KTGetBuiltInFormTable(0, &table), 0);
+    }
+    EXPECT_EQ(catalog->format(1, 7), "7");
+    catalog = nullptr;
+    EXPECT_EQ(KTGetBuiltInFormTable(0, &table), KT_ERR_NOT_INITIALIZED);
+    for (unsigned n = 1;; ++n) // each step of the start and of finding fails once
+    {
+        FakeZel::failNth(n);
+        std::error_code failure;
+        const kelto::catalog started = kelto::catalog::find("store", "d", options, failure);
+        const std::string text = started.format(1, 7);
+        EXPECT_TRUE(text == "7" || text == "[store 1: 7]") << text;
+        if (FakeZel::clearFaults() == 0)
+            break;
+    }
+}
+
+TEST_F(Ladder, TakesNothingFromTheHeapButItsResult)
+{
+    language("de", MessageFile().unit(1, "%.1000s[2] %d[1]"));
+    const kelto::catalog catalog = store();
+    const std::string text(2000, 'x');
+    std::string out;
+    out.reserve(2000);
+    char array[2100];
+    catalog.format(1, 7, text);
+    FakeZel::record();
+    allocations = 0;
+    catalog.format_to(std::back_inserter(out), 1, 7, text);
+    catalog.format_to(array, 1, KELTO_DEFAULT("%d[1]%s[2]"), 7, text);
+    EXPECT_EQ(allocations, 0);
+    EXPECT_EQ(catalog.format(1, 7, text), out);
+    EXPECT_EQ(allocations, 1);
+    EXPECT_EQ(FakeZel::count(Operation::Malloc), 0);
+}
+
+TEST_F(Ladder, ServesManyThreadsAtOnce)
+{
+    MessageFile german, source;
+    for (int id = 1; id <= 300; ++id)
+    {
+        source.unit(id, "%d[1] of %s[2]");
+        german.unit(id, id % 3 == 0 ? "%s[1]" : "%d[1] von %s[2]");
+    }
+    language("de", german);
+    language("en", source);
+    std::atomic<int> problems{0};
+    options.on_problem = [&](const kelto::problem &) { ++problems; };
+    const kelto::catalog catalog = store();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t)
+        threads.emplace_back([&, t] {
+            for (int id = 1; id <= 301; ++id)
+            {
+                const std::string expected = id > 300      ? std::to_string(t) + " in all"
+                                             : id % 3 == 0 ? std::to_string(t) + " of x"
+                                                           : std::to_string(t) + " von x";
+                EXPECT_EQ(catalog.format(id, KELTO_DEFAULT("%d[1] in all%.0s[2]"), t, "x"), expected);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(problems, 102);
+}
+
+} // namespace

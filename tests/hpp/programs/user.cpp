@@ -1,0 +1,34 @@
+// Every name of kelto.hpp in a program that knows no exceptions. It succeeds by returning 0.
+#include <kelto.hpp>
+
+#include <iterator>
+
+struct Money
+{
+    int cents;
+};
+template <> struct kelto::argument_of<Money> : kelto::by_identity<Money>
+{
+};
+
+int main()
+{
+    std::error_code failure;
+    const kelto::library library(failure);
+    const kelto::form_table table = kelto::form_table::builder()
+                                        .add<Money>("money", [](const Money &m) { return std::to_string(m.cents); })
+                                        .with_encoder([](std::u16string_view text) { return text; })
+                                        .in_front_of(&builtInFormTable)
+                                        .build(failure);
+    kelto::catalog_options options;
+    options.table = &table;
+    options.tag = true;
+    options.on_problem = [](const kelto::problem &) {};
+    const kelto::prepared_format prepared("%money[1] of %s[2]", options, failure);
+    const kelto::catalog missing = kelto::catalog::load("missing.xlf", failure);
+    const kelto::catalog store = kelto::catalog::find("store", "missing", options, failure);
+    std::string text = store.format(1, KELTO_DEFAULT("%EID[1] "), 1U);
+    prepared.format_to(std::back_inserter(text), failure, Money{7}, "ten");
+    store.format_to(std::back_inserter(text), 2, kelto::unchecked(" %money[1]"), Money{5});
+    return text == "<EID>0X00000001</EID> 7 of ten 5" && !failure && missing.language().empty() ? 0 : 1;
+}

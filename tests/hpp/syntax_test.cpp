@@ -1,0 +1,147 @@
+#include "hpp/texts.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace
+{
+
+constexpr size_t mostConversions = 4096;
+
+/** What there is to know of a format, in one line. */
+std::string byCompiler(const std::string &format)
+{
+    static kelto::detail::parsed_text<mostConversions> parsed;
+    parsed = kelto::detail::parse_text<mostConversions>(format);
+    std::string line = std::to_string(parsed.rule);
+    for (size_t i = 0; i < parsed.slots; ++i)
+        line += ' ' + std::to_string(parsed.slot_at[i].position) + ':' + std::to_string(parsed.slot_at[i].code);
+    return parsed.rule == 0 ? line : line + " at " + std::to_string(parsed.broken.begin);
+}
+
+std::string byLibrary(const std::string &format)
+{
+    KTProblem problem = {};
+    problem.structSize = sizeof problem;
+    const int result = KTExplainFormat(format.c_str(), nullptr, &problem);
+    std::string line = std::to_string(result == 0 ? 0 : problem.rule);
+    if (result != 0)
+        return line + " at " + std::to_string(problem.offset);
+    std::error_code failure;
+    const kelto::prepared_format prepared(format, failure);
+    const KTSlot *slots = nullptr;
+    const size_t count = KTPreparedSlots(prepared.get(), &slots);
+    for (size_t i = 0; i < count; ++i)
+        line += ' ' + std::to_string(slots[i].position) + ':' + std::to_string(slots[i].code);
+    return line;
+}
+
+/** Compares the parser that runs while programs are compiled with that of the library. */
+class Syntax : public testing::Test
+{
+protected:
+    static void compare(const std::string &bytes)
+    {
+        const std::string format = bytes.substr(0, bytes.find('\0'));
+        if (kelto::detail::percent_signs(format) < mostConversions)
+        {
+            ASSERT_EQ(byCompiler(format), byLibrary(format)) << format;
+        }
+    }
+
+    kelto::library m_library;
+};
+
+TEST_F(Syntax, IsTheSameForEveryFuzzInput)
+{
+    size_t files = 0;
+    for (const auto &file : std::filesystem::recursive_directory_iterator(KELTO_SOURCE_DIR "/fuzz/corpus"))
+        if (file.is_regular_file())
+        {
+            std::ostringstream bytes;
+            bytes << std::ifstream(file.path(), std::ios::binary).rdbuf();
+            for (size_t begin = 0; begin < 24 && begin < bytes.str().size(); ++begin) // inputs begin with choices
+                compare(bytes.str().substr(begin));
+            ++files;
+        }
+    EXPECT_GT(files, 10);
+}
+
+// Formats of likely pieces, in which one in four is right. KELTO_RANDOM_FORMATS asks for more of them.
+TEST_F(Syntax, IsTheSameForRandomFormats)
+{
+    const char *const pieces[] = {"%",
+                                  "%%",
+                                  "[",
+                                  "]",
+                                  "[1]",
+                                  "[2]",
+                                  "[3]",
+                                  "[01]",
+                                  "[1001]",
+                                  "[2147483648]",
+                                  "d",
+                                  "u",
+                                  "ul",
+                                  "l",
+                                  "o",
+                                  "X",
+                                  "f",
+                                  "c",
+                                  "s",
+                                  "U",
+                                  "DT",
+                                  "D",
+                                  "DND",
+                                  "EID",
+                                  "E",
+                                  "IP",
+                                  "N",
+                                  "O",
+                                  "h",
+                                  "L",
+                                  "!",
+                                  "-",
+                                  "0",
+                                  "*",
+                                  ".",
+                                  ".*",
+                                  ".5",
+                                  "7",
+                                  "2147483648",
+                                  "text",
+                                  "é",
+                                  "\xFF",
+                                  "\xF0\x9F\x98\x80",
+                                  "\xF0\x9F",
+                                  "\xE2\x82",
+                                  "abcdefghijklmnopqrs",
+                                  "abcdefghijklmnopqrst",
+                                  " ",
+                                  "#"};
+    const char *const wanted = std::getenv("KELTO_RANDOM_FORMATS");
+    std::mt19937 random(1);
+    const auto below = [&](size_t n) { return random() % n; };
+    for (long n = wanted != nullptr ? std::atol(wanted) : 20000; n > 0; --n)
+    {
+        std::string format;
+        const size_t conversions = below(6);
+        for (size_t i = 1; i <= conversions; ++i)
+        {
+            format += std::string("%") + (below(3) == 0 ? "*" : "") + (below(4) == 0 ? ".*" : "");
+            format += below(3) == 0 ? std::string(1, "hlL!"[below(4)]) : "";
+            format += pieces[10 + below(18)];
+            format += '[' + std::to_string(conversions + 1 - i) + ']';
+        }
+        for (size_t extra = below(2) * below(4); extra > 0; --extra)
+            format.insert(below(format.size() + 1), pieces[below(std::size(pieces))]);
+        compare(format);
+    }
+    for (int length = 990; length < 1010; ++length) // so long that a position above 1,000 may be meant
+        for (const char *tail : {"", "\xF0\x9F\x98\x80", "\xF0\x9F\x98", "\xE2\x82\xE2", "\xED\xA0\x80"})
+            compare("%d[1003]" + std::string(static_cast<size_t>(length), 'x') + tail);
+}
+
+} // namespace
