@@ -6,6 +6,7 @@ import table
 
 # Fill classes, and what each is where a page is dark.
 STYLE = """\
+:root { color-scheme: light dark }
 text { fill: #1f2933 } .faint { fill: #6b7785 } .kelto { fill: #2563eb } .bar { fill: #b4bfca }
 .cut { stroke: #1f2933; stroke-width: 1.5; fill: none }
 @media (prefers-color-scheme: dark) {

@@ -17,7 +17,8 @@ import sys
 
 # A heading, or a link; code is matched too, so that it is left alone.
 MARKDOWN = re.compile(r"^(?P<code>```[\s\S]*?^```$)|`(?P<span>[^`]+)`|^(?P<level>#+) (?P<title>.*)$"
-                      r"|\]\((?P<link>[^)\s]*)\)|\*\*(?P<bold>.*?)\*\*", re.MULTILINE)
+                      r"|(?P<image>!)?\[(?P<text>[^\]]*)\]\((?P<link>[^)\s]*)\)|\*\*(?P<bold>.*?)\*\*|[\\@%]",
+                      re.MULTILINE)
 PRIVATE = 0xE000  # and the character's own number
 COMMENT = re.compile(r"/\*(\*?<?)(.*?)\*/", re.DOTALL)
 
@@ -38,6 +39,19 @@ def identifier(path, title=""):
     return f"{name}-{title}" if title else name
 
 
+def target_of(path, link):
+    """Where a link of a page leads; null for what is not in the reference."""
+    if "://" in link:
+        return link
+    file, _, heading = link.partition("#")
+    file = os.path.normpath(os.path.join(os.path.dirname(path), file)) if file else path
+    if os.path.isdir(file) and os.path.exists(os.path.join(file, "README.md")):
+        file = os.path.join(file, "README.md")
+    if file.endswith(".md"):
+        return "@ref " + identifier(file, heading).replace("mainpage", "index")
+    return "@ref " + os.path.basename(file) if file.startswith("include/") else None
+
+
 def page(path, text):
     def replaced(found):
         if found["title"]:
@@ -47,15 +61,13 @@ def page(path, text):
             return f"`{hidden(found['span'], '[!-/:-@[-^{-~]')}`"
         if found["bold"]:
             return f"<b>{MARKDOWN.sub(replaced, found['bold'])}</b>"
-        if found["link"] is None or "://" in found["link"]:
-            return found[0]
-        target, _, heading = found["link"].partition("#")
-        target = os.path.normpath(os.path.join(os.path.dirname(path), target)) if target else path
-        if os.path.isdir(target) and os.path.exists(os.path.join(target, "README.md")):
-            target = os.path.join(target, "README.md")
-        if target.endswith(".md"):
-            return f"](@ref {identifier(target, heading).replace('mainpage', 'index')})"
-        return f"](@ref {os.path.basename(target)})"
+        if found["image"]:
+            return f"![{found['text']}]({os.path.basename(found['link'])})"
+        if found["link"]:
+            target = target_of(path, found["link"])
+            shown = MARKDOWN.sub(replaced, found["text"])
+            return f"[{shown}]({target})" if target else shown
+        return found[0] if found["code"] else hidden(found[0], r"[\\@%]")
 
     return MARKDOWN.sub(replaced, text)
 
