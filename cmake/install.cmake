@@ -68,6 +68,7 @@ if(TARGET kelto-cli)
   set_target_properties(kelto-cli PROPERTIES INSTALL_RPATH "$ORIGIN/${KELTO_BIN_TO_LIB}")
   install(TARGETS kelto-cli EXPORT KeltoProgram RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(EXPORT KeltoProgram NAMESPACE Kelto:: DESTINATION ${KELTO_CMAKE_DIR} COMPONENT tools)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/tools/messages" DESTINATION ${CMAKE_INSTALL_DATADIR}/kelto COMPONENT tools)
   kelto_install_pages(1 tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/kelto.bash" RENAME kelto
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)

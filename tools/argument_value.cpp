@@ -47,7 +47,7 @@ WholeNumber readWholeNumber(std::string_view word)
     return number;
 }
 
-template <typename Number> Value readInteger(const std::string &word)
+template <typename Number, typename Wide> Value readInteger(const std::string &word)
 {
     using Limits = std::numeric_limits<Number>;
     const WholeNumber number = readWholeNumber(word);
@@ -56,14 +56,7 @@ template <typename Number> Value readInteger(const std::string &word)
     if (number.magnitude > (number.negative ? mostNegative : most))
         throw Unreadable{say(Text::outOfRange, {std::to_string(Limits::min()), std::to_string(Limits::max())})};
     const uint64_t bits = number.negative ? 0 - number.magnitude : number.magnitude;
-    return static_cast<Number>(bits);
-}
-
-template <typename Short, typename Plain, typename Long> Value readIntegerOfSize(const std::string &word, int flags)
-{
-    if ((flags & FLAG_h) != 0)
-        return readInteger<Short>(word);
-    return (flags & FLAG_BANG) != 0 ? readInteger<Long>(word) : readInteger<Plain>(word);
+    return static_cast<Wide>(bits);
 }
 
 // The program never sets LC_NUMERIC, so that the decimal sign is the point.
@@ -89,61 +82,71 @@ std::u16string readText(const std::string &word)
     return text;
 }
 
-Value readCharacter(const std::string &word, int flags)
+UCS2 readUnit(const std::string &word)
 {
-    constexpr char16_t last8BitCharacter = 0xFF;
     const std::u16string text = readText(word);
     if (text.size() == 2 && U16_IS_LEAD(text[0]))
         throw Unreadable{say(Text::takesTwoUnits)};
     if (text.size() != 1)
         throw Unreadable{say(Text::notOneCharacter)};
-    if ((flags & FLAG_l) != 0)
-        return text[0];
-    if (text[0] > last8BitCharacter)
+    return text[0];
+}
+
+Value readCharacter(const std::string &word)
+{
+    constexpr char16_t last8BitCharacter = 0xFF;
+    const UCS2 unit = readUnit(word);
+    if (unit > last8BitCharacter)
         throw Unreadable{say(Text::beyond8Bits)};
-    return static_cast<char>(text[0]);
+    return static_cast<char>(unit);
 }
 
 struct Reader
 {
-    int type;
-    Value (*read)(const std::string &word, int flags);
+    uint32_t code;
+    Value (*read)(const std::string &word);
 };
 
 constexpr Reader readers[] = {
-    {1, readCharacter},
-    {2, [](const std::string &word, int) -> Value { return utf8(readText(word)); }},
-    {3, [](const std::string &word, int) -> Value { return readText(word); }},
-    {4, readIntegerOfSize<int16_t, int32_t, int64_t>},
-    {5, readIntegerOfSize<uint16_t, uint32_t, uint64_t>},
-    {6,
-     [](const std::string &word, int flags) -> Value {
-         return (flags & FLAG_L) != 0 ? readFloating(word, std::strtold) : readFloating(word, std::strtod);
-     }},
+    {KT_SLOT_INT16, readInteger<int16_t, int64_t>},
+    {KT_SLOT_UINT16, readInteger<uint16_t, uint64_t>},
+    {KT_SLOT_INT32, readInteger<int32_t, int64_t>},
+    {KT_SLOT_UINT32, readInteger<uint32_t, uint64_t>},
+    {KT_SLOT_INT64, readInteger<int64_t, int64_t>},
+    {KT_SLOT_UINT64, readInteger<uint64_t, uint64_t>},
+    {KT_SLOT_CHAR, readCharacter},
+    {KT_SLOT_UNIT, [](const std::string &word) -> Value { return readUnit(word); }},
+    {KT_SLOT_DOUBLE, [](const std::string &word) -> Value { return readFloating(word, std::strtod); }},
+    {KT_SLOT_LONG_DOUBLE, [](const std::string &word) -> Value { return readFloating(word, std::strtold); }},
+    {KT_SLOT_UTF8, [](const std::string &word) -> Value { return utf8(readText(word)); }},
+    {KT_SLOT_UCS2, [](const std::string &word) -> Value { return readText(word); }},
+};
+
+struct MakeArgument
+{
+    KTArgument operator()(int64_t value) const { return KT_INT64(value); }
+    KTArgument operator()(uint64_t value) const { return KT_UINT64(value); }
+    KTArgument operator()(char value) const { return KT_CHAR(value); }
+    KTArgument operator()(UCS2 value) const { return KT_UNIT(value); }
+    KTArgument operator()(double value) const { return KT_DOUBLE(value); }
+    KTArgument operator()(const long double &value) const { return KT_LONG_DOUBLE(&value); }
+    KTArgument operator()(const std::string &text) const { return KT_UTF8N(text.data(), text.size()); }
+    KTArgument operator()(const std::u16string &text) const { return KT_UCS2N(text.data(), text.size()); }
 };
 
 } // namespace
 
-void *pointerTo(Value &value)
+KTArgument argumentOf(const Value &value)
 {
-    if (auto *text = std::get_if<std::string>(&value))
-        return text->data();
-    if (auto *text = std::get_if<std::u16string>(&value))
-        return text->data();
-    return std::visit([](auto &plain) -> void * { return &plain; }, value);
+    return std::visit(MakeArgument(), value);
 }
 
-Value readValue(int type, int flags, const std::string &word)
+Value readValue(uint32_t code, const std::string &word)
 {
     for (const Reader &reader : readers)
-        if (reader.type == type)
-            return reader.read(word, flags);
+        if (reader.code == code)
+            return reader.read(word);
     throw Unreadable{say(Text::cannotBeGiven)};
-}
-
-Value readStar(const std::string &word)
-{
-    return readInteger<int32_t>(word);
 }
 
 } // namespace tool

@@ -12,12 +12,10 @@
 namespace tool
 {
 
-/** A value in the shape that the library reads by pointer. */
-using Value = std::variant<char, UCS2, int16_t, int32_t, int64_t, uint16_t, uint32_t, uint64_t, double, long double,
-                           std::string, std::u16string>;
+using Value = std::variant<int64_t, uint64_t, char, UCS2, double, long double, std::string, std::u16string>;
 
-/** What the library is given: a text itself, else a pointer to the value. */
-void *pointerTo(Value &value);
+/** The value for a prepared format; it lives as long as the value, in its place. */
+KTArgument argumentOf(const Value &value);
 
 /** Why a word cannot be read: it "is no whole number". */
 struct Unreadable
@@ -25,11 +23,8 @@ struct Unreadable
     std::string reason;
 };
 
-/** The word as an argument of this kind (KTFormatter::argTypes) under these flags. Throws Unreadable. */
-Value readValue(int type, int flags, const std::string &word);
-
-/** The word as the number for a '*'. Throws Unreadable. */
-Value readStar(const std::string &word);
+/** The word as a value for a slot of this code, one of KTSlotCode. Throws Unreadable. */
+Value readValue(uint32_t code, const std::string &word);
 
 } // namespace tool
 

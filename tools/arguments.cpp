@@ -1,5 +1,6 @@
 #include "arguments.h"
 
+#include "charset.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -8,63 +9,36 @@ namespace tool
 namespace
 {
 
-constexpr int lastArgumentType = 7; // codes above take no argument
-
 std::string countOf(size_t arguments)
 {
     return arguments == 0 ? say(Text::noArguments) : sayCount(Text::oneArgument, Text::manyArguments, arguments);
 }
 
-bool isDate(const KTParameter &parameter)
-{
-    return parameter.type == CONV_DT || parameter.type == CONV_D || parameter.type == CONV_T;
-}
-
 } // namespace
 
-Arguments::Arguments(const std::vector<Conversion> &conversions, const std::vector<std::string> &words) : m_words(words)
+Arguments::Arguments(const ParsedMessage &message, const std::vector<std::string> &words)
+    : m_message(message), m_words(words), m_slots(message.format().slots())
 {
-    for (const Conversion &conversion : conversions)
-        if (!conversion.isMarker())
-            addSlots(conversion);
+    const std::string all = countOf(m_slots.size());
     for (size_t i = 0; i < m_slots.size() && i < words.size(); ++i)
         try
         {
-            m_values.push_back(read(m_slots[i], words[i]));
-            m_pointers.push_back(pointerTo(m_values.back()));
+            m_values.push_back(readValue(m_slots[i].code, words[i]));
+            m_arguments.push_back(argumentOf(m_values.back()));
         }
         catch (const Unreadable &unreadable)
         {
             throw fault(i, unreadable.reason);
         }
     if (words.size() < m_slots.size())
-        throw Failure(
-            say(Text::argumentMissing, {words.size() + 1, purpose(m_slots[words.size()]), countOf(m_slots.size())}) +
-            nameOf(KT_ERR_INVALID_PARAMETER));
+        throw Failure(say(Text::argumentMissing, {words.size() + 1, purpose(m_slots[words.size()]), all}) +
+                      nameOf(KT_ERR_INVALID_PARAMETER));
     if (words.size() > m_slots.size())
     {
         const std::string &word = words[m_slots.size()];
-        throw Failure(say(word.substr(0, 2) == "--" ? Text::optionIsSurplus : Text::argumentSurplus,
-                          {m_slots.size() + 1, terminal().quote(word), countOf(m_slots.size())}) +
-                      nameOf(KT_ERR_INVALID_PARAMETER));
+        const Text text = word.substr(0, 2) == "--" ? Text::optionIsSurplus : Text::argumentSurplus;
+        throw Failure(say(text, {m_slots.size() + 1, terminal().quote(word), all}) + nameOf(KT_ERR_INVALID_PARAMETER));
     }
-    m_pointers.push_back(nullptr);
-}
-
-void Arguments::addSlots(const Conversion &conversion)
-{
-    if (conversion.takesWidth())
-        m_slots.push_back({&conversion, Role::width, 0});
-    if (conversion.takesPrecision())
-        m_slots.push_back({&conversion, Role::precision, 0});
-    for (const int *type = conversion.parameter.formatter->argTypes; *type != 0; ++type)
-        if (*type <= lastArgumentType)
-            m_slots.push_back({&conversion, Role::value, *type});
-}
-
-Value Arguments::read(const Slot &slot, const std::string &word)
-{
-    return slot.role == Role::value ? readValue(slot.type, slot.conversion->parameter.flags, word) : readStar(word);
 }
 
 /** What is wrong with an argument, behind its number, its text, and what it is for. */
@@ -74,33 +48,33 @@ Failure Arguments::fault(size_t index, const std::string &what) const
         say(Text::argumentFor, {index + 1, terminal().quote(m_words[index]), purpose(m_slots[index]), what}));
 }
 
-std::string Arguments::purpose(const Slot &slot)
+std::string Arguments::purpose(const KTSlot &slot) const
 {
-    std::string written = terminal().quote(slot.conversion->written);
-    if (slot.role == Role::value)
-        return written;
-    return say(slot.role == Role::width ? Text::widthOf : Text::precisionOf, {written});
+    std::string specification = terminal().quote(ucs2FromUtf8(m_message.specification(slot.position)));
+    if (slot.role == KT_SLOT_VALUE)
+        return specification;
+    return say(slot.role == KT_SLOT_WIDTH ? Text::widthOf : Text::precisionOf, {specification});
 }
 
-// A formatter that is offered no room only measures, or says what it refuses.
-Failure Arguments::whyRefused(int result)
+/** Whether a conversion by itself, as the only one of a message, refuses its arguments. */
+bool Arguments::isRefused(unsigned position) const
+{
+    std::vector<KTArgument> own;
+    for (size_t i = 0; i < m_slots.size(); ++i)
+        if (m_slots[i].position == position)
+            own.push_back(m_arguments[i]);
+    const std::string &specification = m_message.specification(position);
+    const PreparedFormat alone(specification.substr(0, specification.find('[')) + "[1]");
+    std::string text;
+    return alone.format(0, own, text) != 0;
+}
+
+Failure Arguments::whyRefused(int result) const
 {
     for (size_t i = 0; i < m_slots.size(); ++i)
-    {
-        if (m_slots[i].role != Role::value)
-            continue;
-        const KTParameter &parameter = m_slots[i].conversion->parameter;
-        const KTFormatter &formatter = *parameter.formatter;
-        unsigned long room = 0;
-        UCS2 nothing[1];
-        const int answer =
-            formatter.format(formatter.name, -1, -1, parameter.flags, nullptr, nullptr, &m_pointers[i], &room, nothing);
-        if (answer != result)
-            continue;
-        if (isDate(parameter))
-            return fault(i, say(Text::noDate) + nameOf(result));
-        return fault(i, say(Text::refused, {meaningOf(result)}));
-    }
+        if (m_slots[i].role == KT_SLOT_VALUE && isRefused(m_slots[i].position))
+            return fault(i, result == KT_ERR_INVALID_PARAMETER ? say(Text::noDate) + nameOf(result)
+                                                               : say(Text::refused, {meaningOf(result)}));
     return Failure(meaningOf(result));
 }
 

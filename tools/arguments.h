@@ -20,38 +20,23 @@ class Arguments
 {
 public:
     /** Each conversion takes the word of its '*' width, that of its '*' precision, then those of its values. */
-    Arguments(const std::vector<Conversion> &conversions, const std::vector<std::string> &words);
+    Arguments(const ParsedMessage &message, const std::vector<std::string> &words);
 
-    /** For KTvpFormatString(), ended by null. */
-    void **pointers() { return m_pointers.data(); }
+    const std::vector<KTArgument> &values() const { return m_arguments; }
 
     /** Why a format call with these arguments failed: the first conversion that refuses its own, else the result. */
-    Failure whyRefused(int result);
+    Failure whyRefused(int result) const;
 
 private:
-    enum class Role
-    {
-        width,
-        precision,
-        value
-    };
-
-    struct Slot
-    {
-        const Conversion *conversion;
-        Role role;
-        int type; // of a value, as in KTFormatter::argTypes
-    };
-
-    void addSlots(const Conversion &conversion);
-    static Value read(const Slot &slot, const std::string &word);
     Failure fault(size_t index, const std::string &what) const;
-    static std::string purpose(const Slot &slot);
+    std::string purpose(const KTSlot &slot) const;
+    bool isRefused(unsigned position) const;
 
-    std::vector<Slot> m_slots;
+    const ParsedMessage &m_message;
     const std::vector<std::string> &m_words;
+    std::vector<KTSlot> m_slots;
     std::deque<Value> m_values; // which stay where they are
-    std::vector<void *> m_pointers;
+    std::vector<KTArgument> m_arguments;
 };
 
 } // namespace tool

@@ -33,7 +33,7 @@ std::string nameOf(int result)
 
 std::string systemText(int error)
 {
-    return std::generic_category().message(error);
+    return terminal().showBytes(std::generic_category().message(error));
 }
 
 void complain(const std::string &text)

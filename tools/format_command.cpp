@@ -27,29 +27,14 @@ unsigned readId(const CommandLine &line, const std::string &word)
     return id;
 }
 
-std::u16string formatMessage(std::string &message, bool tag, Arguments &arguments)
+std::u16string formatLine(const std::string &message, bool tag, const Words &words)
 {
-    constexpr size_t usuallyEnough = 256;
-    std::u16string text(usuallyEnough, u'\0');
-    for (;;)
-    {
-        unsigned long size = text.size();
-        const int result = KTvpFormatString(nullptr, tag, &size, text.data(), message.data(), arguments.pointers());
-        if (result == KT_ERR_BUFFER_TOO_SMALL && size >= longestText)
-            throw Failure(say(Text::textTooLong, {size}));
-        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-            throw arguments.whyRefused(result);
-        text.resize(result == 0 ? size : size + 1);
-        if (result == 0)
-            return text;
-    }
-}
-
-std::u16string formatLine(std::string message, bool tag, const Words &words)
-{
-    const std::vector<Conversion> conversions = parseMessage(message);
-    Arguments arguments(conversions, words);
-    return formatMessage(message, tag, arguments) + u'\n';
+    const ParsedMessage parsed(message);
+    const Arguments arguments(parsed, words);
+    std::string text;
+    if (const int result = parsed.format().format(tag ? KT_TAG : 0, arguments.values(), text))
+        throw arguments.whyRefused(result);
+    return ucs2FromUtf8(text) + u'\n';
 }
 
 void printIn(const std::string &charset, const std::u16string &text)

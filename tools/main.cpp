@@ -8,6 +8,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <clocale>
 #include <csignal>
 #include <fmt/core.h>
 #include <new>
@@ -141,6 +142,7 @@ ExitStatus run(const Words &words)
 
 int main(int argc, char **argv)
 {
-    std::signal(SIGPIPE, SIG_DFL); // a reader that left ends the program quietly, whatever it was started by
+    std::setlocale(LC_MESSAGES, ""); // for what the operating system says
+    std::signal(SIGPIPE, SIG_DFL);   // a reader that left ends the program quietly, whatever it was started by
     return static_cast<int>(tool::run(tool::Words(argv + std::min(argc, 1), argv + argc)));
 }

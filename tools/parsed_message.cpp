@@ -1,41 +1,36 @@
 #include "parsed_message.h"
 
-#include "charset.h"
 #include "failure.h"
 #include "syntax_fault.h"
 
-#include <memory>
+#include <algorithm>
+#include <charconv>
 
 namespace tool
 {
-namespace
+
+ParsedMessage::ParsedMessage(const std::string &text) : m_format(text)
 {
+    if (m_format.result() == KT_ERR_FORMAT_SYNTAX)
+        throw Failure(describeSyntaxFault(text));
+    if (m_format.result() != 0)
+        throw Failure(meaningOf(m_format.result()));
 
-struct FreeParameters
-{
-    void operator()(KTParameter *parameters) const { ZEL_free(parameters); }
-};
-
-} // namespace
-
-std::vector<Conversion> parseMessage(const std::string &text)
-{
-    const std::u16string format = ucs2FromUtf8(text);
-    KTParameter *parameters = nullptr;
-    const int result = checkSyntax(format.c_str(), nullptr, &parameters);
-    const std::unique_ptr<KTParameter, FreeParameters> release(parameters);
-    if (result == KT_ERR_FORMAT_SYNTAX)
-        throw Failure(describeSyntaxFault(format));
-    if (result != 0)
-        throw Failure(meaningOf(result));
-
-    std::vector<Conversion> conversions;
-    for (const KTParameter *parameter = parameters; parameter != nullptr && parameter->formatter != nullptr;
-         ++parameter)
-        conversions.push_back({*parameter, {}});
-    for (const Specification &specification : specificationsOf(format))
-        conversions[static_cast<size_t>(specification.position) - 1].written = specification.place.of(format);
-    return conversions;
+    for (size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
+    {
+        if (text[at + 1] == '%')
+        {
+            at += 2;
+            continue;
+        }
+        const size_t open = text.find('[', at);
+        const size_t close = text.find(']', open);
+        size_t position = 0;
+        std::from_chars(text.data() + open + 1, text.data() + close, position);
+        m_specifications.resize(std::max(m_specifications.size(), position));
+        m_specifications[position - 1] = text.substr(at, close + 1 - at);
+        at = close;
+    }
 }
 
 } // namespace tool

@@ -1,11 +1,10 @@
 /**
- * A message read as a format string: its conversions in the order of their positions, each with the text that it is
- * written as.
+ * A message as a format: prepared, and with the text of each of its conversion specifications.
  */
 #ifndef KELTO_TOOLS_PARSED_MESSAGE_H
 #define KELTO_TOOLS_PARSED_MESSAGE_H
 
-#include "kelto.h"
+#include "prepared_format.h"
 
 #include <string>
 #include <vector>
@@ -13,21 +12,21 @@
 namespace tool
 {
 
-struct Conversion
+class ParsedMessage
 {
-    KTParameter parameter;
-    std::u16string written; // as "%-5d[2]"
+public:
+    /** Throws a Failure that shows the fault where the text, UTF-8, is no format string. */
+    explicit ParsedMessage(const std::string &text);
 
-    bool isMarker() const { return parameter.type == CONV_N || parameter.type == CONV_O; }
-    bool takesWidth() const { return parameter.width == fromArguments; }
-    bool takesPrecision() const { return parameter.precision == fromArguments; }
+    const PreparedFormat &format() const { return m_format; }
+
+    /** The conversion specification of a position, as "%-5d[2]". */
+    const std::string &specification(unsigned position) const { return m_specifications[position - 1]; }
 
 private:
-    static constexpr int fromArguments = -2;
+    PreparedFormat m_format;
+    std::vector<std::string> m_specifications;
 };
-
-/** Throws a Failure that shows the fault where the text, UTF-8, is no format string. */
-std::vector<Conversion> parseMessage(const std::string &text);
 
 } // namespace tool
 

@@ -1,8 +1,10 @@
 #include "text.h"
 
-#include "kelto.h"
+#include "prepared_format.h"
 
 #include <charconv>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 
 namespace tool
@@ -30,9 +32,56 @@ const char *englishOf(Text text)
     return "";
 }
 
-std::string plainly(const Shown &value)
+/** Where the message files of this program lie, from where the program lies. */
+std::string messagesFolder()
 {
-    return value.isNumber ? std::to_string(value.number) : value.text;
+    std::error_code error;
+    return (std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / KELTO_MESSAGES).string();
+}
+
+/** The message file in the language of the user; without a message where there is none. It lives as long as the library. */
+class UsersTexts
+{
+public:
+    UsersTexts()
+    {
+        size_t room = 0;
+        const std::string folder = messagesFolder();
+        if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, nullptr) != KT_ERR_BUFFER_TOO_SMALL)
+            return;
+        std::string path(++room, '\0');
+        if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, path.data()) == 0)
+            KTLoadMessages(path.data(), &m_table);
+    }
+
+    const char *message(unsigned id) const
+    {
+        char *text = nullptr;
+        return m_table != nullptr && KTGetMessage(m_table, id, &text) == 0 ? text : nullptr;
+    }
+
+private:
+    MessageTable *m_table = nullptr;
+};
+
+const char *usersMessage(unsigned id)
+{
+    static const UsersTexts theTexts;
+    return theTexts.message(id);
+}
+
+/** Nothing where there is no such format, or it asks for other values: that is how a bad translation shows. */
+std::optional<std::string> formatted(const char *format, const std::vector<Shown> &values)
+{
+    if (format == nullptr)
+        return std::nullopt;
+    std::vector<KTArgument> arguments;
+    arguments.reserve(values.size());
+    for (const Shown &value : values)
+        arguments.push_back(value.isNumber ? KT_UINT64(value.number) : KT_UTF8N(value.text.data(), value.text.size()));
+    const PreparedFormat prepared(format);
+    std::string text;
+    return prepared.result() == 0 && prepared.format(0, arguments, text) == 0 ? std::optional(text) : std::nullopt;
 }
 
 /** A format of ours, which has no flags and no widths, without the library. */
@@ -41,16 +90,18 @@ std::string formattedPlainly(std::string_view format, const std::vector<Shown> &
     std::string result;
     for (size_t at = 0; at < format.size(); ++at)
     {
-        const size_t open = format.find('[', at);
-        size_t position = 0;
         if (format[at] != '%')
             result += format[at];
         else if (format[at + 1] == '%')
             result += format[at++];
-        else if (std::from_chars(format.data() + open + 1, format.data() + format.size(), position).ec == std::errc())
+        else
         {
-            result += plainly(values.at(position - 1));
+            const size_t open = format.find('[', at);
             at = format.find(']', open);
+            size_t position = 0;
+            std::from_chars(format.data() + open + 1, format.data() + at, position);
+            const Shown &value = values.at(position - 1);
+            result += value.isNumber ? std::to_string(value.number) : value.text;
         }
     }
     return result;
@@ -60,7 +111,12 @@ std::string formattedPlainly(std::string_view format, const std::vector<Shown> &
 
 std::string say(Text text, const std::vector<Shown> &values)
 {
-    return formattedPlainly(englishOf(text), values);
+    const char *const english = englishOf(text);
+    if (auto result = formatted(usersMessage(static_cast<unsigned>(text)), values))
+        return *result;
+    if (auto result = formatted(english, values))
+        return *result;
+    return formattedPlainly(english, values);
 }
 
 std::string sayCount(Text one, Text many, size_t count, const std::vector<Shown> &values)
@@ -74,7 +130,25 @@ std::string sayCount(Text one, Text many, size_t count, const std::vector<Shown>
 
 std::string resultText(int result)
 {
-    return KTResultText(result);
+    constexpr int resultsAbove = 8100;
+    const char *const text = usersMessage(static_cast<unsigned>(resultsAbove + result));
+    return text != nullptr ? text : KTResultText(result);
+}
+
+std::string problemText(const KTProblem &problem)
+{
+    constexpr unsigned rulesAbove = 120;
+    std::vector<Shown> values;
+    if (problem.position != 0)
+        values.emplace_back(problem.position);
+    if (auto text = formatted(usersMessage(rulesAbove + static_cast<unsigned>(problem.rule)), values))
+        return *text;
+    size_t size = 0;
+    KTProblemText(&problem, &size, nullptr);
+    std::string text(++size, '\0');
+    KTProblemText(&problem, &size, text.data());
+    text.resize(size);
+    return text;
 }
 
 } // namespace tool

@@ -6,6 +6,8 @@
 #ifndef KELTO_TOOLS_TEXT_H
 #define KELTO_TOOLS_TEXT_H
 
+#include "kelto.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +43,9 @@ std::string sayCount(Text one, Text many, size_t count, const std::vector<Shown>
 
 /** What a result of the library means. */
 std::string resultText(int result);
+
+/** What is wrong with a format. */
+std::string problemText(const KTProblem &problem);
 
 } // namespace tool
 

@@ -1,0 +1,34 @@
+#include "prepared_format.h"
+
+#include "charset.h"
+#include "failure.h"
+#include "text.h"
+
+namespace tool
+{
+
+std::vector<KTSlot> PreparedFormat::slots() const
+{
+    const KTSlot *first = nullptr;
+    const size_t count = KTPreparedSlots(m_prepared, &first);
+    return {first, first + count};
+}
+
+int PreparedFormat::format(unsigned options, const std::vector<KTArgument> &arguments, std::string &utf8) const
+{
+    constexpr size_t usuallyEnough = 256;
+    utf8.resize(usuallyEnough);
+    for (;;)
+    {
+        size_t size = utf8.size();
+        const int result =
+            KTFormatPreparedUTF8(m_prepared, options, nullptr, &size, utf8.data(), arguments.data(), arguments.size());
+        if (result == KT_ERR_BUFFER_TOO_SMALL && size >= longestText)
+            throw Failure(say(Text::textTooLong, {size}));
+        utf8.resize(result == KT_ERR_BUFFER_TOO_SMALL ? size + 1 : size);
+        if (result != KT_ERR_BUFFER_TOO_SMALL)
+            return result;
+    }
+}
+
+} // namespace tool

@@ -1,0 +1,40 @@
+/**
+ * A prepared format that releases itself, and writes into texts that grow.
+ */
+#ifndef KELTO_TOOLS_PREPARED_FORMAT_H
+#define KELTO_TOOLS_PREPARED_FORMAT_H
+
+#include "kelto.h"
+
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+class PreparedFormat
+{
+public:
+    /** Of UTF-8 text; see result() before anything else. */
+    explicit PreparedFormat(const std::string &format) : m_result(KTPrepareFormat(format.c_str(), nullptr, &m_prepared))
+    {
+    }
+    ~PreparedFormat() { KTFreePrepared(m_prepared); }
+    PreparedFormat(const PreparedFormat &) = delete;
+    PreparedFormat &operator=(const PreparedFormat &) = delete;
+
+    int result() const { return m_result; }
+
+    std::vector<KTSlot> slots() const;
+
+    /** The result of the library. A text that is longer than the library converts comes out as a Failure. */
+    int format(unsigned options, const std::vector<KTArgument> &arguments, std::string &utf8) const;
+
+private:
+    KTPreparedFormat *m_prepared = nullptr;
+    int m_result;
+};
+
+} // namespace tool
+
+#endif
