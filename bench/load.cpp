@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <nl_types.h>
 
 namespace bench
 {
@@ -30,6 +31,34 @@ std::unique_ptr<Job> keltoLoad(const char *file, unsigned int messages)
         KTLoadMessages(path.data(), &table);
         const bool complete = KTGetMessage(table, messages, &last) == 0 && last != nullptr &&
                               KTGetMessage(table, messages + 1, &last) == KT_ERR_INVALID_MSG_ID;
+        KTFreeMessages(table);
+        return answer(text, complete ? static_cast<int>(messages) : -1);
+    });
+}
+
+/** The same messages compiled; the catalog is written once, beside the others. */
+std::string compiled(const char *file)
+{
+    std::string path = catalog(file);
+    MessageTable *table = nullptr;
+    size_t bytes = 0;
+    require(KTLoadMessages(path.data(), &table) == 0, "a message file cannot be loaded");
+    KTCompileMessages(table, &bytes, nullptr);
+    std::string data(bytes, '\0');
+    require(KTCompileMessages(table, &bytes, data.data()) == 0, "a message file cannot be compiled");
+    KTFreeMessages(table);
+    path += ".ktc";
+    std::ofstream(path, std::ios::binary) << data;
+    return path;
+}
+
+std::unique_ptr<Job> compiledLoad(const char *file, unsigned int messages)
+{
+    return job([path = compiled(file), messages, text = std::string()]() mutable {
+        MessageTable *table = nullptr;
+        char *last = nullptr;
+        KTLoadCompiledMessages(path.c_str(), &table);
+        const bool complete = KTGetMessage(table, messages, &last) == 0 && last != nullptr;
         KTFreeMessages(table);
         return answer(text, complete ? static_cast<int>(messages) : -1);
     });
@@ -87,8 +116,23 @@ std::unique_ptr<Job> expatLoad(const char *file)
 
 const Register kelto2000("W6/2000", kelto, [] { return keltoLoad("messages-2000.xlf", 2000); });
 const Register kelto20000("W6/20000", kelto, [] { return keltoLoad("messages-20000.xlf", 20000); });
+const Register compiled2000("W6c/2000", kelto, [] { return compiledLoad("messages-2000.xlf", 2000); });
+const Register compiled20000("W6c/20000", kelto, [] { return compiledLoad("messages-20000.xlf", 20000); });
 const Register expat2000("W6/2000", "expat", [] { return expatLoad("messages-2000.xlf"); });
 const Register expat20000("W6/20000", "expat", [] { return expatLoad("messages-20000.xlf"); });
+
+#ifdef KELTO_BENCH_CATGETS
+
+const Register catopen2000("W6c/2000", "catopen", [] {
+    return job([path = catalog("kelto-bench.cat"), text = std::string()]() mutable {
+        const nl_catd messages = catopen(path.c_str(), 0);
+        const bool complete = *catgets(messages, 1, 2000, "") != '\0';
+        catclose(messages);
+        return answer(text, complete ? 2000 : -1);
+    });
+});
+
+#endif
 
 } // namespace
 } // namespace bench

@@ -16,6 +16,8 @@ std::vector<bench::Work> listWorks()
         {"W5/20", "look one message up among 2,000, 20 catalogs open, in the oldest", 50000, "160"},
         {"W6/2000", "load 2,000 messages (250 kB)", 1, "1.08 expat", "1.15 expat"},
         {"W6/20000", "load 20,000 messages (2.5 MB)", 1, "1.08 expat", "1.15 expat"},
+        {"W6c/2000", "load 2,000 messages, compiled and checked", 1, "45000"},
+        {"W6c/20000", "load 20,000 messages, compiled and checked", 1, "400000"},
         {"W7/in/42B", "UTF-8 to UCS-2, 42 bytes of mixed scripts", 1000, "1.05 ICU bare"},
         {"W7/out/42B", "UCS-2 to UTF-8, 42 bytes of mixed scripts", 1000, "1.05 ICU bare"},
         {"W7/in/64KiB", "UTF-8 to UCS-2, 64 KiB of mixed scripts", 10, "1.05 ICU bare"},

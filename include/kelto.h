@@ -182,8 +182,40 @@ int KTLoadRawMessages(char *path, MessageTable **table);
 int KTGetMessage(MessageTable *table, unsigned int id, char **message);
 
 /**
- * Walks over the messages that a table has, in the order of their numbers. A step costs no more for a number that is far
- * away, so that a file with few messages and huge numbers is walked through at once.
+ * Writes a loaded table in the form of a compiled catalog, which KTLoadCompiledMessages() and KTLoadCompiledData() load
+ * in a fraction of the time. The same messages give the same bytes whenever they are compiled on one kind of machine.
+ * @param size  in: the capacity of data in bytes; out: the bytes written, or those needed where the result is
+ *              KT_ERR_BUFFER_TOO_SMALL. Untouched by other failures.
+ * @param data  out: the catalog; untouched by failures. Null is allowed with a capacity of 0.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL, KT_ERR_NOT_INITIALIZED or KT_ERR_TABLE_NOT_FOUND.
+ */
+int KTCompileMessages(MessageTable *table, size_t *size, void *data);
+
+/**
+ * Loads a compiled catalog, as KTCompileMessages() writes it. Its table is like any other; whether
+ * placeholders have their positions was decided when the messages were loaded for compiling.
+ * @param path   the file; as in KTLoadMessages().
+ * @param table  out: the handle; null after every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
+ * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE for a file that is no compiled catalog, comes from a machine of
+ *         another byte order or from a newer version of this form, or is damaged: nothing that it says is believed
+ *         before it is checked. (There is no checksum: a changed letter is a changed text.)
+ *
+ *     MessageTable *table;
+ *     int result = KTLoadCompiledMessages("de.ktc", &table);
+ */
+int KTLoadCompiledMessages(const char *path, MessageTable **table);
+
+/**
+ * Loads a compiled catalog that lies in memory, as one that is part of the program. It is copied, and may lie at any
+ * address.
+ * @param size  the bytes of the catalog, all of them and no more.
+ * @return as KTLoadCompiledMessages().
+ */
+int KTLoadCompiledData(const void *data, size_t size, MessageTable **table);
+
+/**
+ * Walks over the messages that a table has, in the order of their numbers. A step costs no more for a number that is
+ * far away, so that a file with few messages and huge numbers is walked through at once.
  * @param after    the number of the message before; 0 for the first one.
  * @param id       out: the number of the next message; 0 when there is none, and on every other failure but
  *                 KT_ERR_NOT_INITIALIZED, which leaves both outputs alone.
@@ -241,8 +273,8 @@ const char *KTMsgCpy(const char *source, char *destination);
 
 /**
  * Reads the product version that a message file declares. Nothing is loaded: the file is read in pieces of 300 bytes up
- * to the one in which the tag of its first "file" element ends, and is not checked beyond being well-formed so far. (The
- * pieces grow only where tags or comments of more than 36 kB would make reading on like this quadratic.)
+ * to the one in which the tag of its first "file" element ends, and is not checked beyond being well-formed so far.
+ * (The pieces grow only where tags or comments of more than 36 kB would make reading on like this quadratic.)
  * @param path     as in KTLoadMessages().
  * @param version  out: room for 20 bytes. The version in UTF-8, at most 19 bytes and a zero byte; the empty text on
  *                 every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.

@@ -36,7 +36,7 @@ constexpr unsigned deepestAnywhere = 100;
 constexpr size_t stackForLevel = 512;
 constexpr size_t stackForRest = 4096;
 
-// A declaration deepens all that referred to it before; entities declared from the bottom up follow no reference at all.
+// A declaration deepens all that referred to it before. From the bottom up, no reference needs to be followed.
 constexpr size_t oftenFollowed = 8;
 
 unsigned deepestOnThisStack()

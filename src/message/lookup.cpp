@@ -1,10 +1,9 @@
 #include "kelto.h"
 #include "lifecycle/state.h"
-#include "message/sparse_index.h"
 #include "message/table_list.h"
+#include "message/table_walk.h"
 #include "platform/scoped.h"
 
-#include <algorithm>
 #include <cstring>
 
 int KTGetMessage(MessageTable *table, unsigned int id, char **message)
@@ -21,24 +20,6 @@ int KTGetMessage(MessageTable *table, unsigned int id, char **message)
     return 0;
 }
 
-namespace
-{
-
-/** The lowest ID above this one that has a message; 0 when there is none. */
-uint32_t nextId(const MessageTable &table, uint32_t after)
-{
-    if (after >= table.msgCount)
-        return 0;
-    if (const kelto::SparseIndex *const index = kelto::SparseIndex::find(&table))
-        return index->next(after);
-    char **const end = table.messages + table.msgCount + 1;
-    char **const found =
-        std::find_if(table.messages + after + 1, end, [](char *message) { return message != nullptr; });
-    return found != end ? static_cast<uint32_t>(found - table.messages) : 0;
-}
-
-} // namespace
-
 int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, char **message)
 {
     if (!kelto::isStarted())
@@ -46,9 +27,10 @@ int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, cha
     *id = 0;
     *message = nullptr;
     const kelto::MutexGuard lock(tableListMutex);
-    if (msgTableList->IsInList(table) == nullptr)
+    kelto::TableWalk walk;
+    if (!walk.start(table))
         return KT_ERR_TABLE_NOT_FOUND;
-    *id = nextId(*table, after);
+    *id = walk.next(after);
     if (*id == 0)
         return KT_ERR_INVALID_MSG_ID;
     *message = table->messages[*id];

@@ -7,6 +7,7 @@
 #define KELTO_MESSAGE_SECOND_PASS_H
 
 #include "kelto.h"
+#include "message/stored_text.h"
 #include "message/structure.h"
 #include "message/table_list.h"
 
@@ -35,9 +36,6 @@ void characterData2(void *state, const char *text, int length);
 
 namespace kelto
 {
-
-/** A message ends with as many zero bytes: see KTMsgLen(). */
-constexpr size_t terminatorBytes = 2;
 
 /** An "x" as it is written; `text` is null where there is nothing to write. */
 struct WrittenPlaceholder

@@ -31,8 +31,8 @@ public:
     /** The lowest ID above this one; 0 when there is none. */
     uint32_t next(uint32_t after) const noexcept;
 
-    /* The indexes of all tables, by handle. The caller holds `tableListMutex`, or nobody else uses the library. An index
-     * that was given more IDs than it has room for is dropped. */
+    /* The indexes of all tables, by handle. The caller holds `tableListMutex`, or nobody else uses the library. An
+     * index that was given more IDs than it has room for is dropped. */
     static void attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept;
     static void detach(const MessageTable *table) noexcept;
     static const SparseIndex *find(const MessageTable *table) noexcept;

@@ -123,6 +123,17 @@ ssize_t readFully(int descriptor, char *to, size_t bytes, uint64_t offset)
     return static_cast<ssize_t>(done);
 }
 
+/** A read as large as this one has nothing from bytes that were read ahead but a copy. */
+int readDirectly(int descriptor, uint64_t *offset, char *to, unsigned long *length)
+{
+    const ssize_t got = readFully(descriptor, to, *length, *offset);
+    if (got <= 0)
+        return got < 0 ? ZEL_ERR_READ : ZEL_ERR_END_OF_FILE;
+    *length = static_cast<unsigned long>(got);
+    *offset += *length;
+    return 0;
+}
+
 /** Hands out buffered bytes; fewer than asked only where the buffer ends. */
 size_t takeBuffered(OpenFile &file, char *to, size_t bytes)
 {
@@ -181,6 +192,8 @@ int ZEL_FileRead(void *handle, uint64_t *offset, void *buffer, unsigned long *le
 {
     auto &file = *static_cast<OpenFile *>(handle);
     auto *to = static_cast<char *>(buffer);
+    if (*length >= readAheadBytes)
+        return readDirectly(file.descriptor, offset, to, length);
     if (*offset != file.bufferOffset)
     {
         file.bufferOffset = *offset;

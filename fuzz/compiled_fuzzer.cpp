@@ -1,0 +1,100 @@
+// An input is a compiled catalog. It is loaded from memory and as a file, with the same answer; every text of one that is
+// accepted lies in its block, and the table compiled again is what it was.
+
+#include "kelto.h"
+#include "message/table_list.h"
+#include "support/fake_zel.h"
+#include "support/require.h"
+
+#include <vector>
+
+namespace
+{
+
+char path[] = "messages.ktc";
+constexpr uint64_t largestBlock = uint64_t{16} << 20; // more is refused, as where memory has run out
+
+/** The sizes of the blocks that were asked for: the table, its name and version, its messages. */
+std::vector<uint64_t> blocksAskedFor()
+{
+    std::vector<uint64_t> sizes;
+    for (const Call &call : FakeZel::calls())
+        if (call.operation == Operation::Malloc)
+            sizes.push_back(call.number);
+    return sizes;
+}
+
+/** All that a table holds. */
+std::string readAll(MessageTable *table)
+{
+    const char *const block = reinterpret_cast<char *>(table->messages);
+    const char *const end = block + blocksAskedFor().at(3);
+    std::string all = table->language + std::string(table->country) + table->productName + table->productVersion;
+    unsigned id = 0;
+    char *message = nullptr;
+    while (KTNextMessage(table, id, &id, &message) == 0)
+    {
+        const int length = KTMsgLen(message);
+        require(message > block && message + length + 2 <= end, "a message lies in its block");
+        all += std::to_string(id) + "=" + std::string(message, static_cast<size_t>(length));
+    }
+    return all;
+}
+
+std::vector<char> compile(MessageTable *table)
+{
+    size_t size = 0;
+    require(KTCompileMessages(table, &size, nullptr) == KT_ERR_BUFFER_TOO_SMALL, "a catalog tells its size");
+    std::vector<char> data(size);
+    require(KTCompileMessages(table, &size, data.data()) == 0, "a catalog fits where it says so");
+    return data;
+}
+
+struct Answer
+{
+    int result;
+    std::string messages;
+    std::vector<char> compiled;
+};
+
+/** Loads a catalog; from the file where there is no data. */
+Answer load(const std::vector<char> *data)
+{
+    MessageTable *table = nullptr;
+    const Outstanding before = FakeZel::outstanding();
+    FakeZel::record();
+    Answer answer = {data != nullptr ? KTLoadCompiledData(data->data(), data->size(), &table)
+                                     : KTLoadCompiledMessages(path, &table)};
+    require((table == nullptr) == (answer.result != 0), "a failure gives no table");
+    if (answer.result == 0)
+    {
+        answer.messages = readAll(table);
+        answer.compiled = compile(table);
+        require(KTFreeMessages(table) == 0, "a table is released");
+    }
+    else
+    {
+        const std::vector<uint64_t> blocks = blocksAskedFor();
+        const bool hasRefused = !blocks.empty() && blocks.back() > largestBlock;
+        require(answer.result == (hasRefused ? KT_ERR_NO_MEMORY : KT_ERR_BAD_MSG_FILE),
+                "a catalog is refused by its code");
+    }
+    require(FakeZel::outstanding() == before, "nothing is left behind");
+    return answer;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    [[maybe_unused]] static const int started = KTInit();
+    FakeZel::reset();
+    FakeZel::refuseAbove(largestBlock);
+    const std::vector<char> input(data, data + size); // a block of just this size
+    FakeZel::file(path, {input.begin(), input.end()});
+    const Answer answer = load(&input), fromFile = load(nullptr);
+    require(fromFile.result == answer.result && fromFile.messages == answer.messages, "a file is what its bytes are");
+    if (answer.result == 0)
+        require(load(&answer.compiled).messages == answer.messages, "a table compiled again is what it was");
+    return 0;
+}
