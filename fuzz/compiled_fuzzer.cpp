@@ -63,8 +63,9 @@ Answer load(const std::vector<char> *data)
     MessageTable *table = nullptr;
     const Outstanding before = FakeZel::outstanding();
     FakeZel::record();
-    Answer answer = {data != nullptr ? KTLoadCompiledData(data->data(), data->size(), &table)
-                                     : KTLoadCompiledMessages(path, &table)};
+    Answer answer = {};
+    answer.result =
+        data != nullptr ? KTLoadCompiledData(data->data(), data->size(), &table) : KTLoadCompiledMessages(path, &table);
     require((table == nullptr) == (answer.result != 0), "a failure gives no table");
     if (answer.result == 0)
     {

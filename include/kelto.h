@@ -192,7 +192,7 @@ int KTGetMessage(MessageTable *table, unsigned int id, char **message);
 int KTCompileMessages(MessageTable *table, size_t *size, void *data);
 
 /**
- * Loads a compiled catalog, as KTCompileMessages() writes it. Its table is like any other; whether
+ * Loads a compiled catalog, as `kelto compile` and KTCompileMessages() write it. Its table is like any other; whether
  * placeholders have their positions was decided when the messages were loaded for compiling.
  * @param path   the file; as in KTLoadMessages().
  * @param table  out: the handle; null after every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.

@@ -21,7 +21,7 @@ namespace
 {
 
 constexpr const Subcommand *subcommands[] = {
-    &formatSubcommand, &listSubcommand, &versionSubcommand, &checkSubcommand, &convertSubcommand,
+    &formatSubcommand, &listSubcommand, &versionSubcommand, &checkSubcommand, &compileSubcommand, &convertSubcommand,
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]

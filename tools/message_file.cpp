@@ -37,12 +37,34 @@ void Library::require() const
         throw Failure(meaningOf(m_result));
 }
 
+// That a file is no compiled catalog shows with its first bytes.
 MessageFile::MessageFile(const std::string &path, Placeholders placeholders) : m_path(path)
 {
     const auto load = placeholders == Placeholders::raw ? KTLoadRawMessages : KTLoadMessages;
-    const int result = load(m_path.data(), &m_table);
+    int result = KTLoadCompiledMessages(m_path.c_str(), &m_table);
+    if (result == KT_ERR_BAD_MSG_FILE)
+        result = load(m_path.data(), &m_table);
     if (result != 0)
         throw fileFailure(path, result);
+}
+
+KTTableFacts MessageFile::facts() const
+{
+    KTTableFacts facts{};
+    facts.structSize = sizeof facts;
+    KTTableInfo(m_table, &facts);
+    return facts;
+}
+
+std::string MessageFile::compiled() const
+{
+    size_t size = 0;
+    KTCompileMessages(m_table, &size, nullptr);
+    std::string catalog(size, '\0');
+    const int result = KTCompileMessages(m_table, &size, catalog.data());
+    if (result != 0)
+        throw fileFailure(m_path, result);
+    return catalog;
 }
 
 std::string MessageFile::message(unsigned id) const
@@ -59,8 +81,7 @@ std::string MessageFile::message(unsigned id) const
 const char *MessageFile::messageBehind(unsigned &id) const
 {
     char *text = nullptr;
-    while (text == nullptr && KTGetMessage(m_table, ++id, &text) == 0)
-        ;
+    KTNextMessage(m_table, id, &id, &text);
     return text;
 }
 
@@ -81,6 +102,22 @@ Failure MessageFile::noSuchMessage(unsigned id) const
     const std::string why = count == 1 ? say(Text::onlyId, {id, lowest}) : say(text, {id, lowest, highest});
     const bool isInRange = 0 < id && id <= highest;
     return Failure(file + ": " + why + (isInRange ? "" : nameOf(KT_ERR_INVALID_MSG_ID)) + hint("kelto list " + file));
+}
+
+std::string productVersion(const std::string &path)
+{
+    constexpr size_t versionRoom = 20;
+    char version[versionRoom];
+    std::string name = path; // the library takes it without const
+    MessageTable *catalog = nullptr;
+    int result = KTLoadCompiledMessages(path.c_str(), &catalog);
+    if (result == 0)
+        return MessageFile(catalog).facts().productVersion;
+    if (result == KT_ERR_BAD_MSG_FILE)
+        result = KTGetMsgFileVer(name.data(), version);
+    if (result != 0)
+        throw fileFailure(path, result);
+    return version;
 }
 
 Failure fileFailure(const std::string &path, int result)

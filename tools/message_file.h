@@ -28,6 +28,7 @@ private:
     int m_result;
 };
 
+/** A message file, or a compiled catalog, whose placeholders are as they were compiled. */
 class MessageFile
 {
 public:
@@ -38,9 +39,17 @@ public:
     };
 
     explicit MessageFile(const std::string &path, Placeholders placeholders = Placeholders::positioned);
+    /** Takes over a table that is loaded. */
+    explicit MessageFile(MessageTable *table) : m_table(table) {}
     ~MessageFile() { KTFreeMessages(m_table); }
     MessageFile(const MessageFile &) = delete;
     MessageFile &operator=(const MessageFile &) = delete;
+
+    /** What the file says of itself; its texts are the file's. */
+    KTTableFacts facts() const;
+
+    /** The messages as a compiled catalog. */
+    std::string compiled() const;
 
     /** The message of this number. */
     std::string message(unsigned id) const;
@@ -62,6 +71,9 @@ private:
     MessageTable *m_table = nullptr;
     std::string m_path;
 };
+
+/** The product version of a message file, of which no more is read than that needs, or of a compiled catalog. */
+std::string productVersion(const std::string &path);
 
 /** A failure of the library to read a message file, with the reason that it does not tell. */
 Failure fileFailure(const std::string &path, int result);

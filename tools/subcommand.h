@@ -32,6 +32,7 @@ extern const Subcommand listSubcommand;
 extern const Subcommand versionSubcommand;
 extern const Subcommand convertSubcommand;
 extern const Subcommand checkSubcommand;
+extern const Subcommand compileSubcommand;
 
 } // namespace tool
 

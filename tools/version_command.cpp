@@ -1,6 +1,5 @@
 #include "charset.h"
 #include "command_line.h"
-#include "kelto.h"
 #include "message_file.h"
 #include "output.h"
 #include "terminal.h"
@@ -10,23 +9,11 @@ namespace tool
 namespace
 {
 
-constexpr size_t versionRoom = 20;
-
-std::string versionOf(const std::string &file)
-{
-    std::string path = file; // the library takes it without const
-    char version[versionRoom];
-    const int result = KTGetMsgFileVer(path.data(), version);
-    if (result != 0)
-        throw fileFailure(path, result);
-    return utf8(terminal().escaped(ucs2FromUtf8(version)));
-}
-
 ExitStatus run(CommandLine &line)
 {
     const Words files = line.files();
     return forEachFile(files, [&](const std::string &file) {
-        const std::string version = versionOf(file);
+        const std::string version = utf8(terminal().escaped(ucs2FromUtf8(productVersion(file))));
         printText((files.size() == 1 ? "" : terminal().showBytes(file) + ": ") + version + "\n");
     });
 }

@@ -6,6 +6,7 @@ _kelto_options() {
     format) echo '--tag --charset= --help' ;;
     list) echo '--raw --help' ;;
     version) echo '--help' ;;
+    compile) echo '--output= --raw --help' ;;
     check)
         echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
             --explain= --help -Werror'
@@ -20,7 +21,7 @@ _kelto_kind() {
     check:--format) echo form ;;
     check:--color) echo when ;;
     check:--explain) echo rule ;;
-    check:-r | check:--reference | check:-o | check:--output) echo file ;;
+    compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output) echo file ;;
     check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
@@ -41,7 +42,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'format list version check convert --help --version' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W 'format list version check compile convert --help --version' -- "$word")
         return
     fi
 
