@@ -161,11 +161,11 @@ private:
 
     void append(const NarrowText &text) noexcept
     {
-        if (text.count == 0)
+        if (text.count == 0 || isOver(text.count))
             return;
         if (text.characters == nullptr) // only counted: the number as a whole does not fit
             m_isTruncated = true;
-        if (isOver(text.count) || !claim(isUTF8 ? text.count + text.beyondAscii : text.count))
+        if (!claim(isUTF8 ? text.count + text.beyondAscii : text.count))
             return;
         const char *const end = text.characters + text.count;
         if (isUTF8 && text.beyondAscii > 0)

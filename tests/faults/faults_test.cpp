@@ -18,6 +18,8 @@ namespace
 {
 
 char messagePath[] = "/tmp/kelto-faults-XXXXXX";
+char compiledPath[] = "/tmp/kelto-faults-XXXXXX";
+std::string compiled;
 constexpr char eucJp[] = "EUC-JP";
 constexpr char text[] = "a\xA4\xA2"
                         "b";
@@ -149,6 +151,8 @@ const Row rows[] = {
     {"start", 6, {KT_ERR_NOT_INITIALIZED}, KTInit, true},
     // Opening; a parser and four reads, twice; the table and its texts, the block and a working copy, the list's item.
     {"load", 16, fileFailures, [] { return KTLoadMessages(messagePath, &got.table); }},
+    {"compiled file", 13, {KT_ERR_FILE_NOT_OPENED}, [] { return KTLoadCompiledMessages(compiledPath, &got.table); }},
+    {"compiled data", 5, {}, [] { return KTLoadCompiledData(compiled.data(), compiled.size(), &got.table); }},
     {"version", 3, fileFailures, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }},
     {"copy of the form table", 1, {}, [] { return KTGetBuiltInFormTable(3, &got.copy); }},
     {"records of a format, ten and then twenty",
@@ -191,17 +195,33 @@ int lowestFreeDescriptor()
     return descriptor;
 }
 
+void writeFile(char *path, const std::string &bytes)
+{
+    const int file = mkstemp(path);
+    ASSERT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    close(file);
+}
+
 class Faults : public testing::TestWithParam<Row>
 {
 protected:
     static void SetUpTestSuite()
     {
-        const int file = mkstemp(messagePath);
         const std::string xml = MessageFile().unit(2, placeholder("%s", "1"), note(std::string(700, 'n'))).xml();
-        ASSERT_EQ(write(file, xml.data(), xml.size()), static_cast<ssize_t>(xml.size()));
-        close(file);
+        writeFile(messagePath, xml);
+        MessageTable *table = nullptr;
+        size_t size = 0;
+        ASSERT_EQ(KTInit() + KTLoadMessages(messagePath, &table), 0);
+        ASSERT_EQ(KTCompileMessages(table, &size, nullptr), KT_ERR_BUFFER_TOO_SMALL);
+        compiled.resize(size);
+        ASSERT_EQ(KTCompileMessages(table, &size, compiled.data()) + KTClean(), 0);
+        writeFile(compiledPath, compiled);
     }
-    static void TearDownTestSuite() { unlink(messagePath); }
+    static void TearDownTestSuite()
+    {
+        unlink(messagePath);
+        unlink(compiledPath);
+    }
 
     void SetUp() override
     {
