@@ -96,6 +96,17 @@ TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
     EXPECT_EQ(formatted(prepare("%s[1]%U[2]."), {KT_UTF8N(nullptr, 5), KT_UCS2N(u"a\0b", 3)}), "a.");
 }
 
+TEST_F(Prepared, WritesNothingOfALongNumberThatDoesNotFitAsAWhole)
+{
+    const KTArgument arguments[] = {KT_DOUBLE(1.5)};
+    UCS2 out[1150]; // room for its digits, but not for the zeros behind the 1074th
+    size_t size = std::size(out);
+    EXPECT_EQ(KTFormatPrepared(prepare("%.1200f[1]").get(), 0, nullptr, &size, out, arguments, 1),
+              KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, 1202U);
+    EXPECT_EQ(formatted(prepare("a%c[1]%.1200f[2]"), {KT_CHAR(0), KT_DOUBLE(1.5)}), "a") << "ended before it";
+}
+
 TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
 {
     static const int types[] = {KT_ARG_POINTER, 9, KT_ARG_UNSIGNED, KT_ARG_END};
