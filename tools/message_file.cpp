@@ -78,13 +78,6 @@ std::string MessageFile::message(unsigned id) const
     return text;
 }
 
-const char *MessageFile::messageBehind(unsigned &id) const
-{
-    char *text = nullptr;
-    KTNextMessage(m_table, id, &id, &text);
-    return text;
-}
-
 Failure MessageFile::noSuchMessage(unsigned id) const
 {
     unsigned lowest = 0;

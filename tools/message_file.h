@@ -58,14 +58,12 @@ public:
     template <typename Work> void forEachMessage(Work work) const
     {
         unsigned id = 0;
-        while (const char *const text = messageBehind(id))
+        char *text = nullptr;
+        while (KTNextMessage(m_table, id, &id, &text) == 0)
             work(id, std::string(text));
     }
 
 private:
-    /** The message with the next number, which becomes the id; null where none remains. */
-    const char *messageBehind(unsigned &id) const;
-
     Failure noSuchMessage(unsigned id) const;
 
     MessageTable *m_table = nullptr;
