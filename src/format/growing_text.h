@@ -58,8 +58,7 @@ public:
         if (!m_isTruncated)
         {
             const size_t written = std::min<size_t>(count, m_capacity - m_total - 1);
-            std::memcpy(m_next, units, written * sizeof(Unit));
-            m_next += written;
+            m_next = copyFew(units, written, m_next);
             m_isTruncated = written < count;
         }
         addToTotal(count);
@@ -126,6 +125,17 @@ private:
     {
         if (m_capacity > 0)
             *where = 0;
+    }
+
+    /** Most literal text between two conversions is a few units, less than a call costs. */
+    static Unit *copyFew(const Unit *units, size_t count, Unit *out) noexcept
+    {
+        constexpr size_t few = 8;
+        if (count > few)
+            return std::copy_n(units, count, out);
+        for (size_t i = 0; i < count; ++i)
+            out[i] = units[i];
+        return out + count;
     }
 
     /** Counts units, and tells whether they are to be written. */

@@ -1,5 +1,6 @@
 #include "format/formatters/floating_point.h"
 
+#include "format/formatters/integer.h"
 #include "format/slot_value.h"
 #include "lifecycle/state.h"
 
@@ -40,6 +41,11 @@ constexpr uint64_t powerOfTen(int exponent)
     return exponent == 0 ? 1 : 10 * powerOfTen(exponent - 1);
 }
 
+constexpr uint64_t powers[] = {powerOfTen(0),  powerOfTen(1),  powerOfTen(2),  powerOfTen(3),  powerOfTen(4),
+                               powerOfTen(5),  powerOfTen(6),  powerOfTen(7),  powerOfTen(8),  powerOfTen(9),
+                               powerOfTen(10), powerOfTen(11), powerOfTen(12), powerOfTen(13), powerOfTen(14),
+                               powerOfTen(15), powerOfTen(16), powerOfTen(17), powerOfTen(18), powerOfTen(19)};
+
 /**
  * A number times a power of ten, rounded to an integer, ties to even. It is computed exactly: a double is an integer of
  * 53 bits over a power of two, and the product fits 128 bits.
@@ -49,10 +55,6 @@ constexpr uint64_t powerOfTen(int exponent)
  */
 bool scale(double value, int places, uint64_t &scaled)
 {
-    static constexpr uint64_t powers[] = {
-        powerOfTen(0),  powerOfTen(1),  powerOfTen(2),  powerOfTen(3),  powerOfTen(4),  powerOfTen(5),  powerOfTen(6),
-        powerOfTen(7),  powerOfTen(8),  powerOfTen(9),  powerOfTen(10), powerOfTen(11), powerOfTen(12), powerOfTen(13),
-        powerOfTen(14), powerOfTen(15), powerOfTen(16), powerOfTen(17), powerOfTen(18), powerOfTen(19)};
     constexpr int fractionBits = DBL_MANT_DIG - 1;
     uint64_t bits;
     std::memcpy(&bits, &value, sizeof bits);
@@ -106,17 +108,14 @@ bool Rendering::renderQuickly(int flags, int precision, double value) noexcept
         return false;
     char *const end = m_usual + usualSize;
     char *at = end;
-    const auto prependDigit = [&] {
-        *--at = static_cast<char>('0' + scaled % 10);
-        scaled /= 10;
-    };
-    for (int place = 0; place < precision; ++place)
-        prependDigit();
     if (precision > 0)
+    {
+        at = writeDecimal(end, scaled % powers[precision]);
+        while (at != end - precision)
+            *--at = '0';
         *--at = '.';
-    do
-        prependDigit();
-    while (scaled != 0);
+    }
+    at = writeDecimal(at, scaled / powers[precision]);
     m_digits = {at, static_cast<uint64_t>(end - at)};
     return true;
 }

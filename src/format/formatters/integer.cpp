@@ -32,7 +32,12 @@ char *writePair(char *end, uint64_t value)
     return static_cast<char *>(std::memcpy(end - 2, pairs.digits + 2 * value, 2));
 }
 
-char *writeDecimal(char *end, uint64_t value)
+} // namespace
+
+namespace kelto
+{
+
+char *writeDecimal(char *end, uint64_t value) noexcept
 {
     for (; value >= 100; value /= 100)
         end = writePair(end, value % 100);
@@ -41,6 +46,13 @@ char *writeDecimal(char *end, uint64_t value)
     *--end = static_cast<char>('0' + value);
     return end;
 }
+
+} // namespace kelto
+
+namespace
+{
+
+using kelto::writeDecimal;
 
 /** Digits of `bits` bits each. */
 template <typename ToDigit> char *writeBits(char *end, uint64_t value, int bits, ToDigit toDigit)

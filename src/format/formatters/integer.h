@@ -14,6 +14,9 @@
 namespace kelto
 {
 
+/** Writes decimal digits up to `end`, 20 at most. @return where they begin. */
+char *writeDecimal(char *end, uint64_t value) noexcept;
+
 /** An integer as 8-bit text: a '-' where it is negative, and its digits. */
 class IntegerText
 {
