@@ -230,7 +230,12 @@ TEST(StoppedLibrary, RefusesWhatUsesSharedStateAndWritesNothing)
         {"by pointers", [] { return KTvpFormatString(nullptr, false, &units, text, format, none); }},
         {"load", [] { return KTLoadMessages(path, &table); }},
         {"load raw", [] { return KTLoadRawMessages(path, &table); }},
+        {"load compiled", [] { return KTLoadCompiledMessages(path, &table); }},
+        {"load data", [] { return KTLoadCompiledData(path, sizeof path, &table); }},
+        {"compile", [] { return KTCompileMessages(noTable, &units, nullptr); }},
         {"get", [] { return KTGetMessage(noTable, 1, &message); }},
+        {"next", [] { return KTNextMessage(noTable, 0, nullptr, &message); }},
+        {"info", [] { return KTTableInfo(noTable, nullptr); }},
         {"free", [] { return KTFreeMessages(noTable); }},
         {"version", [] { return KTGetMsgFileVer(path, version); }},
     };

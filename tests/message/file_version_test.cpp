@@ -1,8 +1,6 @@
 #include "message/file_version.h"
 
 #include "message/loading.h"
-#include "platform/zel.h"
-#include "support/fault_loop.h"
 
 namespace
 {
@@ -55,9 +53,6 @@ TEST_F(FileVersionTest, GivesTheVersionOfTheFirstFileElement)
         {"an ordinary file", withVersion("1.0"), {0, "1.0"}},
         {"19 bytes", withVersion(longest), {0, longest}},
         {"20 bytes", withVersion(longest + "9"), noVersion},
-        {"19 bytes of UTF-8",
-         withVersion("1\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9"),
-         {0, "1\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9"}},
         {"empty", withVersion(""), noVersion},
         {"none", MessageFile().without("product-version").xml(), noVersion},
         {"no such element", "<xliff/>", noVersion},
@@ -83,24 +78,6 @@ TEST_F(FileVersionTest, ReadsNoFurtherThanTheChunkOfTheElement)
               (Answer{0, "7"}));
     EXPECT_EQ(FakeZel::count(Operation::FileRead), 2u);
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 0u);
-}
-
-TEST_F(FileVersionTest, ReportsEveryFailureWithAnEmptyVersion)
-{
-    FakeZel::file(memoryPath, "<a>" + std::string(700, ' ') + "<file product-version='7'/></a>");
-    char version[20];
-    FaultLoop loop;
-    loop.prepare = [&] { version[0] = '?'; };
-    loop.call = [&] { return KTGetMsgFileVer(memoryPath, version); };
-    loop.afterFailure = [&] { EXPECT_STREQ(version, ""); };
-    loop.afterSuccess = [&] { EXPECT_STREQ(version, "7"); };
-    EXPECT_EQ(loop.run(), 1u + 1 + 3);
-    for (const auto &[platform, result] :
-         {std::pair{ZEL_ERR_FILE_ACCESS, KT_ERR_FILE_NOT_OPENED}, {ZEL_ERR_FILE_MISSING, KT_ERR_FILE_UNAVAILABLE}})
-    {
-        FakeZel::fail(Operation::FileOpen, 1, platform);
-        EXPECT_EQ(loop.call(), result);
-    }
 }
 
 } // namespace

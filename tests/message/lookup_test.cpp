@@ -1,7 +1,5 @@
 #include "message/loading.h"
-
-#include <cstring>
-#include <thread>
+#include "support/guarded.h"
 
 namespace
 {
@@ -62,10 +60,10 @@ TEST_F(LookupTest, WalksFromMessageToMessage)
     {
         std::string xml, all;
     };
-    for (const Row &row : {Row{MessageFile().xml(), ""},
-                           {MessageFile().unit(5, "b").unit(2, "a").unit(6, "").xml(), "2=a 5=b 6= "},
-                           {MessageFile().unit(4194304, "c").unit(1, "a").unit(4194303, "b").xml(),
-                            "1=a 4194303=b 4194304=c "}})
+    for (const Row &row :
+         {Row{MessageFile().xml(), ""},
+          {MessageFile().unit(5, "b").unit(2, "a").unit(6, "").xml(), "2=a 5=b 6= "},
+          {MessageFile().unit(4194304, "c").unit(1, "a").unit(4194303, "b").xml(), "1=a 4194303=b 4194304=c "}})
     {
         MessageTable *const table = loadTable(row.xml), *const other = loadTable(row.xml);
         EXPECT_EQ(KTFreeMessages(other), 0);
@@ -115,62 +113,18 @@ TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
     }
 }
 
-TEST(Lookup, RefusesWhileTheLibraryIsStoppedAndWritesNothing)
-{
-    char *message = marker;
-    auto *const untouched = reinterpret_cast<MessageTable *>(0x10);
-    MessageTable *table = untouched;
-    char version[20] = "untouched";
-    EXPECT_EQ(KTGetMessage(nullptr, 1, &message), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTFreeMessages(nullptr), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTNextMessage(nullptr, 0, nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTTableInfo(nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTLoadMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTLoadRawMessages(memoryPath, &table), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTGetMsgFileVer(memoryPath, version), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(message, marker);
-    EXPECT_EQ(table, untouched);
-    EXPECT_STREQ(version, "untouched");
-}
-
 TEST(StoredText, EndsAtTwoZeroBytesInARow)
 {
     for (const std::string &text : {std::string(), std::string("abc"), std::string("a\0b", 3), std::string("\0a", 2),
                                     std::string("a\0b\0c", 5), std::string(1000, 'x')})
     {
-        const std::vector<char> source = [&] {
-            std::vector<char> bytes(text.begin(), text.end());
-            bytes.insert(bytes.end(), {'\0', '\0'});
-            return bytes;
-        }();
-        std::vector<char> copy(source.size(), 'z'); // a heap block of just this size
+        std::vector<char> source(text.begin(), text.end());
+        source.insert(source.end(), {'\0', '\0'});
+        Guarded<char> copy(source.size());
         EXPECT_EQ(static_cast<size_t>(KTMsgLen(source.data())), text.size());
         EXPECT_EQ(KTMsgCpy(source.data(), copy.data()), source.data() + text.size());
-        EXPECT_EQ(copy, source);
+        EXPECT_TRUE(std::equal(source.begin(), source.end(), copy.data()));
     }
-}
-
-TEST_F(LookupTest, LetsThreadsLoadReadAndReleaseAtOnce)
-{
-    MessageTable *const shared = loadTable(MessageFile().unit(1, "shared").xml());
-    const auto work = [&] {
-        for (int i = 0; i < 20; ++i)
-        {
-            MessageTable *own = nullptr;
-            char *message = nullptr;
-            ASSERT_EQ(KTLoadMessages(memoryPath, &own), 0);
-            ASSERT_EQ(KTGetMessage(shared, 1, &message), 0);
-            ASSERT_STREQ(message, "shared");
-            ASSERT_EQ(KTGetMessage(own, 1, &message), 0);
-            ASSERT_STREQ(message, "shared");
-            ASSERT_EQ(KTFreeMessages(own), 0);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back(work);
-    for (std::thread &thread : threads)
-        thread.join();
 }
 
 } // namespace
