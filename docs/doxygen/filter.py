@@ -78,7 +78,7 @@ def reference(found):
 
 def plain(line):
     """A line of running text in which nothing but the commands in use has a meaning to Doxygen."""
-    line = hidden(line, r"@(?!(?:param|return)\b)|[\\%<>#]")
+    line = hidden(line, r"@(?!(?:param|return|file|tparam)\b)|[\\%<>#]")
     return re.sub(r"docs/[\w-]+\.md", reference, line)
 
 
@@ -125,6 +125,9 @@ def main(path):
         text = page(path, text)
     elif path.endswith("kelto.h"):
         text = header(text)
+    else:
+        text = COMMENT.sub(lambda found: f"/*{found[1]}{comment_text(found[2])}*/" if found[1] else found[0], text)
+        text += "/** @namespace kelto\nThe layer for C++; @ref page-docs-cpp-md is its guide. */\n"
     sys.stdout.write(text)
 
 
