@@ -1,5 +1,5 @@
-# Message files in the build of a project. The program kelto, which does the work, is that of the package; a project that
-# is cross-compiled sets KELTO_PROGRAM to one that runs on the machine that builds.
+# Message files in the build of a project. The program kelto, which does the work, is that of the package; a project
+# that is cross-compiled sets KELTO_PROGRAM to one that runs on the machine that builds.
 
 include_guard()
 
@@ -17,8 +17,8 @@ endfunction()
 # kelto_check_messages([NAME <name>] [REFERENCE <file>] FILES <file>... [OPTIONS <option>...])
 #
 # Checks message files whenever they have changed, which stops the build where there are errors, and adds a test that
-# checks them. Both are called <name>, or else check_messages. With a reference the files are compared with it. The options
-# are those of `kelto check`, as -Werror or --form size=uint.
+# checks them. Both are called <name>, or else check_messages. With a reference the files are compared with it. The
+# options are those of `kelto check`, as -Werror or --form size=uint.
 function(kelto_check_messages)
   cmake_parse_arguments(PARSE_ARGV 0 check "" "NAME;REFERENCE" "FILES;OPTIONS")
   if(check_UNPARSED_ARGUMENTS OR NOT check_FILES)
@@ -93,4 +93,33 @@ function(kelto_compile_messages)
   endforeach()
   add_custom_target(${compile_NAME} ALL DEPENDS ${catalogs})
   set(${compile_NAME}_CATALOGS "${catalogs}" PARENT_SCOPE)
+endfunction()
+
+# kelto_generate_messages(<target> SOURCE <file> [HEADER <name>] [NAMESPACE <name>] [OPTIONS <option>...])
+#
+# Makes a header of a message file, as `kelto gen` does, whenever the file has changed, and lets the target include it.
+# The header is <file>_messages.hpp if it is not named.
+function(kelto_generate_messages target)
+  cmake_parse_arguments(PARSE_ARGV 1 generate "" "SOURCE;HEADER;NAMESPACE" "OPTIONS")
+  if(generate_UNPARSED_ARGUMENTS OR NOT generate_SOURCE)
+    message(FATAL_ERROR "kelto_generate_messages(target SOURCE file [HEADER name] [NAMESPACE name] [OPTIONS option...])")
+  endif()
+  if(NOT generate_HEADER)
+    get_filename_component(name "${generate_SOURCE}" NAME_WE)
+    set(generate_HEADER "${name}_messages.hpp")
+  endif()
+  if(generate_NAMESPACE)
+    list(APPEND generate_OPTIONS --namespace "${generate_NAMESPACE}")
+  endif()
+  _kelto_find_program(program)
+  set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}_messages")
+  file(MAKE_DIRECTORY "${folder}")
+  get_filename_component(source "${generate_SOURCE}" ABSOLUTE)
+  add_custom_command(OUTPUT "${folder}/${generate_HEADER}"
+    COMMAND ${program} gen ${generate_OPTIONS} -o "${folder}/${generate_HEADER}" "${source}"
+    DEPENDS "${source}" ${program}
+    COMMENT "Making ${generate_HEADER} of ${generate_SOURCE}"
+    VERBATIM)
+  target_sources(${target} PRIVATE "${folder}/${generate_HEADER}")
+  target_include_directories(${target} PRIVATE "${folder}")
 endfunction()

@@ -21,7 +21,8 @@ namespace
 {
 
 constexpr const Subcommand *subcommands[] = {
-    &formatSubcommand, &listSubcommand, &versionSubcommand, &checkSubcommand, &compileSubcommand, &convertSubcommand,
+    &formatSubcommand, &listSubcommand,    &versionSubcommand, &checkSubcommand,
+    &genSubcommand,    &compileSubcommand, &convertSubcommand,
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]

@@ -33,6 +33,7 @@ extern const Subcommand versionSubcommand;
 extern const Subcommand convertSubcommand;
 extern const Subcommand checkSubcommand;
 extern const Subcommand compileSubcommand;
+extern const Subcommand genSubcommand;
 
 } // namespace tool
 

@@ -1,6 +1,7 @@
-"""Whether `kelto check` does what its page shows, and its documents are what their schemas say.
+"""Whether `kelto check` and `kelto gen` do what their pages show, and documents are what their schemas say.
 
-    pages.py KELTO ROOT [--update]     --update writes what the commands print, and the rules, into the page
+    pages.py check KELTO ROOT [--update]             --update writes what the commands print, and the rules, into the page
+    pages.py gen KELTO ROOT LIBRARY [--update]
 
 Blocks under a line `NAME`: are files; in blocks of the console each line "$ COMMAND" is followed by what it prints.
 """
@@ -14,8 +15,8 @@ import tempfile
 
 import jsonschema
 
-kelto, root = sys.argv[1:3]
-page_path = f"{root}/docs/checking.md"
+which, kelto, root = sys.argv[1:4]
+page_path = f"{root}/docs/{dict(check='checking', gen='generating')[which]}.md"
 faults = []
 
 
@@ -64,21 +65,45 @@ def schemas(folder):
             jsonschema.validate(json.loads(output), schema)
 
 
-def build(page, folder):
-    """The project of the page, first with the broken translation, then with a good one."""
+def project(page, folder, before, command):
+    """What a command prints in a project with the lines of the page."""
     snippet = re.search(r"^```cmake\nfind_package.*?\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
     with open(f"{folder}/CMakeLists.txt", "w", encoding="utf-8") as file:
-        file.write(f"cmake_minimum_required(VERSION 3.20)\nproject(user NONE)\nset(KELTO_PROGRAM {kelto})\n"
-                   f"include({root}/cmake/KeltoMessages.cmake)\n{snippet}")
-    command = "cp en.xlf fr.xlf; cmake -S . -B build >log && cmake --build build >>log 2>&1; echo $?; cd build && ctest"
-    broken = run(command, folder)
-    good = run(f"cp en.xlf de.xlf; {command}", folder)
-    if broken.startswith("0") or "0% tests passed" not in broken or not good.startswith("0") or "100%" not in good:
-        faults.append(f"the project of the page:\n{broken}\n{good}\n{read(folder + '/log')}")
+        file.write(f"cmake_minimum_required(VERSION 3.20)\nset(KELTO_PROGRAM {kelto})\n"
+                   f"{before}include({root}/cmake/KeltoMessages.cmake)\n{snippet}")
+    output = run(f"{command}; cmake -S . -B build >log && cmake --build build >>log 2>&1; echo $?; cd build", folder)
+    return output + run("cd build; ctest; ./store", folder), read(f"{folder}/log")
+
+
+def check_page(page, folder):
+    workflow = re.search(r"^```yaml\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
+    if workflow != read(f"{root}/examples/workflows/check-messages.yml"):
+        faults.append("the workflow of the page is not that of the examples")
+    schemas(folder)
+    broken, log = project(page, folder, "project(user NONE)\n", "cp en.xlf fr.xlf")
+    if broken.startswith("0") or "0% tests passed" not in broken:
+        faults.append(f"a broken translation is built: {broken} {log}")
+    good, log = project(page, folder, "project(user NONE)\n", "cp en.xlf de.xlf")
+    if not good.startswith("0") or "100% tests passed" not in good:
+        faults.append(f"good translations are not built: {good} {log}")
+
+
+def gen_page(page, folder):
+    package = (f"project(user CXX)\nadd_library(Kelto::kelto INTERFACE IMPORTED)\ninclude_directories({root}/include)\n"
+               f"target_link_libraries(Kelto::kelto INTERFACE {sys.argv[4]})\n")
+    output, log = project(page, folder, package, "rm store_messages.hpp; mkdir build; cp store.xlf build")
+    if "3 of 4 files copied ( 75%)" not in output:
+        faults.append(f"the project of the page does not run: {output} {log}")
 
 
 with tempfile.TemporaryDirectory() as work:
     page = read(page_path)
+    if which == "gen": # a Kelto that pkg-config finds
+        folder = os.path.dirname(sys.argv[4])
+        with open(f"{work}/kelto.pc", "w", encoding="utf-8") as file:
+            file.write(f"Name: kelto\nDescription: Kelto\nVersion: 1\nCflags: -I{root}/include\n"
+                       f"Libs: -L{folder} -lkelto -Wl,-rpath,{folder}\n")
+        os.environ["PKG_CONFIG_PATH"] = work
     for name, text in re.findall(r"^`([\w./-]+)`:\n\n```\w+\n(.*?)^```$", page, re.DOTALL | re.MULTILINE):
         with open(f"{work}/{name}", "w", encoding="utf-8") as file:
             file.write(text)
@@ -92,11 +117,7 @@ with tempfile.TemporaryDirectory() as work:
         with open(f"{work}/real.md", "w", encoding="utf-8") as file:
             file.write(real)
         faults.append(run(f"diff -u {page_path} real.md", work))
-    workflow = re.search(r"^```yaml\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
-    if workflow != read(f"{root}/examples/workflows/check-messages.yml"):
-        faults.append("the workflow of the page is not that of the examples")
-    schemas(work)
-    build(page, work)
+    {"check": check_page, "gen": gen_page}[which](page, work)
 for fault in faults:
     print(fault)
 sys.exit(bool(faults))

@@ -144,6 +144,12 @@ constexpr RuleRow rows[] = {
      "How much it may cost is limited, so a file that loads today may be refused once it has grown. Write the texts "
      "out.",
      "<!DOCTYPE xliff [<!ENTITY product \"Store\">]>", "<source>Store</source>"},
+    {"bad-name", Severity::error, "a \"resname\" cannot be the name of a function (kelto gen only)",
+     "kelto gen makes a function and a constant of each message, with the name that \"resname\" gives it. A name has "
+     "letters, digits and '_', begins with a letter, is no word of C or C++, and is used once, capital letters aside. "
+     "A "
+     "check does not look at names, which have no meaning for the library.",
+     "<trans-unit id=\"1\" resname=\"class\">", "<trans-unit id=\"1\" resname=\"class_title\">"},
 };
 static_assert(sizeof rows == ruleCount * sizeof(RuleRow));
 

@@ -41,8 +41,9 @@ enum class Rule
     whiteSpace,
     emptyMessage,
     doctype,
+    badName, // of `kelto gen` alone
 };
-constexpr size_t ruleCount = static_cast<size_t>(Rule::doctype) + 1;
+constexpr size_t ruleCount = static_cast<size_t>(Rule::badName) + 1;
 
 enum class Severity
 {

@@ -7,6 +7,7 @@ _kelto_options() {
     list) echo '--raw --help' ;;
     version) echo '--help' ;;
     compile) echo '--output= --raw --help' ;;
+    gen) echo '--output= --namespace= --depfile= --form= --help' ;;
     check)
         echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
             --explain= --help -Werror'
@@ -22,7 +23,8 @@ _kelto_kind() {
     check:--color) echo when ;;
     check:--explain) echo rule ;;
     compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output) echo file ;;
-    check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
+    gen:-o | gen:--output | gen:--depfile) echo file ;;
+    gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
 }
@@ -42,7 +44,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'format list version check compile convert --help --version' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W 'format list version check gen compile convert --help --version' -- "$word")
         return
     fi
 

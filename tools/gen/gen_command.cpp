@@ -1,0 +1,118 @@
+#include "check/checks.h"
+#include "check/writers.h"
+#include "command_line.h"
+#include "gen/header.h"
+#include "gen/names.h"
+#include "output.h"
+#include "terminal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fmt/core.h>
+#include <unistd.h>
+
+namespace tool
+{
+namespace
+{
+
+using namespace check;
+
+/** Writes a whole file; it is not there where that fails. */
+void writeFile(const std::string &path, const std::string &text)
+{
+    std::FILE *const file = std::fopen(path.c_str(), "we");
+    const bool isWritten = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    int error = errno;
+    if (file != nullptr && std::fclose(file) != 0 && isWritten)
+        error = errno;
+    else if (isWritten)
+        return;
+    if (file != nullptr)
+        std::remove(path.c_str());
+    throw OutputFailure(terminal().showBytes(path) + ": " + systemText(error));
+}
+
+/** A path as a rule of make has it. */
+std::string inMake(const std::string &path)
+{
+    std::string escaped;
+    for (const char byte : path)
+    {
+        if (byte == ' ' || byte == '#' || byte == '\\')
+            escaped += '\\';
+        escaped += byte == '$' ? "$$" : std::string(1, byte);
+    }
+    return escaped;
+}
+
+/** Tells the errors of a catalog; how many there are. */
+size_t tellErrors(Findings findings, Catalog &catalog)
+{
+    const std::unique_ptr<Writer> writer =
+        textWriter([](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); },
+                   {Terminal::showsColors(STDERR_FILENO), true, "", nullptr});
+    size_t errors = 0;
+    for (const Diagnostic &diagnostic : report(std::move(findings), catalog.source(), nullptr, Levels()))
+        if (diagnostic.severity == Severity::error)
+        {
+            writer->write(diagnostic);
+            ++errors;
+        }
+    return errors;
+}
+
+ExitStatus run(CommandLine &line)
+{
+    std::string output;
+    std::string nameSpace = "messages";
+    std::string depfile;
+    Words formWords;
+    line.option("-o,--output", "FILE", output, "The header to write");
+    line.option("--namespace", "NAME", nameSpace,
+                "The namespace of the functions, with which the constants begin too; \"messages\" if not given");
+    line.option("--depfile", "FILE", depfile, "Write a rule of make that says what the header is made of");
+    line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
+                 "A conversion of the program's own and its arguments: char, utf8, ucs2, int, uint, double, pointer");
+    const Words files = line.files();
+    if (files.size() > 1)
+        throw line.misuse("a header is made of one file");
+    if (output.empty())
+        throw line.misuse("-o FILE is needed");
+    if (const std::string fault = gen::faultOfName(nameSpace); !fault.empty())
+        throw line.misuse(fmt::format("{} {}", terminal().quote(nameSpace), fault));
+    FormTable forms;
+    for (const std::string &form : formWords)
+        if (const std::string fault = forms.add(form); !fault.empty())
+            throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
+
+    Catalog catalog(SourceText(files[0], readWhole(files[0])), Catalog::Placeholders::positioned);
+    Findings findings = catalog.findings();
+    const Findings others = checkMessages(catalog, forms.get(), nullptr);
+    findings.insert(findings.end(), others.begin(), others.end());
+    const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, findings);
+    if (tellErrors(std::move(findings), catalog) > 0)
+        return ExitStatus::negative;
+    const size_t slash = files[0].rfind('/') + 1; // 0 where there is none
+    writeFile(output, gen::headerOf(catalog, names, forms.get(), {output, nameSpace, files[0].substr(slash)}));
+    if (!depfile.empty())
+        writeFile(depfile, fmt::format("{}: {}\n", inMake(output), inMake(files[0])));
+    return ExitStatus::done;
+}
+
+constexpr const char *details = R"(Writes a header with a function for each message of FILE, for C++ and kelto.hpp,
+and constants for C. The name of a message is the attribute "resname" of its
+unit, or else "message_" with its number. Where FILE has errors, they are told
+as by `kelto check`, nothing is written, and the exit status is 1.
+
+Example:
+  kelto gen en.xlf -o store_messages.hpp
+)";
+
+} // namespace
+
+const Subcommand genSubcommand = {"gen", "[OPTION...] FILE -o HEADER", "Make a header of the messages of a file",
+                                  details, run};
+
+} // namespace tool

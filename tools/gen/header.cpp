@@ -1,0 +1,169 @@
+#include "gen/header.h"
+
+#include "check/utf8.h"
+#include "gen/names.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <unicode/uchar.h>
+
+namespace tool::gen
+{
+namespace
+{
+
+using namespace check;
+
+/** What an editor would not show as it is. */
+bool isInvisible(char32_t character)
+{
+    switch (u_charType(static_cast<UChar32>(character)))
+    {
+    case U_CONTROL_CHAR:
+    case U_FORMAT_CHAR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+    case U_UNASSIGNED:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/** A text as a literal of C and C++. */
+std::string literalOf(std::string_view text)
+{
+    std::string literal = "\"";
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        const char32_t character = takeUtf8(text, at);
+        if (character == '\n')
+            literal += "\\n";
+        else if (character == '\t')
+            literal += "\\t";
+        else if (character == '"' || character == '\\')
+            literal += fmt::format("\\{}", static_cast<char>(character));
+        else if (character == '?' && literal.back() == '?')
+            literal += "\\?"; // no trigraph
+        else if (isInvisible(character))
+            for (const char byte : text.substr(begin, at - begin))
+                literal += fmt::format("\\{:03o}", static_cast<unsigned char>(byte));
+        else
+            literal += text.substr(begin, at - begin);
+    }
+    return literal + '"';
+}
+
+/** The same inside a comment, which it does not end. */
+std::string commentOf(std::string_view text)
+{
+    std::string comment = literalOf(text);
+    for (size_t at = comment.find("*/"); at != std::string::npos; at = comment.find("*/", at))
+        comment.insert(at + 1, " ");
+    for (size_t at = comment.find("/*"); at != std::string::npos; at = comment.find("/*", at))
+        comment.insert(at + 1, " ");
+    return comment;
+}
+
+/** A name for each argument, in the order in which they are passed. */
+std::vector<std::string> parametersOf(const Format &format)
+{
+    std::vector<std::string> names;
+    for (const size_t index : format.byPosition)
+    {
+        const Conversion &conversion = format.conversions[index];
+        const auto isValue = [](const Slot &slot) { return slot.role == Slot::Role::value; };
+        const auto values = std::count_if(conversion.slots.begin(), conversion.slots.end(), isValue);
+        int value = 0;
+        for (const Slot &slot : conversion.slots)
+            if (slot.role != Slot::Role::value)
+                names.push_back(
+                    fmt::format("{}{}", slot.role == Slot::Role::width ? "width" : "precision", conversion.position));
+            else if (values == 1)
+                names.push_back(fmt::format("argument{}", conversion.position));
+            else
+                names.push_back(fmt::format("argument{}_{}", conversion.position, ++value));
+    }
+    return names;
+}
+
+/** Whether the built-in conversions suffice, so that the text can be looked at while it is compiled. */
+bool isBuiltIn(std::string_view text)
+{
+    return KTExplainFormat(std::string(text).c_str(), nullptr, nullptr) == 0;
+}
+
+/**
+ * A message that is formatted. Its arguments have types of the caller's: the text in the source is compared with them.
+ */
+std::string formattingFunction(const Message &message, const std::string &name, std::string_view text,
+                               const Format &format)
+{
+    std::string types;
+    std::string parameters;
+    std::string arguments;
+    for (const std::string &parameter : parametersOf(format))
+    {
+        std::string type = parameter;
+        type[0] = static_cast<char>(type[0] - 'a' + 'A');
+        types += fmt::format("{}class {}", types.empty() ? "" : ", ", type);
+        parameters += fmt::format(", const {} &{}", type, parameter);
+        arguments += ", " + parameter;
+    }
+    const char *const source = isBuiltIn(text) ? "KELTO_DEFAULT" : "::kelto::unchecked";
+    return fmt::format("{}std::string {}(const ::kelto::catalog &catalog{})\n"
+                       "{{\n    return catalog.format({}, {}({}){});\n}}\n",
+                       types.empty() ? "inline " : fmt::format("template <{}>\n", types), name, parameters, message.id,
+                       source, literalOf(text), arguments);
+}
+
+/** A message that no call can format, and which is therefore shown as it is. */
+std::string fetchingFunction(const Message &message, const std::string &name, std::string_view text)
+{
+    return fmt::format("inline std::string {}(const ::kelto::catalog &catalog)\n"
+                       "{{\n    const std::string_view text = catalog.text({});\n"
+                       "    return std::string(text.data() != nullptr ? text : std::string_view({}));\n}}\n",
+                       name, message.id, literalOf(text));
+}
+
+/** "STORE_MESSAGES_HPP". */
+std::string guardOf(const std::string &fileName)
+{
+    std::string guard = inCapitals(fileName.substr(fileName.rfind('/') + 1));
+    for (char &byte : guard)
+        if ((byte < 'A' || byte > 'Z') && (byte < '0' || byte > '9'))
+            byte = '_';
+    return faultOfName(guard).empty() ? guard : "KELTO_GENERATED_" + std::to_string(guard.size());
+}
+
+} // namespace
+
+std::string headerOf(const Catalog &catalog, const std::vector<std::string> &names, formTable *table,
+                     const HeaderOptions &options)
+{
+    const std::string prefix = prefixOf(options.nameSpace);
+    std::string constants;
+    std::string functions;
+    for (size_t i = 0; i < names.size(); ++i)
+    {
+        const Message &message = catalog.messages()[i];
+        const ResolvedText resolved(catalog.rawText(message));
+        const std::string_view text = resolved.text();
+        const Format format = parseFormat(text, table);
+        constants += fmt::format("#define {0}{1} {2}\n#define {0}{1}_TEXT {3}\n", prefix, inCapitals(names[i]),
+                                 message.id, literalOf(text));
+        functions += fmt::format("\n/** {} */\n{}", commentOf(text),
+                                 format.isAccepted ? formattingFunction(message, names[i], text, format)
+                                                   : fetchingFunction(message, names[i], text));
+    }
+    const std::string guard = guardOf(options.fileName);
+    return fmt::format("/* Made by `kelto gen` from {0}; changes made here are lost. */\n"
+                       "#ifndef {1}\n#define {1}\n\n"
+                       "/* The numbers of the messages, and their texts in the source language. */\n\n{2}\n"
+                       "#ifdef __cplusplus\n\n#include <kelto.hpp>\n\n#include <string>\n#include <string_view>\n\n"
+                       "namespace {3}\n{{\n{4}\n}} // namespace {3}\n\n#endif\n\n#endif\n",
+                       commentOf(options.catalogName), guard, constants, options.nameSpace, functions);
+}
+
+} // namespace tool::gen

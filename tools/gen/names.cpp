@@ -1,0 +1,129 @@
+#include "gen/names.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <map>
+
+namespace tool::gen
+{
+namespace
+{
+
+/** Of C and C++, up to their newest standards; and what a generated function uses itself. */
+constexpr std::string_view words[] = {
+    "alignas",     "alignof",
+    "and",         "and_eq",
+    "asm",         "auto",
+    "bitand",      "bitor",
+    "bool",        "break",
+    "case",        "catch",
+    "char",        "char16_t",
+    "char32_t",    "char8_t",
+    "class",       "co_await",
+    "co_return",   "co_yield",
+    "compl",       "concept",
+    "const",       "const_cast",
+    "consteval",   "constexpr",
+    "constinit",   "continue",
+    "decltype",    "default",
+    "delete",      "do",
+    "double",      "dynamic_cast",
+    "else",        "enum",
+    "errno",       "explicit",
+    "export",      "extern",
+    "false",       "float",
+    "for",         "friend",
+    "goto",        "if",
+    "inline",      "int",
+    "kelto",       "linux",
+    "long",        "mutable",
+    "namespace",   "new",
+    "noexcept",    "not",
+    "not_eq",      "nullptr",
+    "operator",    "or",
+    "or_eq",       "private",
+    "protected",   "public",
+    "register",    "reinterpret_cast",
+    "requires",    "restrict",
+    "return",      "short",
+    "signed",      "sizeof",
+    "static",      "static_assert",
+    "static_cast", "std",
+    "stderr",      "stdin",
+    "stdout",      "struct",
+    "switch",      "template",
+    "this",        "thread_local",
+    "throw",       "true",
+    "try",         "typedef",
+    "typeid",      "typename",
+    "typeof",      "typeof_unqual",
+    "union",       "unix",
+    "unsigned",    "using",
+    "virtual",     "void",
+    "volatile",    "wchar_t",
+    "while",       "xor",
+    "xor_eq",
+};
+
+constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr std::string_view others = "0123456789_";
+
+} // namespace
+
+std::string faultOfName(std::string_view name)
+{
+    const auto isLetter = [](char byte) { return letters.find(byte) != std::string_view::npos; };
+    const auto isPart = [&](char byte) { return isLetter(byte) || others.find(byte) != std::string_view::npos; };
+    if (name.empty() || !isLetter(name[0]) || !std::all_of(name.begin(), name.end(), isPart))
+        return "is no name: it has letters, digits and '_', and begins with a letter";
+    if (name.find("__") != std::string_view::npos)
+        return "is reserved, since it has two '_' in a row";
+    if (std::find(std::begin(words), std::end(words), name) != std::end(words))
+        return "is a word of the language, or a name that is taken";
+    return "";
+}
+
+std::string inCapitals(std::string_view name)
+{
+    std::string capitals(name);
+    for (char &byte : capitals)
+        if (byte >= 'a' && byte <= 'z')
+            byte = static_cast<char>(byte - 'a' + 'A');
+    return capitals;
+}
+
+std::string prefixOf(std::string_view nameSpace)
+{
+    return inCapitals(nameSpace) + "_";
+}
+
+std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view nameSpace, check::Findings &findings)
+{
+    const std::string prefix = prefixOf(nameSpace);
+    std::vector<std::string> names;
+    std::map<std::string, const check::Message *> taken; // in capital letters, since constants differ by no more
+    for (const check::Message &message : catalog.messages())
+    {
+        const std::string name = message.hasName ? message.name : fmt::format("message_{}", message.id);
+        const check::Range place = catalog.locateAttribute(message.unit, "resname");
+        names.push_back(name);
+        std::string fault = faultOfName(name);
+        if (fault.empty() && name.substr(0, prefix.size()) == prefix)
+            fault = "begins as the constants do";
+        if (!fault.empty())
+        {
+            findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
+                                fmt::format("the name \"{}\" {}", name, fault), std::nullopt});
+            continue;
+        }
+        const auto [first, isNew] = taken.emplace(inCapitals(name), &message);
+        if (!isNew)
+            findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
+                                fmt::format("the name \"{}\" is used a second time", name),
+                                check::Note{false, catalog.locateAttribute(first->second->unit, "resname"),
+                                            "it was used here first"}});
+    }
+    return names;
+}
+
+} // namespace tool::gen

@@ -1,0 +1,28 @@
+/** The names of messages in a generated header: the attribute "resname" of a unit, or "message_3" where it has none. */
+#ifndef KELTO_TOOLS_GEN_NAMES_H
+#define KELTO_TOOLS_GEN_NAMES_H
+
+#include "check/catalog.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::gen
+{
+
+/** Why this cannot be the name of a function, as "is a word of the language"; empty where it can. */
+std::string faultOfName(std::string_view name);
+
+/** In capital letters, as constants are written. */
+std::string inCapitals(std::string_view name);
+
+/** What the name of a constant begins with, of a namespace of this name. */
+std::string prefixOf(std::string_view nameSpace);
+
+/** The names of the messages of a catalog, in their order; what is wrong with them is appended to `findings`. */
+std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view nameSpace, check::Findings &findings);
+
+} // namespace tool::gen
+
+#endif
