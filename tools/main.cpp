@@ -75,7 +75,7 @@ Failure unknownSubcommand(const std::string &word)
     const Subcommand *const nearest =
         *std::min_element(std::begin(subcommands), std::end(subcommands),
                           [&](const auto *a, const auto *b) { return distance(a) < distance(b); });
-    const bool isNear = !isOption && distance(nearest) <= farthest;
+    const bool isNear = !isOption && distance(nearest) <= std::min(farthest, word.size() / 2);
     const std::string quoted = terminal().quote(word);
     const std::string text = isOption ? say(Text::unknownOption, {quoted})
                              : isNear ? say(Text::unknownSubcommandNear, {quoted, nearest->name})
