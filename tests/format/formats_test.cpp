@@ -40,14 +40,17 @@ int show(const char *name, int width, int precision, int flags, KTEncoder encode
                  encoder != nullptr ? " encoded" : "", *static_cast<const int *>(*slot));
 }
 
-int showPair(const char *, int, int, int, KTEncoder, void *, void **slots, unsigned long *size, UCS2 *out)
+/** One argument of each kind. */
+int showAll(const char *, int, int, int flags, KTEncoder, void *, void **slots, unsigned long *size, UCS2 *out)
 {
-    return print(size, out, "%c-%d", *static_cast<char *>(slots[0]), *static_cast<int *>(slots[1]));
-}
-
-int showPointer(const char *, int, int, int, KTEncoder, void *, void **slot, unsigned long *size, UCS2 *out)
-{
-    return print(size, out, "%llx", *static_cast<unsigned long long *>(*slot));
+    const int character =
+        (flags & FLAG_l) != 0 ? *static_cast<const UCS2 *>(slots[0]) : *static_cast<const unsigned char *>(slots[0]);
+    const long double number =
+        (flags & FLAG_L) != 0 ? *static_cast<const long double *>(slots[4]) : *static_cast<const double *>(slots[4]);
+    return print(size, out, "%x %s %s %d %.1Lf %llx", static_cast<unsigned>(character), static_cast<char *>(slots[1]),
+                 toUTF8(static_cast<const UCS2 *>(slots[2])).c_str(),
+                 (flags & FLAG_h) != 0 ? *static_cast<const int16_t *>(slots[3]) : *static_cast<const int *>(slots[3]),
+                 number, *static_cast<const unsigned long long *>(slots[5]));
 }
 
 int showNothing(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *out)
@@ -78,19 +81,13 @@ int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
     return 0;
 }
 
-const int none[] = {0}, pair[] = {8, 1, 99, 4, 0}, pointer[] = {7, 0};
-KTFormatter ownList[] = {{"show", nullptr, 1, signedIntList, show},
-                         {"apple", nullptr, 1, signedIntList, show},
-                         {"Zeta", nullptr, 1, signedIntList, show},
-                         {"pair", nullptr, 2, pair, showPair},
-                         {"pointer", nullptr, 1, pointer, showPointer},
-                         {"none", nullptr, 0, none, showNothing},
-                         {"fail", nullptr, 0, none, fail},
+const int none[] = {0}, all[] = {8, 1, 2, 3, 99, 4, 6, 7, 0};
+KTFormatter ownList[] = {{"show", nullptr, 1, signedIntList, show}, {"apple", nullptr, 1, signedIntList, show},
+                         {"Zeta", nullptr, 1, signedIntList, show}, {"all", nullptr, 6, all, showAll},
+                         {"none", nullptr, 0, none, showNothing},   {"fail", nullptr, 0, none, fail},
                          {"d", nullptr, 1, signedIntList, nullptr}, // unusable, as the next ones
-                         {"u", nullptr, 1, nullptr, show},
-                         {"o", nullptr, 2, signedIntList, show},
-                         {"x", nullptr, 0, signedIntList, show},
-                         {nullptr, nullptr, 0, nullptr, nullptr}};
+                         {"u", nullptr, 1, nullptr, show},          {"o", nullptr, 2, signedIntList, show},
+                         {"x", nullptr, 0, signedIntList, show},    {nullptr, nullptr, 0, nullptr, nullptr}};
 
 TEST(Formats, GiveTheTextsOfTheRows)
 {

@@ -28,7 +28,7 @@ Owner prepare(const std::string &format, formTable *table = nullptr)
 /** The text in UTF-8, or the name of a result that left size and buffer alone. */
 std::string formatted(const Owner &prepared, const std::vector<KTArgument> &arguments, unsigned options = 0)
 {
-    constexpr size_t capacity = 1000;
+    constexpr size_t capacity = 2000;
     Guarded<char> out(capacity);
     size_t size = capacity;
     const int result =
@@ -123,39 +123,46 @@ TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
     EXPECT_EQ(std::memcmp(slots, expected, sizeof expected), 0);
 }
 
-/** Writes as many 'x' as the number that it points to says, where its pointer is of kind 5; formats something meanwhile. */
-int repeat(const char *, int, int, int, KTEncoder, void *, void **slot, unsigned long *size, UCS2 *out)
+/**
+ * Writes its two texts and as many 'x' as the number that its pointer of kind 5 leads to says; formats something meanwhile.
+ */
+int repeat(const char *, int, int, int, KTEncoder, void *, void **slots, unsigned long *size, UCS2 *out)
 {
-    EXPECT_EQ(KTPointerOfKind(slot, 6), nullptr);
-    const Owner inner = prepare("%d[1]");
-    EXPECT_EQ(formatted(inner, {KT_INT(1)}), "1");
-    const auto *const number = static_cast<const unsigned long *>(KTPointerOfKind(slot, 5));
+    EXPECT_EQ(KTPointerOfKind(slots + 2, 6), nullptr);
+    EXPECT_EQ(formatted(prepare("%d[1]"), {KT_INT(1)}), "1");
+    const auto *const number = static_cast<const unsigned long *>(KTPointerOfKind(slots + 2, 5));
     if (number == nullptr)
         return -77;
+    const std::u16string text = toUCS2(static_cast<const char *>(slots[0])) + static_cast<const UCS2 *>(slots[1]) +
+                                std::u16string(*number, u'x');
     const unsigned long room = *size;
-    *size = *number;
-    if (*number >= room)
+    *size = text.size();
+    if (text.size() >= room)
         return KT_ERR_BUFFER_TOO_SMALL;
-    std::fill_n(out, *number, u'x');
+    text.copy(out, text.size());
     return 0;
 }
 
-TEST_F(Prepared, AConversionOfOnesOwnAsksForThePointerItKnows)
+TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKnows)
 {
-    static const int types[] = {KT_ARG_POINTER, KT_ARG_END};
-    KTFormatter list[] = {{"repeat", nullptr, 1, types, repeat}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    static const int types[] = {KT_ARG_UTF8, KT_ARG_UCS2, KT_ARG_POINTER, KT_ARG_END};
+    KTFormatter list[] = {{"repeat", nullptr, 3, types, repeat}, {nullptr, nullptr, 0, nullptr, nullptr}};
     formTable table = {false, {}, list, nullptr, nullptr};
     const Owner prepared = prepare("[%repeat[1]]", &table);
-    for (const unsigned long number : {0UL, 1UL, 254UL, 255UL, 256UL, 257UL, 900UL}) // around the buffer of 256 units
-        EXPECT_EQ(formatted(prepared, {KT_POINTER(5, &number)}), "[" + std::string(number, 'x') + "]");
+    const std::string bytes(300, 'b');
+    for (const unsigned long number : {0UL, 1UL, 250UL, 251UL, 252UL, 900UL}) // around the buffer of 256 units
+        for (const size_t length : {2, 300})
+            EXPECT_EQ(
+                formatted(prepared, {KT_UTF8N(bytes.data(), length), KT_UCS2N(u"uvw", 2), KT_POINTER(5, &number)}),
+                "[" + bytes.substr(0, length) + "uv" + std::string(number, 'x') + "]");
     char out[20];
     size_t size = sizeof out;
-    const KTArgument other = KT_POINTER(7, "");
-    EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out, &other, 1), -77);
+    const KTArgument other[] = {KT_UTF8(""), KT_UCS2(u""), KT_POINTER(7, "")};
+    EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out, other, 3), -77);
     char format[] = "[%repeat[1]]";
     UCS2 wide[20];
     unsigned long units = 20;
-    EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide, format, &other), -77)
+    EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide, format, "", u"", other), -77)
         << "which knows no kinds";
 }
 
@@ -167,6 +174,22 @@ TEST_F(Prepared, ACharacterMayBeWrittenInHalves)
               "\U0001F600\U0001F600");
     EXPECT_EQ(formatted(prepared, {KT_UCS2(halves), KT_UCS2(u"-"), KT_UNIT(0xDE00), KT_UTF8("a"), KT_UNIT(u'b')}),
               "\uFFFD-\uFFFDb");
+}
+
+TEST(Problem, NamesEveryKindOfArgument)
+{
+    ASSERT_EQ(KTInit(), 0);
+    std::string names;
+    for (const char *format : {"%hx[1]", "%d[1]", "%!u[1]", "%c[1]", "%lc[1]", "%f[1]", "%Lf[1]", "%s[1]", "%U[1]"})
+    {
+        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+        EXPECT_EQ(KTCompareFormats(format, "", nullptr, &problem), KT_ERR_INVALID_PARAMETER);
+        names += problem.found + std::string(", ");
+    }
+    EXPECT_EQ(names,
+              "a 16-bit integer, a 32-bit integer, a 64-bit integer, an 8-bit character, a UCS-2 unit, a double, "
+              "a long double, a UTF-8 string, a UCS-2 string, ");
+    KTClean();
 }
 
 TEST(Problem, IsToldAndMadeASentence)
@@ -188,6 +211,7 @@ TEST(Problem, IsToldAndMadeASentence)
         {"%d[1]", "%d[1]%s[2]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_MISSING, 2, 2, ""},
         {"é%d[1]%.*s[2]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_EXTRA, 2, 2, "%.*s[2]"},
         {"%d[1]", "%d", KT_ERR_FORMAT_SYNTAX, KT_RULE_REFERENCE, 0, 0, ""},
+        {"a %-5d", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%-5d"},
         {"%\xC3\xA9[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_NOT_ASCII, 0, 0, "%\xC3\xA9[1]"},
         {"%abcdefghijklmnopqrst[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_TOO_LONG, 0, 0, "%abcdefghijklmnopqrst[1]"},
     };
