@@ -31,6 +31,10 @@
 #ifndef KELTO_HPP
 #define KELTO_HPP
 
+#if __cplusplus < 201703L
+#error "kelto.hpp needs C++17: compile with -std=c++17 or later"
+#endif
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast" // C has no other
 #include <kelto.h>
