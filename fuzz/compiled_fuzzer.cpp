@@ -14,21 +14,11 @@ namespace
 char path[] = "messages.ktc";
 constexpr uint64_t largestBlock = uint64_t{16} << 20; // more is refused, as where memory has run out
 
-/** The sizes of the blocks that were asked for: the table, its name and version, its messages. */
-std::vector<uint64_t> blocksAskedFor()
-{
-    std::vector<uint64_t> sizes;
-    for (const Call &call : FakeZel::calls())
-        if (call.operation == Operation::Malloc)
-            sizes.push_back(call.number);
-    return sizes;
-}
-
 /** All that a table holds. */
 std::string readAll(MessageTable *table)
 {
     const char *const block = reinterpret_cast<char *>(table->messages);
-    const char *const end = block + blocksAskedFor().at(3);
+    const char *const end = block + FakeZel::blockSizes().at(3);
     std::string all = table->language + std::string(table->country) + table->productName + table->productVersion;
     unsigned id = 0;
     char *message = nullptr;
@@ -75,7 +65,7 @@ Answer load(const std::vector<char> *data)
     }
     else
     {
-        const std::vector<uint64_t> blocks = blocksAskedFor();
+        const std::vector<uint64_t> blocks = FakeZel::blockSizes();
         const bool hasRefused = !blocks.empty() && blocks.back() > largestBlock;
         require(answer.result == (hasRefused ? KT_ERR_NO_MEMORY : KT_ERR_BAD_MSG_FILE),
                 "a catalog is refused by its code");

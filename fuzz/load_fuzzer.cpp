@@ -96,15 +96,6 @@ std::map<int, std::string> readMessages(const std::string &document, bool raw)
 
 // ---- The checks ----
 
-std::vector<uint64_t> blocksAskedFor()
-{
-    std::vector<uint64_t> sizes;
-    for (const Call &call : FakeZel::calls())
-        if (call.operation == Operation::Malloc)
-            sizes.push_back(call.number);
-    return sizes;
-}
-
 bool isUTF8(const char *text, int length)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -155,7 +146,7 @@ std::string load(const std::string &later, bool raw)
     const Outstanding before = FakeZel::outstanding();
     FakeZel::record();
     const int result = raw ? KTLoadRawMessages(path, &table) : KTLoadMessages(path, &table);
-    const std::vector<uint64_t> blocks = blocksAskedFor();
+    const std::vector<uint64_t> blocks = FakeZel::blockSizes();
     std::string version;
     if (result == 0)
     {

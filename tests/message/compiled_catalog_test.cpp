@@ -45,7 +45,7 @@ Loaded loadCompiled(const std::string &data, bool fromFile = false)
                                 : KTLoadCompiledData(shifted.data() + 1, data.size(), &table);
     if (result != 0)
         return {result, table == nullptr ? "null" : "left pointing somewhere"};
-    const Loaded outcome = {0, describe(table, blockSizes().at(3))};
+    const Loaded outcome = {0, describe(table, FakeZel::blockSizes().at(3))};
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 5u) << "four blocks, and the node of the list";
     EXPECT_EQ(KTFreeMessages(table), 0);
     return outcome;

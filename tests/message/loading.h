@@ -55,16 +55,6 @@ inline Loaded loaded(const std::string &messages)
 
 inline char memoryPath[] = "m.xlf";
 
-/** The sizes of the blocks that were taken since FakeZel::record(). */
-inline std::vector<uint64_t> blockSizes()
-{
-    std::vector<uint64_t> sizes;
-    for (const Call &call : FakeZel::calls())
-        if (call.operation == Operation::Malloc)
-            sizes.push_back(call.number);
-    return sizes;
-}
-
 /** All that a table holds; each message must lie in the block of `blockBytes`, with its own two zero bytes. */
 inline std::string describe(MessageTable *table, uint64_t blockBytes)
 {
@@ -102,7 +92,7 @@ inline Loaded loadFile(bool raw = false)
     const Outstanding before = FakeZel::outstanding();
     FakeZel::record();
     Loaded outcome = {raw ? KTLoadRawMessages(memoryPath, &table) : KTLoadMessages(memoryPath, &table), ""};
-    const std::vector<uint64_t> sizes = blockSizes();
+    const std::vector<uint64_t> sizes = FakeZel::blockSizes();
     if (outcome.result != 0)
     {
         outcome.content = table == untouched ? "untouched" : table == nullptr ? "null" : "left pointing somewhere";

@@ -311,6 +311,15 @@ unsigned FakeZel::count(Operation operation)
     return static_cast<unsigned>(std::count(found.begin(), found.end(), operation));
 }
 
+std::vector<uint64_t> FakeZel::blockSizes()
+{
+    std::vector<uint64_t> sizes;
+    for (const Call &call : calls())
+        if (call.operation == Operation::Malloc)
+            sizes.push_back(call.number);
+    return sizes;
+}
+
 void FakeZel::observe(std::function<void(const Call &)> observer)
 {
     withRequests([&](Requests &requests) { requests.observer = std::move(observer); });

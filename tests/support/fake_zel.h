@@ -94,6 +94,8 @@ public:
     static std::vector<Call> calls();
     static std::vector<Operation> operations();
     static unsigned count(Operation operation);
+    /** The sizes of the blocks that were asked for. */
+    static std::vector<uint64_t> blockSizes();
 
     /** Has the function called at the beginning of each operation, on the thread that makes the call. */
     static void observe(std::function<void(const Call &)> observer);
