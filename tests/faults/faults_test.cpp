@@ -151,7 +151,7 @@ const Row rows[] = {
     {"start", 6, {KT_ERR_NOT_INITIALIZED}, KTInit, true},
     // Opening; a parser and four reads, twice; the table and its texts, the block and a working copy, the list's item.
     {"load", 16, fileFailures, [] { return KTLoadMessages(messagePath, &got.table); }},
-    {"compiled file", 13, {KT_ERR_FILE_NOT_OPENED}, [] { return KTLoadCompiledMessages(compiledPath, &got.table); }},
+    {"compiled file", 13, fileFailures, [] { return KTLoadCompiledMessages(compiledPath, &got.table); }},
     {"compiled data", 5, {}, [] { return KTLoadCompiledData(compiled.data(), compiled.size(), &got.table); }},
     {"version", 3, fileFailures, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }},
     {"copy of the form table", 1, {}, [] { return KTGetBuiltInFormTable(3, &got.copy); }},
