@@ -225,6 +225,7 @@ TEST(Problem, IsToldAndMadeASentence)
         EXPECT_EQ(problem.slot, row.slot);
         EXPECT_EQ(problem.position, row.position);
         EXPECT_EQ(std::string(row.format).substr(problem.offset, problem.length), row.part);
+        EXPECT_EQ(problem.length, std::strlen(row.part));
         EXPECT_EQ(problem.structSize, sizeof problem);
         char whole[200];
         size_t length = sizeof whole;
