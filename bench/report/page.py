@@ -91,7 +91,8 @@ def growth_table(contenders, counts):
 
 
 def catalog_table(programs):
-    lines = ["| Messages | Their text | Pointers to them | Kept by the catalog | That is besides | Peak while loading |",
+    lines = ["| Messages | Their text | Pointers to them | Kept by the catalog | That is besides "
+             "| Peak while loading |",
              "|--:|--:|--:|--:|--:|--:|"]
     for messages, text, pointers, kept, peak in memory.catalogs(programs):
         lines.append("| %s | %s | %s | %s | %d | %s |" % (f"{messages:,}", f"{text:,}", f"{pointers:,}", f"{kept:,}",

@@ -1,5 +1,5 @@
-"""Whether the documentation points to what exists: links between its pages, files in backquotes, and in the other direction
-whether every exported name is declared in a header, which is where names are explained.
+"""Whether the documentation points to what exists: links between its pages, files in backquotes; and in the other
+direction, whether every exported name is declared in a header, which is where names are explained.
 """
 
 import glob
@@ -45,7 +45,8 @@ declared = set(re.findall(r"\w+", "\n".join(read(header) for header in headers))
 for line in read(f"{root}/tests/linkage/exported_names.txt").splitlines():
     symbol = line.split()[0]
     member = re.match(r"_ZN12MsgTableList(\d+)(\w+)", symbol)
-    symbol = member.group(2)[: int(member.group(1))] if member else re.sub(r"^_ZN12MsgTableList.*", "MsgTableList", symbol)
+    plain = re.sub(r"^_ZN12MsgTableList.*", "MsgTableList", symbol)
+    symbol = member.group(2)[: int(member.group(1))] if member else plain
     if symbol not in declared:
         faults.append(f"{symbol} is exported and stands in no header")
 

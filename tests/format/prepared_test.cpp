@@ -124,7 +124,8 @@ TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
 }
 
 /**
- * Writes its two texts and as many 'x' as the number that its pointer of kind 5 leads to says; formats something meanwhile.
+ * Writes its two texts and as many 'x' as the number that its pointer of kind 5 leads to says; formats something
+ * meanwhile.
  */
 int repeat(const char *, int, int, int, KTEncoder, void *, void **slots, unsigned long *size, UCS2 *out)
 {

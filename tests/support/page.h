@@ -14,8 +14,8 @@ using Row = std::vector<std::string>;
 std::string readPage(const std::string &name);
 
 /**
- * The rows of all tables of a page whose heading is this line, as "| Source | Message |". Cells are without blanks around
- * them, and without backquotes.
+ * The rows of all tables of a page whose heading is this line, as "| Source | Message |". Cells are without blanks
+ * around them, and without backquotes.
  */
 std::vector<Row> rowsUnder(const std::string &page, const std::string &heading);
 
