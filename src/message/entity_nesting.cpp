@@ -52,11 +52,11 @@ constexpr std::string_view predefined[] = {"lt", "gt", "amp", "apos", "quot"};
 std::string_view takeReference(std::string_view &value)
 {
     size_t start;
-    while ((start = value.find('&')) != value.npos)
+    while ((start = value.find('&')) != std::string_view::npos)
     {
         value.remove_prefix(start + 1);
         const size_t end = value.find_first_of("&;");
-        if (end == value.npos)
+        if (end == std::string_view::npos)
             break;
         const std::string_view name = value.substr(0, end);
         if (value[end] == ';' && !name.empty() && name[0] != '#' &&

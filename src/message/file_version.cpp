@@ -13,7 +13,7 @@ constexpr size_t maxVersionBytes = 19;
 /** The handler's state, and in front of the handler the limits of a document. */
 struct GuardedQuery
 {
-    VersionQueryState query;
+    VersionQueryState query = {};
     kelto::XmlLimits limits = {};
 };
 
@@ -34,7 +34,8 @@ int queryVersion(const char *path, char *version)
     int result = kelto::openMessageFile(file, path);
     if (result != 0)
         return result;
-    GuardedQuery guard = {{false, version}};
+    GuardedQuery guard;
+    guard.query.version = version;
     kelto::Parser parser;
     if (!parser.restart(&guard))
         return -1;

@@ -48,7 +48,8 @@ kelto::WrittenPlaceholder kelto::measurePlaceholder(const char **attrs, bool raw
 
 void kelto::fillFile(SecondPassState &pass, const FileAttributes &file) noexcept
 {
-    constexpr size_t letters = 2, countryOffset = 3;
+    constexpr size_t letters = 2;
+    constexpr size_t countryOffset = 3;
     MessageTable &table = *pass.table;
     std::memcpy(table.language, file.language, std::min(letters, file.languageLength));
     if (file.namesCountry())
