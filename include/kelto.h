@@ -373,8 +373,8 @@ typedef struct formTable formTable;
  *         size and out alone. From a conversion: KT_ERR_INVALID_PARAMETER (no date), KT_ERR_NO_MEMORY,
  *         KT_ERR_CONVERSION_INVALID_ARGUMENT (an "s" or "E" of 2^31 bytes and more), and whatever a formatter or
  *         encoder of the caller's returns; these make out empty and size 0. But where the text has not
- *         fitted before such a conversion is reached, the result is KT_ERR_BUFFER_TOO_SMALL with the need of all
- *         others, and the call with more room tells what is wrong.
+ *         fitted before such a conversion is reached, as always with a capacity of 0, the result is
+ *         KT_ERR_BUFFER_TOO_SMALL with the need of all others, and the call with more room tells what is wrong.
  *
  *     UCS2 text[100];
  *     unsigned long units = 100;
@@ -842,7 +842,10 @@ int formatDouble(const char *convName, int width, int precision, int flags, KTEn
  */
 int formatDateTime(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                    void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "DND" and "DNS", by the third character of convName. */
+/**
+ * "DND" and "DNS", by the third character of convName. The name may lie in out and is then copied first: of more than
+ * 255 units into memory, KT_ERR_NO_MEMORY where there is none.
+ */
 int formatDN(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
              void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /** "EID": 32 bits, of a 64-bit argument the low ones, and with 'h' 16 bits. */
@@ -857,7 +860,7 @@ int formatIP(const char *convName, int width, int precision, int flags, KTEncode
 /** "c". A char of 0x80 to 0xFF is the character of that number. */
 int formatChar(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                void **argSlot, unsigned long *sizeInOut, UCS2 *out);
-/** "U". */
+/** "U". The text may lie in out: what is written is what a copy of it would give. */
 int formatUCS2Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /**
