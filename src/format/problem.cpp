@@ -1,11 +1,13 @@
 #include "format/format_string.h"
+#include "format/formatters/integer.h"
 #include "format/prepared.h"
 #include "format/typed_argument.h"
 #include "lifecycle/state.h"
+#include "strconv/bounded_text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -158,42 +160,12 @@ const char *sentenceOf(int rule)
     return "the format has a problem";
 }
 
-/** A text under the size protocol of the format calls, in bytes. */
-class GrowingSentence
+void appendNumber(kelto::BoundedText &sentence, unsigned number)
 {
-public:
-    GrowingSentence(char *text, size_t capacity) : m_text(text), m_capacity(capacity) {}
-
-    void append(const char *text) { append(text, std::strlen(text)); }
-
-    void append(const char *text, size_t length)
-    {
-        if (m_length + length < m_capacity)
-            std::memcpy(m_text + m_length, text, length);
-        m_length += length;
-    }
-
-    void append(unsigned number)
-    {
-        char digits[11];
-        const int length = std::snprintf(digits, sizeof digits, "%u", number);
-        append(digits, static_cast<size_t>(length));
-    }
-
-    int finish(size_t *size)
-    {
-        const bool isWhole = m_length < m_capacity;
-        if (m_capacity > 0)
-            m_text[isWhole ? m_length : 0] = '\0';
-        *size = m_length;
-        return isWhole ? 0 : KT_ERR_BUFFER_TOO_SMALL;
-    }
-
-private:
-    char *m_text;
-    size_t m_capacity;
-    size_t m_length = 0;
-};
+    char digits[20];
+    const char *const begin = kelto::writeDecimal(std::end(digits), number);
+    sentence.append({begin, static_cast<size_t>(std::end(digits) - begin)});
+}
 
 const char *orSomething(const char *text)
 {
@@ -204,20 +176,20 @@ const char *orSomething(const char *text)
 
 int KTProblemText(const KTProblem *problem, size_t *size, char *text)
 {
-    GrowingSentence sentence(text, *size);
+    kelto::BoundedText sentence(text, *size);
     for (const char *next = sentenceOf(problem->rule); *next != '\0'; ++next)
     {
         const char letter = *next == '$' ? *++next : '\0';
         if (letter == 's')
-            sentence.append(problem->slot);
+            appendNumber(sentence, problem->slot);
         else if (letter == 'p')
-            sentence.append(problem->position);
+            appendNumber(sentence, problem->position);
         else if (letter == 'e')
             sentence.append(orSomething(problem->expected));
         else if (letter == 'f')
             sentence.append(orSomething(problem->found));
         else
-            sentence.append(next, 1);
+            sentence.append({next, 1});
     }
     return sentence.finish(size);
 }

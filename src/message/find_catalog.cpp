@@ -1,8 +1,8 @@
 #include "kelto.h"
 #include "lifecycle/state.h"
-#include "message/bounded_text.h"
 #include "message/languages.h"
 #include "platform/scoped.h"
+#include "strconv/bounded_text.h"
 
 #include <cstring>
 

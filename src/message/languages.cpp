@@ -1,7 +1,7 @@
 #include "message/languages.h"
 
 #include "kelto.h"
-#include "message/bounded_text.h"
+#include "strconv/bounded_text.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -2,8 +2,8 @@
  * A text of bytes that is put together in a caller's buffer of any capacity, none included, and keeps the size
  * protocol: in, the capacity with the terminator; out, the length without it, also where it did not fit.
  */
-#ifndef KELTO_MESSAGE_BOUNDED_TEXT_H
-#define KELTO_MESSAGE_BOUNDED_TEXT_H
+#ifndef KELTO_STRCONV_BOUNDED_TEXT_H
+#define KELTO_STRCONV_BOUNDED_TEXT_H
 
 #include "kelto.h"
 
