@@ -99,7 +99,8 @@ const Register bytesW4("W4p", kelto, [] {
     });
 });
 
-const Register bytesW9("W9p", kelto, [] {
+std::unique_ptr<Job> lookUpAndFormat()
+{
     return job([catalogs = OpenCatalogs(1), prepared = Prepared(swapped), out = Bytes()]() mutable {
         char *message = nullptr;
         size_t bytes = out.size();
@@ -108,7 +109,10 @@ const Register bytesW9("W9p", kelto, [] {
         formatSwapped(prepared.get(), &bytes, out.data());
         return std::string_view(out.data(), bytes);
     });
-});
+}
+
+const Register bytesW9("W9p", kelto, lookUpAndFormat);
+const Register bytesW9c("W9c", "C", lookUpAndFormat);
 
 const Register preparing("prepare", kelto, [] {
     return job([format = std::string(swapped)]() mutable {

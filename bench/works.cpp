@@ -31,6 +31,7 @@ std::vector<bench::Work> listWorks()
         {"W3p", "W3 with a prepared format, into UTF-8", 1000, "650"},
         {"W4p", "W4 with a prepared format, into UTF-8", 2000, "1000"},
         {"W9p", "look a message up, and W1 with a prepared format into UTF-8", 2000, "650"},
+        {"W9c", "W9p from C++, into a string that is used again", 2000, "1.25 C"},
         {"prepare", "prepare W1 and release it", 2000, "1150"},
         {"P/block", "a block of 32 bytes, taken and released", 2000, ""},
         {"P/lock", "a lock that nobody else wants, taken and released", 2000, ""},
