@@ -13,10 +13,14 @@ thread_local long allocations = 0;
 }
 
 // What the C++ side takes from the heap; the C side takes nothing but through ZEL_malloc().
-void *operator new(std::size_t size)
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 {
     ++allocations;
-    if (void *const block = std::malloc(size))
+    return std::malloc(size);
+}
+void *operator new(std::size_t size)
+{
+    if (void *const block = operator new(size, std::nothrow))
         return block;
     throw std::bad_alloc();
 }
