@@ -1979,6 +1979,7 @@ class language_file
 {
 public:
     language_file(std::string language, std::string path) : language_(std::move(language)), path_(std::move(path)) {}
+    language_file(const void *data, std::size_t size) noexcept : data_(data), size_(size) {}
     language_file(const language_file &) = delete;
     language_file &operator=(const language_file &) = delete;
     ~language_file()
@@ -1994,45 +1995,55 @@ public:
     bool is_tried() const noexcept { return isTried_.load(std::memory_order_acquire); }
     MessageTable *table() const noexcept { return table_.load(std::memory_order_acquire); }
 
-    /** Loads the file where that was not tried yet; `tell` is called with a file that is of no use and the result. */
-    template <class Tell> KELTO_SELDOM int load(Tell tell)
+    /** A file that is of no use, and why. */
+    struct refusal
+    {
+        std::string path;
+        int result;
+    };
+
+    /** Loads the file where that was not tried yet; what was of no use on the way is appended to `refused`. */
+    KELTO_SELDOM int load(std::vector<refusal> &refused)
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         if (is_tried())
             return 0;
         int result = load_file(path_);
-        std::string refused;
-        if (result != 0 && is_compiled())
+        if (result != 0)
+            refused.push_back({path_, result});
+        if (result != 0 && is_compiled() && !language_.empty())
         {
-            // The messages that it was compiled from may lie beside it.
-            refused = std::exchange(path_, path_.substr(0, path_.size() - 3) + "xlf");
-            const int compiled = std::exchange(result, load_file(path_));
-            if (result == KT_ERR_FILE_UNAVAILABLE)
+            // What it was compiled from may lie beside it.
+            const std::string source = path_.substr(0, path_.size() - 3) + "xlf";
+            const int loaded = load_file(source);
+            if (loaded != 0 && loaded != KT_ERR_FILE_UNAVAILABLE)
+                refused.push_back({source, loaded});
+            if (loaded == 0)
             {
-                path_ = refused;
-                result = compiled;
+                path_ = source;
+                result = 0;
             }
-            else
-                tell(refused, compiled);
         }
         isTried_.store(true, std::memory_order_release);
-        if (result != 0)
-            tell(path_, result);
         return result;
     }
 
 private:
     bool is_compiled() const noexcept { return path_.size() > 4 && path_.compare(path_.size() - 4, 4, ".ktc") == 0; }
 
-    KELTO_SELDOM int load_file(std::string path) noexcept
+    int load_file(std::string path) noexcept
     {
         MessageTable *table = nullptr;
-        const int result = KTLoadMessages(path.data(), &table);
+        const int result = data_ != nullptr                 ? KTLoadCompiledData(data_, size_, &table)
+                           : is_compiled() && path == path_ ? KTLoadCompiledMessages(path.c_str(), &table)
+                                                            : KTLoadMessages(path.data(), &table);
         table_.store(result == 0 ? table : nullptr, std::memory_order_release);
         return result;
     }
 
     std::string language_, path_;
+    const void *data_ = nullptr; // a catalog in memory, in place of a file
+    std::size_t size_ = 0;
     std::mutex mutex_;
     std::atomic<bool> isTried_{false};
     std::atomic<MessageTable *> table_{nullptr};
@@ -2142,9 +2153,9 @@ public:
         return failure;
     }
 
-    void add(std::string language, std::string path)
+    template <class... Arguments> void add(Arguments &&...arguments)
     {
-        files_.push_back(std::make_unique<language_file>(std::move(language), std::move(path)));
+        files_.push_back(std::make_unique<language_file>(std::forward<Arguments>(arguments)...));
     }
 
     /** Loads the first file that is of use; the result of the last one that is not. */
@@ -2162,11 +2173,19 @@ public:
 
     const std::string &name() const noexcept { return name_; }
 
+    /** The first language of which there are messages: the name of its folder, or what the file says of itself. */
     std::string language() const
     {
         for (const auto &file : files_)
-            if (file->table() != nullptr)
+        {
+            KTTableFacts facts = {};
+            facts.structSize = sizeof facts;
+            if (file->table() == nullptr || (file->language().empty() && KTTableInfo(file->table(), &facts) != 0))
+                continue;
+            if (!file->language().empty())
                 return file->language();
+            return std::string(facts.language) + (*facts.country != '\0' ? "_" : "") + facts.country;
+        }
         return {};
     }
 
@@ -2202,9 +2221,11 @@ public:
 private:
     int load(language_file &file) const
     {
-        return file.load([&](const std::string &path, int result) {
-            report(&file, path, 0, result, path + ": " + KTResultText(result));
-        });
+        std::vector<language_file::refusal> refused;
+        const int result = file.load(refused);
+        for (const language_file::refusal &one : refused) // without the lock: who is told may format something
+            report(&file, one.path, 0, one.result, one.path + ": " + KTResultText(one.result));
+        return result;
     }
 
     KELTO_SELDOM MessageTable *table_of(language_file &file) const
@@ -2391,11 +2412,26 @@ public:
         catalog loaded(path.substr(begin, path.rfind('.') - begin), options, failure);
         if (failure)
             return loaded;
-        loaded.state_->add({}, path);
+        loaded.state_->add(std::string(), path);
         failure = make_error(loaded.state_->open());
         return loaded;
     }
     static catalog load(const std::string &path, std::error_code &failure) { return load(path, {}, failure); }
+
+    /**
+     * A compiled catalog that is a part of the program, as the only language: see KTLoadCompiledData(). The data is
+     * read during the call.
+     */
+    static catalog embedded(const std::string &name, const void *data, std::size_t size, const catalog_options &options,
+                            std::error_code &failure)
+    {
+        catalog loaded(name, options, failure);
+        if (failure)
+            return loaded;
+        loaded.state_->add(data, size);
+        failure = make_error(loaded.state_->open());
+        return loaded;
+    }
 
 #if KELTO_HAS_EXCEPTIONS
     static catalog find(const std::string &name, const std::string &directory, const catalog_options &options = {})
@@ -2410,6 +2446,14 @@ public:
         std::error_code failure;
         catalog loaded = load(path, options, failure);
         detail::require(failure, path);
+        return loaded;
+    }
+    static catalog embedded(const std::string &name, const void *data, std::size_t size,
+                            const catalog_options &options = {})
+    {
+        std::error_code failure;
+        catalog loaded = embedded(name, data, size, options, failure);
+        detail::require(failure, name);
         return loaded;
     }
 #endif
@@ -2459,7 +2503,7 @@ public:
         return state_ != nullptr ? state_->text(id.value()) : std::string_view();
     }
 
-    /** The first language of which a file is loaded, as its folder is called; empty where there is none. */
+    /** The first language of which there are messages, as "de" or "de_AT"; empty where there is none. */
     std::string language() const
     {
         return state_ != nullptr ? state_->language() : std::string();

@@ -175,6 +175,53 @@ TEST_F(Ladder, TellsWhatIsTooLong)
     EXPECT_EQ(told, std::vector<std::string>{"de 1 KT_ERR_BUFFER_TOO_SMALL"});
 }
 
+/** A message file as a compiled catalog. */
+std::string compiled(const MessageFile &file)
+{
+    FakeZel::file("d/source.xlf", file.xml());
+    char path[] = "d/source.xlf";
+    const kelto::library library;
+    MessageTable *table = nullptr;
+    EXPECT_EQ(KTLoadMessages(path, &table), 0);
+    std::size_t size = 0;
+    KTCompileMessages(table, &size, nullptr);
+    std::string data(size, '\0');
+    EXPECT_EQ(KTCompileMessages(table, &size, data.data()), 0);
+    KTFreeMessages(table);
+    return data;
+}
+
+TEST_F(Ladder, PrefersCompiledCatalogs)
+{
+    const std::string data = compiled(MessageFile().unit(1, "compiled %d[1]"));
+    language("de", MessageFile().unit(1, "source %d[1]"));
+    FakeZel::file("d/de/store.ktc", data);
+    EXPECT_EQ(store().format(1, 7), "compiled 7");
+    EXPECT_EQ(kelto::catalog::load("d/de/store.ktc").format(1, 7), "compiled 7");
+    EXPECT_EQ(kelto::catalog::load("d/de/store.ktc").language(), "en_US");
+    EXPECT_EQ(kelto::catalog::embedded("store", data.data(), data.size()).format(1, 7), "compiled 7");
+    std::unique_ptr<kelto::catalog> catalog;
+    std::string nested; // who is told may ask for a message
+    options.on_problem = [&](const kelto::problem &p) {
+        told.push_back(std::string(p.file) + ' ' + nameOf(p.error));
+        nested += catalog != nullptr ? catalog->format(1, 8) : "";
+    };
+    FakeZel::file("d/de/store.ktc", data.substr(0, data.size() - 1));
+    FakeZel::file("d/fr/store.ktc", "");
+    catalog = std::make_unique<kelto::catalog>(store());
+    EXPECT_EQ(catalog->format(1, 7), "source 7");
+    EXPECT_EQ(catalog->format(2, 7), "[store 2: 7]");
+    EXPECT_EQ(nested, "source 8source 8");
+    EXPECT_EQ(told,
+              (std::vector<std::string>{"d/de/store.ktc KT_ERR_BAD_MSG_FILE", "d/de/store.xlf KT_ERR_INVALID_MSG_ID",
+                                        "d/fr/store.ktc KT_ERR_BAD_MSG_FILE"}));
+    std::error_code failure;
+    EXPECT_EQ(kelto::catalog::load("d/de/store.ktc", failure).format(1, 7), "[store 1: 7]");
+    EXPECT_EQ(failure, kelto::make_error(KT_ERR_BAD_MSG_FILE));
+    EXPECT_EQ(kelto::catalog::embedded("x", "", 0, {}, failure).format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
+    EXPECT_EQ(failure, kelto::make_error(KT_ERR_BAD_MSG_FILE));
+}
+
 TEST_F(Ladder, NeedsNoFile)
 {
     std::error_code failure;
