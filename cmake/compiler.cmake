@@ -14,7 +14,8 @@ if(KELTO_IS_TOP_LEVEL)
   set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 endif()
 
-# Warnings are errors in the presets only (CMAKE_COMPILE_WARNING_AS_ERROR): a user's newer compiler does not stop his build.
+# Warnings are errors in the presets only (CMAKE_COMPILE_WARNING_AS_ERROR): a user's newer compiler does not stop his
+# build.
 add_library(kelto_options INTERFACE)
 if(KELTO_IS_TOP_LEVEL)
   target_compile_options(kelto_options INTERFACE -Wall -Wextra -Wshadow -Wconversion)

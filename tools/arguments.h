@@ -1,6 +1,6 @@
 /**
- * The arguments of a format call, read from words of the command line as the conversions of the message ask. A word that
- * is missing, surplus or unreadable comes out as a Failure that names the argument and the conversion.
+ * The arguments of a format call, read from words of the command line as the conversions of the message ask. A word
+ * that is missing, surplus or unreadable comes out as a Failure that names the argument and the conversion.
  */
 #ifndef KELTO_TOOLS_ARGUMENTS_H
 #define KELTO_TOOLS_ARGUMENTS_H

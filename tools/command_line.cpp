@@ -20,7 +20,7 @@ public:
     std::string make_usage(const CLI::App *, std::string) const override { return m_usage; }
     std::string make_option_name(const CLI::Option *option, bool) const override
     {
-        const std::string shortName = option->get_snames().empty() ? "  " : "-" + option->get_snames().front();
+        std::string shortName = option->get_snames().empty() ? "  " : "-" + option->get_snames().front();
         if (option->get_lnames().empty())
             return shortName;
         return shortName + (option->get_snames().empty() ? "  " : ", ") + "--" + option->get_lnames().front();

@@ -1,6 +1,6 @@
 /**
- * The words behind the name of a subcommand: options are declared, then operands() parses. All wrong usage comes out as a
- * Failure that ends with a pointer to the help; a request for help as HelpWanted.
+ * The words behind the name of a subcommand: options are declared, then operands() parses. All wrong usage comes out as
+ * a Failure that ends with a pointer to the help; a request for help as HelpWanted.
  */
 #ifndef KELTO_TOOLS_COMMAND_LINE_H
 #define KELTO_TOOLS_COMMAND_LINE_H

@@ -39,7 +39,7 @@ std::string systemText(int error)
 void complain(const std::string &text)
 {
     std::fflush(stdout);
-    const char *const name = terminal().showsColors(STDERR_FILENO) ? "\33[1;31mkelto:\33[0m " : "kelto: ";
+    const char *const name = Terminal::showsColors(STDERR_FILENO) ? "\33[1;31mkelto:\33[0m " : "kelto: ";
     const std::string line = name + terminal().encodedLines(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }

@@ -14,8 +14,8 @@ namespace tool
 void print(std::string_view bytes);
 
 /**
- * A text as it is then written in a charset: as it is, but for a terminal with '?' for what the charset cannot show, since
- * the substitution characters of many charsets are control characters.
+ * A text as it is then written in a charset: as it is, but for a terminal with '?' for what the charset cannot show,
+ * since the substitution characters of many charsets are control characters.
  */
 std::u16string forOutput(const std::string &charset, const std::u16string &text);
 

@@ -1,7 +1,7 @@
 /**
- * What main() and the subcommands share: the exit statuses and the record of a subcommand, one in each ..._command.cpp; the
- * table of all is in main.cpp. A subcommand declares its options on the CommandLine that it is given, takes its operands
- * from it, and works; what goes wrong it throws as a Failure.
+ * What main() and the subcommands share: the exit statuses and the record of a subcommand, one in each ..._command.cpp;
+ * the table of all is in main.cpp. A subcommand declares its options on the CommandLine that it is given, takes its
+ * operands from it, and works; what goes wrong it throws as a Failure.
  */
 #ifndef KELTO_TOOLS_SUBCOMMAND_H
 #define KELTO_TOOLS_SUBCOMMAND_H

@@ -1,5 +1,6 @@
 /**
- * A fault of a format string as a user is shown it: what the library says of it, and the text with the place underlined.
+ * A fault of a format string as a user is shown it: what the library says of it, and the text with the place
+ * underlined.
  */
 #ifndef KELTO_TOOLS_SYNTAX_FAULT_H
 #define KELTO_TOOLS_SYNTAX_FAULT_H

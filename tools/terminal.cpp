@@ -36,7 +36,9 @@ bool isJoiner(UChar32 character)
     return character == 0x200C || character == 0x200D; // which spelling needs
 }
 
-/** Controls, the format characters that change the order of reading or hide, separators, surrogates without a partner. */
+/**
+ * Controls, the format characters that change the order of reading or hide, separators, surrogates without a partner.
+ */
 bool needsEscape(UChar32 character)
 {
     switch (u_charType(character))

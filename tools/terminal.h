@@ -1,6 +1,7 @@
 /**
- * The user's terminal: its charset, and how text from files and command lines is shown on it. What could move the cursor,
- * change the order of reading or be invisible, and what the charset cannot show, appears as an escape: \n, \t, \u001B.
+ * The user's terminal: its charset, and how text from files and command lines is shown on it. What could move the
+ * cursor, change the order of reading or be invisible, and what the charset cannot show, appears as an escape: \n, \t,
+ * \u001B.
  */
 #ifndef KELTO_TOOLS_TERMINAL_H
 #define KELTO_TOOLS_TERMINAL_H
@@ -18,7 +19,9 @@ class Terminal
 public:
     Terminal();
 
-    /** Its charset, in which arguments on the command line are written too; US-ASCII where nobody knows the one it has. */
+    /**
+     * Its charset, in which arguments on the command line are written too; US-ASCII where nobody knows the one it has.
+     */
     const std::string &charset() const { return m_charset; }
 
     /** The name of its charset, as the environment says. */

@@ -39,7 +39,9 @@ std::string messagesFolder()
     return (std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / KELTO_MESSAGES).string();
 }
 
-/** The message file in the language of the user; without a message where there is none. It lives as long as the library. */
+/**
+ * The message file in the language of the user; without a message where there is none. It lives as long as the library.
+ */
 class UsersTexts
 {
 public:

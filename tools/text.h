@@ -1,7 +1,7 @@
 /**
  * What the program says, in the language of the user: the texts of its own message files, formatted by the library. The
- * English is compiled in, for where there is no file, or none that fits, or the library does not start. All texts are UTF-8;
- * complain() and printText() put them into the charset of the terminal.
+ * English is compiled in, for where there is no file, or none that fits, or the library does not start. All texts are
+ * UTF-8; complain() and printText() put them into the charset of the terminal.
  */
 #ifndef KELTO_TOOLS_TEXT_H
 #define KELTO_TOOLS_TEXT_H

@@ -18,7 +18,10 @@ struct Transcoded
     size_t unshowable = 0; // characters that the target cannot show, replaced
 };
 
-/** Throws a Failure for a charset that nobody knows, or that cannot be read since zero bytes are parts of its characters. */
+/**
+ * Throws a Failure for a charset that nobody knows, or that cannot be read since zero bytes are parts of its
+ * characters.
+ */
 void requireReadable(const std::string &charset);
 
 /** Both charsets are known, and the first can be read. */

@@ -4,9 +4,9 @@
     transcript.py PROGRAM TRANSCRIPT             prints what is different
     transcript.py --record PROGRAM TRANSCRIPT    writes what is printed into the transcript
 
-Each command stands behind "$ ", its further lines behind "> ", what it prints on both outputs below it, and its status in
-brackets where that is not 0. Lines that begin with "# " in front of a command are comments. The commands are bash's, and
-these:
+Each command stands behind "$ ", its further lines behind "> ", what it prints on both outputs below it, and its status
+in brackets where that is not 0. Lines that begin with "# " in front of a command are comments. The commands are bash's,
+and these:
 
     kelto WORD...             the program
     messages FILE SOURCE...   makes a message file; an empty source leaves its number out
