@@ -52,8 +52,12 @@ void kelto::fillFile(SecondPassState &pass, const FileAttributes &file) noexcept
     constexpr size_t countryOffset = 3;
     MessageTable &table = *pass.table;
     std::memcpy(table.language, file.language, std::min(letters, file.languageLength));
+    table.language[letters] = '\0';
     if (file.namesCountry())
+    {
         std::memcpy(table.country, file.language + countryOffset, letters);
+        table.country[letters] = '\0';
+    }
     table.productName = copyText(file.productName);
     table.productVersion = table.productName != nullptr ? copyText(file.productVersion) : nullptr;
     if (table.productVersion == nullptr)

@@ -57,7 +57,8 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
         EXPECT_EQ(first.state.highestId, 3);
         EXPECT_EQ(first.state.textSize, raw ? 10u : 14u);
 
-        MessageTable table = {};
+        MessageTable table = {nullptr, nullptr, "??", "??", 0, nullptr};
+        table.language[2] = table.country[2] = '?';
         std::vector<char *> messages(4);
         std::vector<char> text(first.state.textSize);
         Guarded<SecondPassState> second({raw, 0, false, &table, messages.data(), 0, text.data()});

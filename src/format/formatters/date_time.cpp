@@ -132,14 +132,13 @@ int takeChar(const char **cursor, char c)
 
 int takeDigits(const char **cursor, int maxDigits, UCS2 *field)
 {
-    *field = 0;
     for (int taken = 0; taken < maxDigits && **cursor != '\0'; ++taken)
     {
         if (**cursor < '0' || **cursor > '9')
             return 1;
         *field++ = static_cast<UCS2>(*(*cursor)++);
-        *field = 0;
     }
+    *field = 0;
     return 0;
 }
 
