@@ -40,24 +40,30 @@ void kelto::SparseIndex::attach(std::unique_ptr<SparseIndex> index, const Messag
         return;
     std::sort(index->m_ids.get(), index->m_ids.get() + index->m_count);
     index->m_table = table;
-    index->m_next = all;
-    all = index.release();
+    index->m_next = __atomic_load_n(&all, __ATOMIC_RELAXED);
+    SparseIndex *const attached = index.release();
+    while (!__atomic_compare_exchange_n(&all, &attached->m_next, attached, true, __ATOMIC_ACQ_REL, __ATOMIC_RELAXED))
+    {
+    }
 }
 
+// Others may attach theirs meanwhile, which come to stand in front: only the first link can change under our hands.
 void kelto::SparseIndex::detach(const MessageTable *table) noexcept
 {
-    for (SparseIndex **link = &all; *link != nullptr; link = &(*link)->m_next)
-        if ((*link)->m_table == table)
-        {
-            const std::unique_ptr<SparseIndex> detached(*link);
-            *link = detached->m_next;
-            return;
-        }
+    const std::unique_ptr<SparseIndex> detached(find(table));
+    if (detached == nullptr)
+        return;
+    SparseIndex *before = detached.get();
+    if (__atomic_compare_exchange_n(&all, &before, detached->m_next, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
+        return;
+    while (before->m_next != detached.get())
+        before = before->m_next;
+    before->m_next = detached->m_next;
 }
 
-const kelto::SparseIndex *kelto::SparseIndex::find(const MessageTable *table) noexcept
+kelto::SparseIndex *kelto::SparseIndex::find(const MessageTable *table) noexcept
 {
-    const SparseIndex *index = all;
+    SparseIndex *index = __atomic_load_n(&all, __ATOMIC_ACQUIRE);
     while (index != nullptr && index->m_table != table)
         index = index->m_next;
     return index;

@@ -31,11 +31,11 @@ public:
     /** The lowest ID above this one; 0 when there is none. */
     uint32_t next(uint32_t after) const noexcept;
 
-    /* The indexes of all tables, by handle. The caller holds `tableListMutex`, or nobody else uses the library. An
-     * index that was given more IDs than it has room for is dropped. */
+    /* The indexes of all tables, by handle. To find or detach one, the caller holds `tableListMutex`, or nobody else uses
+     * the library; to attach one takes no lock. An index that was given more IDs than it has room for is dropped. */
     static void attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept;
     static void detach(const MessageTable *table) noexcept;
-    static const SparseIndex *find(const MessageTable *table) noexcept;
+    static SparseIndex *find(const MessageTable *table) noexcept;
 
 private:
     SparseIndex() = default;
@@ -45,7 +45,7 @@ private:
     size_t m_count = 0, m_capacity = 0;
     SparseIndex *m_next = nullptr;
 
-    static SparseIndex *all;
+    static SparseIndex *all; // the newest first; changed atomically
 };
 
 } // namespace kelto

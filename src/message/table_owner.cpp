@@ -9,11 +9,7 @@
 int kelto::insertTable(TableOwner table, std::unique_ptr<SparseIndex> index) noexcept
 {
     const bool isIndexed = index != nullptr;
-    if (isIndexed)
-    {
-        const MutexGuard lock(tableListMutex);
-        SparseIndex::attach(std::move(index), table.get());
-    }
+    SparseIndex::attach(std::move(index), table.get());
     const int result = msgTableList->Insert(table.get());
     if (result == 0)
     {

@@ -160,6 +160,10 @@ TEST_F(LoaderTest, CallsThePlatformInThePromisedOrder)
                                                             pass.substr(31));
     EXPECT_EQ(calls.substr(calls.find("Malloc 24")),
               "Malloc 24\nMutexAcquire 0\nMutexRelease 0\nParserFree 0\nFileClose 0\n");
+    FakeZel::file(memoryPath, file().unit(70000, "A").xml());
+    FakeZel::record();
+    ASSERT_EQ(KTLoadMessages(memoryPath, &table), 0);
+    EXPECT_EQ(FakeZel::count(Operation::MutexAcquire), 1u) << "also for a table with an index of its IDs";
 }
 
 TEST_F(LoaderTest, TellsWhyAFileCannotBeOpened)
