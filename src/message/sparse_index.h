@@ -31,8 +31,9 @@ public:
     /** The lowest ID above this one; 0 when there is none. */
     uint32_t next(uint32_t after) const noexcept;
 
-    /* The indexes of all tables, by handle. To find or detach one, the caller holds `tableListMutex`, or nobody else uses
-     * the library; to attach one takes no lock. An index that was given more IDs than it has room for is dropped. */
+    /* The indexes of all tables, by handle. To find or detach one, the caller holds `tableListMutex`, or nobody else
+     * uses the library; to attach one takes no lock. An index that was given more IDs than it has room for is
+     * dropped. */
     static void attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept;
     static void detach(const MessageTable *table) noexcept;
     static SparseIndex *find(const MessageTable *table) noexcept;

@@ -135,10 +135,12 @@ template <typename Value> bool Rendering::measure(int flags, int precision, Valu
         return false;
     const auto size = static_cast<size_t>(length);
     m_digits = {size < usualSize ? m_usual + minusLength(value) : nullptr, size - minusLength(value)};
-    if (!std::isfinite(value))
+    if (!std::isfinite(value) || (precision == 0 && (flags & FLAG_HASH) == 0))
         return true;
-    const char *mark = precision > 0 || (flags & FLAG_HASH) != 0 ? nl_langinfo(RADIXCHAR) : "";
-    for (; *mark != '\0'; ++mark)
+    // The mark as it is really written, whatever the locale says of it.
+    char marked[32];
+    const int markedLength = print(marked, sizeof marked, 0, 1, 0.0);
+    for (const char *mark = marked + 1; mark < marked + markedLength - 1; ++mark)
     {
         ++m_markBytes;
         m_digits.beyondAscii += static_cast<unsigned char>(*mark) > 127 ? 1 : 0;
