@@ -17,6 +17,8 @@ namespace
 constexpr size_t alwaysBelieved = 1000;
 
 constexpr size_t growthStep = 10;
+
+// An array of this size grows by half at least, so that a string of any length is checked in linear time.
 constexpr size_t linearGrowthLimit = 100;
 
 /** The array behind a format string: one record per position, and always an empty one behind the highest. */
@@ -64,9 +66,9 @@ public:
 private:
     bool growTo(size_t position)
     {
-        size_t capacity = m_capacity;
-        while (capacity < position)
-            capacity += capacity < linearGrowthLimit ? growthStep : halfInSteps(capacity);
+        size_t capacity = inSteps(position);
+        if (m_capacity >= linearGrowthLimit)
+            capacity = std::max(capacity, inSteps(m_capacity + m_capacity / 2));
         auto grown = kelto::allocateZeroed<KTParameter>(glbResHandle, capacity + 1);
         if (grown != nullptr && m_capacity > 0)
             std::memcpy(grown.get(), m_records.get(), m_capacity * sizeof(KTParameter));
@@ -75,8 +77,7 @@ private:
         return m_records != nullptr;
     }
 
-    // Beyond the limit the array grows by half, so that a string of any length is checked in linear time.
-    static size_t halfInSteps(size_t capacity) { return (capacity / 2 + growthStep - 1) / growthStep * growthStep; }
+    static size_t inSteps(size_t capacity) { return (capacity + growthStep - 1) / growthStep * growthStep; }
 
     kelto::TagBlock<KTParameter> m_records;
     size_t m_capacity = 0;
