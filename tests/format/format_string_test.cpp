@@ -81,6 +81,7 @@ TEST_F(FormatString, AHugePositionCostsNoMemory)
     EXPECT_EQ(check(u"%d[2000000000]").result, KT_ERR_FORMAT_SYNTAX);
     EXPECT_EQ(check(u"%d[1001]").result, KT_ERR_FORMAT_SYNTAX);
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 0u);
+    FakeZel::record();
     EXPECT_EQ(check(u"%d[995]").result, KT_ERR_FORMAT_SYNTAX);
     ASSERT_EQ(FakeZel::count(Operation::Malloc), 1u) << "one array that holds the position at once";
     EXPECT_EQ(FakeZel::calls()[0].number, (1000 + 1) * sizeof(KTParameter)) << "a multiple of ten, and an empty record";
