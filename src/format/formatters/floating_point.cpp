@@ -106,16 +106,17 @@ bool Rendering::renderQuickly(int flags, int precision, double value) noexcept
     if ((flags & FLAG_HASH) != 0 || !std::isfinite(value) || !isPlainEnvironment() ||
         !scale(std::fabs(value), precision, scaled))
         return false;
+    const uint64_t one = powers[precision];
     char *const end = m_usual + usualSize;
     char *at = end;
     if (precision > 0)
     {
-        at = writeDecimal(end, scaled % powers[precision]);
+        at = writeDecimal(end, scaled % one);
         while (at != end - precision)
             *--at = '0';
         *--at = '.';
     }
-    at = writeDecimal(at, scaled / powers[precision]);
+    at = writeDecimal(at, scaled / one);
     m_digits = {at, static_cast<uint64_t>(end - at)};
     return true;
 }

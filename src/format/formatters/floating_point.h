@@ -37,7 +37,7 @@ public:
 
 private:
     bool renderQuickly(int flags, int precision, double value) noexcept;
-    bool renderQuickly(int flags, int precision, long double value) noexcept;
+    static bool renderQuickly(int flags, int precision, long double value) noexcept;
 
     static constexpr size_t usualSize = 304;
     char m_usual[usualSize];

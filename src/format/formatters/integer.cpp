@@ -124,6 +124,7 @@ char intToHex(int digit, Flag_t type)
 namespace kelto
 {
 
+// cppcheck-suppress uninitMemberVar; what is before the digits is never read
 IntegerText::IntegerText(int64_t value) noexcept
 {
     *end() = '\0';
@@ -134,6 +135,7 @@ IntegerText::IntegerText(int64_t value) noexcept
     beginAt(begin);
 }
 
+// cppcheck-suppress uninitMemberVar; what is before the digits is never read
 IntegerText::IntegerText(Flag_t type, uint64_t value) noexcept
 {
     *end() = '\0';
