@@ -17,7 +17,7 @@ struct DigitPairs
 
     constexpr DigitPairs() : digits()
     {
-        for (int i = 0; i < 100; ++i)
+        for (size_t i = 0; i < 100; ++i)
         {
             digits[2 * i] = static_cast<char>('0' + i / 10);
             digits[2 * i + 1] = static_cast<char>('0' + i % 10);
