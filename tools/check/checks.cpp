@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <fmt/core.h>
+#include <map>
 #include <optional>
 #include <set>
 #include <unicode/uchar.h>
@@ -50,6 +51,8 @@ public:
         : m_catalog(catalog), m_table(table), m_reference(reference), m_pair(pair), m_findings(findings),
           m_text(catalog.rawText(pair.message))
     {
+        if (pair.original != nullptr)
+            m_original.emplace(reference->catalog().rawText(*pair.original));
     }
 
     void run()
@@ -62,16 +65,34 @@ public:
             checkFormat();
         if (m_pair.original != nullptr)
             compareWhiteSpace();
+        for (const auto &[rule, count] : m_counts)
+            if (count > mostPerRule)
+                add(rule, m_pair.message.source,
+                    fmt::format("{} more findings like those in this message", count - mostPerRule), std::nullopt);
     }
 
 private:
+    /** A message may be megabytes of one mistake. */
+    static constexpr size_t mostPerRule = 100;
+
     void find(Rule rule, Range place, std::string text, std::optional<Note> note = std::nullopt)
+    {
+        if (++m_counts[rule] <= mostPerRule)
+            add(rule, place, std::move(text), std::move(note));
+    }
+
+    void add(Rule rule, Range place, std::string text, std::optional<Note> note)
     {
         m_findings.push_back(
             {rule, m_pair.message.id, m_pair.message.unit.begin, place, std::move(text), std::move(note)});
     }
 
     Range placeOf(Range range) const { return m_catalog.locate(m_pair.message, m_text.beforeEscapes(range)); }
+
+    Range locateOriginal(Range range) const
+    {
+        return m_reference->catalog().locate(*m_pair.original, m_original->beforeEscapes(range));
+    }
 
     std::optional<Note> noteOn(const Conversion &conversion) const;
 
@@ -94,11 +115,13 @@ private:
     Pair m_pair;
     Findings &m_findings;
     ResolvedText m_text;
+    std::optional<ResolvedText> m_original; // where there is an original
+    std::map<Rule, size_t> m_counts;
 };
 
 void MessageCheck::checkEmpty()
 {
-    const bool isMeant = m_pair.original != nullptr && m_reference->catalog().rawText(*m_pair.original).empty();
+    const bool isMeant = m_original && m_original->text().empty();
     if (!isMeant)
         find(Rule::emptyMessage, m_pair.message.source, "the message is empty");
 }
@@ -152,17 +175,13 @@ Range coreOf(std::string_view text)
 
 void MessageCheck::compareWhiteSpace()
 {
-    const ResolvedText original(m_reference->catalog().rawText(*m_pair.original));
     const std::string_view here = m_text.text();
-    const std::string_view there = original.text();
+    const std::string_view there = m_original->text();
     const Range edges = coreOf(here);
     const Range originals = coreOf(there);
     if (edges.begin == edges.end || originals.begin == originals.end)
         return; // nothing but white space
-    const auto noteAt = [&](Range range) {
-        return Note{true, m_reference->catalog().locate(*m_pair.original, original.beforeEscapes(range)),
-                    "the reference is here"};
-    };
+    const auto noteAt = [&](Range range) { return Note{true, locateOriginal(range), "the reference is here"}; };
     if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
         find(Rule::whiteSpace, placeOf({0, edges.begin}), "white space at the beginning differs from the reference",
              noteAt({0, originals.begin}));
@@ -272,10 +291,7 @@ void MessageCheck::checkRegion(const Format &format)
 
 std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
 {
-    const Catalog &catalog = m_reference->catalog();
-    const ResolvedText text(catalog.rawText(*m_pair.original));
-    return Note{true, catalog.locate(*m_pair.original, text.beforeEscapes(conversion.place)),
-                fmt::format("the reference has \"{}\"", conversion.written)};
+    return Note{true, locateOriginal(conversion.place), fmt::format("the reference has \"{}\"", conversion.written)};
 }
 
 /** All slots of a format in the order in which arguments are passed. */

@@ -285,6 +285,7 @@ void Reader::start(const char *name, const char **attributes)
     if (m_isLimited)
         for (const char **attribute = attributes; *attribute != nullptr; ++attribute)
             m_expanded += std::strlen(*attribute);
+    limit(true);
     const Element element = m_skipped == 0 ? findElement(name) : Element::document;
     if (m_skipped > 0 || !accept(element, name))
     {

@@ -11,7 +11,7 @@ namespace tool::check
 namespace
 {
 
-constexpr size_t blockBytes = 4096; // even, so that no unit of two bytes is cut
+constexpr size_t blockBytes = 512; // even, so that no unit of two bytes is cut
 
 constexpr size_t longestShownLine = 160;
 constexpr size_t shownBefore = 60;

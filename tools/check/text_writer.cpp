@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fmt/core.h>
+#include <map>
 
 namespace tool::check
 {
@@ -61,10 +62,12 @@ private:
         return m_isColoured ? fmt::format("{}{}{}", colour, text, plain) : std::string(text);
     }
 
-    std::string placeOf(const Place &place) const
+    std::string placeOf(const Place &place)
     {
-        return coloured(bold, fmt::format("{}:{}:{}:", terminal().encodedLines(terminal().showBytes(place.file)),
-                                          place.begin.line, place.begin.column));
+        const auto [shown, isNew] = m_shownNames.try_emplace(place.file);
+        if (isNew)
+            shown->second = terminal().showBytes(place.file);
+        return coloured(bold, fmt::format("{}:{}:{}:", shown->second, place.begin.line, place.begin.column));
     }
 
     /** What is missing in a unit or file stands nowhere in it. */
@@ -89,6 +92,7 @@ private:
 
     bool m_isColoured;
     bool m_isQuiet;
+    std::map<std::string, std::string> m_shownNames;
 };
 
 } // namespace
