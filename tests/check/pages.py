@@ -1,7 +1,7 @@
 """Whether `kelto check` and `kelto gen` do what their pages show, and documents are what their schemas say.
 
-    pages.py check KELTO ROOT [--update]             --update writes what the commands print, and the rules, into the page
-    pages.py gen KELTO ROOT LIBRARY [--update]
+    pages.py check KELTO ROOT [--update]
+    pages.py gen KELTO ROOT LIBRARY [--update]     --update writes what the commands print, and the rules, into the page
 
 Blocks under a line `NAME`: are files; in blocks of the console each line "$ COMMAND" is followed by what it prints.
 """
@@ -56,7 +56,8 @@ def schemas(folder):
     sarif = json.loads(read(f"{root}/tests/check/sarif.schema.json"))
     nasty = 'a"\\\x1b\u202e\u2028é\n'.encode() + b"\xff.xlf"
     with open(os.path.join(folder.encode(), nasty), "w", encoding="utf-8") as file:
-        file.write(read(f"{folder}/de.xlf").replace("kopiert", "\u202e\u0085&#x9f;\U000E0001 \\\u0085 %y[1] \U0001F600"))
+        file.write(read(f"{folder}/de.xlf").replace(
+            "kopiert", "\u202e\u0085&#x9f;\U000E0001 \\\u0085 %y[1] \U0001F600"))
     for form, schema in (("json", ours), ("sarif", sarif)):
         for files in ("en.xlf", "-r en.xlf de.xlf en.xlf own.xlf", "-r en.xlf a*", "-r de.xlf - </dev/null"):
             output = run(f"kelto check --format={form} {files}", folder)
