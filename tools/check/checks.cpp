@@ -49,10 +49,9 @@ class MessageCheck
 public:
     MessageCheck(const Catalog &catalog, formTable *table, const Reference *reference, Pair pair, Findings &findings)
         : m_catalog(catalog), m_table(table), m_reference(reference), m_pair(pair), m_findings(findings),
-          m_text(catalog.rawText(pair.message))
+          m_text(catalog.rawText(pair.message)),
+          m_original(pair.original != nullptr ? reference->catalog().rawText(*pair.original) : std::string_view())
     {
-        if (pair.original != nullptr)
-            m_original.emplace(reference->catalog().rawText(*pair.original));
     }
 
     void run()
@@ -91,7 +90,7 @@ private:
 
     Range locateOriginal(Range range) const
     {
-        return m_reference->catalog().locate(*m_pair.original, m_original->beforeEscapes(range));
+        return m_reference->catalog().locate(*m_pair.original, m_original.beforeEscapes(range));
     }
 
     std::optional<Note> noteOn(const Conversion &conversion) const;
@@ -115,13 +114,13 @@ private:
     Pair m_pair;
     Findings &m_findings;
     ResolvedText m_text;
-    std::optional<ResolvedText> m_original; // where there is an original
+    ResolvedText m_original; // of what it is compared with
     std::map<Rule, size_t> m_counts;
 };
 
 void MessageCheck::checkEmpty()
 {
-    const bool isMeant = m_original && m_original->text().empty();
+    const bool isMeant = m_pair.original != nullptr && m_original.text().empty();
     if (!isMeant)
         find(Rule::emptyMessage, m_pair.message.source, "the message is empty");
 }
@@ -176,7 +175,7 @@ Range coreOf(std::string_view text)
 void MessageCheck::compareWhiteSpace()
 {
     const std::string_view here = m_text.text();
-    const std::string_view there = m_original->text();
+    const std::string_view there = m_original.text();
     const Range edges = coreOf(here);
     const Range originals = coreOf(there);
     if (edges.begin == edges.end || originals.begin == originals.end)

@@ -79,8 +79,8 @@ struct Format
     int highestPosition() const;
 };
 
-/** @param text  a message, UTF-8, followed by a zero byte. */
-Format parseFormat(std::string_view text, formTable *table);
+/** @param message  UTF-8, followed by a zero byte. */
+Format parseFormat(std::string_view message, formTable *table);
 
 /** The conversions that a check knows: the built-in ones, and those of the caller's that --form names. */
 class FormTable

@@ -212,6 +212,7 @@ Excerpt SourceText::excerpt(Range range) const
         shownMarkTo = std::min(markEnd, stepForward(begin, longestShownLine - shownBefore));
         shownTo = shownMarkTo < markEnd ? shownMarkTo : stepForward(markEnd, shownBehind);
     }
+    // NOLINTNEXTLINE(readability-suspicious-call-argument); the line begins in front of its mark
     Excerpt excerpt{decode(shownFrom, begin), decode(begin, shownMarkTo), decode(shownMarkTo, shownTo)};
     if (shownFrom > lineBegin)
         excerpt.before.insert(0, u"...");
