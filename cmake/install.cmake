@@ -27,8 +27,7 @@ endforeach()
 configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${PROJECT_BINARY_DIR}/kelto.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# The manual: section 1 comes with the program, the others with the header. `man KTFormatString` and the other functions
-# lead to the one page of them all.
+# The manual: section 1 comes with the program, the others with the header.
 function(kelto_install_pages section component)
   file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.${section}")
   foreach(page IN LISTS pages)
@@ -43,14 +42,22 @@ endfunction()
 foreach(section 3 5 7)
   kelto_install_pages(${section} development)
 endforeach()
-file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" KELTO_PROTOTYPES REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
-foreach(prototype IN LISTS KELTO_PROTOTYPES)
-  if(prototype MATCHES "^[a-zA-Z0-9_ *]*[ *](KT[a-zA-Z0-9]+)\\(")
-    set(page "${PROJECT_BINARY_DIR}/man3/${CMAKE_MATCH_1}.3")
-    file(CONFIGURE OUTPUT "${page}" CONTENT ".so man3/kelto.3\n")
-    install(FILES "${page}" DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
-  endif()
-endforeach()
+# A page for each function, by Python; where that is missing, their names lead to the one page of them all.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/include/kelto.h")
+file(REMOVE_RECURSE "${PROJECT_BINARY_DIR}/man3")
+find_package(Python3 QUIET COMPONENTS Interpreter)
+if(Python3_FOUND)
+  execute_process(COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/docs/man/make_man_page.py" --functions
+                          "${PROJECT_SOURCE_DIR}/include/kelto.h" "${PROJECT_BINARY_DIR}/man3" COMMAND_ERROR_IS_FATAL ANY)
+else()
+  file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" prototypes REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
+  foreach(prototype IN LISTS prototypes)
+    if(prototype MATCHES "^[a-zA-Z0-9_ *]*[ *](KT[a-zA-Z0-9]+)\\(")
+      file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/man3/${CMAKE_MATCH_1}.3" CONTENT ".so man3/kelto.3\n")
+    endif()
+  endforeach()
+endif()
+install(DIRECTORY "${PROJECT_BINARY_DIR}/man3" DESTINATION ${CMAKE_INSTALL_MANDIR})
 
 # The description of message files for editors.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/share/kelto" DESTINATION ${CMAKE_INSTALL_DATADIR})

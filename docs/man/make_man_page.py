@@ -3,10 +3,12 @@
 
     make_man_page.py HEADER >kelto.3         writes the page
     make_man_page.py --check HEADER PAGE     fails where the page is not what the header gives
+    make_man_page.py --functions HEADER FOLDER    writes a page for each KT... function there
 
 It fails too where the header declares something without a comment of its own.
 """
 
+import os
 import re
 import sys
 
@@ -26,6 +28,22 @@ class Page:
 
     def request(self, line):
         self.lines.append(line)
+
+    def begin(self, name, version, title):
+        self.request(f'.TH {name} 3 {DATE} "Kelto {version}" "Library Functions"')
+        self.request(".nh")
+        self.request(".ad l")
+        self.request(".SH NAME")
+        self.request(f"{name.lower() if name == 'KELTO' else name} \\- {escape(title)}")
+        self.request(".SH SYNOPSIS")
+
+    def finished(self, *others):
+        """The page as a text, with the pages to read besides."""
+        self.request(".SH SEE ALSO")
+        for other in others:
+            self.request(f".BR {other}" + ("," if other != others[-1] else ""))
+        lines = [line for i, line in enumerate(self.lines) if line != ".PP" or begins_paragraph(self.lines, i)]
+        return "\n".join(lines) + "\n"
 
     def text(self, line):
         """A line of running text: with **bold**, and with the names of functions in bold."""
@@ -147,25 +165,34 @@ def strip_preprocessor(source):
 
 def begins_paragraph(lines, i):
     """Whether a .PP has an effect: not behind a heading, nor in front of what begins a paragraph itself."""
-    return not lines[i - 1].startswith((".SH", ".SS", ".PP")) and not lines[i + 1].startswith((".SH", ".SS", ".PP", ".TP"))
+    return not lines[i - 1].startswith((".SH", ".SS")) and not lines[i + 1].startswith((".SH", ".SS", ".PP", ".TP"))
+
+
+def version_of(header):
+    return ".".join(re.findall(r"#define KELTO_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", header))
+
+
+def write_documented(page, declaration, comment):
+    described = write_declaration(page, declaration)
+    page.request(".PP")
+    write_comment(page, comment)
+    for name, meaning in described:
+        page.request(".TP")
+        page.request(f".B {escape(name)}")
+        page.text(meaning)
 
 
 def make_page(header):
-    version = ".".join(re.findall(r"#define KELTO_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", header))
     page = Page()
     page.request('.\\" Made by make_man_page.py of kelto.h; change the comments there.')
-    page.request(f'.TH KELTO 3 {DATE} "Kelto {version}" "Library Functions"')
-    page.request(".nh")
-    page.request(".ad l")
-    page.request(".SH NAME")
-    page.request(f"kelto \\- {TITLE}")
-    page.request(".SH SYNOPSIS")
+    page.begin("KELTO", version_of(header), TITLE)
     page.request(".nf")
     page.request(".B #include <kelto.h>")
     page.request(".PP")
     page.request("Compile and link with \\fIpkg\\-config \\-\\-cflags \\-\\-libs kelto\\fR.")
     page.request(".fi")
 
+    documented = []  # name, declaration and comment
     comment = None  # the one in front of what comes next
     for token in TOKEN.findall(strip_preprocessor(header)):
         token = token.strip()
@@ -191,39 +218,55 @@ def make_page(header):
         if comment is None:
             raise SystemExit(f"kelto.h: {', '.join(names)} has no comment")
         page.request(f".SS {', '.join(names)}")
-        described = write_declaration(page, token)
-        page.request(".PP")
-        write_comment(page, comment)
-        for name, meaning in described:
-            page.request(".TP")
-            page.request(f".B {escape(name)}")
-            page.text(meaning)
+        write_documented(page, token, comment)
+        documented.append((names[0], token, comment))
         comment = None
 
-    page.request(".SH SEE ALSO")
-    page.request(".BR kelto (1),")
-    page.request(".BR printf (3),")
-    page.request(".BR setlocale (3),")
-    page.request(".BR kelto\\-messages (5),")
-    page.request(".BR kelto\\-format (7)")
-    page.lines = [line for i, line in enumerate(page.lines) if line != ".PP" or begins_paragraph(page.lines, i)]
-    return "\n".join(page.lines) + "\n"
+    others = ("kelto (1)", "printf (3)", "setlocale (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
+    return page.finished(*others), documented
+
+
+def function_page(version, name, declaration, comment):
+    """A page of one function; its title is the first sentence of the comment."""
+    page = Page()
+    sentence = re.split(r"[.;:](?:\s|$)|@", " ".join(comment))[0].strip() or "a function of the library Kelto"
+    if re.match(r"[A-Z][a-z ]", sentence):
+        sentence = sentence[0].lower() + sentence[1:]
+    page.begin(name, version, sentence)
+    page.request(".nf")
+    page.request(".B #include <kelto.h>")
+    page.request(".fi")
+    page.code(declaration.split("\n"))
+    page.request(".SH DESCRIPTION")
+    write_comment(page, comment)
+    page.request(".PP")
+    page.text("kelto(3) explains texts, sizes, ownership and threads, which are the same for all functions.")
+    return page.finished("kelto (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
+
+
+def write_functions(version, documented, folder):
+    os.makedirs(folder, exist_ok=True)
+    for name, declaration, comment in documented:
+        if name.startswith("KT") and "{" not in declaration and not declaration.startswith("typedef"):
+            with open(f"{folder}/{name}.3", "w", encoding="utf-8") as file:
+                file.write(function_page(version, name, declaration, comment))
 
 
 def main(arguments):
-    check = arguments[:1] == ["--check"]
-    if check:
-        del arguments[0]
-    if len(arguments) != (2 if check else 1):
+    option = arguments.pop(0) if arguments and arguments[0].startswith("--") else ""
+    if len(arguments) != {"": 1, "--check": 2, "--functions": 2}.get(option):
         raise SystemExit(__doc__)
     with open(arguments[0], encoding="utf-8") as file:
-        page = make_page(file.read())
-    if not check:
+        header = file.read()
+    page, documented = make_page(header)
+    if option == "--functions":
+        write_functions(version_of(header), documented, arguments[1])
+    elif option == "--check":
+        with open(arguments[1], encoding="utf-8") as file:
+            if file.read() != page:
+                raise SystemExit(f"{arguments[1]} is older than {arguments[0]}: make it anew with make_man_page.py")
+    else:
         sys.stdout.write(page)
-        return
-    with open(arguments[1], encoding="utf-8") as file:
-        if file.read() != page:
-            raise SystemExit(f"{arguments[1]} is older than {arguments[0]}: make it anew with make_man_page.py")
 
 
 main(sys.argv[1:])
