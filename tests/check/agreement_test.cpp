@@ -203,6 +203,10 @@ TEST(CheckAgreement, WithTheLibraryOnDamagedFiles)
     ASSERT_GT(files.size(), 10U);
     for (const std::string &file : files)
         EXPECT_EQ(disagreement(file), "") << file;
+    // A huge number costs address space, which the sanitizers mark as used, 20,000 times.
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [](const std::string &file) { return file.find("2147483647") != std::string::npos; }),
+                files.end());
     const char *const wanted = std::getenv("KELTO_CHECK_MUTANTS");
     const unsigned long count = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 20000;
     std::mt19937 random(1);
