@@ -104,7 +104,7 @@ TEST_F(Prepared, WritesNothingOfALongNumberThatDoesNotFitAsAWhole)
     EXPECT_EQ(KTFormatPrepared(prepare("%.1200f[1]").get(), 0, nullptr, &size, out, arguments, 1),
               KT_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(size, 1202U);
-    EXPECT_EQ(formatted(prepare("a%c[1]%.1200f[2]"), {KT_CHAR(0), KT_DOUBLE(1.5)}), "a") << "ended before it";
+    EXPECT_EQ(formatted(prepare("a%c[1]%.2500f[2]"), {KT_CHAR(0), KT_DOUBLE(1.5)}), "a") << "ended before it";
 }
 
 TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
@@ -150,9 +150,9 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
     KTFormatter list[] = {{"repeat", nullptr, 3, types, repeat}, {nullptr, nullptr, 0, nullptr, nullptr}};
     formTable table = {false, {}, list, nullptr, nullptr};
     const Owner prepared = prepare("[%repeat[1]]", &table);
-    const std::string bytes(300, 'b');
+    const std::string bytes(600, 'b');
     for (const unsigned long number : {0UL, 1UL, 250UL, 251UL, 252UL, 900UL}) // around the buffer of 256 units
-        for (const size_t length : {2, 300})
+        for (const size_t length : {2, 300, 600})
             EXPECT_EQ(
                 formatted(prepared, {KT_UTF8N(bytes.data(), length), KT_UCS2N(u"uvw", 2), KT_POINTER(5, &number)}),
                 "[" + bytes.substr(0, length) + "uv" + std::string(number, 'x') + "]");
@@ -165,6 +165,50 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
     unsigned long units = 20;
     EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide, format, "", u"", other), -77)
         << "which knows no kinds";
+}
+
+struct Claim
+{
+    int result;
+    unsigned long size;
+};
+std::vector<Claim> claims; // of the next calls, the first one last
+
+int claim(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *)
+{
+    const Claim next = claims.back();
+    claims.pop_back();
+    *size = next.size;
+    return next.result;
+}
+
+TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
+{
+    static const int types[] = {8, KT_ARG_END};
+    KTFormatter list[] = {{"claim", nullptr, 0, types, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, &builtInFormTable};
+    const Owner prepared = prepare("[%claim[1]]", &table);
+    const struct
+    {
+        Claim first, second;
+        int result;
+        size_t size;
+    } rows[] = {
+        {{KT_ERR_BUFFER_TOO_SMALL, 400}, {KT_ERR_BUFFER_TOO_SMALL, 500}, KT_ERR_BUFFER_TOO_SMALL, 502},
+        {{0, 256}, {0, 257}, KT_ERR_BUFFER_TOO_SMALL, 259},
+        {{KT_ERR_BUFFER_TOO_SMALL, 400}, {-77, 0}, -77, 0},
+        {{-77, 400}, {0, 0}, -77, 0},
+        {{KT_ERR_BUFFER_TOO_SMALL, ~0UL}, {0, 0}, KT_ERR_NO_MEMORY, 0},
+    };
+    for (const auto &row : rows)
+    {
+        claims = {row.second, row.first};
+        Guarded<char> out(1000);
+        size_t size = out.capacity();
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out.data(), nullptr, 0), row.result);
+        EXPECT_EQ(size, row.size);
+        EXPECT_EQ(out.text(), row.size > 0 ? "[" : "");
+    }
 }
 
 TEST_F(Prepared, ACharacterMayBeWrittenInHalves)

@@ -76,6 +76,18 @@ TEST_F(LookupTest, WalksFromMessageToMessage)
     }
 }
 
+TEST_F(LookupTest, WalksOverTheTablesThatAreLeft)
+{
+    MessageTable *tables[4];
+    for (MessageTable *&table : tables)
+        table = loadTable(MessageFile().unit(4194304, "b").unit(1, "a").xml());
+    for (const size_t freed : {1, 3, 0}) // in the middle, the latest, the first
+    {
+        EXPECT_EQ(KTFreeMessages(tables[freed]), 0);
+        EXPECT_EQ(walk(tables[2]), "1=a 4194304=b ");
+    }
+}
+
 // What the file has in the second pass decides, whatever was counted in the first.
 TEST_F(LookupTest, WalksOverAllMessagesOfAFileThatChanged)
 {
