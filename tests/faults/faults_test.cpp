@@ -20,6 +20,7 @@ namespace
 char messagePath[] = "/tmp/kelto-faults-XXXXXX";
 char compiledPath[] = "/tmp/kelto-faults-XXXXXX";
 std::string compiled;
+char entityPath[] = "e.xlf"; // in memory
 constexpr char eucJp[] = "EUC-JP";
 constexpr char text[] = "a\xA4\xA2"
                         "b";
@@ -151,6 +152,7 @@ const Row rows[] = {
     {"start", 6, {KT_ERR_NOT_INITIALIZED}, KTInit, true},
     // Opening; a parser and four reads, twice; the table and its texts, the block and a working copy, the list's item.
     {"load", 16, fileFailures, [] { return KTLoadMessages(messagePath, &got.table); }},
+    {"entities that refer to others", 10, fileFailures, [] { return KTLoadMessages(entityPath, &got.table); }},
     {"compiled file", 13, fileFailures, [] { return KTLoadCompiledMessages(compiledPath, &got.table); }},
     {"compiled data", 5, {}, [] { return KTLoadCompiledData(compiled.data(), compiled.size(), &got.table); }},
     {"version", 3, fileFailures, [] { return KTGetMsgFileVer(messagePath, got.text.data()); }},
@@ -225,6 +227,11 @@ protected:
 
     void SetUp() override
     {
+        FakeZel::file(entityPath,
+                      MessageFile()
+                          .declaration("<!DOCTYPE xliff [<!ENTITY a '&b;&c;'><!ENTITY b '&c;'><!ENTITY c ''>]>")
+                          .unit(1, "&a;")
+                          .xml());
         const bool isStarted = !GetParam().isStartUp;
         ASSERT_EQ(isStarted ? KTInit() + KTPrepareFormat(ownForms, &ownTable, &prepared) : 0, 0);
     }
