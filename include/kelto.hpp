@@ -2257,7 +2257,7 @@ private:
             if (result == 0)
                 return;
             if (onProblem_ && !here.is_told.exchange(true, std::memory_order_relaxed))
-                report(&file, file.path(), id, result, why(text_in(file, id), source, result));
+                report(&file, file.path(), id, result, why(text_in(file, id), view, result));
         }
         if (source == nullptr || !fill_from_source(out, known, id, *source, view))
             fill_without_text(out.many(), name_, id, view);
@@ -2313,27 +2313,48 @@ private:
         const int result =
             kept->format != nullptr ? format_into(out, kept->format.get(), options_, view) : kept->result;
         if (result != 0 && onProblem_ && !known.is_source_told.exchange(true, std::memory_order_relaxed))
-            report(nullptr, {}, id, result, why(kept->text.c_str(), nullptr, result));
+            report(nullptr, {}, id, result, why(kept->text.c_str(), view, result));
         return result == 0;
     }
 
     /** What is wrong with a text, as exactly as it can be told. */
-    KELTO_SELDOM std::string why(const char *text, const unchecked_text *source, int result) const
+    KELTO_SELDOM std::string why(const char *text, const argument_view &view, int result) const
     {
         if (text == nullptr)
             return "the catalog has no such message";
+        const std::string quoted = std::string("\"") + text + "\": ";
+        if (result == KT_ERR_BUFFER_TOO_SMALL)
+            return quoted + "the text is longer than max_size";
         KTProblem found = {};
         found.structSize = sizeof found;
-        const int explained = KTExplainFormat(text, options_.c_table(), &found);
-        int compared = 0;
-        if (explained == 0 && source != nullptr)
-            compared = KTCompareFormats(text, std::string(source->text).c_str(), options_.c_table(), &found);
+        const bool isFormat = KTExplainFormat(text, options_.c_table(), &found) == 0;
+        const std::string reference = result == KT_ERR_INVALID_PARAMETER ? reference_of(view) : std::string();
+        if (isFormat && !reference.empty())
+            KTCompareFormats(text, reference.c_str(), options_.c_table(), &found);
         char sentence[512];
         std::size_t size = sizeof sentence;
-        std::string story = std::string("\"") + text + "\": ";
-        if ((explained != 0 || compared != 0) && KTProblemText(&found, &size, sentence) == 0)
-            return story + sentence;
-        return story + (result == KT_ERR_BUFFER_TOO_SMALL ? "the text is longer than max_size" : KTResultText(result));
+        if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_REFERENCE ||
+            KTProblemText(&found, &size, sentence) != 0)
+            return quoted + KTResultText(result);
+        std::string story = quoted + sentence;
+        constexpr std::string_view other = "the reference";
+        const std::size_t at = story.rfind(other);
+        return isFormat && at != std::string::npos ? story.replace(at, other.size(), "the call") : story;
+    }
+
+    /** A format that asks for these arguments; empty where there is none without the program's own table. */
+    static std::string reference_of(const argument_view &view)
+    {
+        // By KTArgumentType.
+        constexpr const char *names[] = {"", "d", "u", "!d", "!u", "c", "lc", "f", "Lf", "s", "U"};
+        std::string format;
+        for (std::size_t i = 0; i < view.count; ++i)
+        {
+            if (view.arguments[i].type >= std::size(names))
+                return {};
+            format += std::string("%") + names[view.arguments[i].type] + '[' + std::to_string(i + 1) + ']';
+        }
+        return format;
     }
 
     use use_;
