@@ -85,7 +85,7 @@ public:
      * @return its failure; 0 also where its text was merely too long.
      */
     template <typename Call>
-    int appendCalled(Call call, [[maybe_unused]] const Layout &padding = {KT_ABSENT, KT_ABSENT, 0}) noexcept
+    int appendCalled(const Call &call, [[maybe_unused]] const Layout &padding = {KT_ABSENT, KT_ABSENT, 0}) noexcept
     {
         if constexpr (std::is_same_v<Unit, UCS2>)
             return appendInPlace(call);
@@ -298,7 +298,7 @@ private:
         }
     }
 
-    template <typename Call> int appendInPlace(Call call) noexcept
+    template <typename Call> int appendInPlace(const Call &call) noexcept
     {
         unsigned long units = room();
         const unsigned long given = units;
@@ -313,7 +313,7 @@ private:
         return 0;
     }
 
-    template <typename Call> int appendThroughBuffer(Call call, const Layout &padding) noexcept
+    template <typename Call> int appendThroughBuffer(const Call &call, const Layout &padding) noexcept
     {
         const auto writeCalled = [&](const UCS2 *text, unsigned long count) {
             const Fill fill = {padUnit(padding.flags), paddingTo(padding.width, count)};

@@ -145,9 +145,10 @@ private:
     }
 
     /** Fills in the steps, the literal text of each in both encodings. */
-    void fill(const char *format, size_t length, PreparedStep *step, kelto::GrowingText<UCS2> units,
+    void fill(const char *format, size_t length, PreparedStep *steps, kelto::GrowingText<UCS2> units,
               kelto::GrowingText<char> bytes)
     {
+        PreparedStep *step = steps;
         size_t unitsDone = 0;
         size_t bytesDone = 0;
         const auto endStep = [&](const KTParameter *parameter) {

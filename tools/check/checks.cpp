@@ -47,7 +47,8 @@ struct Pair
 class MessageCheck
 {
 public:
-    MessageCheck(const Catalog &catalog, formTable *table, const Reference *reference, Pair pair, Findings &findings)
+    MessageCheck(const Catalog &catalog, formTable *table, const Reference *reference, const Pair &pair,
+                 Findings &findings)
         : m_catalog(catalog), m_table(table), m_reference(reference), m_pair(pair), m_findings(findings),
           m_text(catalog.rawText(pair.message)),
           m_original(pair.original != nullptr ? reference->catalog().rawText(*pair.original) : std::string_view())

@@ -54,7 +54,8 @@ size_t tellErrors(Findings findings, Catalog &catalog)
         textWriter([](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); },
                    {Terminal::showsColors(STDERR_FILENO), true, "", nullptr});
     size_t errors = 0;
-    for (const Diagnostic &diagnostic : report(std::move(findings), catalog.source(), nullptr, Levels()))
+    const std::vector<Diagnostic> diagnostics = report(std::move(findings), catalog.source(), nullptr, Levels());
+    for (const Diagnostic &diagnostic : diagnostics)
         if (diagnostic.severity == Severity::error)
         {
             writer->write(diagnostic);
