@@ -64,7 +64,7 @@ std::unique_ptr<Job> compiledLoad(const char *file, unsigned int messages)
     });
 }
 
-/** Bare expat, twice, in chunks of 300 bytes from memory, with the three handlers that a loader needs, doing nothing. */
+/** Bare expat, twice, in chunks of 300 bytes from memory, with the three handlers of a loader, doing nothing. */
 class ExpatPasses
 {
 public:

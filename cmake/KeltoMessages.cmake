@@ -49,9 +49,10 @@ endfunction()
 
 # kelto_compile_messages([NAME <name>] FILES <file>... [BASE <folder>] [RAW] [DESTINATION <folder>])
 #
-# Compiles message files whenever they have changed, de.xlf to de.ktc in the binary directory, in a target <name>, or else
-# compile_messages; the variable <name>_CATALOGS has the paths. With BASE the catalogs lie as the files do in that folder,
-# de/app.ktc for messages/de/app.xlf. RAW leaves positions out of placeholders. DESTINATION installs the catalogs.
+# Compiles message files whenever they have changed, de.xlf to de.ktc in the binary directory, in a target <name>, or
+# else compile_messages; the variable <name>_CATALOGS has the paths. With BASE the catalogs lie as the files do in that
+# folder, de/app.ktc for messages/de/app.xlf. RAW leaves positions out of placeholders. DESTINATION installs the
+# catalogs.
 function(kelto_compile_messages)
   cmake_parse_arguments(PARSE_ARGV 0 compile "RAW" "NAME;BASE;DESTINATION" "FILES")
   if(compile_UNPARSED_ARGUMENTS OR NOT compile_FILES)
@@ -102,7 +103,8 @@ endfunction()
 function(kelto_generate_messages target)
   cmake_parse_arguments(PARSE_ARGV 1 generate "" "SOURCE;HEADER;NAMESPACE" "OPTIONS")
   if(generate_UNPARSED_ARGUMENTS OR NOT generate_SOURCE)
-    message(FATAL_ERROR "kelto_generate_messages(target SOURCE file [HEADER name] [NAMESPACE name] [OPTIONS option...])")
+    message(FATAL_ERROR
+      "kelto_generate_messages(target SOURCE file [HEADER name] [NAMESPACE name] [OPTIONS option...])")
   endif()
   if(NOT generate_HEADER)
     get_filename_component(name "${generate_SOURCE}" NAME_WE)

@@ -1,5 +1,5 @@
-# What `cmake --install` lays down: library, header, package files, program, man pages, guides, examples. Each file belongs
-# to one of three components, which are also the three packages: runtime, development, tools.
+# What `cmake --install` lays down: library, header, package files, program, man pages, guides, examples. Each file
+# belongs to one of three components, which are also the three packages: runtime, development, tools.
 
 include(CMakePackageConfigHelpers)
 set(KELTO_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/Kelto")
@@ -48,7 +48,8 @@ file(REMOVE_RECURSE "${PROJECT_BINARY_DIR}/man3")
 find_package(Python3 QUIET COMPONENTS Interpreter)
 if(Python3_FOUND)
   execute_process(COMMAND "${Python3_EXECUTABLE}" "${PROJECT_SOURCE_DIR}/docs/man/make_man_page.py" --functions
-                          "${PROJECT_SOURCE_DIR}/include/kelto.h" "${PROJECT_BINARY_DIR}/man3" COMMAND_ERROR_IS_FATAL ANY)
+                          "${PROJECT_SOURCE_DIR}/include/kelto.h" "${PROJECT_BINARY_DIR}/man3"
+                  COMMAND_ERROR_IS_FATAL ANY)
 else()
   file(STRINGS "${PROJECT_SOURCE_DIR}/include/kelto.h" prototypes REGEX "^[a-zA-Z].*KT[a-zA-Z0-9]+\\(")
   foreach(prototype IN LISTS prototypes)

@@ -48,7 +48,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
   "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), libicu-dev, libexpat1-dev (>= 2.4)")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "kelto-tools, pkg-config")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${what}This package has the header, the manual, the guides and example programs.")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+  "${what}This package has the header, the manual, the guides and example programs.")
 
 # The program.
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME kelto-tools)

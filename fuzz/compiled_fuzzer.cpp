@@ -1,5 +1,5 @@
-// An input is a compiled catalog. It is loaded from memory and as a file, with the same answer; every text of one that is
-// accepted lies in its block, and the table compiled again is what it was.
+// An input is a compiled catalog. It is loaded from memory and as a file, with the same answer; every text of one that
+// is accepted lies in its block, and the table compiled again is what it was.
 
 #include "kelto.h"
 #include "message/table_list.h"

@@ -735,7 +735,7 @@ extern formTable builtInFormTable;
 /** Its list: the seventeen conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
-/** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Codes above them take no argument. */
+/** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Those above take no argument. */
 enum KTArgumentCode
 {
     KT_ARG_END = 0,       /**< ends a list */

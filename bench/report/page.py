@@ -107,7 +107,8 @@ def size_table(programs):
 
 def thread_text(speed_up):
     ours, loop = speed_up["Kelto"], speed_up["arithmetic loop"]
-    return ("With a second thread on a second processor Kelto does **%.2f** times the work of one thread, the arithmetic "
+    return ("With a second thread on a second processor Kelto does **%.2f** times the work of one thread, the "
+            "arithmetic "
             "loop %.2f times: %.1f %% %s." % (ours, loop, 100 * abs(1 - ours / loop),
                                              "less" if ours < loop else "more"))
 

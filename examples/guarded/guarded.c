@@ -2,9 +2,9 @@
  * Reports on a copy, in the words of a catalog that was translated without care:
  *     guarded [FILE]
  *
- * Shows a program that trusts no translation. It has its own English texts, compares each message of the file with them,
- * and refuses those that would take other arguments. What passes is formatted with typed arguments, which the library
- * compares once more, so no file can make it read a number as an address.
+ * Shows a program that trusts no translation. It has its own English texts, compares each message of the file with
+ * them, and refuses those that would take other arguments. What passes is formatted with typed arguments, which the
+ * library compares once more, so no file can make it read a number as an address.
  */
 #include <kelto.h>
 #include <stdio.h>

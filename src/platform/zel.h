@@ -43,7 +43,7 @@ int ZEL_LMutexDestroy(void **mutex);
 int ZEL_LMutexAcquire(void *mutex);
 int ZEL_LMutexRelease(void *mutex);
 
-/** Enters a spin lock; the lock is a pointer-sized object in static storage, zero at load. Waiting yields the processor. */
+/** Enters a spin lock, a pointer-sized object in static storage, zero at load. Waiting yields the processor. */
 int ZEL_EnterSpinLock(void **lock);
 int ZEL_LeaveSpinLock(void **lock);
 
@@ -55,8 +55,8 @@ int ZEL_LeaveSpinLock(void **lock);
  */
 int ZEL_FileOpen(const char *path, int mode, int, int, void **handle);
 /**
- * Reads up to *length bytes at *offset, stores their number in *length and advances *offset by it; fewer only at the end
- * of the file. Bytes behind the position may be read ahead into the handle, which serve the reads that follow on.
+ * Reads up to *length bytes at *offset, stores their number in *length and advances *offset by it; fewer only at the
+ * end of the file. Bytes behind the position may be read ahead into the handle, which serve the reads that follow on.
  * @return 0 when there were bytes, ZEL_ERR_END_OF_FILE when none remain, ZEL_ERR_READ.
  */
 int ZEL_FileRead(void *handle, uint64_t *offset, void *buffer, unsigned long *length);

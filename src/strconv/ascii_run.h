@@ -1,7 +1,7 @@
 /**
  * The leading run of ASCII in a text, copied between UTF-8 and UCS-2 sixteen units at a step. Most texts are ASCII from
- * end to end and need no more than this. None of the three functions at the end reads or writes at `limit` or beyond it,
- * nor writes anything behind the run.
+ * end to end and need no more than this. None of the three functions at the end reads or writes at `limit` or beyond
+ * it, nor writes anything behind the run.
  */
 #ifndef KELTO_STRCONV_ASCII_RUN_H
 #define KELTO_STRCONV_ASCII_RUN_H

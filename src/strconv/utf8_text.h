@@ -1,6 +1,6 @@
 /**
- * UTF-8 read code point by code point, malformed text included: what is malformed becomes U+FFFD in the same places, and
- * as often, as in a conversion of the whole text.
+ * UTF-8 read code point by code point, malformed text included: what is malformed becomes U+FFFD in the same places,
+ * and as often, as in a conversion of the whole text.
  */
 #ifndef KELTO_STRCONV_UTF8_TEXT_H
 #define KELTO_STRCONV_UTF8_TEXT_H

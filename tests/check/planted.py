@@ -1,4 +1,4 @@
-"""Whether `kelto check` finds twenty mistakes, planted one by one in five translations, where they stand and nothing else.
+"""Whether `kelto check` finds twenty mistakes, planted one by one in five translations, where they stand, and no more.
 
     planted.py KELTO ROOT [LIBRARY]     with a library, the example that guards its messages survives each of them
 """
@@ -10,8 +10,8 @@ import subprocess
 import sys
 import tempfile
 
-# The file, a text in it, what it is turned into with "‸" where the finding is expected, its rule; the rules of others that
-# follow from it.
+# The file, a text in it, what it is turned into with "‸" where the finding is expected, its rule; the rules of others
+# that follow from it.
 PLANTED = [
     ("de", '<x ts="%s" id="1"/>, Sie', '‸<x ts="%d" id="1"/>, Sie', "argument-type", ""),
     ("de", 'haben <x ts="%u" id="2"/> neue', "haben neue", "argument-missing", ""),

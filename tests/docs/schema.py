@@ -1,6 +1,6 @@
-"""Whether the library loads what the description of message files for editors accepts, unless two messages have one number.
+"""Whether the library loads what the description of message files for editors accepts, but for repeated numbers.
 
-    schema.py LIBRARY SCHEMA FILE...     the files, which are accepted, and 3000 that are made from them by small changes
+    schema.py LIBRARY SCHEMA FILE...     the files, which are accepted, and 3000 made from them by small changes
 """
 
 import copy

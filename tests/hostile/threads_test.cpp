@@ -1,4 +1,5 @@
-// Everything at once: eight threads do all that the library allows them to do at the same time, and check what they get.
+// Everything at once: eight threads do all that the library allows them to do at the same time, and check what they
+// get.
 
 #include "message/loading.h"
 #include "support/ucs2.h"

@@ -7,7 +7,8 @@ foreach(line IN LISTS names)
   string(REGEX REPLACE " .*" "" name "${line}")
   if(NOT name MATCHES "^(KT|ZEL_|_Z)")
     string(APPEND source
-      "\nvoid ${name}(void);\nvoid ${name}(void)\n{\n    fputs(\"the library called the program's ${name}\\n\", stderr);\n    abort();\n}\n")
+      "\nvoid ${name}(void);\nvoid ${name}(void)\n{\n"
+      "    fputs(\"the library called the program's ${name}\\n\", stderr);\n    abort();\n}\n")
   endif()
 endforeach()
 file(WRITE "${OUTPUT}" "${source}")

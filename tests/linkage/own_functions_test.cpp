@@ -21,7 +21,8 @@ namespace
 constexpr char messageFile[] = R"(<xliff><file source-language="en" product-name="Example" product-version="1.0">
 <header/><body>
 <trans-unit id="1"><source>\tOn <x ts="%DT" id="1"/>: <x ts="%DND" id="2"/> <x ts="%EID" id="3"/> <x ts="%l" id="4"/>
-<x ts="%X" id="5"/> <x ts="%6.1f" id="6"/> <x ts="%s" id="7"/><x ts="%U" id="8"/><x ts="%c" id="9"/></source></trans-unit>
+<x ts="%X" id="5"/> <x ts="%6.1f" id="6"/> )"
+                               R"(<x ts="%s" id="7"/><x ts="%U" id="8"/><x ts="%c" id="9"/></source></trans-unit>
 </body></file></xliff>)";
 
 std::string writeMessageFile()

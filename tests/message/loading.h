@@ -1,6 +1,6 @@
 /**
- * Loading in tests: a file in memory becomes a result and a text that shows all of the table, and whatever the file, what
- * the loader promises of outputs, blocks and messages is checked on the way.
+ * Loading in tests: a file in memory becomes a result and a text that shows all of the table, and whatever the file,
+ * what the loader promises of outputs, blocks and messages is checked on the way.
  */
 #ifndef KELTO_TESTS_MESSAGE_LOADING_H
 #define KELTO_TESTS_MESSAGE_LOADING_H

@@ -1,7 +1,7 @@
 /**
  * The arguments of a format call in each of the forms that must agree: an array of pointers, to blocks of exactly the
- * size of their values, and a variable argument list, laid out in memory as the x86-64 calling convention has it once all
- * registers are used up. They are added one by one, or written as in the guide:
+ * size of their values, and a variable argument list, laid out in memory as the x86-64 calling convention has it once
+ * all registers are used up. They are added one by one, or written as in the guide:
  *
  *     Arguments arguments("7, 7L, (short)7, 1.5, 1.5L, 'A', u'あ', \"text\", u\"text\", null");
  *

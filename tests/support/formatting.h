@@ -1,7 +1,7 @@
 /**
  * Formats in every way that must agree: from a list of arguments, from pointers, and prepared with typed arguments,
- * into UCS-2 and UTF-8; measured without a buffer, and into blocks of every capacity up to one more than the need and with
- * room to spare. Pages, rows and tests all use it.
+ * into UCS-2 and UTF-8; measured without a buffer, and into blocks of every capacity up to one more than the need and
+ * with room to spare. Pages, rows and tests all use it.
  */
 #ifndef KELTO_TESTS_SUPPORT_FORMATTING_H
 #define KELTO_TESTS_SUPPORT_FORMATTING_H

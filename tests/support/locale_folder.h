@@ -26,7 +26,7 @@ public:
     LocaleFolder(const LocaleFolder &) = delete;
     LocaleFolder &operator=(const LocaleFolder &) = delete;
 
-    /** Builds a locale, as build("ja_JP.eucJP", "ja_JP", "EUC-JP"); false where localedef or its sources are missing. */
+    /** Builds a locale, as build("ja_JP.eucJP", "ja_JP", "EUC-JP"); false where localedef or its source is missing. */
     bool build(const std::string &name, const std::string &source, const std::string &charMap) const
     {
         const std::string command = "localedef --no-archive -i " + source + " -f " + charMap + " '" +
