@@ -1010,7 +1010,8 @@ namespace detail
 /** The text in the source of a call with these arguments; the way to it from default_text compares the two. */
 template <class... Arguments> struct source_text
 {
-    template <class Text> constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
+    template <class Text>
+    __attribute__((always_inline)) constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
     {
         static_assert(check_default<Text, Arguments...>(), "kelto: see the lines above");
     }
@@ -2352,7 +2353,9 @@ private:
         {
             if (view.arguments[i].type >= std::size(names))
                 return {};
-            format += std::string("%") + names[view.arguments[i].type] + '[' + std::to_string(i + 1) + ']';
+            char specification[40];
+            std::snprintf(specification, sizeof specification, "%%%s[%zu]", names[view.arguments[i].type], i + 1);
+            format += specification;
         }
         return format;
     }
