@@ -166,10 +166,11 @@ std::unique_ptr<Job> depth(size_t times)
     return load(repeated("<xliff>", levels) + repeated("</xliff>", levels), KT_ERR_BAD_MSG_FILE);
 }
 
+// Long enough for the sizes that matter: what the parser reads again of a short tag is not bounded by the file's length.
 std::unique_ptr<Job> attributes(size_t times)
 {
     std::string text;
-    for (size_t i = 0; i < 20 * times; ++i)
+    for (size_t i = 0; i < 200 * times; ++i)
         text += " a" + std::to_string(i) + "=\"value\"";
     return load(document(unit(1, text, "text")), 0);
 }

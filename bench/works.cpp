@@ -53,7 +53,7 @@ std::vector<bench::Work> listWorks()
         {"messages", "a file of 25 messages", 1},
         {"message length", "a message of 1,100 bytes", 2},
         {"depth", "a hostile file, 100 elements deep", 2},
-        {"attributes", "an element with 20 attributes nobody reads", 2},
+        {"attributes", "an element with 200 attributes nobody reads", 2},
         {"catalogs", "a lookup in the oldest of 5 catalogs", 1000},
     };
     for (const Family &family : families)
