@@ -166,7 +166,7 @@ std::unique_ptr<Job> depth(size_t times)
     return load(repeated("<xliff>", levels) + repeated("</xliff>", levels), KT_ERR_BAD_MSG_FILE);
 }
 
-// Long enough for the sizes that matter: what the parser reads again of a short tag is not bounded by the file's length.
+// Long enough: what the parser reads again of a short tag is not bounded by the file's length.
 std::unique_ptr<Job> attributes(size_t times)
 {
     std::string text;
