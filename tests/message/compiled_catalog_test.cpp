@@ -55,7 +55,13 @@ TEST_F(CompiledCatalogTest, HoldsWhatTheFileHolds)
 {
     const std::string longText(70000, 'x');
     for (const std::string &xml :
-         {MessageFile().xml(), MessageFile().attribute("source-language", "de").unit(2, "").unit(1, "a\\n").xml(),
+         {MessageFile().xml(),
+          MessageFile()
+              .attribute("source-language", "de")
+              .attribute("product-name", "P")
+              .unit(2, "")
+              .unit(1, "a\\n")
+              .xml(),
           MessageFile().unit(9, placeholder("%s", "1") + longText).unit(3, "b").unit(4, "c").xml()})
         for (const bool raw : {false, true})
         {
