@@ -9,6 +9,7 @@
 #include "format/records.h"
 #include "format/typed_argument.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -60,13 +61,28 @@ union Cell
     const void *pointer;
 };
 
-/** The bytes of a text that has no terminator of its own, with one. */
-size_t copySize(const KTArgument &argument)
+/** Whether a text has to be copied for its terminator. */
+bool isCopied(const KTArgument &argument)
 {
     const bool isText = argument.type == KT_ARGUMENT_UTF8 || argument.type == KT_ARGUMENT_UCS2;
-    if (!isText || argument.length == UINT32_MAX || argument.value.p == nullptr)
-        return 0;
-    return (size_t{argument.length} + 1) * (argument.type == KT_ARGUMENT_UTF8 ? sizeof(char) : sizeof(UCS2));
+    return isText && argument.length != UINT32_MAX && argument.value.p != nullptr;
+}
+
+size_t unitSize(const KTArgument &argument)
+{
+    return argument.type == KT_ARGUMENT_UTF8 ? sizeof(char) : sizeof(UCS2);
+}
+
+/** The units of a text; it may end before the length that was given with it. */
+size_t textLength(const KTArgument &argument)
+{
+    return argument.type == KT_ARGUMENT_UTF8 ? kelto::utf8Of(argument).length : kelto::ucs2Of(argument).length;
+}
+
+/** The bytes that a copy takes, the next of which may be UCS-2; 0 for what is not copied. */
+size_t copySize(const KTArgument &argument)
+{
+    return isCopied(argument) ? ((textLength(argument) + 1) * unitSize(argument) + 1) & ~size_t{1} : 0;
 }
 
 /** The arguments of one conversion as its function takes them: slots that point to texts, and to cells of values. */
@@ -78,7 +94,7 @@ public:
     {
         size_t texts = 0;
         for (size_t i = 0; i < count; ++i)
-            texts += (copySize(arguments[i]) + 1) & ~size_t{1}; // the next may be UCS-2
+            texts += copySize(arguments[i]);
         const size_t size = count * (sizeof(Cell) + sizeof(void *)) + sizeof(void *) + texts;
         char *at = m_usual;
         if (size > sizeof m_usual)
@@ -90,9 +106,10 @@ public:
             return false;
         auto *const cells = reinterpret_cast<Cell *>(at);
         m_slots = reinterpret_cast<void **>(cells + count);
-        char *text = reinterpret_cast<char *>(m_slots + count + 1);
+        m_copy = reinterpret_cast<char *>(m_slots + count + 1);
+        m_end = m_copy + texts;
         for (size_t i = 0; i < count; ++i)
-            m_slots[i] = slotOf(arguments[i], slots[i].code, cells[i], text);
+            m_slots[i] = slotOf(arguments[i], slots[i].code, cells[i]);
         m_slots[count] = nullptr;
         return true;
     }
@@ -100,13 +117,13 @@ public:
     void **slots() const { return m_slots; }
 
 private:
-    static void *slotOf(const KTArgument &argument, uint32_t code, Cell &cell, char *&text)
+    void *slotOf(const KTArgument &argument, uint32_t code, Cell &cell)
     {
         switch (code)
         {
         case KT_SLOT_UTF8:
         case KT_SLOT_UCS2:
-            return textOf(argument, text);
+            return textOf(argument);
         case KT_SLOT_UNIT:
             cell.unit = static_cast<uint16_t>(argument.value.u);
             break;
@@ -125,25 +142,32 @@ private:
         return &cell;
     }
 
-    static void *textOf(const KTArgument &argument, char *&copy)
+    void *textOf(const KTArgument &argument)
     {
         static UCS2 empty = 0; // of either encoding
         if (argument.value.p == nullptr)
             return &empty;
-        const size_t size = copySize(argument);
-        if (size == 0)
+        if (!isCopied(argument))
             return const_cast<void *>(argument.value.p);
-        const size_t terminator = argument.type == KT_ARGUMENT_UTF8 ? sizeof(char) : sizeof(UCS2);
-        void *const text = copy;
-        std::memcpy(text, argument.value.p, size - terminator);
-        std::memset(copy + size - terminator, 0, terminator);
-        copy += (size + 1) & ~size_t{1};
-        return text;
+        // A text that has grown since it was measured is cut to the room that is left.
+        const size_t unit = unitSize(argument);
+        const size_t room = static_cast<size_t>(m_end - m_copy) / unit;
+        if (room == 0)
+            return &empty;
+        KTArgument bounded = argument;
+        bounded.length = static_cast<uint32_t>(std::min<size_t>(argument.length, room - 1));
+        const size_t bytes = textLength(bounded) * unit;
+        void *const copy = std::memcpy(m_copy, argument.value.p, bytes);
+        std::memset(m_copy + bytes, 0, unit);
+        m_copy += (bytes + unit + 1) & ~size_t{1};
+        return copy;
     }
 
     alignas(Cell) char m_usual[512];
     kelto::TagBlock<char> m_long;
     void **m_slots = nullptr;
+    char *m_copy = nullptr; // where the next copy goes
+    char *m_end = nullptr;
 };
 
 /** Resolves what a '*' stands for; the argument behind those that were used. */

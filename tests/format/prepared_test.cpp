@@ -156,6 +156,11 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
             EXPECT_EQ(
                 formatted(prepared, {KT_UTF8N(bytes.data(), length), KT_UCS2N(u"uvw", 2), KT_POINTER(5, &number)}),
                 "[" + bytes.substr(0, length) + "uv" + std::string(number, 'x') + "]");
+    const unsigned long none = 0;
+    Guarded<char> ended(std::string("ab"));
+    EXPECT_EQ(formatted(prepared, {KT_UTF8N(ended.data(), UINT32_MAX), KT_UCS2N(u"u", 1000), KT_POINTER(5, &none)}),
+              "[abu]")
+        << "a zero ends a text before its length";
     char out[20];
     size_t size = sizeof out;
     const KTArgument other[] = {KT_UTF8(""), KT_UCS2(u""), KT_POINTER(7, "")};
