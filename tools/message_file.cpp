@@ -118,7 +118,10 @@ Failure fileFailure(const std::string &path, int result)
     std::string meaning = resultText(result);
     if (result == KT_ERR_FILE_NOT_OPENED)
         meaning = whyNotOpened(path, meaning);
-    return Failure(terminal().showBytes(path) + ": " + meaning + nameOf(result));
+    const std::string file = terminal().showBytes(path);
+    // The checker reads the files that people write, and shows the place.
+    const bool isChecked = result == KT_ERR_BAD_MSG_FILE && std::filesystem::path(path).extension() != ".ktc";
+    return Failure(file + ": " + meaning + nameOf(result) + (isChecked ? hint("kelto check " + file) : ""));
 }
 
 } // namespace tool

@@ -73,7 +73,7 @@ private:
 /** The product version of a message file, of which no more is read than that needs, or of a compiled catalog. */
 std::string productVersion(const std::string &path);
 
-/** A failure of the library to read a message file, with the reason that it does not tell. */
+/** A failure of the library to read a message file, with the reason that it does not tell, or what will tell it. */
 Failure fileFailure(const std::string &path, int result);
 
 } // namespace tool
