@@ -248,7 +248,7 @@ TEST_F(HostileXml, RefusesMalformedTextAndEncodingsDeclaredFalsely)
 /** Characters of two bytes that parsers have looked at. Theirs is an encoding of this test's own, which counts. */
 size_t charactersSeen = 0;
 bool isCounting = false;
-std::string deferrals; // as parsers were told
+thread_local std::string deferrals; // as parsers of this thread were told
 
 int countCharacter(void *, const char *)
 {
