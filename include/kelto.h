@@ -187,7 +187,8 @@ int KTGetMessage(MessageTable *table, unsigned int id, char **message);
  * @param size  in: the capacity of data in bytes; out: the bytes written, or those needed where the result is
  *              KT_ERR_BUFFER_TOO_SMALL. Untouched by other failures.
  * @param data  out: the catalog; untouched by failures. Null is allowed with a capacity of 0.
- * @return 0, KT_ERR_BUFFER_TOO_SMALL, KT_ERR_NOT_INITIALIZED or KT_ERR_TABLE_NOT_FOUND.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL, KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND, or KT_ERR_INVALID_PARAMETER where
+ *         size is null, or data and the capacity is not 0.
  */
 int KTCompileMessages(MessageTable *table, size_t *size, void *data);
 
@@ -199,6 +200,7 @@ int KTCompileMessages(MessageTable *table, size_t *size, void *data);
  * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE for a file that is no compiled catalog, comes from a machine of
  *         another byte order or from a newer version of this form, or is damaged: nothing that it says is believed
  *         before it is checked. (There is no checksum: a changed letter is a changed text.)
+ *         KT_ERR_INVALID_PARAMETER where table is null.
  *
  *     MessageTable *table;
  *     int result = KTLoadCompiledMessages("de.ktc", &table);
@@ -209,7 +211,7 @@ int KTLoadCompiledMessages(const char *path, MessageTable **table);
  * Loads a compiled catalog that lies in memory, as one that is part of the program. It is copied, and may lie at any
  * address.
  * @param size  the bytes of the catalog, all of them and no more.
- * @return as KTLoadCompiledMessages().
+ * @return as KTLoadCompiledMessages(); KT_ERR_INVALID_PARAMETER also where data is null.
  */
 int KTLoadCompiledData(const void *data, size_t size, MessageTable **table);
 
@@ -220,8 +222,8 @@ int KTLoadCompiledData(const void *data, size_t size, MessageTable **table);
  * @param id       out: the number of the next message; 0 when there is none, and on every other failure but
  *                 KT_ERR_NOT_INITIALIZED, which leaves both outputs alone.
  * @param message  out: the message, as KTGetMessage() gives it; null where `id` is 0.
- * @return 0; KT_ERR_INVALID_MSG_ID where no message has a higher number; KT_ERR_NOT_INITIALIZED or
- *         KT_ERR_TABLE_NOT_FOUND.
+ * @return 0; KT_ERR_INVALID_MSG_ID where no message has a higher number; KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND,
+ *         or KT_ERR_INVALID_PARAMETER where an output is null.
  *
  *     unsigned int id = 0;
  *     char *message;
@@ -1044,8 +1046,8 @@ typedef struct KTPreparedFormat KTPreparedFormat;
  *                  each call.
  * @param prepared  out: the prepared format, which the caller releases with KTFreePrepared() before the KTClean() that
  *                  stops the library; null on failure.
- * @return 0; KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER for a null format; otherwise what a format call says of
- *         the format: KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT.
+ * @return 0; KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER where format or prepared is null; otherwise what a
+ *         format call says of the format: KT_ERR_FORMAT_SYNTAX, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT.
  */
 int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **prepared);
 
@@ -1070,12 +1072,12 @@ enum KTFormatOption
  * @param arguments  in the order of the positions, one for each of KTPreparedSlots(); null where there is none.
  * @param count      their number.
  * @return 0; KT_ERR_BUFFER_TOO_SMALL. With size and out untouched: KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER
- *         where prepared is null, an option unknown, or an argument missing, surplus, of another kind than the format
- *         asks for, or out of range. With out empty and size 0: KT_ERR_INVALID_PARAMETER for a text that is no date,
- *         KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT for a text of 2^31 bytes and more, and what a formatter
- *         or encoder of the caller's returns (but KT_ERR_BUFFER_TOO_SMALL where the text had not fitted before). Memory
- *         is taken for an "f" of more than 303 characters that fits, for encoded texts and by conversions of the
- *         caller's own, else none.
+ *         where prepared or size is null, or out with a capacity other than 0, an option unknown, or an argument
+ *         missing, surplus, of another kind than the format asks for, or out of range. With out empty and size 0:
+ *         KT_ERR_INVALID_PARAMETER for a text that is no date, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT for
+ *         a text of 2^31 bytes and more, and what a formatter or encoder of the caller's returns (but
+ *         KT_ERR_BUFFER_TOO_SMALL where the text had not fitted before). Memory is taken for an "f" of more than 303
+ *         characters that fits, for encoded texts and by conversions of the caller's own, else none.
  */
 int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, UCS2 *out,
                      const KTArgument *arguments, size_t count);
@@ -1203,7 +1205,8 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
  * without a full stop; needs no started library.
  * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the sentence, the
  *              terminator not counted, also where it does not fit.
- * @return 0, or KT_ERR_BUFFER_TOO_SMALL; text then holds the empty text, where it has room.
+ * @return 0; KT_ERR_BUFFER_TOO_SMALL, and text holds the empty text where it has room; or KT_ERR_INVALID_PARAMETER where
+ *         problem or size is null, or text with a capacity other than 0.
  */
 int KTProblemText(const KTProblem *problem, size_t *size, char *text);
 

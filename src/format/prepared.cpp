@@ -207,10 +207,11 @@ FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner 
 
 int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **prepared)
 {
-    *prepared = nullptr;
+    if (prepared != nullptr)
+        *prepared = nullptr;
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
-    if (format == nullptr)
+    if (format == nullptr || prepared == nullptr)
         return KT_ERR_INVALID_PARAMETER;
     kelto::PreparedOwner owner;
     const int result = kelto::prepareFormat(format, table, owner).result;

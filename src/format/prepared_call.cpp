@@ -339,7 +339,7 @@ template <typename Unit> int writeSteps(const Call &call, size_t *size, Unit *ou
 
 bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, size_t count)
 {
-    if (count != prepared.slotCount)
+    if (count != prepared.slotCount || (arguments == nullptr && count != 0))
         return false;
     for (size_t i = 0; i < count; ++i)
         if (!kelto::isAccepted(arguments[i], prepared.slots[i].code))
@@ -353,7 +353,9 @@ int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *pas
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
-    if (prepared == nullptr || (options & ~unsigned{KT_TAG}) != 0 || !areAccepted(*prepared, arguments, count))
+    if (prepared == nullptr || size == nullptr || (out == nullptr && *size != 0))
+        return KT_ERR_INVALID_PARAMETER;
+    if ((options & ~unsigned{KT_TAG}) != 0 || !areAccepted(*prepared, arguments, count))
         return KT_ERR_INVALID_PARAMETER;
     const Call call = {*prepared, arguments, kelto::findEncoder(prepared->table), passThru,
                        (options & KT_TAG) != 0 ? FLAG_TAG : 0};

@@ -176,6 +176,8 @@ const char *orSomething(const char *text)
 
 int KTProblemText(const KTProblem *problem, size_t *size, char *text)
 {
+    if (problem == nullptr || size == nullptr || (text == nullptr && *size != 0))
+        return KT_ERR_INVALID_PARAMETER;
     kelto::BoundedText sentence(text, *size);
     for (const char *next = sentenceOf(problem->rule); *next != '\0'; ++next)
     {

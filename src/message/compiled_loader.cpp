@@ -244,6 +244,8 @@ int KTLoadCompiledMessages(const char *path, MessageTable **table)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
+    if (table == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
     *table = nullptr;
     CatalogFile file;
     const int result = file.open(path);
@@ -254,7 +256,11 @@ int KTLoadCompiledData(const void *data, size_t size, MessageTable **table)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
+    if (table == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
     *table = nullptr;
+    if (data == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
     Memory memory(data, size);
     return loadFrom(memory, table);
 }

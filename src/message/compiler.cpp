@@ -57,6 +57,8 @@ int KTCompileMessages(MessageTable *table, size_t *size, void *data)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
+    if (size == nullptr || (data == nullptr && *size != 0))
+        return KT_ERR_INVALID_PARAMETER;
     const kelto::MutexGuard lock(tableListMutex);
     kelto::TableWalk walk;
     if (!walk.start(table))

@@ -24,6 +24,8 @@ int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, cha
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
+    if (id == nullptr || message == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
     *id = 0;
     *message = nullptr;
     const kelto::MutexGuard lock(tableListMutex);

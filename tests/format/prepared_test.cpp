@@ -72,6 +72,29 @@ TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
     ASSERT_EQ(KTInit(), 0);
 }
 
+TEST_F(Prepared, RefusesNullForWhatItNeeds)
+{
+    const Owner prepared = prepare("%d[1]");
+    const KTArgument argument = KT_INT(7);
+    const KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+    UCS2 out[4] = u"abc";
+    char text[4] = "abc";
+    size_t size = 4, none = 0;
+    for (const int result :
+         {KTPrepareFormat("a", nullptr, nullptr), KTFormatPrepared(prepared.get(), 0, nullptr, &size, out, nullptr, 1),
+          KTFormatPrepared(prepared.get(), 0, nullptr, nullptr, out, &argument, 1),
+          KTFormatPrepared(prepared.get(), 0, nullptr, &size, nullptr, &argument, 1),
+          KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, nullptr, &argument, 1),
+          KTProblemText(nullptr, &size, text), KTProblemText(&problem, nullptr, text),
+          KTProblemText(&problem, &size, nullptr)})
+        EXPECT_EQ(result, KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(size, 4U);
+    EXPECT_EQ(std::u16string(out), u"abc");
+    EXPECT_STREQ(text, "abc");
+    EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &none, nullptr, &argument, 1), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(none, 1U);
+}
+
 TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
 {
     KTArgument wide = KT_INT(0), narrow = KT_INT(0), character = KT_CHAR('a'), unit = KT_UNIT(u'a');

@@ -21,6 +21,7 @@ std::string compile(const std::string &xml, bool raw = false)
     EXPECT_EQ(raw ? KTLoadRawMessages(memoryPath, &table) : KTLoadMessages(memoryPath, &table), 0);
     size_t size = 0;
     EXPECT_EQ(KTCompileMessages(table, &size, nullptr), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(KTCompileMessages(table, &size, nullptr), KT_ERR_INVALID_PARAMETER) << "null for a capacity";
     std::vector<char> data(size);
     size_t capacity = size - 1;
     EXPECT_EQ(KTCompileMessages(table, &capacity, data.data()), KT_ERR_BUFFER_TOO_SMALL);
@@ -74,6 +75,9 @@ TEST_F(CompiledCatalogTest, HoldsWhatTheFileHolds)
     const std::string sparse = compile(MessageFile().unit(4194304, "b").unit(1, "a").xml());
     EXPECT_LT(sparse.size(), 200u);
     MessageTable *table = nullptr;
+    EXPECT_EQ(KTLoadCompiledData(nullptr, sparse.size(), &table), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTLoadCompiledData(sparse.data(), sparse.size(), nullptr), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTLoadCompiledMessages(memoryPath, nullptr), KT_ERR_INVALID_PARAMETER);
     ASSERT_EQ(KTLoadCompiledData(sparse.data(), sparse.size(), &table), 0);
     unsigned id = 1;
     char *message = nullptr;

@@ -73,6 +73,8 @@ TEST_F(LookupTest, WalksFromMessageToMessage)
         EXPECT_EQ(KTNextMessage(table, 0xFFFFFFFF, &id, &message), KT_ERR_INVALID_MSG_ID);
         EXPECT_EQ(id, 0u);
         EXPECT_EQ(KTNextMessage(other, 0, &id, &message), KT_ERR_TABLE_NOT_FOUND);
+        EXPECT_EQ(KTNextMessage(table, 0, nullptr, &message), KT_ERR_INVALID_PARAMETER);
+        EXPECT_EQ(KTNextMessage(table, 0, &id, nullptr), KT_ERR_INVALID_PARAMETER);
     }
 }
 
