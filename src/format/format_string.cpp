@@ -55,11 +55,8 @@ public:
         return isFirst;
     }
 
-    void clear()
-    {
-        if (m_capacity > 0)
-            std::memset(static_cast<void *>(m_records.get()), 0, m_capacity * sizeof(KTParameter));
-    }
+    /** Forgets the records, of which there is one at least. */
+    void clear() { std::memset(static_cast<void *>(m_records.get()), 0, m_capacity * sizeof(KTParameter)); }
 
     kelto::TagBlock<KTParameter> release() { return std::move(m_records); }
 

@@ -20,6 +20,7 @@
 
 #include <type_traits>
 #include <unicode/utf16.h>
+#include <utility>
 
 namespace kelto
 {
@@ -248,7 +249,7 @@ private:
 
     void putCodePoint(UChar32 codePoint) noexcept
     {
-        const auto units = static_cast<uint64_t>(isUTF8 ? U8_LENGTH(codePoint) : U16_LENGTH(codePoint));
+        const size_t units = isUTF8 ? utf8Length(codePoint) : U16_LENGTH(codePoint);
         if (!isOver(units) && claim(units))
             putWritable(codePoint);
     }
@@ -289,11 +290,11 @@ private:
     /** Makes one character of the replacement written last and a low surrogate. */
     void joinSurrogates(UCS2 low) noexcept
     {
-        const UChar32 codePoint = U16_GET_SUPPLEMENTARY(m_high, low);
-        const int more = U8_LENGTH(codePoint) - U8_LENGTH(replacementCharacter);
-        if (!isOver(1) && claim(static_cast<uint64_t>(more)))
+        const UChar32 codePoint = U16_GET_SUPPLEMENTARY(std::exchange(m_high, u'\0'), low);
+        constexpr size_t replaced = utf8Length(replacementCharacter);
+        if (claim(utf8Length(codePoint) - replaced))
         {
-            m_next -= U8_LENGTH(replacementCharacter);
+            m_next -= replaced;
             putWritable(codePoint);
         }
     }

@@ -120,7 +120,7 @@ private:
         {
             const UChar32 codePoint = kelto::takeCodePoint(format, end);
             sizes.units += static_cast<size_t>(U16_LENGTH(codePoint));
-            sizes.bytes += static_cast<size_t>(U8_LENGTH(codePoint));
+            sizes.bytes += kelto::utf8Length(codePoint);
         }
         return sizes;
     }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <iterator>
 
 namespace
 {
@@ -19,7 +18,7 @@ struct SlotKind
     uint32_t signedCode; // the slot's own code, or of an unsigned integer the one of the signed one
 };
 
-// By KTSlotCode.
+// By KTSlotCode, as slotCodeOf() gives it.
 constexpr SlotKind slotKinds[] = {
     {"nothing", 0, 0, 0, 0, 0},
     {"a 16-bit integer", 0, INT16_MIN, INT16_MAX, 0, KT_SLOT_INT16},
@@ -39,7 +38,7 @@ constexpr SlotKind slotKinds[] = {
 
 const SlotKind &kindOf(uint32_t slotCode)
 {
-    return slotKinds[slotCode < std::size(slotKinds) ? slotCode : 0];
+    return slotKinds[slotCode];
 }
 
 bool isAcceptedInteger(const KTArgument &argument, const SlotKind &slot)

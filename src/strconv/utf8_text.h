@@ -23,6 +23,14 @@ inline UChar32 takeCodePoint(const char *&cursor, const char *end) noexcept
     return codePoint;
 }
 
+/** The bytes of a code point that takeCodePoint() gives. */
+constexpr size_t utf8Length(UChar32 codePoint) noexcept
+{
+    if (codePoint <= 0x7F)
+        return 1;
+    return codePoint <= 0x7FF ? 2 : codePoint <= 0xFFFF ? 3 : 4;
+}
+
 /** The UCS-2 units of a text of `length` bytes. */
 inline size_t countUnits(const char *text, size_t length) noexcept
 {

@@ -80,6 +80,9 @@ TEST(ConversionSpec, IsMalformedWithoutAPositionOrWithTooLargeANumberOrName)
                                  u"%d\u0080[1]", u"%\u0664d[1]", u"%d[2147483648]", u"%d[18446744073709551617]",
                                  u"%2147483648d[1]", u"%.99999999999999999999d[1]", u"%abcdefghijklmnopqrst[1]"})
         EXPECT_EQ(parse(text).position, 0) << testing::PrintToString(std::u16string(text));
+    const UCS2 text[] = u"%d", *cursor = text;
+    EXPECT_EQ(getConvSpecOrder(&cursor), 0);
+    EXPECT_EQ(cursor, text + 2) << "read to its end and no further";
 }
 
 } // namespace

@@ -90,14 +90,15 @@ TEST_F(Driver, WritesOnBehindWhatIsWrittenAndBelievesNoClaimBeyondTheRoom)
 TEST_F(Driver, AMissingSlotIsAnInvalidParameter)
 {
     KTParameter *parameters = nullptr;
-    ASSERT_EQ(checkSyntax(u"a%*d[1]", nullptr, &parameters), 0);
-    int width = 3;
-    for (void *first : {static_cast<void *>(nullptr), static_cast<void *>(&width)})
+    ASSERT_EQ(checkSyntax(u"a%*.*d[1]", nullptr, &parameters), 0);
+    int number = 3;
+    for (size_t missing = 0; missing < 3; ++missing)
     {
-        void *slots[] = {first, nullptr};
+        void *slots[] = {&number, &number, &number, nullptr};
+        slots[missing] = nullptr;
         UCS2 out[10] = {u'x'};
         unsigned long size = 10;
-        EXPECT_EQ(buildBuffer(parameters, nullptr, nullptr, &size, out, u"a%*d[1]", slots), KT_ERR_INVALID_PARAMETER);
+        EXPECT_EQ(buildBuffer(parameters, nullptr, nullptr, &size, out, u"a%*.*d[1]", slots), KT_ERR_INVALID_PARAMETER);
         EXPECT_EQ(size, 0u);
         EXPECT_EQ(out[0], 0);
     }

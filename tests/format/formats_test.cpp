@@ -81,10 +81,11 @@ int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
     return 0;
 }
 
-const int none[] = {0}, all[] = {8, 1, 2, 3, 99, 4, 6, 7, 0};
+const int none[] = {0}, all[] = {-1, 8, 1, 2, 3, 99, 4, 6, 7, 0}, two[] = {4, 4, 0};
 KTFormatter ownList[] = {{"show", nullptr, 1, signedIntList, show}, {"apple", nullptr, 1, signedIntList, show},
                          {"Zeta", nullptr, 1, signedIntList, show}, {"all", nullptr, 6, all, showAll},
                          {"none", nullptr, 0, none, showNothing},   {"fail", nullptr, 0, none, fail},
+                         {"two", nullptr, 2, two, formatInteger},   {"text", nullptr, 1, utf8StrList, formatInteger},
                          {"d", nullptr, 1, signedIntList, nullptr}, // unusable, as the next ones
                          {"u", nullptr, 1, nullptr, show},          {"o", nullptr, 2, signedIntList, show},
                          {"x", nullptr, 0, signedIntList, show},    {nullptr, nullptr, 0, nullptr, nullptr}};

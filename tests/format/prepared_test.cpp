@@ -33,8 +33,17 @@ std::string formatted(const Owner &prepared, const std::vector<KTArgument> &argu
     size_t size = capacity;
     const int result =
         KTFormatPreparedUTF8(prepared.get(), options, nullptr, &size, out.data(), arguments.data(), arguments.size());
+    const size_t need = size;
+    for (size_t less = 0; result == 0 && less <= need; less += 1 + less / 64)
+    {
+        Guarded<char> cut(size = less);
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), options, nullptr, &size, cut.data(), arguments.data(),
+                                       arguments.size()),
+                  KT_ERR_BUFFER_TOO_SMALL);
+        EXPECT_EQ(size, need) << "asked for at " << less;
+    }
     if (result == 0)
-        return std::string(out.data(), size);
+        return std::string(out.data(), need);
     EXPECT_TRUE(size == capacity && out.untouched());
     return KTResultName(result);
 }
@@ -81,7 +90,9 @@ TEST_F(Prepared, RefusesNullForWhatItNeeds)
     char text[4] = "abc";
     size_t size = 4, none = 0;
     for (const int result :
-         {KTPrepareFormat("a", nullptr, nullptr), KTFormatPrepared(prepared.get(), 0, nullptr, &size, out, nullptr, 1),
+         {KTPrepareFormat("a", nullptr, nullptr), KTExplainFormat(nullptr, nullptr, nullptr),
+          KTCompareFormats(nullptr, "a", nullptr, nullptr), KTCompareFormats("a", nullptr, nullptr, nullptr),
+          KTFormatPrepared(prepared.get(), 0, nullptr, &size, out, nullptr, 1),
           KTFormatPrepared(prepared.get(), 0, nullptr, nullptr, out, &argument, 1),
           KTFormatPrepared(prepared.get(), 0, nullptr, &size, nullptr, &argument, 1),
           KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, nullptr, &argument, 1),
@@ -93,21 +104,30 @@ TEST_F(Prepared, RefusesNullForWhatItNeeds)
     EXPECT_STREQ(text, "abc");
     EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &none, nullptr, &argument, 1), KT_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(none, 1U);
+    const KTSlot *slots = reinterpret_cast<KTSlot *>(8);
+    EXPECT_EQ(KTPreparedSlots(nullptr, &slots), 0U);
+    EXPECT_EQ(slots, nullptr);
 }
 
 TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
 {
-    KTArgument wide = KT_INT(0), narrow = KT_INT(0), character = KT_CHAR('a'), unit = KT_UNIT(u'a');
+    KTArgument wide = KT_INT(0), low = wide, narrow = wide, character = KT_CHAR('a'), unit = KT_UNIT(u'a');
+    const long double real = 1;
     wide.value.i = int64_t{1} << 31;
+    low.value.i = -wide.value.i - 1;
     narrow.value.u = UINT32_MAX;
     character.value.u = 256;
     unit.value.u = 65536;
     const std::pair<const char *, KTArgument> rows[] = {
+        {"%d[1]", wide},
         {"%!d[1]", wide},
+        {"%!d[1]", low},
         {"%!d[1]", narrow},
         {"%!u[1]", {KT_ARGUMENT_UINT, 0, {int64_t{1} << 32}}},
         {"%c[1]", character},
         {"%lc[1]", unit},
+        {"%c[1]", {KT_ARGUMENT_CHAR, 1, {'a'}}},
+        {"%Lf[1]", {KT_ARGUMENT_LONG_DOUBLE, 1, {reinterpret_cast<intptr_t>(&real)}}},
         {"%d[1]", {KT_ARGUMENT_INT, 1, {7}}},
         {"%f[1]", {KT_ARGUMENT_DOUBLE, 1, {0}}},
         {"%Lf[1]", KT_LONG_DOUBLE(nullptr)},
@@ -153,6 +173,8 @@ TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
 int repeat(const char *, int, int, int, KTEncoder, void *, void **slots, unsigned long *size, UCS2 *out)
 {
     EXPECT_EQ(KTPointerOfKind(slots + 2, 6), nullptr);
+    EXPECT_EQ(KTPointerOfKind(slots + 3, 5), nullptr) << "no slot of this conversion";
+    EXPECT_EQ(KTPointerOfKind(slots, UINT32_MAX), nullptr) << "a text, whose length is no kind";
     EXPECT_EQ(formatted(prepare("%d[1]"), {KT_INT(1)}), "1");
     const auto *const number = static_cast<const unsigned long *>(KTPointerOfKind(slots + 2, 5));
     if (number == nullptr)
@@ -184,6 +206,8 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
     EXPECT_EQ(formatted(prepared, {KT_UTF8N(ended.data(), UINT32_MAX), KT_UCS2N(u"u", 1000), KT_POINTER(5, &none)}),
               "[abu]")
         << "a zero ends a text before its length";
+    EXPECT_EQ(formatted(prepared, {KT_UTF8N(nullptr, 9), KT_UCS2N(nullptr, 9), KT_POINTER(5, &none)}), "[]");
+    EXPECT_EQ(formatted(prepared, {KT_UTF8(nullptr), KT_UCS2(nullptr), KT_POINTER(5, &none)}), "[]");
     char out[20];
     size_t size = sizeof out;
     const KTArgument other[] = {KT_UTF8(""), KT_UCS2(u""), KT_POINTER(7, "")};
@@ -215,15 +239,17 @@ TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
     static const int types[] = {8, KT_ARG_END};
     KTFormatter list[] = {{"claim", nullptr, 0, types, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
     formTable table = {false, {}, list, nullptr, &builtInFormTable};
-    const Owner prepared = prepare("[%claim[1]]", &table);
+    const Owner prepared = prepare("[%lc[1]%claim[2]]", &table);
     const struct
     {
         Claim first, second;
         int result;
         size_t size;
+        char16_t unit = u'.'; // in front of it
     } rows[] = {
-        {{KT_ERR_BUFFER_TOO_SMALL, 400}, {KT_ERR_BUFFER_TOO_SMALL, 500}, KT_ERR_BUFFER_TOO_SMALL, 502},
-        {{0, 256}, {0, 257}, KT_ERR_BUFFER_TOO_SMALL, 259},
+        {{KT_ERR_BUFFER_TOO_SMALL, 400}, {KT_ERR_BUFFER_TOO_SMALL, 500}, KT_ERR_BUFFER_TOO_SMALL, 503},
+        {{0, 256}, {0, 257}, KT_ERR_BUFFER_TOO_SMALL, 260},
+        {{0, 256}, {0, 257}, 0, 1, u'\0'},
         {{KT_ERR_BUFFER_TOO_SMALL, 400}, {-77, 0}, -77, 0},
         {{-77, 400}, {0, 0}, -77, 0},
         {{KT_ERR_BUFFER_TOO_SMALL, ~0UL}, {0, 0}, KT_ERR_NO_MEMORY, 0},
@@ -233,9 +259,10 @@ TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
         claims = {row.second, row.first};
         Guarded<char> out(1000);
         size_t size = out.capacity();
-        EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out.data(), nullptr, 0), row.result);
+        const KTArgument unit = KT_UNIT(row.unit);
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out.data(), &unit, 1), row.result);
         EXPECT_EQ(size, row.size);
-        EXPECT_EQ(out.text(), row.size > 0 ? "[" : "");
+        EXPECT_EQ(out.text(), row.size > 1 ? "[." : row.size > 0 ? "[" : "");
     }
 }
 
@@ -247,6 +274,11 @@ TEST_F(Prepared, ACharacterMayBeWrittenInHalves)
               "\U0001F600\U0001F600");
     EXPECT_EQ(formatted(prepared, {KT_UCS2(halves), KT_UCS2(u"-"), KT_UNIT(0xDE00), KT_UTF8("a"), KT_UNIT(u'b')}),
               "\uFFFD-\uFFFDb");
+    const Owner mixed = prepare("%lc[1]%lc[2]%s[3]%U[4]%lc[5]");
+    EXPECT_EQ(formatted(mixed, {KT_UNIT(0xD83D), KT_UNIT(0xD83D), KT_UTF8("\u00E9"), KT_UCS2(halves + 1), KT_UNIT(1)}),
+              "\uFFFD\uFFFD\u00E9\uFFFD\uFFFD\1");
+    EXPECT_EQ(formatted(mixed, {KT_UNIT(u'a'), KT_UNIT(0), KT_UTF8("b\u00E9"), KT_UCS2(u"c"), KT_UNIT(u'd')}), "a")
+        << "U+0000 ends it for what comes behind, whatever it is";
 }
 
 TEST(Problem, NamesEveryKindOfArgument)
@@ -285,6 +317,12 @@ TEST(Problem, IsToldAndMadeASentence)
         {"é%d[1]%.*s[2]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_EXTRA, 2, 2, "%.*s[2]"},
         {"%d[1]", "%d", KT_ERR_FORMAT_SYNTAX, KT_RULE_REFERENCE, 0, 0, ""},
         {"a %-5d", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%-5d"},
+        {"%d\tb", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%d"},
+        {"%d\r\n", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%d"},
+        {"a %d\nb", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%d"},
+        {"%99999999999d b", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NUMBER_TOO_LARGE, 0, 0, "%99999999999d"},
+        {"%d[1]%s[1]%u[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_REPEATED, 0, 1, "%s[1]"},
+        {"%d[4]%s[1]%u[5]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_GAP, 0, 2, "%d[4]"},
         {"%\xC3\xA9[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_NOT_ASCII, 0, 0, "%\xC3\xA9[1]"},
         {"%abcdefghijklmnopqrst[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NAME_TOO_LONG, 0, 0, "%abcdefghijklmnopqrst[1]"},
     };
@@ -316,6 +354,16 @@ TEST(Problem, IsToldAndMadeASentence)
     EXPECT_EQ(KTExplainFormat("a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
     EXPECT_EQ(KTCompareFormats("a", "a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
     EXPECT_EQ(small.rule, 77);
+    for (const auto &[rule, sentence] :
+         {std::pair<int, const char *>{99, "the format has a problem"},
+          {KT_RULE_ARGUMENT_TYPE, "argument 1 is something else here, something else in the reference"}})
+    {
+        const KTProblem made = {sizeof made, rule, 1, 0, 0, 0, nullptr, nullptr};
+        char text[100];
+        size_t size = sizeof text;
+        EXPECT_EQ(KTProblemText(&made, &size, text), 0);
+        EXPECT_STREQ(text, sentence);
+    }
     KTClean();
 }
 

@@ -29,8 +29,7 @@ template <> const char *formatOf<long double>(int flags)
 /** Whether the C library rounds to nearest and writes a point, as in nearly every program. */
 bool isPlainEnvironment()
 {
-    const char *const point = nl_langinfo(RADIXCHAR);
-    return std::fegetround() == FE_TONEAREST && point[0] == '.' && point[1] == '\0';
+    return std::fegetround() == FE_TONEAREST && std::strcmp(nl_langinfo(RADIXCHAR), ".") == 0;
 }
 
 __extension__ using Wide = unsigned __int128;
