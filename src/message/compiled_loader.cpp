@@ -26,7 +26,10 @@ public:
     Source(const Source &) = delete;
     Source &operator=(const Source &) = delete;
 
-    /** Takes bytes from a place. @return 0; KT_ERR_BAD_MSG_FILE where not all are there; a read failure unchanged. */
+    /**
+     * Takes bytes from a place: the beginning, or where it was asked before whether the end lies behind it.
+     * @return 0; KT_ERR_BAD_MSG_FILE where not all are there; a read failure unchanged.
+     */
     virtual int take(uint64_t offset, void *to, uint64_t bytes) = 0;
     /** Whether this is the end: 0, or as take(). */
     virtual int endsAt(uint64_t offset) = 0;
@@ -42,7 +45,7 @@ public:
 
     int take(uint64_t offset, void *to, uint64_t bytes) override
     {
-        if (offset > m_size || bytes > m_size - offset)
+        if (bytes > m_size - offset)
             return KT_ERR_BAD_MSG_FILE;
         std::memcpy(to, m_data + offset, bytes);
         return 0;

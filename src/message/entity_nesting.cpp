@@ -42,7 +42,7 @@ constexpr size_t oftenFollowed = 8;
 unsigned deepestOnThisStack()
 {
     const size_t left = kelto::stackLeft();
-    const size_t levels = left > stackForRest ? (left - stackForRest) / stackForLevel : 0;
+    const size_t levels = (left - std::min(left, stackForRest)) / stackForLevel;
     return static_cast<unsigned>(std::clamp<size_t>(levels, 1, deepestAnywhere));
 }
 

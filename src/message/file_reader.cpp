@@ -52,8 +52,8 @@ private:
     /** What the parser holds of a token whose end it has not seen. */
     uint64_t unfinishedBytes(uint64_t fed) const
     {
-        const XML_Index event = XML_GetCurrentByteIndex(m_parser.get());
-        return event >= 0 && static_cast<uint64_t>(event) < fed ? fed - static_cast<uint64_t>(event) : 0;
+        const auto event = static_cast<uint64_t>(XML_GetCurrentByteIndex(m_parser.get())); // huge where there is none
+        return event < fed ? fed - event : 0;
     }
 
     const kelto::Parser &m_parser;

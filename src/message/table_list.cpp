@@ -13,11 +13,10 @@ tableItem *allocateItem()
     return kelto::allocate<tableItem>(glbResHandle, 1).release();
 }
 
-template <typename T> void freeOwned(T *&block)
+template <typename T> void freeOwned(T *block)
 {
     if (block != nullptr)
         ZEL_free(block);
-    block = nullptr;
 }
 
 } // namespace

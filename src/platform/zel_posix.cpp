@@ -4,11 +4,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <new>
 #include <pthread.h>
 #include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 int ZEL_Startup(long /*handle*/, long /*reserved*/)
 {
@@ -47,25 +49,14 @@ int ZEL_free(void *block)
 
 int ZEL_LMutexCreate(void **mutex, long /*parameter*/)
 {
-    *mutex = nullptr;
-    auto *created = new (std::nothrow) pthread_mutex_t;
-    if (created == nullptr)
-        return ZEL_ERR_RESOURCES;
-    if (pthread_mutex_init(created, nullptr) != 0)
-    {
-        delete created;
-        return ZEL_ERR_RESOURCES;
-    }
-    *mutex = created;
-    return 0;
+    *mutex = new (std::nothrow) pthread_mutex_t PTHREAD_MUTEX_INITIALIZER;
+    return *mutex != nullptr ? 0 : ZEL_ERR_RESOURCES;
 }
 
 int ZEL_LMutexDestroy(void **mutex)
 {
-    auto *destroyed = static_cast<pthread_mutex_t *>(*mutex);
-    pthread_mutex_destroy(destroyed);
-    delete destroyed;
-    *mutex = nullptr;
+    const std::unique_ptr<pthread_mutex_t> destroyed(static_cast<pthread_mutex_t *>(std::exchange(*mutex, nullptr)));
+    pthread_mutex_destroy(destroyed.get());
     return 0;
 }
 
@@ -223,9 +214,7 @@ int ZEL_FileRead(void *handle, uint64_t *offset, void *buffer, unsigned long *le
 
 int ZEL_FileClose(void **handle)
 {
-    auto *file = static_cast<OpenFile *>(*handle);
+    const std::unique_ptr<OpenFile> file(static_cast<OpenFile *>(std::exchange(*handle, nullptr)));
     close(file->descriptor);
-    delete file;
-    *handle = nullptr;
     return 0;
 }

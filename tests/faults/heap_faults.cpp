@@ -45,7 +45,7 @@ bool isLibrary(const void *caller)
     Dl_info code;
     const bool isKnown = dladdr(caller, &code) != 0;
     const auto isIn = [&](const char *name) { return isKnown && std::strstr(code.dli_fname, name) != nullptr; };
-    return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.");
+    return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.") || isIn("/libc.");
 }
 
 /** One request for a block in the place of another: null where it is to fail. */

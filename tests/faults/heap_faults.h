@@ -1,6 +1,6 @@
 /**
- * The C heap of this program fails on request: the n-th allocation that Kelto itself, expat or ICU asks it for. Those
- * of the test, of the fake platform and of the C library never fail. Sanitizers have a heap of their own, so without
+ * The C heap of this program fails on request: the n-th allocation that Kelto itself, expat, ICU or the C library asks
+ * it for. Those of the test and of the fake platform never fail. Sanitizers have a heap of their own, so without
  * effect there.
  */
 #ifndef KELTO_TESTS_FAULTS_HEAP_FAULTS_H

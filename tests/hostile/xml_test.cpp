@@ -94,6 +94,17 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
     const auto doubling = entity("e0", "lol") + repeat(40, [](size_t i) {
                               return entity("e" + number(i + 1), repeated("&e" + number(i) + ";", 2));
                           });
+    const auto hidden = [](size_t n) {
+        return withDeclarations(
+            repeat(n, [](size_t i) { return entity("e" + number(i + 1), "&#38;x&#38;;&#38;e" + number(i) + ";"); }),
+            "a");
+    };
+    const auto deepAndFlat = [](size_t n) {
+        return withDeclarations(
+            chain(60, true) + entity("f0", "&e60;&g;") + entity("g", "&e0;") +
+                repeat(n, [](size_t i) { return entity("f" + number(i + 1), "&f" + number(i) + ";"); }),
+            "a");
+    };
     const std::string longEntity = entity("e", std::string(100000, 'x'));
     const std::string placeholders = repeated("<x ts=\"" + std::string(300, 'x') + "\" id=\"1\"/>", 300);
     expectLoads({
@@ -105,8 +116,19 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
         {"9 MB of text", withDeclarations(longEntity, repeated("&e;", 90)),
          loaded("#1: 1=\"" + std::string(9000000, 'x') + "\"")},
         {"references to no other entity",
-         withDeclarations(repeat(5000, [](size_t i) { return entity("e" + number(i), "&amp;&#38;lt;"); }), "&e7;"),
-         loaded("#1: 1=\"&<\"")},
+         withDeclarations(repeat(5000, [](size_t i) { return entity("e" + number(i), "&amp;&#38;lt;&#38;#60;"); }) +
+                              entity("none", "&#38;;&#38;x"),
+                          "&e7;"),
+         loaded("#1: 1=\"&<<\"")},
+        {"shared", // on several ways to the same one, which is declared behind those that refer to it
+         withDeclarations(entity("e", "&z;") + entity("b", "&d;") + entity("a", "&b;&d;") + entity("d", "&e;") +
+                              entity("z", "!"),
+                          "&a;"),
+         loaded("#1: 1=\"!!\"")},
+        {"100 behind what is no reference", hidden(100), loadedA},
+        {"101 behind what is no reference", hidden(101), refused()},
+        {"100 deep in one place, flat in another that is declared later", deepAndFlat(39), loadedA},
+        {"101 deep in one place, flat in another that is declared later", deepAndFlat(40), refused()},
         {"5,000 that are flat",
          withDeclarations(repeat(5000, [](size_t i) { return entity("e" + number(i), "&f;[&f;"); }) + entity("f", "a"),
                           "&e7;"),
@@ -122,7 +144,8 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
 // Each step of the chain costs the parser stack: 30,000 of them end a process that has 8 MiB.
 TEST_F(HostileXml, RefusesChainsOfEntitiesThatWouldExhaustTheStack)
 {
-    for (const auto &[n, result] : {std::pair<size_t, int>{100000, KT_ERR_BAD_MSG_FILE}, {100, 0}})
+    for (const auto &[n, result] :
+         {std::pair<size_t, int>{100000, KT_ERR_BAD_MSG_FILE}, {101, KT_ERR_BAD_MSG_FILE}, {100, 0}})
         for (const bool upwards : {true, false})
             for (const char *source : {"&eN;", "<x ts='&eN;' id='1'/>"})
             {
@@ -205,15 +228,26 @@ TEST_F(HostileXml, TakesDeclaredAttributesAsLongAsTheyCostLittle)
         {"30,000 of one", withDeclarations(attributes("note", 30000), a), refused()},
         {"30,000 of two", withDeclarations(attributes("note", 15000) + attributes("header", 15000), a), loadedA},
         {"100,000 without a value", withDeclarations(attributes("note", 100000, " CDATA #IMPLIED"), a), loadedA},
+        {"30,000 that identify", withDeclarations(attributes("note", 30000, " ID #IMPLIED"), a), refused()},
         {"given to many elements", withDeclarations(attributes("note", 2000), notes(100000)), refused()},
         {"10 MB of text",
          withDeclarations(longText, units(500)),
          {0, loaded("#1: 1=\"").content + repeated(std::string(20000, 'x') + "[1]", 500) + "\""}},
         {"100 MB of text", withDeclarations(longText, units(5000)), refused()},
+        {"40 MB of text, and as much from an entity",
+         withDeclarations(longText + entity("e", std::string(100000, 'e')), units(2000) + repeated("&e;", 400)),
+         refused()},
         {"long numbers",
          withDeclarations(longId, MessageFile().body(repeated("<trans-unit><source/></trans-unit>", 400))), refused()},
     });
     EXPECT_EQ(version(withDeclarations(attributes("note", 30000), a)), KT_ERR_BAD_MSG_FILE);
+    const std::string manyNotes = withDeclarations(attributes("note", 2000), notes(100000));
+    for (const auto &[n, result] : {std::pair<size_t, int>{1000, 0}, {100000, KT_ERR_BAD_MSG_FILE}})
+        EXPECT_EQ(version("<!DOCTYPE r [" + attributes("note", 2000) + "]><r>" + repeated("<note/>", n) +
+                          "<file product-version='1'/></r>"),
+                  result);
+    FakeZel::file(memoryPath, a.xml()).thenBytes(manyNotes);
+    EXPECT_EQ(loadFile(), refusedLate()) << "in either pass";
     FakeZel::file(memoryPath, withDeclarations("<!ATTLIST x id CDATA '" + std::string(1000000, '1') + "'>",
                                                repeated("<x ts='a'/>", 1000)));
     EXPECT_EQ(loadFile(true), loaded("#1: 1=\"" + std::string(1000, 'a') + "\"")) << "positions are not read";
@@ -303,10 +337,11 @@ TEST_F(HostileXml, ReadsALongTokenAnewOnlyWithinABudget)
         isCounting = false;
         EXPECT_LE(charactersSeen, 2 * 18 * megabyte) << before << ": 33 bytes each time, both passes together";
     }
-    const auto comment = [](size_t mebibytes) {
-        return MessageFile().declaration("<!--" + std::string(mebibytes << 20, ' ') + "-->").unit(1, "a").xml();
+    const auto comment = [](size_t bytes) {
+        return MessageFile().declaration("<!--" + std::string(bytes - 7, ' ') + "-->").unit(1, "a").xml();
     };
-    expectLoads({{"16 MiB", comment(16), loadedA}, {"32 MiB", comment(32), refused()}});
+    constexpr size_t longest = size_t{24} << 20;
+    expectLoads({{"24 MiB", comment(longest), loadedA}, {"more", comment(longest + 600), refused()}});
 }
 
 TEST_F(HostileXml, HearsOfALongTokenInTheChunkOfItsEnd)

@@ -22,6 +22,7 @@ std::string compile(const std::string &xml, bool raw = false)
     size_t size = 0;
     EXPECT_EQ(KTCompileMessages(table, &size, nullptr), KT_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(KTCompileMessages(table, &size, nullptr), KT_ERR_INVALID_PARAMETER) << "null for a capacity";
+    EXPECT_EQ(KTCompileMessages(table, nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
     std::vector<char> data(size);
     size_t capacity = size - 1;
     EXPECT_EQ(KTCompileMessages(table, &capacity, data.data()), KT_ERR_BUFFER_TOO_SMALL);
@@ -100,6 +101,7 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
     constexpr size_t name = sizeof(Header), entries = name + sizeof "Example" + sizeof "1.0";
     const std::string data = compile(MessageFile().unit(1, "abc").unit(3, "def").xml());
     const size_t texts = entries + 2 * sizeof(kelto::CompiledEntry);
+    const std::string sparse = compile(MessageFile().unit(4194304, "0123456").xml());
     ASSERT_EQ(loadCompiled(data), loaded("#3: 1=\"abc\" 3=\"def\""));
     struct Row
     {
@@ -122,12 +124,15 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
              {"texts without end", with(data, offsetof(Header, textBytes), ~uint64_t{0})},
              {"texts that wrap around", with(data, offsetof(Header, textBytes), ~uint64_t{0} - 50)},
              {"no name",
-              with(with(data, offsetof(Header, nameBytes), uint32_t{1}), offsetof(Header, versionBytes), uint32_t{11})},
+              with(with(with(data, offsetof(Header, nameBytes), uint64_t{11} << 32 | 1), name, '\0'), name + 7, '.')},
+             {"no version", with(with(with(data, offsetof(Header, nameBytes), uint64_t{1} << 32 | 11), name + 7, '.'),
+                                 name + 10, '\0')},
              {"a shorter name", with(data, name + 2, '\0')},
              {"a name without end", with(data, name + 7, 'x')},
              {"a language without end", with(data, offsetof(Header, language) + 2, 'x')},
              {"a country without end", with(data, offsetof(Header, country) + 2, 'x')},
-             {"unused bytes", with(data, offsetof(Header, unused) + 1, 'x')},
+             {"an unused byte", with(data, offsetof(Header, unused), 'x')},
+             {"another", with(data, offsetof(Header, unused) + 1, 'x')},
              {"ID 0", with(data, entries, uint32_t{0})},
              {"the same ID twice", with(with(data, entries, uint32_t{1}), entries + 8, uint32_t{1})},
              {"an ID that leaves no room for the next", with(data, entries, uint32_t{3})},
@@ -135,6 +140,8 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
              {"a text that takes the next one's bytes", with(data, entries + 4, uint32_t{8})},
              {"a text that ends too early", with(data, entries + 4, uint32_t{2})},
              {"a last text that ends too early", with(data, entries + 12, uint32_t{2})},
+             {"bytes behind the last text", with(with(data, entries + 12, uint32_t{1}), texts + 6, uint16_t{0})},
+             {"a text of a table with an index that is too long", with(sparse, sparse.size() - 12, many)},
              {"a first zero byte that is none", with(data, texts + 3, 'x')},
              {"a second zero byte that is none", with(data, texts + 9, 'x')},
          })
@@ -146,6 +153,15 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
     EXPECT_EQ(loadCompiled(with(data, texts + 1, '\0')), loaded(std::string("#3: 1=\"a\0c\" 3=\"def\"", 19)));
     FakeZel::refuseAbove(1 << 20);
     EXPECT_EQ(loadCompiled(with(data, offsetof(Header, textBytes), uint64_t{1} << 40), true), refusedLate());
+
+    // What was looked at before the messages are read counts no more.
+    FakeFile &file = FakeZel::file(memoryPath, data);
+    FakeZel::observe([&](const Call &call) {
+        if (call.operation == Operation::FileRead && call.offset == entries)
+            file.bytes = with(data, entries + 8, uint32_t{2});
+    });
+    MessageTable *table = nullptr;
+    EXPECT_EQ(KTLoadCompiledMessages(memoryPath, &table), KT_ERR_BAD_MSG_FILE);
 }
 
 TEST_F(CompiledCatalogTest, SurvivesAnyDamage)

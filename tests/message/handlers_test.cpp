@@ -93,6 +93,32 @@ TEST_F(HandlersTest, MeasureAMessageOfAnyLength)
     EXPECT_EQ(pass.state.textSize, uint64_t{INT_MAX} + 13);
 }
 
+TEST_F(HandlersTest, DoNothingAfterAFailureAndTakeARawPlaceholderAsItIs)
+{
+    const char *attrs[] = {"ts", "%s", nullptr};
+    char text[8] = "1234567", *messages[] = {text};
+    FirstPassState first = {};
+    endElement1(&first, "unknown");
+    EXPECT_EQ(first.error, KT_ERR_BAD_MSG_FILE);
+    first.last = ELM_SOURCE;
+    const FirstPassState failed = first;
+    SecondPassState second = {true, 0, true, nullptr, messages, 0, text};
+    for (const int error : {0, -1})
+    {
+        second.error = error;
+        startElement2(&second, "x", attrs);
+        endElement2(&second, "x");
+        characterData2(&second, "a", 1);
+        characterData2(&second, "b", 0);
+        startElement1(&first, "x", attrs);
+        endElement1(&first, "source");
+        characterData1(&first, "a", 1);
+    }
+    EXPECT_EQ(second.cursor, text + 3);
+    EXPECT_STREQ(text, "%sa4567");
+    EXPECT_TRUE(first.last == failed.last && first.depth == failed.depth && first.textSize == 0);
+}
+
 TEST_F(HandlersTest, KnowExactNamesOnly)
 {
     struct Row

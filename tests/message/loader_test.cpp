@@ -254,6 +254,7 @@ TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)
         {"the last unit without source", body(unit("<source>abcdefghij</source>") + "<trans-unit id='2'/>"),
          refusedLate()},
         {"a source outside of units", body("<source>abcd</source>" + u2), refusedLate()},
+        {"an empty source outside of units", body("<source/>" + unit("<source>abcd</source>") + u2), refusedLate()},
         {"two sources in a unit", body(unit("<source>abcd</source><source>efgh</source>")), refusedLate()},
         {"text behind a message", body(unit("<source>ab<x ts='a' id='1'><source/></x>ef<trans-unit id='2'/></source>")),
          refusedLate()},

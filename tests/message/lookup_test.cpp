@@ -60,10 +60,19 @@ TEST_F(LookupTest, WalksFromMessageToMessage)
     {
         std::string xml, all;
     };
+    MessageFile dense = MessageFile().unit(65536, "z");
+    std::string allOfDense;
+    for (int id = 1; id <= 1024; ++id)
+    {
+        dense.unit(id, "m");
+        allOfDense += std::to_string(id) + "=m ";
+    }
+    allOfDense += "65536=z ";
     for (const Row &row :
          {Row{MessageFile().xml(), ""},
           {MessageFile().unit(5, "b").unit(2, "a").unit(6, "").xml(), "2=a 5=b 6= "},
-          {MessageFile().unit(4194304, "c").unit(1, "a").unit(4194303, "b").xml(), "1=a 4194303=b 4194304=c "}})
+          {MessageFile().unit(4194304, "c").unit(1, "a").unit(4194303, "b").xml(), "1=a 4194303=b 4194304=c "},
+          {dense.xml(), allOfDense}})
     {
         MessageTable *const table = loadTable(row.xml), *const other = loadTable(row.xml);
         EXPECT_EQ(KTFreeMessages(other), 0);
@@ -87,6 +96,11 @@ TEST_F(LookupTest, WalksOverTheTablesThatAreLeft)
     {
         EXPECT_EQ(KTFreeMessages(tables[freed]), 0);
         EXPECT_EQ(walk(tables[2]), "1=a 4194304=b ");
+    }
+    for (MessageTable *&table : tables) // perhaps in the place of one that is freed
+    {
+        table = loadTable(MessageFile().unit(1, "a").unit(2, "b").xml());
+        EXPECT_EQ(walk(table), "1=a 2=b ");
     }
 }
 

@@ -3,8 +3,10 @@
 #include "platform/scoped.h"
 
 #include <cstddef>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/resource.h>
@@ -13,7 +15,24 @@
 #include <sys/un.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
+
+namespace
+{
+
+std::function<void()> afterStatus; // done once, when the status of a file has been asked for
+
+} // namespace
+
+extern "C" int stat(const char *path, struct stat *status) noexcept
+{
+    static auto *const real = reinterpret_cast<decltype(&stat)>(dlsym(RTLD_NEXT, "stat"));
+    const int result = real(path, status);
+    if (const auto act = std::exchange(afterStatus, nullptr))
+        act();
+    return result;
+}
 
 namespace
 {
@@ -110,6 +129,8 @@ TEST_F(Files, OpeningTellsWhatIsMissingFromWhatCannotBeRead)
     for (const auto &row : rows)
         EXPECT_EQ(openCode(row.path), row.code) << row.label;
     close(socketFile);
+    afterStatus = [&] { fs::rename(path("fifo"), regular); };
+    EXPECT_EQ(openCode(regular), ZEL_ERR_FILE_ACCESS) << "what the name means by then is no regular file";
 }
 
 TEST_F(Files, OpeningIsRefusedWithoutPermissionAndWithoutADescriptorLeft)
@@ -152,6 +173,16 @@ TEST_F(Files, ReadsAnythingAnywhereInAnyOrder)
             expectRead(round % 3 == 0 ? other : one, random() % (size + 10),
                        1 + random() % (round % 7 == 0 ? 70000 : 300), bytes);
         expectRead(one, uint64_t{1} << 40, 300, bytes);
+    }
+    kelto::File unreadable; // at its beginning
+    ASSERT_EQ(unreadable.open("/proc/self/mem"), 0);
+    for (const unsigned long length : {300UL, 200000UL, 0UL})
+    {
+        std::vector<char> buffer(length);
+        uint64_t offset = 0;
+        unsigned long left = length;
+        EXPECT_EQ(unreadable.read(&offset, buffer.data(), &left), length > 0 ? ZEL_ERR_READ : 0) << length;
+        EXPECT_TRUE(offset == 0 && left == length);
     }
 }
 
