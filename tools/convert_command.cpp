@@ -46,7 +46,7 @@ void listCharsets()
 bool warn(const std::string &path, Text one, Text many, size_t characters, const std::string &charset)
 {
     if (characters != 0)
-        complain(inputName(path) + ": " + sayCount(one, many, characters, {terminal().showBytes(charset)}));
+        complain(inputName(path) + ": " + say(counted(one, many, characters, {terminal().showBytes(charset)})));
     return characters != 0;
 }
 

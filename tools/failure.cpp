@@ -4,9 +4,11 @@
 #include "terminal.h"
 #include "text.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace tool
 {
@@ -33,7 +35,15 @@ std::string nameOf(int result)
 
 std::string systemText(int error)
 {
-    return terminal().showBytes(std::generic_category().message(error));
+    constexpr std::pair<int, Text> known[] = {{ENOENT, Text::noFileThere},  {EACCES, Text::noPermission},
+                                              {EISDIR, Text::aDirectory},   {ENOTDIR, Text::noDirectory},
+                                              {ENOSPC, Text::noSpace},      {EBADF, Text::badDescriptor},
+                                              {EIO, Text::inputOutputError}};
+    std::string text = terminal().showBytes(std::generic_category().message(error));
+    for (const auto &[number, ours] : known)
+        if (number == error && text == sayInEnglish({ours}))
+            return say(ours);
+    return text;
 }
 
 void complain(const std::string &text)

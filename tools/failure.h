@@ -40,7 +40,10 @@ std::string meaningOf(int result);
 /** " (KT_ERR_FILE_UNAVAILABLE)"; for a result without a name its number. */
 std::string nameOf(int result);
 
-/** What the operating system says of an errno value. */
+/**
+ * What the operating system says of an errno value; in our words where it knows English only, as it does where no
+ * locale of the user's language is installed.
+ */
 std::string systemText(int error);
 
 /** Prints diagnostics, "kelto: …", behind what stands in standard output so far. */

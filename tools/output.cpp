@@ -126,6 +126,15 @@ std::string readWhole(const std::string &path)
     return bytes;
 }
 
+std::string readMessageFile(const std::string &path)
+{
+    struct stat status = {};
+    const bool isThere = path != "-" && lstat(path.c_str(), &status) == 0;
+    if (isThere && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode) && !S_ISDIR(status.st_mode))
+        throw Failure(inputName(path) + ": " + say(Text::noRegularFile));
+    return readWhole(path);
+}
+
 std::string inputName(const std::string &path)
 {
     return path == "-" ? say(Text::standardInput) : terminal().showBytes(path);

@@ -28,6 +28,12 @@ void flushOutput();
 /** A whole file, or standard input for "-"; throws for 2 GiB and more. */
 std::string readWhole(const std::string &path);
 
+/**
+ * The same of a message file, which is no FIFO and no device: as the library, it does not wait for what may never come.
+ * What a shell passes as /dev/fd/63 is read.
+ */
+std::string readMessageFile(const std::string &path);
+
 /** How diagnostics name such an input. */
 std::string inputName(const std::string &path);
 

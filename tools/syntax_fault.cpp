@@ -45,7 +45,7 @@ std::string describeSyntaxFault(const std::string &format)
     const std::u16string behind = ucs2FromUtf8(format.substr(problem.offset + problem.length));
 
     const auto character = static_cast<unsigned>(u_countChar32(before.data(), static_cast<int32_t>(before.size()))) + 1;
-    const std::string what = say(Text::faultAt, {problemText(problem), character, terminal().quote(place)});
+    const std::string what = say(Text::faultAt, {problemShown(problem), character, terminal().quote(place)});
 
     const std::u16string shownBefore = terminal().escaped(lastPart(before, mostBefore));
     const std::u16string marked = terminal().escaped(firstPart(place, mostMarked));

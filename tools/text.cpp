@@ -2,8 +2,10 @@
 
 #include "prepared_format.h"
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -18,18 +20,20 @@ struct English
     const char *format;
 };
 
+/** In the order of the numbers. */
 constexpr English englishTexts[] = {
 #define KELTO_TEXT(id, name, english) {Text::name, english},
 #include "texts.inc"
 #undef KELTO_TEXT
 };
 
+/** Null where there is no such text. */
 const char *englishOf(Text text)
 {
-    for (const English &row : englishTexts)
-        if (row.text == text)
-            return row.format;
-    return "";
+    const English *const end = std::end(englishTexts);
+    const English *const row = std::lower_bound(std::begin(englishTexts), end, text,
+                                                [](const English &a, Text wanted) { return a.text < wanted; });
+    return row != end && row->text == text ? row->format : nullptr;
 }
 
 /** Where the message files of this program lie, from where the program lies. */
@@ -80,7 +84,8 @@ std::optional<std::string> formatted(const char *format, const std::vector<Shown
     std::vector<KTArgument> arguments;
     arguments.reserve(values.size());
     for (const Shown &value : values)
-        arguments.push_back(value.isNumber ? KT_UINT64(value.number) : KT_UTF8N(value.text.data(), value.text.size()));
+        arguments.push_back(value.isNumber ? KT_UINT64(value.number)
+                                           : KT_UTF8N(value.words.data(), value.words.size()));
     const PreparedFormat prepared(format);
     std::string text;
     return prepared.result() == 0 && prepared.format(0, arguments, text) == 0 ? std::optional(text) : std::nullopt;
@@ -103,54 +108,79 @@ std::string formattedPlainly(std::string_view format, const std::vector<Shown> &
             size_t position = 0;
             std::from_chars(format.data() + open + 1, format.data() + at, position);
             const Shown &value = values.at(position - 1);
-            result += value.isNumber ? std::to_string(value.number) : value.text;
+            result += value.isNumber ? std::to_string(value.number) : value.words;
         }
     }
     return result;
 }
 
+/** The values of a phrase, those that are phrases put into words. */
+std::vector<Shown> inWords(const std::vector<Shown> &values, std::string (*speak)(const Phrase &))
+{
+    std::vector<Shown> result = values;
+    for (Shown &value : result)
+        if (!value.phrase.empty())
+            value = Shown(speak(value.phrase[0]));
+    return result;
+}
+
 } // namespace
 
-std::string say(Text text, const std::vector<Shown> &values)
+std::string say(const Phrase &phrase)
 {
-    const char *const english = englishOf(text);
-    if (auto result = formatted(usersMessage(static_cast<unsigned>(text)), values))
+    const std::vector<Shown> values = inWords(phrase.values, say);
+    const char *const english = englishOf(phrase.text);
+    if (auto result = formatted(usersMessage(static_cast<unsigned>(phrase.text)), values))
         return *result;
     if (auto result = formatted(english, values))
         return *result;
     return formattedPlainly(english, values);
 }
 
-std::string sayCount(Text one, Text many, size_t count, const std::vector<Shown> &values)
+std::string say(Text text, const std::vector<Shown> &values)
+{
+    return say(Phrase{text, values});
+}
+
+std::string sayInEnglish(const Phrase &phrase)
+{
+    return formattedPlainly(englishOf(phrase.text), inWords(phrase.values, sayInEnglish));
+}
+
+Phrase counted(Text one, Text many, size_t count, const std::vector<Shown> &values)
 {
     if (count == 1)
-        return say(one, values);
+        return {one, values};
     std::vector<Shown> all{count};
     all.insert(all.end(), values.begin(), values.end());
-    return say(many, all);
+    return {many, all};
+}
+
+Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values)
+{
+    const auto text = static_cast<Text>(number);
+    if (englishOf(text) == nullptr)
+        return otherwise;
+    return Phrase{text, values};
 }
 
 std::string resultText(int result)
 {
     constexpr int resultsAbove = 8100;
-    const char *const text = usersMessage(static_cast<unsigned>(resultsAbove + result));
-    return text != nullptr ? text : KTResultText(result);
+    const Shown shown = textNumbered(static_cast<unsigned>(resultsAbove + result), KTResultText(result));
+    return shown.phrase.empty() ? shown.words : say(shown.phrase[0]);
 }
 
-std::string problemText(const KTProblem &problem)
+Shown problemShown(const KTProblem &problem)
 {
     constexpr unsigned rulesAbove = 120;
-    std::vector<Shown> values;
-    if (problem.position != 0)
-        values.emplace_back(problem.position);
-    if (auto text = formatted(usersMessage(rulesAbove + static_cast<unsigned>(problem.rule)), values))
-        return *text;
-    size_t size = 0;
-    KTProblemText(&problem, &size, nullptr);
-    std::string text(++size, '\0');
-    KTProblemText(&problem, &size, text.data());
-    text.resize(size);
-    return text;
+    constexpr size_t longestSentence = 400;
+    char sentence[longestSentence];
+    size_t size = sizeof sentence;
+    KTProblemText(&problem, &size, sentence);
+    const bool hasPosition = problem.rule == KT_RULE_POSITION_REPEATED || problem.rule == KT_RULE_POSITION_GAP;
+    return textNumbered(rulesAbove + static_cast<unsigned>(problem.rule), sentence,
+                        hasPosition ? std::vector<Shown>{problem.position} : std::vector<Shown>{});
 }
 
 } // namespace tool

@@ -1,7 +1,7 @@
 /**
  * What the program says, in the language of the user: the texts of its own message files, formatted by the library. The
- * English is compiled in, for where there is no file, or none that fits, or the library does not start. All texts are
- * UTF-8; complain() and printText() put them into the charset of the terminal.
+ * English is compiled in, for machines, and for where there is no file, or none that fits, or the library does not
+ * start. All texts are UTF-8; complain() and printText() put them into the charset of the terminal.
  */
 #ifndef KELTO_TOOLS_TEXT_H
 #define KELTO_TOOLS_TEXT_H
@@ -23,29 +23,48 @@ enum class Text : unsigned
 #undef KELTO_TEXT
 };
 
-/** What a text shows at one of its positions: a text, or a number for "u". */
-struct Shown
-{
-    Shown(std::string words) : text(std::move(words)) {}
-    Shown(const char *words) : text(words) {}
-    Shown(unsigned value) : number(value), isNumber(true) {}
-    Shown(unsigned long value) : number(value), isNumber(true) {}
+struct Shown;
 
-    std::string text;
-    uint64_t number = 0;
-    bool isNumber = false;
+/** A text and what it shows, in no language yet: it is put into words when somebody is to read it. */
+struct Phrase
+{
+    Text text{};
+    std::vector<Shown> values = {};
 };
 
+/** What a text shows at one of its positions: words as they are, a number for "u", or words of the language. */
+struct Shown
+{
+    Shown(std::string asIs) : words(std::move(asIs)) {}
+    Shown(const char *asIs) : words(asIs) {}
+    Shown(unsigned value) : number(value), isNumber(true) {}
+    Shown(unsigned long value) : number(value), isNumber(true) {}
+    Shown(Phrase part) : phrase{std::move(part)} {}
+
+    std::string words;
+    uint64_t number = 0;
+    bool isNumber = false;
+    std::vector<Phrase> phrase = {}; // one, or none
+};
+
+/** In the language of the user. */
+std::string say(const Phrase &phrase);
 std::string say(Text text, const std::vector<Shown> &values = {});
 
+/** In English, whoever the user is: what other programs read, and what a build keeps. */
+std::string sayInEnglish(const Phrase &phrase);
+
 /** The one for a single thing, else the one for many, whose first value is their number. */
-std::string sayCount(Text one, Text many, size_t count, const std::vector<Shown> &values = {});
+Phrase counted(Text one, Text many, size_t count, const std::vector<Shown> &values = {});
+
+/** The text with this number, which another library counts; what it says itself where there is none. */
+Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values = {});
 
 /** What a result of the library means. */
 std::string resultText(int result);
 
 /** What is wrong with a format. */
-std::string problemText(const KTProblem &problem);
+Shown problemShown(const KTProblem &problem);
 
 } // namespace tool
 

@@ -89,7 +89,7 @@ std::string disagreement(const std::string &bytes, bool *loads)
     std::string text;
     if (isClean != (result == 0))
         text = fmt::format("the library's result is {}, the checker finds: {}", result,
-                           isClean ? "nothing" : catalog.findings().front().text);
+                           isClean ? "nothing" : tool::sayInEnglish(catalog.findings().front().text));
     else if (result == 0)
         text = disagreementOnMessages(catalog, table);
     if (result == 0)

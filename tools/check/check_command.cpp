@@ -1,4 +1,3 @@
-#include "charset.h"
 #include "check/checks.h"
 #include "check/progress.h"
 #include "check/writers.h"
@@ -6,6 +5,7 @@
 #include "message_file.h"
 #include "output.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <algorithm>
 #include <atomic>
@@ -94,7 +94,7 @@ private:
 
 SourceText readSource(const std::string &path, const std::string &stdinName)
 {
-    return {path == "-" ? stdinName : path, readWhole(path)};
+    return {path == "-" ? stdinName : path, readMessageFile(path)};
 }
 
 Findings findingsOf(const Catalog &catalog, const Setting &setting)
@@ -232,7 +232,7 @@ bool isSameFile(const std::string &a, const std::string &b)
 bool wantsColour(const CommandLine &line, const Options &options)
 {
     if (options.colour != "auto" && options.colour != "always" && options.colour != "never")
-        throw line.misuse("a colour is \"auto\", \"always\" or \"never\", not " + terminal().quote(options.colour));
+        throw line.misuse(say(Text::badColour, {terminal().quote(options.colour)}));
     if (options.colour != "auto")
         return options.colour == "always";
     return options.output.empty() && Terminal::showsColors(STDOUT_FILENO);
@@ -249,7 +249,7 @@ std::unique_ptr<Writer> makeWriter(const CommandLine &line, const std::string &f
     for (const auto &row : writers)
         if (format == row.name)
             return row.make(std::move(sink), options);
-    throw line.misuse("a format is \"text\", \"json\", \"sarif\" or \"github\", not " + terminal().quote(format));
+    throw line.misuse(say(Text::badForm, {terminal().quote(format)}));
 }
 
 size_t jobsOf(const CommandLine &line, const std::string &jobs)
@@ -260,7 +260,7 @@ size_t jobsOf(const CommandLine &line, const std::string &jobs)
     const bool isNumber = jobs.size() <= 3 && jobs.find_first_not_of("0123456789") == std::string::npos;
     const size_t number = isNumber ? std::strtoul(jobs.c_str(), nullptr, 10) : 0;
     if (number == 0 || number > most)
-        throw line.misuse(fmt::format("the number of jobs is 1 to {}, not {}", most, terminal().quote(jobs)));
+        throw line.misuse(say(Text::badJobs, {most, terminal().quote(jobs)}));
     return number;
 }
 
@@ -268,20 +268,13 @@ ExitStatus explain(const CommandLine &line, const Options &options)
 {
     if (options.listsRules)
     {
-        print(listOfRules());
+        printText(listOfRules());
         return ExitStatus::done;
     }
     const std::optional<Rule> rule = findRule(options.explained);
     if (!rule)
-        throw line.misuse(
-            fmt::format("there is no rule {}; --list-rules lists them", terminal().quote(options.explained)));
-    const std::string page = pageOf(*rule);
-    for (size_t begin = 0; begin < page.size();)
-    {
-        const size_t end = page.find('\n', begin);
-        print(terminal().show(ucs2FromUtf8(page.substr(begin, end - begin))) + "\n");
-        begin = end + 1;
-    }
+        throw line.misuse(say(Text::noRuleNamed, {terminal().quote(options.explained)}));
+    printText(pageOf(*rule));
     return ExitStatus::done;
 }
 
@@ -351,10 +344,10 @@ ExitStatus run(CommandLine &line)
     if (options.listsRules || !options.explained.empty())
         return explain(line, options);
     if (files.empty())
-        throw line.misuse("no file is given");
+        throw line.misuse(say(Text::noFile));
     const auto isStdin = [](const std::string &file) { return file == "-"; };
     if (std::count_if(files.begin(), files.end(), isStdin) + (options.reference == "-" ? 1 : 0) > 1)
-        throw line.misuse("standard input can be read once only");
+        throw line.misuse(say(Text::standardInputTwice));
 
     Setting setting{
         options.isRaw ? Catalog::Placeholders::raw : Catalog::Placeholders::positioned, nullptr, {}, options.stdinName};

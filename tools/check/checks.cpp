@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <fmt/core.h>
 #include <map>
 #include <optional>
 #include <set>
@@ -33,6 +32,17 @@ std::vector<Run> gapsIn(const std::set<int> &numbers)
         next = number + 1;
     }
     return gaps;
+}
+
+/** Numbers and positions, which are from 1 on where a text shows them. */
+unsigned countable(int number)
+{
+    return static_cast<unsigned>(number);
+}
+
+std::string partOf(std::string_view text, Range range)
+{
+    return std::string(text.substr(range.begin, range.end - range.begin));
 }
 
 /** A message in the file and what it is compared with. */
@@ -67,21 +77,21 @@ public:
             compareWhiteSpace();
         for (const auto &[rule, count] : m_counts)
             if (count > mostPerRule)
-                add(rule, m_pair.message.source,
-                    fmt::format("{} more findings like those in this message", count - mostPerRule), std::nullopt);
+                add(rule, m_pair.message.source, counted(Text::oneMore, Text::manyMore, count - mostPerRule),
+                    std::nullopt);
     }
 
 private:
     /** A message may be megabytes of one mistake. */
     static constexpr size_t mostPerRule = 100;
 
-    void find(Rule rule, Range place, std::string text, std::optional<Note> note = std::nullopt)
+    void find(Rule rule, Range place, Phrase text, std::optional<Note> note = std::nullopt)
     {
         if (++m_counts[rule] <= mostPerRule)
             add(rule, place, std::move(text), std::move(note));
     }
 
-    void add(Rule rule, Range place, std::string text, std::optional<Note> note)
+    void add(Rule rule, Range place, Phrase text, std::optional<Note> note)
     {
         m_findings.push_back(
             {rule, m_pair.message.id, m_pair.message.unit.begin, place, std::move(text), std::move(note)});
@@ -123,7 +133,7 @@ void MessageCheck::checkEmpty()
 {
     const bool isMeant = m_pair.original != nullptr && m_original.text().empty();
     if (!isMeant)
-        find(Rule::emptyMessage, m_pair.message.source, "the message is empty");
+        find(Rule::emptyMessage, m_pair.message.source, {Text::noText});
 }
 
 void MessageCheck::checkEscapes()
@@ -133,15 +143,13 @@ void MessageCheck::checkEscapes()
     {
         const size_t length = escapeLength(raw.substr(at));
         if (length == 0 && at + 1 == raw.size())
-            find(Rule::trailingBackslash, m_catalog.locate(m_pair.message, {at, at + 1}),
-                 "the message ends with a single backslash");
+            find(Rule::trailingBackslash, m_catalog.locate(m_pair.message, {at, at + 1}), {Text::endsInBackslash});
         else if (length == 0)
         {
             size_t end = at + 1;
             takeUtf8(raw, end);
             find(Rule::unknownEscape, m_catalog.locate(m_pair.message, {at, end}),
-                 fmt::format("\"{}\" is no escape; a backslash that is meant is written as two",
-                             raw.substr(at, end - at)));
+                 {Text::noEscape, {partOf(raw, {at, end})}});
         }
         at += std::max<size_t>(length, 1);
     }
@@ -181,12 +189,11 @@ void MessageCheck::compareWhiteSpace()
     const Range originals = coreOf(there);
     if (edges.begin == edges.end || originals.begin == originals.end)
         return; // nothing but white space
-    const auto noteAt = [&](Range range) { return Note{true, locateOriginal(range), "the reference is here"}; };
+    const auto noteAt = [&](Range range) { return Note{true, locateOriginal(range), {Text::referenceIsHere}}; };
     if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
-        find(Rule::whiteSpace, placeOf({0, edges.begin}), "white space at the beginning differs from the reference",
-             noteAt({0, originals.begin}));
+        find(Rule::whiteSpace, placeOf({0, edges.begin}), {Text::spaceAtBeginning}, noteAt({0, originals.begin}));
     if (here.substr(edges.end) != there.substr(originals.end))
-        find(Rule::whiteSpace, placeOf({edges.end, here.size()}), "white space at the end differs from the reference",
+        find(Rule::whiteSpace, placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
              noteAt({originals.end, there.size()}));
 }
 
@@ -203,7 +210,7 @@ void MessageCheck::checkFormat()
     if (m_pair.originalFormat != nullptr && m_pair.originalFormat->isAccepted)
         compareArguments(format);
     if (!format.isAccepted && m_findings.size() == before)
-        find(Rule::badConversion, m_pair.message.source, "the message is no format string");
+        find(Rule::badConversion, m_pair.message.source, {Text::noFormat});
     checkTyped(format);
     checkRegion(format);
 }
@@ -217,8 +224,11 @@ void MessageCheck::checkFaults(const Format &format)
     for (const FormatFault &fault : format.faults)
     {
         const bool isLone = fault.isLone && !hasConversions;
-        find(isLone ? Rule::lonePercent : Rule::badConversion, placeOf(fault.place),
-             isLone ? "a percent sign by itself; in a message that is formatted it is written \"%%\"" : fault.why);
+        if (isLone)
+            find(Rule::lonePercent, placeOf(fault.place), {Text::percentAlone});
+        else
+            find(Rule::badConversion, placeOf(fault.place),
+                 {Text::badConversion, {partOf(m_text.text(), fault.place), problemShown(fault.problem)}});
     }
 }
 
@@ -244,7 +254,7 @@ void MessageCheck::checkPositions(const Format &format)
     for (const Conversion &conversion : format.conversions)
         if (!positions.insert(conversion.position).second)
             find(Rule::positionRepeat, placeOf(conversion.place),
-                 fmt::format("position {} is used a second time", conversion.position));
+                 {Text::positionRepeated, {countable(conversion.position)}});
     if (isMalformed)
         return;
     for (const Run &gap : gapsIn(positions))
@@ -263,10 +273,8 @@ void MessageCheck::checkPositions(const Format &format)
                 behind = &conversion;
         const Range place = behind != nullptr ? placeOf(behind->place) : m_pair.message.source;
         find(Rule::positionGap, place,
-             rest.first == rest.last
-                 ? fmt::format("position {} is missing; positions run from 1 without a gap", rest.first)
-                 : fmt::format("positions {} to {} are missing; positions run from 1 without a gap", rest.first,
-                               rest.last));
+             rest.first == rest.last ? Phrase{Text::positionMissing, {countable(rest.first)}}
+                                     : Phrase{Text::positionsMissing, {countable(rest.first), countable(rest.last)}});
     }
 }
 
@@ -274,8 +282,7 @@ void MessageCheck::checkTyped(const Format &format)
 {
     for (const Conversion &conversion : format.conversions)
         if (m_catalog.isText(m_pair.message, m_text.beforeEscapes(conversion.place).begin))
-            find(Rule::typedConversion, placeOf(conversion.place),
-                 fmt::format("\"{}\" is typed as text instead of an \"x\"", conversion.written));
+            find(Rule::typedConversion, placeOf(conversion.place), {Text::typedConversion, {conversion.written}});
 }
 
 void MessageCheck::checkRegion(const Format &format)
@@ -285,13 +292,12 @@ void MessageCheck::checkRegion(const Format &format)
         if (const Conversion &conversion = format.conversions[index]; conversion.name == "N" || conversion.name == "O")
             last = &conversion;
     if (last != nullptr && last->name == "N")
-        find(Rule::regionOpen, placeOf(last->place),
-             fmt::format("the region that \"{}\" opens is not closed", last->written));
+        find(Rule::regionOpen, placeOf(last->place), {Text::regionOpen, {last->written}});
 }
 
 std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
 {
-    return Note{true, locateOriginal(conversion.place), fmt::format("the reference has \"{}\"", conversion.written)};
+    return Note{true, locateOriginal(conversion.place), {Text::referenceHas, {conversion.written}}};
 }
 
 /** All slots of a format in the order in which arguments are passed. */
@@ -307,9 +313,7 @@ std::vector<Kind> argumentsOf(const Format &format)
 void MessageCheck::findMissing(const Conversion &there, bool leavesGap)
 {
     find(Rule::argumentMissing, m_pair.message.unit,
-         fmt::format("argument {} (\"{}\") is missing, so {}", there.position, there.written,
-                     leavesGap ? "every call fails with KT_ERR_FORMAT_SYNTAX"
-                               : "calls that count their arguments fail with KT_ERR_INVALID_PARAMETER"));
+         {leavesGap ? Text::argumentLost : Text::lastArgumentLost, {countable(there.position), there.written}});
 }
 
 void MessageCheck::compareArguments(const Format &format)
@@ -329,8 +333,7 @@ void MessageCheck::compareArguments(const Format &format)
         {
             if (here->slots == there.slots && here->name != there.name)
                 find(Rule::conversionChanged, placeOf(here->place),
-                     fmt::format("\"{}\" stands where the reference has \"{}\"", here->written, there.written),
-                     noteOn(there));
+                     {Text::conversionChanged, {here->written, there.written}}, noteOn(there));
             else if (!agrees)
                 compareConversions(*here, there);
         }
@@ -341,21 +344,22 @@ void MessageCheck::compareArguments(const Format &format)
     for (const Conversion &here : format.conversions)
         if (original.find(here.position) == nullptr && !here.slots.empty())
             find(Rule::argumentExtra, placeOf(here.place),
-                 fmt::format("argument {} (\"{}\") is not in the reference", here.position, here.written),
+                 {Text::argumentExtra, {countable(here.position), here.written}},
                  Note{true, m_pair.original->source,
-                      fmt::format("the reference takes {} arguments", argumentsOf(original).size())});
+                      counted(Text::referenceTakesOne, Text::referenceTakesMany, argumentsOf(original).size())});
 }
 
 /** "argument 2", or "the width of argument 2". */
-std::string describe(const Conversion &conversion, const Slot &slot, size_t value, size_t values)
+Phrase describe(const Conversion &conversion, const Slot &slot, size_t value, size_t values)
 {
+    const unsigned position = countable(conversion.position);
     if (slot.role == Slot::Role::width)
-        return fmt::format("the width of argument {}", conversion.position);
+        return {Text::widthOfArgument, {position}};
     if (slot.role == Slot::Role::precision)
-        return fmt::format("the precision of argument {}", conversion.position);
+        return {Text::precisionOfArgument, {position}};
     if (values > 1)
-        return fmt::format("value {} of argument {}", value + 1, conversion.position);
-    return fmt::format("argument {}", conversion.position);
+        return {Text::valueOfArgument, {value + 1, position}};
+    return {Text::argumentNumber, {position}};
 }
 
 std::vector<Slot> slotsIn(const Conversion &conversion, Slot::Role role)
@@ -377,19 +381,16 @@ void MessageCheck::compareConversions(const Conversion &here, const Conversion &
         {
             const Range place = placeOf(here.place);
             if (i >= ours.size())
-                find(Rule::argumentMissing, place,
-                     fmt::format("{} is missing, which the reference takes from an argument",
-                                 describe(here, theirs[i], i, theirs.size())),
+                find(Rule::argumentMissing, place, {Text::partMissing, {describe(here, theirs[i], i, theirs.size())}},
                      noteOn(there));
             else if (i >= theirs.size())
-                find(Rule::argumentExtra, place,
-                     fmt::format("{} is an argument that the reference does not have",
-                                 describe(here, ours[i], i, ours.size())),
+                find(Rule::argumentExtra, place, {Text::partExtra, {describe(here, ours[i], i, ours.size())}},
                      noteOn(there));
             else if (ours[i].kind != theirs[i].kind)
                 find(Rule::argumentType, place,
-                     fmt::format("{} is {} here, {} in the reference", describe(here, ours[i], i, ours.size()),
-                                 nameOf(ours[i].kind), nameOf(theirs[i].kind)),
+                     {Text::partDiffers,
+                      {describe(here, ours[i], i, ours.size()), Phrase{nameOf(ours[i].kind)},
+                       Phrase{nameOf(theirs[i].kind)}}},
                      noteOn(there));
         }
     }
@@ -410,10 +411,9 @@ void checkWhole(const Catalog &catalog, Findings &findings)
         return;
     const Message &last = messages.back();
     if (isSparse(messages.size(), last.id))
-        findings.push_back(
-            {Rule::sparseIds, last.id, last.unit.begin, last.unit,
-             fmt::format("the highest number is {}, but there are {} messages only", last.id, messages.size()),
-             std::nullopt});
+        findings.push_back({Rule::sparseIds, last.id, last.unit.begin, last.unit,
+                            counted(Text::sparseOne, Text::sparseMany, messages.size(), {countable(last.id)}),
+                            std::nullopt});
 }
 
 } // namespace
@@ -439,8 +439,8 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
         for (; original != originals.end() && original->id < id; done = (original++)->id)
             if (original->id != done && catalog.isWhole())
                 findings.push_back({Rule::messageMissing, original->id, catalog.body().begin, catalog.body(),
-                                    "the message of the reference is missing",
-                                    Note{true, original->unit, "the reference has it here"}});
+                                    Phrase{Text::messageMissing},
+                                    Note{true, original->unit, {Text::referenceHasItHere}}});
     };
     for (const Message &message : catalog.messages())
     {
@@ -449,7 +449,7 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
         const bool hasOriginal = original != originals.end() && original->id == message.id;
         if (reference != nullptr && !hasOriginal && reference->catalog().isWhole())
             findings.push_back({Rule::messageExtra, message.id, message.unit.begin, message.unit,
-                                "the message is not in the reference", std::nullopt});
+                                Phrase{Text::messageExtra}, std::nullopt});
         if (!message.isComplete)
             continue;
         const bool isComparable = hasOriginal && original->isComplete;

@@ -1,13 +1,15 @@
 /**
  * What a check finds. While a file is checked, a Finding names its place in bytes; once the file is done, report()
  * turns the findings into Diagnostics in the order of the file, with lines and columns, which need the file no more.
- * Texts are UTF-8 and quote the file as it is: what shows them escapes them.
+ * What it says is a Phrase, which a writer puts into words if it is to be told at all; it quotes the file as it is, in
+ * UTF-8, and what shows it escapes it.
  */
 #ifndef KELTO_TOOLS_CHECK_FINDING_H
 #define KELTO_TOOLS_CHECK_FINDING_H
 
 #include "check/rules.h"
 #include "check/source_text.h"
+#include "text.h"
 
 #include <optional>
 #include <string>
@@ -21,7 +23,7 @@ struct Note
 {
     bool isInReference; // else in the file itself
     Range place;
-    std::string text;
+    Phrase text;
 };
 
 struct Finding
@@ -30,7 +32,7 @@ struct Finding
     int message;  // its number; 0 where no message is concerned
     size_t order; // where it is told: the beginning of its unit, or of its place
     Range place;
-    std::string text;
+    Phrase text;
     std::optional<Note> note;
 };
 
@@ -49,10 +51,10 @@ struct Diagnostic
     Severity severity;
     int message;
     Place place;
-    std::string text;
+    Phrase text;
     Excerpt excerpt;
     std::optional<Place> notePlace;
-    std::string noteText;
+    Phrase noteText;
 };
 
 /** What is to be told of one file. */

@@ -4,7 +4,6 @@
 #include "check/utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <fmt/core.h>
 #include <unicode/utf16.h>
 
@@ -22,14 +21,6 @@ bool isAccepted(const char *text, formTable *table, KTProblem *problem)
     if (result == KT_ERR_NO_MEMORY)
         throw std::bad_alloc();
     return result == 0;
-}
-
-std::string sentenceOf(const KTProblem &problem)
-{
-    std::array<char, 400> text{};
-    size_t size = text.size();
-    KTProblemText(&problem, &size, text.data());
-    return text.data();
 }
 
 /** The kind of an argument-type code; false for one that takes no argument. */
@@ -85,11 +76,10 @@ private:
 
 } // namespace
 
-const char *nameOf(Kind kind)
+Text nameOf(Kind kind)
 {
-    constexpr const char *names[] = {"a 16-bit integer", "a 32-bit integer", "a 64-bit integer", "a character",
-                                     "a UCS-2 unit",     "a double",         "a long double",    "a UTF-8 string",
-                                     "a UCS-2 string",   "a pointer"};
+    constexpr Text names[] = {Text::integer16, Text::integer32,    Text::integer64, Text::oneCharacter, Text::oneUnit,
+                              Text::floating,  Text::longFloating, Text::utf8Text,  Text::ucs2Text,     Text::aPointer};
     return names[static_cast<size_t>(kind)];
 }
 
@@ -163,12 +153,8 @@ Format parseFormat(std::string_view message, formTable *table)
     Format format;
     format.isAccepted = isAccepted(message.data(), table, nullptr);
     Walk walk(text);
-    const auto addFault = [&format, message](size_t begin, const KTProblem &problem, int position, bool isLone) {
-        const size_t length = isLone ? 1 : problem.length;
-        format.faults.push_back({{begin, begin + length},
-                                 fmt::format("\"{}\": {}", message.substr(begin, length), sentenceOf(problem)),
-                                 position,
-                                 isLone});
+    const auto addFault = [&format](size_t begin, const KTProblem &problem, int position, bool isLone) {
+        format.faults.push_back({{begin, begin + (isLone ? 1 : problem.length)}, problem, position, isLone});
     };
     for (size_t at = text.find(u'%'); at < text.size(); at = text.find(u'%', at))
     {
@@ -251,7 +237,7 @@ std::string FormTable::add(std::string_view form)
         {"uint", KT_ARG_UNSIGNED},  {"double", KT_ARG_DOUBLE}, {"pointer", KT_ARG_POINTER}};
     const size_t equals = form.find('=');
     if (equals == std::string_view::npos || equals == 0)
-        return "the form is NAME=TYPE[,TYPE...]";
+        return say(Text::noForm);
     auto row = std::make_unique<Row>();
     row->name = form.substr(0, equals);
     for (size_t begin = equals + 1; begin <= form.size();)
@@ -261,8 +247,7 @@ std::string FormTable::add(std::string_view form)
         const auto *const found =
             std::find_if(std::begin(types), std::end(types), [name](const auto &type) { return type.first == name; });
         if (found == std::end(types))
-            return fmt::format("there is no type \"{}\"; the types are char, utf8, ucs2, int, uint, double and pointer",
-                               name);
+            return say(Text::noSuchType, {std::string(name)});
         row->types.push_back(found->second);
         begin = end + 1;
     }
@@ -271,7 +256,7 @@ std::string FormTable::add(std::string_view form)
     m_list.push_back({row->name.c_str(), nullptr, count, row->types.data(), formatNothing});
     m_rows.push_back(std::move(row));
     if (!isAccepted(fmt::format("%{}[1]", m_rows.back()->name).c_str(), get(), nullptr))
-        return "a name has up to 19 ASCII characters, begins with a letter, and not with h, l or L";
+        return say(Text::badFormName);
     return "";
 }
 

@@ -7,6 +7,7 @@
 
 #include "check/source_text.h"
 #include "kelto.h"
+#include "text.h"
 
 #include <memory>
 #include <string>
@@ -32,7 +33,7 @@ enum class Kind
 };
 
 /** "a 32-bit integer". */
-const char *nameOf(Kind kind);
+Text nameOf(Kind kind);
 
 struct Slot
 {
@@ -62,7 +63,7 @@ struct Conversion
 struct FormatFault
 {
     Range place;
-    std::string why;
+    KTProblem problem;
     int position; // of an unknown conversion; else 0
     bool isLone;  // nothing suggests that a conversion was meant
 };

@@ -62,6 +62,12 @@ template <typename Work> void forEachCharacter(std::string_view text, Work work)
     }
 }
 
+/** A text of a document, which is in English in every locale. */
+std::string english(const Phrase &phrase)
+{
+    return jsonString(sayInEnglish(phrase));
+}
+
 /** {"line": 6, …}: the members of a region, the keys being those of the form. */
 std::string jsonPlace(const Place &place)
 {
@@ -88,12 +94,12 @@ public:
         const std::string message = diagnostic.message != 0 ? std::to_string(diagnostic.message) : "null";
         const std::string note =
             diagnostic.notePlace
-                ? fmt::format("{{{}, \"text\": {}}}", jsonPlace(*diagnostic.notePlace), jsonString(diagnostic.noteText))
+                ? fmt::format("{{{}, \"text\": {}}}", jsonPlace(*diagnostic.notePlace), english(diagnostic.noteText))
                 : "null";
         print(fmt::format("{}\n    {{\"rule\": \"{}\", \"severity\": \"{}\", {}, \"message\": {}, \"text\": {}, "
                           "\"note\": {}}}",
                           m_isFirst ? "" : ",", rowOf(diagnostic.rule).name, nameOf(diagnostic.severity),
-                          jsonPlace(diagnostic.place), message, jsonString(diagnostic.text), note));
+                          jsonPlace(diagnostic.place), message, english(diagnostic.text), note));
         m_isFirst = false;
     }
 
@@ -116,6 +122,12 @@ std::string sarifLocation(const Place &place)
         jsonString(uriOf(place.file)), place.begin.line, place.begin.column, place.end.line, place.end.column);
 }
 
+std::string examplesOf(const RuleRow &row)
+{
+    return fmt::format("{} {}\n{} {}", sayInEnglish({Text::wrongLabel}), sayInEnglish({row.wrong}),
+                       sayInEnglish({Text::rightLabel}), sayInEnglish({row.right}));
+}
+
 class SarifWriter : public Writer
 {
 public:
@@ -136,9 +148,8 @@ public:
             print(fmt::format("{}\n        {{\"id\": \"{}\", \"shortDescription\": {{\"text\": {}}}, "
                               "\"fullDescription\": {{\"text\": {}}}, \"help\": {{\"text\": {}}}, "
                               "\"defaultConfiguration\": {{\"level\": \"{}\", \"enabled\": {}}}}}",
-                              i == 0 ? "" : ",", row.name, jsonString(row.summary), jsonString(row.explanation),
-                              jsonString(fmt::format("Wrong: {}\nRight: {}", row.wrong, row.right)), nameOf(severity),
-                              severity != Severity::off));
+                              i == 0 ? "" : ",", row.name, english({row.summary}), english({row.explanation}),
+                              jsonString(examplesOf(row)), nameOf(severity), severity != Severity::off));
         }
         print("\n      ]\n    }},\n    \"results\": [");
     }
@@ -148,12 +159,12 @@ public:
         std::string related;
         if (diagnostic.notePlace)
             related = fmt::format(", \"relatedLocations\": [{{{}, \"message\": {{\"text\": {}}}}}]",
-                                  sarifLocation(*diagnostic.notePlace), jsonString(diagnostic.noteText));
+                                  sarifLocation(*diagnostic.notePlace), english(diagnostic.noteText));
         print(fmt::format("{}\n      {{\"ruleId\": \"{}\", \"ruleIndex\": {}, \"level\": \"{}\", "
                           "\"message\": {{\"text\": {}}}, \"locations\": [{{{}}}]{}}}",
                           m_isFirst ? "" : ",", rowOf(diagnostic.rule).name, static_cast<size_t>(diagnostic.rule),
-                          nameOf(diagnostic.severity), jsonString(sentenceOf(diagnostic)),
-                          sarifLocation(diagnostic.place), related));
+                          nameOf(diagnostic.severity), english(sentenceOf(diagnostic)), sarifLocation(diagnostic.place),
+                          related));
         m_isFirst = false;
     }
 
@@ -191,10 +202,10 @@ public:
     void write(const Diagnostic &diagnostic) override
     {
         const Place &place = diagnostic.place;
-        std::string text = sentenceOf(diagnostic);
+        std::string text = sayInEnglish(sentenceOf(diagnostic));
         if (diagnostic.notePlace)
             text += fmt::format("\n{}:{}:{}: {}", diagnostic.notePlace->file, diagnostic.notePlace->begin.line,
-                                diagnostic.notePlace->begin.column, diagnostic.noteText);
+                                diagnostic.notePlace->begin.column, sayInEnglish(diagnostic.noteText));
         // The end of a column is taken for the last one, and only within a line.
         const bool isInLine = place.begin.line == place.end.line && place.end.column > place.begin.column;
         print(fmt::format("::{} file={},line={},endLine={},col={},endColumn={},title={}::{}\n",

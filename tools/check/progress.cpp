@@ -1,5 +1,8 @@
 #include "check/progress.h"
 
+#include "terminal.h"
+#include "text.h"
+
 #include <cstdio>
 #include <fmt/core.h>
 #include <string>
@@ -30,7 +33,8 @@ void Progress::show(size_t done, size_t all)
     m_last = now;
     m_isShown = true;
     const size_t filled = all != 0 ? barColumns * done / all : 0;
-    fmt::print(stderr, "\r[{:<{}}] {} of {} files", std::string(filled, '#'), barColumns, done, all);
+    fmt::print(stderr, "\r[{:<{}}] {}", std::string(filled, '#'), barColumns,
+               terminal().encodedLines(say(Text::filesDone, {done, all})));
     std::fflush(stderr);
 }
 

@@ -39,26 +39,25 @@ constexpr unsigned bit(Element element)
 struct ElementRow
 {
     const char *name;
-    unsigned parents; // bits of the elements in which it may stand
-    bool isSingle;    // at most once in its parent
-    unsigned needed;  // bits of the elements that it must hold
-    const char *belongs;
+    unsigned parents;    // bits of the elements in which it may stand
+    bool isSingle;       // at most once in its parent
+    unsigned needed;     // bits of the elements that it must hold
+    const char *belongs; // in which it is at home
 };
 
 /** By Element. */
 constexpr ElementRow elements[] = {
     {"", 0, false, 0, ""},
-    {"xliff", bit(Element::document), true, bit(Element::file), "is the document element"},
-    {"file", bit(Element::xliff), true, bit(Element::header) | bit(Element::body), "belongs in \"xliff\""},
-    {"header", bit(Element::file), true, 0, "belongs in \"file\""},
-    {"body", bit(Element::file), true, 0, "belongs in \"file\""},
-    {"trans-unit", bit(Element::body), false, bit(Element::source), "belongs in \"body\""},
-    {"source", bit(Element::transUnit), true, 0, "belongs in \"trans-unit\""},
-    {"x", bit(Element::source), false, 0, "belongs in \"source\""},
-    {"context-group", bit(Element::transUnit), false, 0, "belongs in \"trans-unit\""},
-    {"context", bit(Element::source) | bit(Element::contextGroup) | bit(Element::note), false, 0,
-     "belongs in \"context-group\""},
-    {"note", bit(Element::transUnit), false, 0, "belongs in \"trans-unit\""},
+    {"xliff", bit(Element::document), true, bit(Element::file), ""},
+    {"file", bit(Element::xliff), true, bit(Element::header) | bit(Element::body), "xliff"},
+    {"header", bit(Element::file), true, 0, "file"},
+    {"body", bit(Element::file), true, 0, "file"},
+    {"trans-unit", bit(Element::body), false, bit(Element::source), "body"},
+    {"source", bit(Element::transUnit), true, 0, "trans-unit"},
+    {"x", bit(Element::source), false, 0, "source"},
+    {"context-group", bit(Element::transUnit), false, 0, "trans-unit"},
+    {"context", bit(Element::source) | bit(Element::contextGroup) | bit(Element::note), false, 0, "context-group"},
+    {"note", bit(Element::transUnit), false, 0, "trans-unit"},
 };
 
 const ElementRow &rowOf(Element element)
@@ -120,6 +119,13 @@ bool libraryLoads(std::string_view bytes)
     return result != KT_ERR_BAD_MSG_FILE;
 }
 
+/** Whether these bytes are what KTCompileMessages() makes, which people may take for a message file. */
+bool isCompiled(std::string_view bytes)
+{
+    constexpr std::string_view magic = "\x89KTC";
+    return bytes.substr(0, magic.size()) == magic;
+}
+
 // Where the library refuses a document type, what is read on its behalf is limited to what costs nothing to speak of.
 constexpr size_t mostNestedEntities = 100;
 constexpr size_t mostDefaults = 250;
@@ -130,8 +136,6 @@ constexpr size_t mostExpansion = 100;
 constexpr size_t shortFile = size_t{8} << 20;
 
 constexpr size_t longestText = size_t{1} << 31;
-
-constexpr const char *costsTooMuch = "the file declares more, or becomes longer by what it declares, than is accepted";
 
 constexpr size_t unitDepth = 4; // what is open around a "trans-unit", the document included
 
@@ -208,7 +212,7 @@ private:
 
     Range event() const;
     Message *message() { return m_hasMessage ? &m_message : nullptr; }
-    void find(Rule rule, Range place, std::string text, std::optional<Note> note = std::nullopt);
+    void find(Rule rule, Range place, Phrase text, std::optional<Note> note = std::nullopt);
     bool needAttribute(const char **attributes, const char *name, const char *element, Range tag);
 
     Catalog &m_catalog;
@@ -228,7 +232,7 @@ private:
     size_t m_expanded = 0; // the bytes that the parser has handed out
 };
 
-void Reader::find(Rule rule, Range place, std::string text, std::optional<Note> note)
+void Reader::find(Rule rule, Range place, Phrase text, std::optional<Note> note)
 {
     const bool isInUnit = m_open.size() > unitDepth;
     m_catalog.m_findings.push_back({rule, m_hasMessage ? m_message.id : 0,
@@ -254,21 +258,23 @@ bool Reader::accept(Element element, const char *name)
     OpenElement &parent = m_open.back();
     const ElementRow &row = rowOf(element);
     const char *const parentName = rowOf(parent.element).name;
-    std::string fault;
+    std::optional<Phrase> fault;
     if (parent.element == Element::document && element != Element::xliff)
-        fault = fmt::format("the document element is \"{}\", where \"xliff\" was expected", name);
+        fault = {Text::xliffExpected, {name}};
     else if (element == Element::document)
-        fault = fmt::format("a message file has no element \"{}\"", name);
+        fault = {Text::unknownElement, {name}};
+    else if (element == Element::xliff && parent.element != Element::document)
+        fault = {Text::xliffInside, {parentName}};
     else if ((row.parents & bit(parent.element)) == 0)
-        fault = fmt::format("\"{}\" stands in \"{}\", but {}", name, parentName, row.belongs);
+        fault = {Text::misplacedElement, {name, parentName, row.belongs}};
     else if (row.isSingle && (parent.held & bit(element)) != 0)
-        fault = fmt::format("there is a second \"{}\" in \"{}\"", name, parentName);
+        fault = {Text::secondElement, {name, parentName}};
     else if (parent.element == Element::transUnit && element != Element::source &&
              (parent.held & bit(Element::source)) == 0)
-        fault = fmt::format("\"{}\" stands in front of \"source\", which comes first in a \"trans-unit\"", name);
+        fault = {Text::inFrontOfSource, {name}};
     else if (element == Element::x && (parent.held & bit(Element::context)) != 0)
-        fault = "\"x\" stands behind a \"context\", which ends the text of a \"source\"";
-    if (fault.empty())
+        fault = {Text::behindContext};
+    if (!fault)
     {
         parent.held |= bit(element);
         return true;
@@ -276,7 +282,7 @@ bool Reader::accept(Element element, const char *name)
     parent.isIncomplete = true;
     if (parent.element == Element::source)
         m_message.isComplete = false;
-    find(Rule::structure, event(), std::move(fault));
+    find(Rule::structure, event(), std::move(*fault));
     return false;
 }
 
@@ -318,7 +324,7 @@ bool Reader::needAttribute(const char **attributes, const char *name, const char
     if (!isEmpty(value))
         return true;
     find(Rule::attributeMissing, tag,
-         fmt::format("\"{}\" has {} attribute \"{}\"", element, value != nullptr ? "an empty" : "no", name));
+         {value != nullptr ? Text::attributeEmpty : Text::attributeMissing, {element, name}});
     return false;
 }
 
@@ -328,10 +334,7 @@ void Reader::startFile(const char **attributes, Range tag)
     {
         const size_t length = std::strlen(language);
         if (length != 2 && length != 5)
-            find(Rule::language, m_catalog.locateAttribute(tag, "source-language"),
-                 fmt::format("the language \"{}\" is neither two letters, as \"de\", nor two, a separator and two, as "
-                             "\"de-AT\"",
-                             language));
+            find(Rule::language, m_catalog.locateAttribute(tag, "source-language"), {Text::badLanguage, {language}});
     }
     else
         needAttribute(attributes, "source-language", "file", tag);
@@ -355,10 +358,9 @@ void Reader::startUnit(const char **attributes, Range tag)
     m_message.id = text != nullptr ? messageId(text) : 0;
     m_hasMessage = m_message.id > 0;
     if (text == nullptr)
-        find(Rule::attributeMissing, tag, "\"trans-unit\" has neither an attribute \"ts\" nor \"id\"");
+        find(Rule::attributeMissing, tag, {Text::numberMissing});
     else if (!m_hasMessage)
-        find(Rule::badId, m_catalog.locateAttribute(tag, name),
-             fmt::format("the number of a message, \"{}\", is not a whole number from 1 to 2147483647", text));
+        find(Rule::badId, m_catalog.locateAttribute(tag, name), {Text::badNumber, {text}});
     if (const char *const resname = findAttribute(attributes, "resname"))
     {
         m_message.name = resname;
@@ -448,7 +450,7 @@ void Reader::end()
         for (const Element element : {Element::file, Element::header, Element::body, Element::source})
             if ((missing & bit(element)) != 0)
                 find(Rule::structure, closed.tag,
-                     fmt::format("\"{}\" has no \"{}\"", rowOf(closed.element).name, rowOf(element).name));
+                     {Text::elementMissing, {rowOf(closed.element).name, rowOf(element).name}});
     if (closed.element == Element::transUnit)
     {
         if (m_hasMessage)
@@ -485,7 +487,7 @@ void Reader::startDoctype()
     at = source.bytes().rfind(name, eventAt);
     if (at != std::string_view::npos)
         m_doctype = {at, std::min(at + (isWide ? 18 : 9), size)};
-    find(Rule::doctype, m_doctype, "the file has a document type, which message files do without");
+    find(Rule::doctype, m_doctype, {Text::hasDoctype});
     m_isLimited = !libraryLoads(source.bytes());
 }
 
@@ -514,8 +516,8 @@ void Reader::finishMessages()
             continue;
         }
         m_catalog.m_findings.push_back({Rule::duplicateId, message.id, message.unit.begin, message.unit,
-                                        fmt::format("the number {} is used a second time", message.id),
-                                        Note{false, first->unit, "it was used here first"}});
+                                        Phrase{Text::numberRepeated, {static_cast<unsigned>(message.id)}},
+                                        Note{false, first->unit, {Text::numberUsedFirst}}});
     }
 }
 
@@ -527,8 +529,7 @@ void Reader::checkLimits()
     const std::string_view bytes = m_catalog.m_source.bytes();
     const bool mayCost = m_isLimited || bytes.size() > shortFile;
     if (mayCost && std::none_of(findings.begin(), findings.end(), isError) && !libraryLoads(bytes))
-        find(Rule::xmlSyntax, m_doctype,
-             m_hasDoctype ? costsTooMuch : "a tag or comment of the file is longer than is accepted");
+        find(Rule::xmlSyntax, m_doctype, {m_hasDoctype ? Text::costsTooMuch : Text::tokenTooLong});
 }
 
 void Reader::findSyntaxError()
@@ -538,7 +539,7 @@ void Reader::findSyntaxError()
     m_catalog.m_isWhole = false;
     if (error == XML_ERROR_ABORTED)
     {
-        find(Rule::xmlSyntax, m_doctype, costsTooMuch);
+        find(Rule::xmlSyntax, m_doctype, {Text::costsTooMuch});
         return;
     }
     if (error == XML_ERROR_NO_MEMORY)
@@ -548,10 +549,12 @@ void Reader::findSyntaxError()
     place.end = place.begin;
     if (place.begin < source.bytes().size())
         source.take(place.end, source.bytes().size());
-    std::string text = fmt::format("the file is not well-formed: {}", XML_ErrorString(error));
+    constexpr unsigned errorsAbove = 300;
+    const Shown why = textNumbered(errorsAbove + error, XML_ErrorString(error));
     if (error == XML_ERROR_TAG_MISMATCH && m_skipped == 0)
-        text += fmt::format("; \"{}\" is to be closed first", rowOf(m_open.back().element).name);
-    find(Rule::xmlSyntax, place, std::move(text));
+        find(Rule::xmlSyntax, place, {Text::notWellFormedIn, {why, rowOf(m_open.back().element).name}});
+    else
+        find(Rule::xmlSyntax, place, {Text::notWellFormed, {why}});
 }
 
 void Reader::run()
@@ -565,6 +568,12 @@ void Reader::run()
     XML_SetEntityDeclHandler(parser, entity);
     XML_SetAttlistDeclHandler(parser, attributeList);
     const std::string_view bytes = m_catalog.m_source.bytes();
+    if (isCompiled(bytes))
+    {
+        m_catalog.m_isWhole = false;
+        find(Rule::xmlSyntax, {}, {Text::compiledCatalog});
+        return;
+    }
     if (XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE) != XML_STATUS_OK)
         findSyntaxError();
     finishMessages();

@@ -5,6 +5,8 @@
 #ifndef KELTO_TOOLS_CHECK_RULES_H
 #define KELTO_TOOLS_CHECK_RULES_H
 
+#include "text.h"
+
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -56,20 +58,20 @@ struct RuleRow
 {
     const char *name;
     Severity severity;
-    const char *summary;
-    const char *explanation; // three sentences
-    const char *wrong;
-    const char *right;
+    Text summary;
+    Text explanation; // three sentences
+    Text wrong;       // an example, as the next
+    Text right;
 };
 
 const RuleRow &rowOf(Rule rule);
 std::optional<Rule> findRule(std::string_view name);
 
-/** The table as --list-rules prints it, and one row as --explain does. */
+/** The table as --list-rules prints it, and one row as --explain does, in the language of the user. */
 std::string listOfRules();
 std::string pageOf(Rule rule);
 
-/** "error" or "warning". */
+/** "error" or "warning", for machines. */
 const char *nameOf(Severity severity);
 
 class Levels

@@ -37,23 +37,22 @@ public:
     {
         const bool isError = diagnostic.severity == Severity::error;
         print(fmt::format("{} {} {} [{}]\n", placeOf(diagnostic.place),
-                          coloured(isError ? red : magenta, isError ? "error:" : "warning:"),
-                          show(sentenceOf(diagnostic)), rowOf(diagnostic.rule).name));
+                          isError ? coloured(red, Text::errorLabel) : coloured(magenta, Text::warningLabel),
+                          show(say(sentenceOf(diagnostic))), rowOf(diagnostic.rule).name));
         if (showsLine(diagnostic))
             print(linesOf(diagnostic));
         if (diagnostic.notePlace)
-            print(fmt::format("{} {} {}\n", placeOf(*diagnostic.notePlace), coloured(cyan, "note:"),
-                              show(diagnostic.noteText)));
+            print(fmt::format("{} {} {}\n", placeOf(*diagnostic.notePlace), coloured(cyan, Text::noteLabel),
+                              show(say(diagnostic.noteText))));
     }
 
     void end(const Summary &summary) override
     {
-        const auto count = [](size_t number, const char *name) {
-            return fmt::format("{} {}{}", number, name, number == 1 ? "" : "s");
-        };
+        const Phrase errors = counted(Text::oneError, Text::manyErrors, summary.errors);
+        const Phrase warnings = counted(Text::oneWarning, Text::manyWarnings, summary.warnings);
         if (!m_isQuiet)
-            print(fmt::format("{}, {} in {}\n", count(summary.errors, "error"), count(summary.warnings, "warning"),
-                              count(summary.files, "file")));
+            print(show(say(counted(Text::foundInOneFile, Text::foundInManyFiles, summary.files, {errors, warnings}))) +
+                  "\n");
     }
 
 private:
@@ -61,6 +60,8 @@ private:
     {
         return m_isColoured ? fmt::format("{}{}{}", colour, text, plain) : std::string(text);
     }
+
+    std::string coloured(const char *colour, Text label) const { return coloured(colour, show(say(label))); }
 
     std::string placeOf(const Place &place)
     {
@@ -70,11 +71,11 @@ private:
         return coloured(bold, fmt::format("{}:{}:{}:", shown->second, place.begin.line, place.begin.column));
     }
 
-    /** What is missing in a unit or file stands nowhere in it. */
+    /** What is missing in a unit or file stands nowhere in it, and a compiled catalog has no lines. */
     static bool showsLine(const Diagnostic &diagnostic)
     {
         const bool isMissing = diagnostic.rule == Rule::argumentMissing || diagnostic.rule == Rule::messageMissing;
-        return !isMissing;
+        return !isMissing && diagnostic.text.text != Text::compiledCatalog;
     }
 
     std::string linesOf(const Diagnostic &diagnostic) const
@@ -97,10 +98,11 @@ private:
 
 } // namespace
 
-std::string sentenceOf(const Diagnostic &diagnostic)
+Phrase sentenceOf(const Diagnostic &diagnostic)
 {
-    return diagnostic.message != 0 ? fmt::format("message {}: {}", diagnostic.message, diagnostic.text)
-                                   : diagnostic.text;
+    if (diagnostic.message == 0)
+        return diagnostic.text;
+    return {Text::ofMessage, {static_cast<unsigned>(diagnostic.message), diagnostic.text}};
 }
 
 std::unique_ptr<Writer> textWriter(Sink sink, const WriterOptions &options)

@@ -1,6 +1,7 @@
 /**
- * How findings are told: one writer per output form, all given the reports of the files in their order. Whatever a file
- * holds, what a writer prints moves no cursor and breaks no document: it escapes what it quotes.
+ * How findings are told: one writer per output form, all given the reports of the files in their order. The one for
+ * people speaks their language, those for machines English. Whatever a file holds, what a writer prints moves no cursor
+ * and breaks no document: it escapes what it quotes.
  */
 #ifndef KELTO_TOOLS_CHECK_WRITERS_H
 #define KELTO_TOOLS_CHECK_WRITERS_H
@@ -57,7 +58,7 @@ std::unique_ptr<Writer> sarifWriter(Sink sink, const WriterOptions &options);
 std::unique_ptr<Writer> githubWriter(Sink sink, const WriterOptions &options);
 
 /** "message 1: …": what a diagnostic says, by itself. */
-std::string sentenceOf(const Diagnostic &diagnostic);
+Phrase sentenceOf(const Diagnostic &diagnostic);
 
 /** A text as a JSON string, between quotation marks; bytes that are no UTF-8 become U+FFFD. */
 std::string jsonString(std::string_view text);

@@ -5,6 +5,7 @@
 #include "gen/names.h"
 #include "output.h"
 #include "terminal.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -78,17 +79,17 @@ ExitStatus run(CommandLine &line)
                  "A conversion of the program's own and its arguments: char, utf8, ucs2, int, uint, double, pointer");
     const Words files = line.files();
     if (files.size() > 1)
-        throw line.misuse("a header is made of one file");
+        throw line.misuse(say(Text::oneFileOnly));
     if (output.empty())
-        throw line.misuse("-o FILE is needed");
-    if (const std::string fault = gen::faultOfName(nameSpace); !fault.empty())
-        throw line.misuse(fmt::format("{} {}", terminal().quote(nameSpace), fault));
+        throw line.misuse(say(Text::outputMissing));
+    if (const std::optional<Text> fault = gen::faultOfName(nameSpace))
+        throw line.misuse(say(*fault, {terminal().quote(nameSpace)}));
     FormTable forms;
     for (const std::string &form : formWords)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
 
-    Catalog catalog(SourceText(files[0], readWhole(files[0])), Catalog::Placeholders::positioned);
+    Catalog catalog(SourceText(files[0], readMessageFile(files[0])), Catalog::Placeholders::positioned);
     Findings findings = catalog.findings();
     const Findings others = checkMessages(catalog, forms.get(), nullptr);
     findings.insert(findings.end(), others.begin(), others.end());

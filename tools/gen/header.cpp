@@ -134,7 +134,7 @@ std::string guardOf(const std::string &fileName)
     for (char &byte : guard)
         if ((byte < 'A' || byte > 'Z') && (byte < '0' || byte > '9'))
             byte = '_';
-    return faultOfName(guard).empty() ? guard : "KELTO_GENERATED_" + std::to_string(guard.size());
+    return !faultOfName(guard) ? guard : "KELTO_GENERATED_" + std::to_string(guard.size());
 }
 
 } // namespace

@@ -70,17 +70,17 @@ constexpr std::string_view others = "0123456789_";
 
 } // namespace
 
-std::string faultOfName(std::string_view name)
+std::optional<Text> faultOfName(std::string_view name)
 {
     const auto isLetter = [](char byte) { return letters.find(byte) != std::string_view::npos; };
     const auto isPart = [&](char byte) { return isLetter(byte) || others.find(byte) != std::string_view::npos; };
     if (name.empty() || !isLetter(name[0]) || !std::all_of(name.begin(), name.end(), isPart))
-        return "is no name: it has letters, digits and '_', and begins with a letter";
+        return Text::isNoName;
     if (name.find("__") != std::string_view::npos)
-        return "is reserved, since it has two '_' in a row";
+        return Text::isReserved;
     if (std::find(std::begin(words), std::end(words), name) != std::end(words))
-        return "is a word of the language, or a name that is taken";
-    return "";
+        return Text::isTaken;
+    return std::nullopt;
 }
 
 std::string inCapitals(std::string_view name)
@@ -107,21 +107,20 @@ std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view
         const std::string name = message.hasName ? message.name : fmt::format("message_{}", message.id);
         const check::Range place = catalog.locateAttribute(message.unit, "resname");
         names.push_back(name);
-        std::string fault = faultOfName(name);
-        if (fault.empty() && name.substr(0, prefix.size()) == prefix)
-            fault = "begins as the constants do";
-        if (!fault.empty())
+        std::optional<Text> fault = faultOfName(name);
+        if (!fault && name.substr(0, prefix.size()) == prefix)
+            fault = Text::beginsAsConstants;
+        if (fault)
         {
             findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
-                                fmt::format("the name \"{}\" {}", name, fault), std::nullopt});
+                                Phrase{*fault, {Phrase{Text::theName, {name}}}}, std::nullopt});
             continue;
         }
         const auto [first, isNew] = taken.emplace(inCapitals(name), &message);
         if (!isNew)
-            findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
-                                fmt::format("the name \"{}\" is used a second time", name),
-                                check::Note{false, catalog.locateAttribute(first->second->unit, "resname"),
-                                            "it was used here first"}});
+            findings.push_back(
+                {check::Rule::badName, message.id, message.unit.begin, place, Phrase{Text::nameRepeated, {name}},
+                 check::Note{false, catalog.locateAttribute(first->second->unit, "resname"), {Text::nameUsedFirst}}});
     }
     return names;
 }

@@ -3,7 +3,9 @@
 #define KELTO_TOOLS_GEN_NAMES_H
 
 #include "check/catalog.h"
+#include "text.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +13,8 @@
 namespace tool::gen
 {
 
-/** Why this cannot be the name of a function, as "is a word of the language"; empty where it can. */
-std::string faultOfName(std::string_view name);
+/** Why this cannot be the name of a function, as "%s[1] is a word of the language"; nothing where it can. */
+std::optional<Text> faultOfName(std::string_view name);
 
 /** In capital letters, as constants are written. */
 std::string inCapitals(std::string_view name);
