@@ -26,7 +26,7 @@ def read(path):
 
 
 def run(command, folder):
-    environment = dict(os.environ, LC_ALL="C.UTF-8", PATH=f"{os.path.dirname(kelto)}:{os.environ['PATH']}")
+    environment = dict(os.environ, LC_ALL="C.UTF-8", LANGUAGE="", PATH=f"{os.path.dirname(kelto)}:{os.environ['PATH']}")
     return subprocess.run(command, shell=True, cwd=folder, env=environment, encoding="utf-8", check=False,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
 
