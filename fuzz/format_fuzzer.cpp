@@ -1,12 +1,8 @@
 // A format string, which ends at the first zero byte, then what decides about tables and arguments. The string is used
 // with arguments of the types that it asks for, in both forms and prepared, with no table, the built-in one, copies and
 // own ones, with and without encoder, and into every class of capacity. One formatter is also called by itself, with
-// any width, precision and flags, and the helpers behind the formatters write into buffers of just the size that they
-// ask for.
+// any width, precision and flags.
 
-#include "format/formatters/date_time.h"
-#include "format/formatters/distinguished_name.h"
-#include "format/formatters/integer.h"
 #include "support/arguments.h"
 #include "support/fake_zel.h"
 #include "support/ucs2.h"
@@ -478,7 +474,7 @@ std::string numbered(const std::string &format, bool isBackwards)
     return result;
 }
 
-// ---- Formatters and what stands behind them ----
+// ---- Formatters ----
 
 /** What the C library prints, which "f" promises to be. */
 void compareWithPrintf(const Outcome &outcome, int width, int precision, int flags, const void *value)
@@ -530,38 +526,6 @@ void checkFormatter(const KTFormatter &formatter, int width, int precision, int 
         compareWithPrintf(whole, width, precision, flags, arguments.pointers()[0]);
 }
 
-void checkHelpers(int64_t number, int flags, const std::string &bytes, const std::u16string &units)
-{
-    const auto type = static_cast<Flag_t>(flags & 31);
-    const auto bits = static_cast<uint64_t>(number);
-    Guarded<char> ascii(21), sign(22), octal(23), hexadecimal(17);
-    const auto ends = [](const Guarded<char> &text, int length) { return text[static_cast<size_t>(length)] == '\0'; };
-    require(ends(ascii, uint64ToAscii(ascii.data(), bits)), "a number is terminated");
-    require(sint64ToAscii(sign.data(), number) > 0 && std::stoll(sign.data()) == number, "a number reads back");
-    require(ends(octal, uint64ToOctet(octal.data(), bits)), "an octal number is terminated");
-    require(ends(hexadecimal, uint64ToHex(hexadecimal.data(), bits, type)), "a hexadecimal number is terminated");
-    Ucs2Buffer rendered(23);
-    require(rendered[static_cast<size_t>(numToUCS2(rendered.data(), type, flags, &number))] == 0, "it is terminated");
-
-    for (const Flag_t kind : {CONV_DND, CONV_DNS})
-    {
-        Ucs2Buffer name(units.size() + 2);
-        require(_formatDN(units.c_str(), kind, name.data()) == 0 && name.isTerminated(), "any name has a form");
-    }
-    for (const auto read : {secondDateTime, ISODateTime})
-    {
-        Ucs2Buffer date(200);
-        const int result = read(bytes.c_str(), (flags & FLAG_TAG) != 0, type, date.data());
-        require(result == KT_ERR_INVALID_PARAMETER || (result == 0 && date.isTerminated()),
-                "a date is read or refused");
-    }
-    Ucs2Buffer field(static_cast<size_t>(flags & 15) + 1);
-    const char *cursor = bytes.c_str();
-    const int result = takeDigits(&cursor, flags & 15, field.data());
-    require(result == 1 || field.isTerminated(), "a field of digits ends");
-    require(cursor >= bytes.c_str() && cursor <= bytes.c_str() + bytes.size(), "the cursor stays in the text");
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -588,9 +552,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         addArgument(arguments, formatter.argTypes[0], flags, source);
         checkFormatter(formatter, width, precision, flags, arguments);
     }
-    const int64_t number = takeNumber(source);
-    const std::u16string units = takeUCS2(source);
-    checkHelpers(number, flags, source.ConsumeRemainingBytesAsString().c_str(), units);
     require(FakeZel::outstanding() == before, "nothing is left behind");
     return 0;
 }

@@ -20,7 +20,7 @@ struct SlotKind
 
 // By KTSlotCode, as slotCodeOf() gives it.
 constexpr SlotKind slotKinds[] = {
-    {"nothing", 0, 0, 0, 0, 0},
+    {},
     {"a 16-bit integer", 0, INT16_MIN, INT16_MAX, 0, KT_SLOT_INT16},
     {"a 16-bit integer", 0, 0, UINT16_MAX, 0, KT_SLOT_INT16},
     {"a 32-bit integer", 0, INT32_MIN, INT32_MAX, 0, KT_SLOT_INT32},

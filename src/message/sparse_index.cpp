@@ -28,10 +28,7 @@ std::unique_ptr<kelto::SparseIndex> kelto::SparseIndex::create(uint32_t highestI
 
 uint32_t kelto::SparseIndex::next(uint32_t after) const noexcept
 {
-    const uint32_t *const first = m_ids.get();
-    const uint32_t *const end = first + m_count;
-    const uint32_t *const found = std::upper_bound(first, end, after);
-    return found != end ? *found : 0;
+    return *std::upper_bound(m_ids.get(), m_ids.get() + m_count, after);
 }
 
 void kelto::SparseIndex::attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept

@@ -99,4 +99,9 @@ void *operator new(size_t size, const std::nothrow_t &) noexcept
     return take(__builtin_return_address(0), [=] { return __libc_malloc(size); });
 }
 
+void *operator new[](size_t size, const std::nothrow_t &) noexcept
+{
+    return take(__builtin_return_address(0), [=] { return __libc_malloc(size); });
+}
+
 #endif

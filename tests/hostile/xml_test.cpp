@@ -205,7 +205,7 @@ TEST_F(HostileXml, ReadsNoExternalEntityFromAnywhere)
     EXPECT_EQ(std::remove(secretPath.c_str()), 0);
 }
 
-// ---- Attributes, depth, encodings ----
+// ---- Attributes, depth ----
 
 std::string attributes(const std::string &element, size_t n, const std::string &rest = " CDATA 'v'")
 {
@@ -262,19 +262,6 @@ TEST_F(HostileXml, Survives100000NestedElements)
     EXPECT_EQ(load(MessageFile().unit(1, "a", inside).xml()), refused());
     const std::string file = "<file product-version='1.2'/>";
     EXPECT_EQ(version(repeated("<a>", depth) + file + repeated("</a>", depth)), 0);
-}
-
-TEST_F(HostileXml, RefusesMalformedTextAndEncodingsDeclaredFalsely)
-{
-    const auto declaring = [](const std::string &encoding, const char *text) {
-        return MessageFile().declaration("<?xml version='1.0' encoding='" + encoding + "'?>").unit(1, text).xml();
-    };
-    expectLoads({
-        {"no UTF-8", MessageFile().unit(1, "\xC3").xml(), refused()},
-        {"a surrogate", MessageFile().unit(1, "&#xD800;").xml(), refused()},
-        {"not the encoding of the file", declaring("UTF-16", "a"), refused()},
-        {"an encoding that nobody knows", declaring("none", "a"), refused()},
-    });
 }
 
 // ---- Long tokens ----

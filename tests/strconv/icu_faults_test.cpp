@@ -16,7 +16,7 @@
 namespace
 {
 
-int openFails = 0, convertFails = 0; // the call that fails, counted down to 0
+thread_local int openFails = 0, convertFails = 0; // the call that fails, counted down to 0
 
 bool isDue(int &countdown, UErrorCode *status)
 {

@@ -12,7 +12,7 @@
 namespace
 {
 
-const char *reportedCodeset = nullptr; // instead of the C library's, where not null
+thread_local const char *reportedCodeset = nullptr; // instead of the C library's, where not null
 
 /** Every test starts without a locale in the environment, and leaves none. */
 class LocaleTest : public testing::Test
