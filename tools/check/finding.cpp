@@ -1,5 +1,7 @@
 #include "check/finding.h"
 
+#include "check/utf8.h"
+
 #include <algorithm>
 #include <tuple>
 
@@ -14,6 +16,17 @@ Place locate(const SourceText &source, Range range)
 }
 
 } // namespace
+
+std::string quotation(std::string_view utf8Text)
+{
+    constexpr size_t longest = 200;
+    if (utf8Text.size() <= longest)
+        return std::string(utf8Text);
+    size_t end = longest;
+    while (isContinuation(utf8Text[end]))
+        --end;
+    return std::string(utf8Text.substr(0, end)) + "...";
+}
 
 std::vector<Diagnostic> report(Findings findings, SourceText &source, const SourceText *reference, const Levels &levels)
 {

@@ -13,6 +13,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tool::check
@@ -37,6 +38,9 @@ struct Finding
 };
 
 using Findings = std::vector<Finding>;
+
+/** What a text quotes of a file: as it is, but cut where it is long, which it may be by megabytes. */
+std::string quotation(std::string_view utf8Text);
 
 struct Place
 {

@@ -1,6 +1,7 @@
 #include "check/formats.h"
 
 #include "charset.h"
+#include "check/finding.h"
 #include "check/utf8.h"
 
 #include <algorithm>
@@ -192,7 +193,7 @@ Format parseFormat(std::string_view message, formTable *table)
         if (problem.rule != KT_RULE_NONE)
             addFault(begin, problem, position, false);
         else
-            format.conversions.push_back({position, place, std::string(message.substr(begin, place.end - begin)),
+            format.conversions.push_back({position, place, quotation(message.substr(begin, place.end - begin)),
                                           type == CONV_N   ? "N"
                                           : type == CONV_O ? "O"
                                                            : formatter->name,

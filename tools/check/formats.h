@@ -54,7 +54,7 @@ struct Conversion
 {
     int position;
     Range place;         // bytes of the message
-    std::string written; // as "%-5d[2]"
+    std::string written; // as "%-5d[2]"; cut where it is long
     std::string name;    // as "d"; "N" and "O" for the markers of a region
     std::vector<Slot> slots;
 };

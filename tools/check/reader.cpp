@@ -260,9 +260,9 @@ bool Reader::accept(Element element, const char *name)
     const char *const parentName = rowOf(parent.element).name;
     std::optional<Phrase> fault;
     if (parent.element == Element::document && element != Element::xliff)
-        fault = {Text::xliffExpected, {name}};
+        fault = {Text::xliffExpected, {quotation(name)}};
     else if (element == Element::document)
-        fault = {Text::unknownElement, {name}};
+        fault = {Text::unknownElement, {quotation(name)}};
     else if (element == Element::xliff && parent.element != Element::document)
         fault = {Text::xliffInside, {parentName}};
     else if ((row.parents & bit(parent.element)) == 0)
@@ -334,7 +334,8 @@ void Reader::startFile(const char **attributes, Range tag)
     {
         const size_t length = std::strlen(language);
         if (length != 2 && length != 5)
-            find(Rule::language, m_catalog.locateAttribute(tag, "source-language"), {Text::badLanguage, {language}});
+            find(Rule::language, m_catalog.locateAttribute(tag, "source-language"),
+                 {Text::badLanguage, {quotation(language)}});
     }
     else
         needAttribute(attributes, "source-language", "file", tag);
@@ -360,7 +361,7 @@ void Reader::startUnit(const char **attributes, Range tag)
     if (text == nullptr)
         find(Rule::attributeMissing, tag, {Text::numberMissing});
     else if (!m_hasMessage)
-        find(Rule::badId, m_catalog.locateAttribute(tag, name), {Text::badNumber, {text}});
+        find(Rule::badId, m_catalog.locateAttribute(tag, name), {Text::badNumber, {quotation(text)}});
     if (const char *const resname = findAttribute(attributes, "resname"))
     {
         m_message.name = resname;

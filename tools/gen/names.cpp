@@ -113,13 +113,14 @@ std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view
         if (fault)
         {
             findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
-                                Phrase{*fault, {Phrase{Text::theName, {name}}}}, std::nullopt});
+                                Phrase{*fault, {Phrase{Text::theName, {check::quotation(name)}}}}, std::nullopt});
             continue;
         }
         const auto [first, isNew] = taken.emplace(inCapitals(name), &message);
         if (!isNew)
             findings.push_back(
-                {check::Rule::badName, message.id, message.unit.begin, place, Phrase{Text::nameRepeated, {name}},
+                {check::Rule::badName, message.id, message.unit.begin, place,
+                 Phrase{Text::nameRepeated, {check::quotation(name)}},
                  check::Note{false, catalog.locateAttribute(first->second->unit, "resname"), {Text::nameUsedFirst}}});
     }
     return names;
