@@ -1,6 +1,6 @@
 #include "format/arguments.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,12 +1,12 @@
 /**
  * The arguments of a format call as slots: an array of pointers in the order of the conversions' positions and, within
- * a conversion, width, precision, values. Slots are numbered once for both drivers; a variable argument list is then
+ * a conversion, width, precision, values. Slots are numbered once for all calls; a variable argument list is then
  * copied into cells, an array of pointers given by the caller is used as it is.
  */
 #ifndef KELTO_FORMAT_ARGUMENTS_H
 #define KELTO_FORMAT_ARGUMENTS_H
 
-#include "format/records.h"
+#include "format/conversion_record.h"
 #include "platform/scoped.h"
 
 #include <cstdarg>

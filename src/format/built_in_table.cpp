@@ -1,4 +1,4 @@
-#include "format/records.h"
+#include "format/conversion_record.h"
 
 // Constants have internal linkage unless declared before: kelto.h does that for all of these.
 const int singleCharList[] = {KT_ARG_CHARACTER, KT_ARG_END};

@@ -7,7 +7,7 @@
 #ifndef KELTO_FORMAT_CONVERSION_SPEC_H
 #define KELTO_FORMAT_CONVERSION_SPEC_H
 
-#include "format/records.h"
+#include "format/conversion_record.h"
 
 namespace kelto
 {

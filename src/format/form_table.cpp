@@ -1,6 +1,6 @@
 #include "format/form_table.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 
 #include <cstring>

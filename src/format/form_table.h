@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORM_TABLE_H
 #define KELTO_FORMAT_FORM_TABLE_H
 
-#include "format/records.h"
+#include "format/conversion_record.h"
 
 namespace kelto
 {

@@ -2,7 +2,7 @@
 
 #include "format/conversion_spec.h"
 #include "format/form_table.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "strconv/utf8_text.h"
 
 #include <algorithm>
@@ -94,7 +94,7 @@ size_t countUnits(const char *text, size_t length)
     return kelto::countUnits(text, length);
 }
 
-/** Checks the conversion specifications of one format, the first time for the driver, once more for the reason. */
+/** Checks the conversion specifications of one format, the first time for a call, once more for the reason. */
 template <typename Unit> class Check
 {
 public:

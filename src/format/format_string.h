@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMAT_STRING_H
 #define KELTO_FORMAT_FORMAT_STRING_H
 
-#include "format/records.h"
+#include "format/conversion_record.h"
 #include "platform/scoped.h"
 
 #include <climits>

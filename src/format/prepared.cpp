@@ -2,10 +2,10 @@
 
 #include "format/arguments.h"
 #include "format/form_table.h"
+#include "format/format_output.h"
 #include "format/format_string.h"
-#include "format/growing_text.h"
 #include "format/typed_argument.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 
 #include <cstring>
 
@@ -90,8 +90,8 @@ private:
         *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_slotCount), steps, slots, units,
                      at};
         listSlots(slots);
-        fill(format, length, steps, kelto::GrowingText<UCS2>(units, &sizes.units),
-             kelto::GrowingText<char>(at, &sizes.bytes));
+        fill(format, length, steps, kelto::FormatOutput<UCS2>(units, &sizes.units),
+             kelto::FormatOutput<char>(at, &sizes.bytes));
         return 0;
     }
 
@@ -145,8 +145,8 @@ private:
     }
 
     /** Fills in the steps, the literal text of each in both encodings. */
-    void fill(const char *format, size_t length, PreparedStep *steps, kelto::GrowingText<UCS2> units,
-              kelto::GrowingText<char> bytes)
+    void fill(const char *format, size_t length, PreparedStep *steps, kelto::FormatOutput<UCS2> units,
+              kelto::FormatOutput<char> bytes)
     {
         PreparedStep *step = steps;
         size_t unitsDone = 0;

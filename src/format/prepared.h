@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_PREPARED_H
 #define KELTO_FORMAT_PREPARED_H
 
-#include "format/field.h"
+#include "format/layout.h"
 #include "platform/scoped.h"
 
 #include <cstddef>

@@ -1,12 +1,12 @@
+#include "format/conversion_record.h"
 #include "format/form_table.h"
+#include "format/format_output.h"
 #include "format/formatters/date_time.h"
 #include "format/formatters/distinguished_name.h"
 #include "format/formatters/entry_id_error_ip.h"
 #include "format/formatters/floating_point.h"
 #include "format/formatters/text.h"
-#include "format/growing_text.h"
 #include "format/prepared.h"
-#include "format/records.h"
 #include "format/typed_argument.h"
 
 #include <algorithm>
@@ -181,7 +181,7 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
 }
 
 template <typename Unit>
-int callFormatter(kelto::GrowingText<Unit> &text, const KTFormatter &formatter, const Layout &layout,
+int callFormatter(kelto::FormatOutput<Unit> &text, const KTFormatter &formatter, const Layout &layout,
                   const KTArgument *values, const Call &call, const Layout &padding = {KT_ABSENT, KT_ABSENT, 0})
 {
     const auto count = static_cast<size_t>(formatter.argCount);
@@ -198,7 +198,8 @@ int callFormatter(kelto::GrowingText<Unit> &text, const KTFormatter &formatter, 
         padding);
 }
 
-template <typename Unit> int writeUTF8(kelto::GrowingText<Unit> &text, const Layout &layout, const KTArgument &argument)
+template <typename Unit>
+int writeUTF8(kelto::FormatOutput<Unit> &text, const Layout &layout, const KTArgument &argument)
 {
     const auto value = kelto::utf8Of(argument);
     if (value.length >= INT_MAX)
@@ -209,7 +210,7 @@ template <typename Unit> int writeUTF8(kelto::GrowingText<Unit> &text, const Lay
 }
 
 template <typename Unit>
-int writeDateTime(kelto::GrowingText<Unit> &text, const char *name, int flags, const KTArgument &argument)
+int writeDateTime(kelto::FormatOutput<Unit> &text, const char *name, int flags, const KTArgument &argument)
 {
     const auto value = kelto::utf8Of(argument);
     // Terminated, since a text with a length of its own need not be; a longer one fails at its last byte.
@@ -223,7 +224,7 @@ int writeDateTime(kelto::GrowingText<Unit> &text, const char *name, int flags, c
     return text.write(kelto::Ending::open, formatted.piece());
 }
 
-template <typename Unit> int writeError(kelto::GrowingText<Unit> &text, int flags, const KTArgument &argument)
+template <typename Unit> int writeError(kelto::FormatOutput<Unit> &text, int flags, const KTArgument &argument)
 {
     const auto value = kelto::utf8Of(argument);
     if (value.length >= INT_MAX)
@@ -232,7 +233,7 @@ template <typename Unit> int writeError(kelto::GrowingText<Unit> &text, int flag
 }
 
 template <typename Unit>
-int writeName(kelto::GrowingText<Unit> &text, const char *convName, int flags, const KTArgument &argument)
+int writeName(kelto::FormatOutput<Unit> &text, const char *convName, int flags, const KTArgument &argument)
 {
     const auto value = kelto::ucs2Of(argument);
     const kelto::DistinguishedName name(value.begin, value.length);
@@ -244,7 +245,8 @@ bool isEncoded(Writer writer)
     return writer == Writer::character || writer == Writer::utf8Text || writer == Writer::ucs2Text;
 }
 
-template <typename Unit> int writeConversion(kelto::GrowingText<Unit> &text, const PreparedStep &step, const Call &call)
+template <typename Unit>
+int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const Call &call)
 {
     Layout layout = step.layout;
     layout.flags |= call.addedFlags;
@@ -316,7 +318,7 @@ size_t literalLength(const PreparedStep &step, const char *)
 
 template <typename Unit> int writeSteps(const Call &call, size_t *size, Unit *out)
 {
-    kelto::GrowingText<Unit> text(out, size);
+    kelto::FormatOutput<Unit> text(out, size);
     const Unit *literal = literalsOf(call.prepared, out);
     const PreparedStep *const end = call.prepared.steps + call.prepared.stepCount;
     for (const PreparedStep *step = call.prepared.steps; step != end; ++step)

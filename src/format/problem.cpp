@@ -2,7 +2,7 @@
 #include "format/formatters/integer.h"
 #include "format/prepared.h"
 #include "format/typed_argument.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "strconv/bounded_text.h"
 
 #include <algorithm>

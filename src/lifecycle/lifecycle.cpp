@@ -1,7 +1,7 @@
 #include "lifecycle/lifecycle.h"
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/table_list.h"
 #include "platform/zel.h"
 

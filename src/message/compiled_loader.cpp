@@ -1,8 +1,8 @@
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/compiled_form.h"
 #include "message/file_reader.h"
-#include "message/stored_text.h"
+#include "message/message_text.h"
 #include "message/table_owner.h"
 #include "platform/zero_fill.h"
 

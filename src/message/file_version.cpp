@@ -1,7 +1,7 @@
 #include "message/file_version.h"
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/file_reader.h"
 #include "message/structure.h"
 

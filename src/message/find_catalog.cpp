@@ -1,5 +1,5 @@
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/languages.h"
 #include "platform/scoped.h"
 #include "strconv/bounded_text.h"

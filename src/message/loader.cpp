@@ -1,7 +1,7 @@
 #include "message/loader.h"
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/file_reader.h"
 #include "message/guards.h"
 #include "message/table_owner.h"

@@ -1,6 +1,6 @@
 #include "message/second_pass.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/escapes.h"
 #include "platform/scoped.h"
 

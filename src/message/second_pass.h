@@ -7,7 +7,7 @@
 #define KELTO_MESSAGE_SECOND_PASS_H
 
 #include "kelto.h"
-#include "message/stored_text.h"
+#include "message/message_text.h"
 #include "message/structure.h"
 #include "message/table_list.h"
 

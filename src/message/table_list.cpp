@@ -1,7 +1,7 @@
 #include "message/table_list.h"
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/sparse_index.h"
 #include "platform/scoped.h"
 

@@ -1,6 +1,6 @@
 /**
- * The loaded message tables and the list that owns them. The loader inserts each table it completed; lookup and release
- * find a handle here before they use it, so that a handle which is not in the list is never read through; start-up and
+ * The loaded message tables and the list that owns them. The loader inserts each table it completed; table_calls.cpp
+ * finds a handle here before it uses it, so that a handle which is not in the list is never read through; start-up and
  * the final clean-up create and destroy the one list, `msgTableList`. All memory comes from the library's memory tag.
  */
 #ifndef KELTO_MESSAGE_TABLE_LIST_H

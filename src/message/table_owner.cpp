@@ -1,6 +1,6 @@
 #include "message/table_owner.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 
 #include <utility>

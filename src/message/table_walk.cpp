@@ -1,6 +1,6 @@
 #include "message/table_walk.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "lifecycle/lifecycle.h"
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/table_list.h"
 #include "support/fake_zel.h"
 #include "support/message_file_builder.h"

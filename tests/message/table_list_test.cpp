@@ -1,6 +1,6 @@
 #include "message/table_list.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/loading.h"
 #include "platform/zel.h"
 

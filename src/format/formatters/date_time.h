@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 #define KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 
-#include "format/field.h"
+#include "format/layout.h"
 
 namespace kelto
 {

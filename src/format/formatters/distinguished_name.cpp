@@ -1,6 +1,6 @@
 #include "format/formatters/distinguished_name.h"
 
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 
 #include <functional>

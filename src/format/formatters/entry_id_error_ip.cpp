@@ -1,6 +1,6 @@
 #include "format/formatters/entry_id_error_ip.h"
 
-#include "format/converted_text.h"
+#include "format/ucs2_copy.h"
 
 #include <cstring>
 
@@ -27,7 +27,7 @@ int formatEID(const char * /*convName*/, int /*width*/, int /*precision*/, int f
 int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int flags, KTEncoder /*passThru1*/,
                 void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    kelto::ConvertedText text;
+    kelto::UCS2Copy text;
     if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
     kelto::Field field(sizeInOut, out);

@@ -2,7 +2,7 @@
 
 #include "format/formatters/integer.h"
 #include "format/slot_value.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 
 #include <algorithm>
 #include <cfenv>

@@ -1,7 +1,7 @@
 #include "format/formatters/text.h"
 
-#include "format/converted_text.h"
 #include "format/slot_value.h"
+#include "format/ucs2_copy.h"
 
 #include <algorithm>
 
@@ -81,7 +81,7 @@ int formatUCS2Str(const char * /*convName*/, int width, int precision, int flags
 [[gnu::flatten]] int formatUTF8Str(const char * /*convName*/, int width, int precision, int flags, KTEncoder passThru1,
                                    void * /*passThru2*/, void **argSlot, unsigned long *sizeInOut, UCS2 *out)
 {
-    kelto::ConvertedText text;
+    kelto::UCS2Copy text;
     if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
     return writeOrEncode(text.units(), text.length(), width, precision, flags, passThru1, sizeInOut, out);

@@ -2,11 +2,11 @@
  * A UTF-8 text in UCS-2, in one block of the memory tag: the format itself, and the argument of every conversion that
  * takes UTF-8 and writes it.
  */
-#ifndef KELTO_FORMAT_CONVERTED_TEXT_H
-#define KELTO_FORMAT_CONVERTED_TEXT_H
+#ifndef KELTO_FORMAT_UCS2_COPY_H
+#define KELTO_FORMAT_UCS2_COPY_H
 
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 #include "strconv/converter.h"
 
@@ -15,7 +15,7 @@
 namespace kelto
 {
 
-class ConvertedText
+class UCS2Copy
 {
 public:
     /** Converts a text; 0, KT_ERR_NO_MEMORY, or what the conversion returns. */

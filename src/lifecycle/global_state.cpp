@@ -1,4 +1,4 @@
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 
 void *ktpLock = nullptr;
 int keltoRefCount = 0;

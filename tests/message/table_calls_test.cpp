@@ -4,7 +4,7 @@
 namespace
 {
 
-class LookupTest : public MessageTest
+class TableCallsTest : public MessageTest
 {
 protected:
     MessageTable *loadTable(const std::string &xml)
@@ -18,7 +18,7 @@ protected:
 
 char marker[] = "untouched";
 
-TEST_F(LookupTest, AcceptsExactlyTheIdsUpToTheHighest)
+TEST_F(TableCallsTest, AcceptsExactlyTheIdsUpToTheHighest)
 {
     MessageTable *const table = loadTable(MessageFile().unit(5, "five").unit(2, "two").xml());
     struct Row
@@ -54,7 +54,7 @@ std::string walk(MessageTable *table)
     return all;
 }
 
-TEST_F(LookupTest, WalksFromMessageToMessage)
+TEST_F(TableCallsTest, WalksFromMessageToMessage)
 {
     struct Row
     {
@@ -87,7 +87,7 @@ TEST_F(LookupTest, WalksFromMessageToMessage)
     }
 }
 
-TEST_F(LookupTest, WalksOverTheTablesThatAreLeft)
+TEST_F(TableCallsTest, WalksOverTheTablesThatAreLeft)
 {
     MessageTable *tables[4];
     for (MessageTable *&table : tables)
@@ -105,7 +105,7 @@ TEST_F(LookupTest, WalksOverTheTablesThatAreLeft)
 }
 
 // What the file has in the second pass decides, whatever was counted in the first.
-TEST_F(LookupTest, WalksOverAllMessagesOfAFileThatChanged)
+TEST_F(TableCallsTest, WalksOverAllMessagesOfAFileThatChanged)
 {
     MessageTable *table = nullptr;
     FakeZel::file(memoryPath, MessageFile().unit(4194304, "abcdefg").xml())
@@ -114,7 +114,7 @@ TEST_F(LookupTest, WalksOverAllMessagesOfAFileThatChanged)
     EXPECT_EQ(walk(table), "1=b 2=c 4194304=a ");
 }
 
-TEST_F(LookupTest, TellsWhatTheFileSays)
+TEST_F(TableCallsTest, TellsWhatTheFileSays)
 {
     MessageTable *const table = loadTable(MessageFile().unit(7, "a").xml());
     KTTableFacts facts = {};
@@ -128,7 +128,7 @@ TEST_F(LookupTest, TellsWhatTheFileSays)
     EXPECT_EQ(facts.highestId, 7u);
 }
 
-TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
+TEST_F(TableCallsTest, RefusesHandlesThatAreNotLoaded)
 {
     MessageTable *const released = loadTable(MessageFile().unit(1, "one").xml());
     EXPECT_EQ(KTFreeMessages(released), 0);
@@ -141,7 +141,7 @@ TEST_F(LookupTest, RefusesHandlesThatAreNotLoaded)
     }
 }
 
-TEST(StoredText, EndsAtTwoZeroBytesInARow)
+TEST(MessageText, EndsAtTwoZeroBytesInARow)
 {
     for (const std::string &text : {std::string(), std::string("abc"), std::string("a\0b", 3), std::string("\0a", 2),
                                     std::string("a\0b\0c", 5), std::string(1000, 'x')})

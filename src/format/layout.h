@@ -1,13 +1,13 @@
 /**
- * The text of one conversion before it is written: a few pieces in a row, each a text or one unit repeated. A
- * conversion says its pieces once, to whatever takes them: the Field of a formatter, which adds them up, answers "fits,
- * or needs n" and writes them; or a GrowingText (growing_text.h) in either encoding. What numbers and tagged values
- * have in common is laid out here and nowhere else. (A text that an encoder has written itself is only padded:
- * formatters/text.cpp.) Counts are 64 bits wide: a field may be far longer than any memory, since it is then measured
- * only.
+ * How one conversion's text is laid out, before any of it is written: a few pieces in a row, each a text or one unit
+ * repeated. A conversion says its pieces once, to whatever takes them: the Field of a formatter, which adds them up,
+ * answers "fits, or needs n" and writes them; or a FormatOutput (format_output.h) in either encoding. What numbers and
+ * tagged values have in common, padding above all, is laid out here and nowhere else; which flag wins is a matter of
+ * each kind of conversion. (A text that an encoder has written itself is only padded: formatters/text.cpp.) Counts are
+ * 64 bits wide: a field may be far longer than any memory, since it is then measured only.
  */
-#ifndef KELTO_FORMAT_FIELD_H
-#define KELTO_FORMAT_FIELD_H
+#ifndef KELTO_FORMAT_LAYOUT_H
+#define KELTO_FORMAT_LAYOUT_H
 
 #include "kelto.h"
 

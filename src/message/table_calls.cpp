@@ -1,5 +1,5 @@
 #include "kelto.h"
-#include "lifecycle/state.h"
+#include "lifecycle/global_state.h"
 #include "message/table_list.h"
 #include "message/table_walk.h"
 #include "platform/scoped.h"

@@ -1,19 +1,19 @@
 /**
  * The text of a format call as it grows, in UCS-2 or UTF-8: written while it fits, measured to its end in any case.
  * Literal text and conversions are appended in the order of the text; a conversion of the library's own hands its
- * pieces over (field.h), one of the caller's is called. Nothing is written beyond the room, whatever a length said
+ * pieces over (layout.h), one of the caller's is called. Nothing is written beyond the room, whatever a length said
  * before.
  *
  * In UTF-8 the text is what a conversion of the whole UCS-2 text would be: a high surrogate that ends one piece joins
  * the low one that begins the next, a surrogate by itself becomes U+FFFD, and U+0000 ends the text.
  */
-#ifndef KELTO_FORMAT_GROWING_TEXT_H
-#define KELTO_FORMAT_GROWING_TEXT_H
+#ifndef KELTO_FORMAT_FORMAT_OUTPUT_H
+#define KELTO_FORMAT_FORMAT_OUTPUT_H
 
-#include "format/field.h"
 #include "format/formatters/distinguished_name.h"
 #include "format/formatters/text.h"
-#include "lifecycle/state.h"
+#include "format/layout.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 #include "strconv/ascii_run.h"
 #include "strconv/utf8_text.h"
@@ -33,11 +33,11 @@ struct UTF8Text
     uint64_t count;
 };
 
-template <typename Unit> class GrowingText
+template <typename Unit> class FormatOutput
 {
 public:
     /** @param size  the capacity, in units of the text, its terminator counted. */
-    GrowingText(Unit *out, const unsigned long *size) noexcept
+    FormatOutput(Unit *out, const unsigned long *size) noexcept
         : m_out(out), m_next(out), m_capacity(*size), m_isTruncated(m_capacity == 0)
     {
     }

@@ -1,11 +1,11 @@
 #include "kelto.h"
 
 #include "format/arguments.h"
-#include "format/converted_text.h"
 #include "format/form_table.h"
+#include "format/format_output.h"
 #include "format/format_string.h"
-#include "format/growing_text.h"
-#include "lifecycle/state.h"
+#include "format/ucs2_copy.h"
+#include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 
 #include <cstdarg>
@@ -37,7 +37,7 @@ bool takeFromSlot(void **&slot, int &value)
 }
 
 /** Calls the conversion's formatter; its failure, or 0 also where the text was merely too long. */
-int appendConversion(kelto::GrowingText<UCS2> &text, const KTParameter &parameter, void **slots, const Output &output)
+int appendConversion(kelto::FormatOutput<UCS2> &text, const KTParameter &parameter, void **slots, const Output &output)
 {
     int width = parameter.width;
     int precision = parameter.precision;
@@ -57,7 +57,7 @@ int appendConversion(kelto::GrowingText<UCS2> &text, const KTParameter &paramete
 int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces<UCS2> &places, const KTParameter *parameters,
               void **slots, const Output &output)
 {
-    kelto::GrowingText<UCS2> text(output.out, output.size);
+    kelto::FormatOutput<UCS2> text(output.out, output.size);
     int result = 0;
     const auto literal = [&](const UCS2 *units, size_t count) { text.appendLiteral(units, count); };
     const auto conversion = [&](const kelto::PercentPlace<UCS2> &place) {
@@ -73,7 +73,7 @@ int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces<UCS2> &pla
                                                                           : text.fail(output.size, result);
 }
 
-/** A format string as both drivers need it: in UCS-2, checked, its slots numbered. */
+/** A format string as all six calls need it: in UCS-2, checked, its slots numbered. */
 class CheckedFormat
 {
 public:
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    kelto::ConvertedText m_text;
+    kelto::UCS2Copy m_text;
     kelto::PercentPlaces<UCS2> m_places;
     kelto::TagBlock<KTParameter> m_parameters;
     size_t m_slotCount = 0;

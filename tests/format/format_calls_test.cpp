@@ -6,14 +6,14 @@
 namespace
 {
 
-using Driver = StartedTest;
+using FormatCalls = StartedTest;
 
 char *text(const char *literal)
 {
     return const_cast<char *>(literal);
 }
 
-TEST_F(Driver, FindsAPercentSignWhereverItStands)
+TEST_F(FormatCalls, FindsAPercentSignWhereverItStands)
 {
     for (size_t length = 1; length <= 80; ++length)
         for (size_t at = 0; at < length; ++at)
@@ -28,7 +28,7 @@ TEST_F(Driver, FindsAPercentSignWhereverItStands)
         }
 }
 
-TEST_F(Driver, CutsATextBeforeItsTerminatorAndBelievesAnyCapacity)
+TEST_F(FormatCalls, CutsATextBeforeItsTerminatorAndBelievesAnyCapacity)
 {
     UCS2 out[4];
     unsigned long size = 3;
@@ -56,7 +56,7 @@ int claim(const char *, int, int, int, KTEncoder, void *, void **, unsigned long
     return next.result;
 }
 
-TEST_F(Driver, WritesOnBehindWhatIsWrittenAndBelievesNoClaimBeyondTheRoom)
+TEST_F(FormatCalls, WritesOnBehindWhatIsWrittenAndBelievesNoClaimBeyondTheRoom)
 {
     static const int noTypes[] = {0};
     KTFormatter list[] = {{"claim", nullptr, 0, noTypes, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
@@ -87,7 +87,7 @@ TEST_F(Driver, WritesOnBehindWhatIsWrittenAndBelievesNoClaimBeyondTheRoom)
     }
 }
 
-TEST_F(Driver, AMissingSlotIsAnInvalidParameter)
+TEST_F(FormatCalls, AMissingSlotIsAnInvalidParameter)
 {
     KTParameter *parameters = nullptr;
     ASSERT_EQ(checkSyntax(u"a%*.*d[1]", nullptr, &parameters), 0);
@@ -105,7 +105,7 @@ TEST_F(Driver, AMissingSlotIsAnInvalidParameter)
     ZEL_free(parameters);
 }
 
-TEST_F(Driver, TakesExactlyTheBlocksThatItPromises)
+TEST_F(FormatCalls, TakesExactlyTheBlocksThatItPromises)
 {
     FakeZel::record();
     UCS2 out[20];

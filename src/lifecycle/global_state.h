@@ -3,8 +3,8 @@
  * lifecycle.cpp creates and destroys what stands here; the rest of the library reads it, and asks isStarted() before it
  * does. A handle is null exactly while its object does not exist.
  */
-#ifndef KELTO_LIFECYCLE_STATE_H
-#define KELTO_LIFECYCLE_STATE_H
+#ifndef KELTO_LIFECYCLE_GLOBAL_STATE_H
+#define KELTO_LIFECYCLE_GLOBAL_STATE_H
 
 class MsgTableList;
 

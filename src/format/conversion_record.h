@@ -1,9 +1,9 @@
 /**
- * What parser, driver and formatters ask of the records in kelto.h (KTFormatter, KTParameter) beyond their members:
+ * What parser, calls and formatters ask of the records in kelto.h (KTFormatter, KTParameter) beyond their members:
  * which codes take an argument, what a marker is, which record stands for it, how long a name can be.
  */
-#ifndef KELTO_FORMAT_RECORDS_H
-#define KELTO_FORMAT_RECORDS_H
+#ifndef KELTO_FORMAT_CONVERSION_RECORD_H
+#define KELTO_FORMAT_CONVERSION_RECORD_H
 
 #include "kelto.h"
 
