@@ -476,27 +476,6 @@ std::string numbered(const std::string &format, bool isBackwards)
 
 // ---- Formatters ----
 
-/** What the C library prints, which "f" promises to be. */
-void compareWithPrintf(const Outcome &outcome, int width, int precision, int flags, const void *value)
-{
-    if (outcome.result != 0 || width > 5000 || precision > 5000)
-        return;
-    std::string format = "%";
-    for (const auto &[flag, letter] :
-         {std::pair{FLAG_MINUS, '-'}, {FLAG_ZERO, '0'}, {FLAG_HASH, '#'}, {FLAG_PLUS, '+'}, {FLAG_SPACE, ' '}})
-        format += (flags & flag) != 0 ? std::string(1, letter) : "";
-    format += (width >= 0 ? std::to_string(width) : "") + (precision >= 0 ? "." + std::to_string(precision) : "");
-    char text[20000];
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    const int length =
-        (flags & FLAG_L) != 0
-            ? std::snprintf(text, sizeof text, (format + "Lf").c_str(), *static_cast<const long double *>(value))
-            : std::snprintf(text, sizeof text, (format + "f").c_str(), *static_cast<const double *>(value));
-#pragma GCC diagnostic pop
-    require(outcome.text == std::u16string(text, text + length), "\"f\" is what printf writes");
-}
-
 /** One formatter by itself, measured and written. */
 void checkFormatter(const KTFormatter &formatter, int width, int precision, int flags, Arguments &arguments)
 {
@@ -522,8 +501,6 @@ void checkFormatter(const KTFormatter &formatter, int width, int precision, int 
     const Outcome whole = into(need + 1);
     require(whole.result == 0 && whole.size == need, "the need reported is what is written");
     require(into(need + 17).text == whole.text, "the text is the same with more room");
-    if (formatter.argTypes == doubleList)
-        compareWithPrintf(whole, width, precision, flags, arguments.pointers()[0]);
 }
 
 } // namespace

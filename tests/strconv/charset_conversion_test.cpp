@@ -94,6 +94,24 @@ TEST(Conversion, RefusesSourcesOfTwoGibi)
     expectRefused(source, static_cast<UCS2 *>(start), 2);
     const long characters = KTMultiByteStrclen("shift_jis", source);
     EXPECT_TRUE(characters == KT_ERR_CONVERSION_INVALID_ARGUMENT || characters == KT_ERR_NO_MEMORY) << characters;
+
+    // Formats take no longer ones either, as formats or as arguments.
+    ASSERT_EQ(KTInit(), 0);
+    EXPECT_EQ(KTExplainFormat(source, nullptr, nullptr), KT_ERR_CONVERSION_INVALID_ARGUMENT);
+    EXPECT_EQ(KTCompareFormats(source, "", nullptr, nullptr), KT_ERR_CONVERSION_INVALID_ARGUMENT);
+    for (const char *format : {"%s[1]", "%E[1]"})
+    {
+        KTPreparedFormat *prepared = nullptr;
+        ASSERT_EQ(KTPrepareFormat(format, nullptr, &prepared), 0);
+        const KTArgument text = KT_UTF8(source);
+        size_t size = 0;
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared, 0, nullptr, &size, nullptr, &text, 1), KT_ERR_BUFFER_TOO_SMALL);
+        char out[2];
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared, 0, nullptr, &(size = 2), out, &text, 1),
+                  KT_ERR_CONVERSION_INVALID_ARGUMENT);
+        KTFreePrepared(prepared);
+    }
+    KTClean();
     munmap(start, length + 1);
 }
 

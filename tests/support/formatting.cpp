@@ -19,59 +19,28 @@ template <typename Unit> struct Outcome
     }
 };
 
-template <typename Value> Value valueIn(const void *block)
-{
-    return *static_cast<const Value *>(block);
-}
-
-/** What a block holds, as the argument that a slot asks for. */
-KTArgument typedFor(const KTSlot &slot, const void *block)
-{
-    switch (slot.code)
-    {
-    case KT_SLOT_INT16:
-        return KT_INT(valueIn<int16_t>(block));
-    case KT_SLOT_UINT16:
-        return KT_UINT(valueIn<uint16_t>(block));
-    case KT_SLOT_INT32:
-        return KT_INT(valueIn<int32_t>(block));
-    case KT_SLOT_UINT32:
-        return KT_UINT(valueIn<uint32_t>(block));
-    case KT_SLOT_INT64:
-        return KT_INT64(valueIn<int64_t>(block));
-    case KT_SLOT_UINT64:
-        return KT_UINT64(valueIn<uint64_t>(block));
-    case KT_SLOT_CHAR:
-        return KT_CHAR(valueIn<char>(block));
-    case KT_SLOT_UNIT:
-        return KT_UNIT(valueIn<UCS2>(block));
-    case KT_SLOT_DOUBLE:
-        return KT_DOUBLE(valueIn<double>(block));
-    case KT_SLOT_LONG_DOUBLE:
-        return KT_LONG_DOUBLE(static_cast<const long double *>(block));
-    case KT_SLOT_UTF8:
-        return KT_UTF8(static_cast<const char *>(block));
-    case KT_SLOT_UCS2:
-        return KT_UCS2(static_cast<const UCS2 *>(block));
-    default:
-        return KT_POINTER(1, valueIn<const void *>(block));
-    }
-}
-
 /** One format with its arguments. */
 class Formatting
 {
 public:
     Formatting(const std::string &format, Arguments &arguments, const FormatOptions &options)
-        : m_format(format), m_arguments(arguments), m_options(options)
+        : m_format(format), m_arguments(arguments), m_options(options), m_typed(arguments.typed())
     {
         m_verdict = KTPrepareFormat(m_format.c_str(), options.table, &m_prepared);
         EXPECT_EQ(KTExplainFormat(m_format.c_str(), options.table, nullptr), m_verdict);
         EXPECT_EQ(KTCompareFormats(m_format.c_str(), m_format.c_str(), options.table, nullptr), m_verdict);
         const KTSlot *slots = nullptr;
-        if (m_prepared != nullptr && KTPreparedSlots(m_prepared, &slots) == arguments.count())
-            for (size_t i = 0; i < arguments.count(); ++i)
-                m_typed.push_back(typedFor(slots[i], arguments.pointers()[i]));
+        if (m_prepared == nullptr || KTPreparedSlots(m_prepared, &slots) != arguments.count())
+            return;
+        for (size_t i = 0; i < arguments.count(); ++i) // what the notation does not tell apart
+            if (KTArgument &typed = m_typed[i]; slots[i].code == KT_SLOT_UINT16)
+                typed = KT_UINT(static_cast<uint16_t>(typed.value.u));
+            else if (slots[i].code == KT_SLOT_UNIT)
+                typed = KT_UNIT(static_cast<UCS2>(typed.value.u));
+            else if (slots[i].code == KT_SLOT_POINTER)
+                typed = KT_POINTER(1, typed.value.p);
+            else if (typed.value.p == nullptr && slots[i].code == KT_SLOT_UTF8)
+                typed = KT_UTF8(nullptr);
     }
     ~Formatting() { KTFreePrepared(m_prepared); }
     Formatting(const Formatting &) = delete;
