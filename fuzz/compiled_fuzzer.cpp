@@ -54,8 +54,10 @@ Answer load(const std::vector<char> *data)
     const Outstanding before = FakeZel::outstanding();
     FakeZel::record();
     Answer answer = {};
-    answer.result =
-        data != nullptr ? KTLoadCompiledData(data->data(), data->size(), &table) : KTLoadCompiledMessages(path, &table);
+    if (data != nullptr) // an empty one has no address
+        answer.result = KTLoadCompiledData(data->empty() ? path : data->data(), data->size(), &table);
+    else
+        answer.result = KTLoadCompiledMessages(path, &table);
     require((table == nullptr) == (answer.result != 0), "a failure gives no table");
     if (answer.result == 0)
     {
