@@ -25,8 +25,7 @@ void guardStart1(void *state, const char *name, const char **attrs)
     if (guard.pass.error != 0)
         return;
     const ElementMapRow &element = kelto::findElement(name);
-    if (!guard.limits.addElement(element, attrs))
-        return;
+    guard.limits.addElement(element, attrs);
     kelto::startInFirstPass(guard.pass, element, attrs);
     if (element.id == ELM_SOURCE)
     {
@@ -94,8 +93,8 @@ void guardStart2(void *state, const char *name, const char **attrs)
     if (guard.pass.error != 0)
         return;
     const ElementMapRow &element = kelto::findElement(name);
-    if (guard.limits.addElement(element, attrs))
-        kelto::startInSecondPass(guard.pass, element, attrs, IsInPlace(guard));
+    guard.limits.addElement(element, attrs);
+    kelto::startInSecondPass(guard.pass, element, attrs, IsInPlace(guard));
 }
 
 bool mayEndMessage(const SecondPassGuard &guard)

@@ -16,13 +16,11 @@ size_t rowOf(const ElementMapRow &element)
 
 } // namespace
 
-bool kelto::XmlLimits::addWork(uint64_t work) noexcept
+void kelto::XmlLimits::addWork(uint64_t work) noexcept
 {
     m_work += work;
-    if (m_work <= m_allowed)
-        return true;
-    stop();
-    return false;
+    if (m_work > m_allowed)
+        stop();
 }
 
 void kelto::XmlLimits::addEntity(const char *name, std::string_view value) noexcept
@@ -42,8 +40,8 @@ void kelto::XmlLimits::addAttribute(const char *element, const char *type, const
 
 // The parser looks at every attribute that was declared for an element, whether it hands it out or not. Of their texts
 // a pass reads those that it stores, which it counts, and the numbers of messages.
-bool kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
+void kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
 {
     const char *const id = element.id == ELM_TRANS_UNIT ? findMessageId(attrs) : nullptr;
-    return addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
+    addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
 }

@@ -38,15 +38,16 @@ public:
     /** An attribute of an element is declared; `value` is null where it has no default. */
     void addAttribute(const char *element, const char *type, const char *value) noexcept;
 
-    /** An element starts. @return false where that is too much: the parser will stop. */
-    bool addElement(const ElementMapRow &element, const char **attrs) noexcept
+    /** An element starts. */
+    void addElement(const ElementMapRow &element, const char **attrs) noexcept
     {
-        return !m_declaresAttributes || addDeclaredAttributes(element, attrs);
+        if (m_declaresAttributes)
+            addDeclaredAttributes(element, attrs);
     }
 
 private:
-    bool addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept;
-    bool addWork(uint64_t work) noexcept;
+    void addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept;
+    void addWork(uint64_t work) noexcept;
     void stop() noexcept { XML_StopParser(m_parser, XML_FALSE); }
 
     XML_Parser m_parser = nullptr;

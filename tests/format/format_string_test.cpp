@@ -9,15 +9,9 @@ namespace
 
 using FormatString = StartedTest;
 
+using Checked = std::pair<int, size_t>;
+
 /** The result of a check, and how many positions from 1 on have a record; the array is freed. */
-struct Checked
-{
-    int result;
-    size_t records;
-
-    bool operator==(const Checked &other) const { return result == other.result && records == other.records; }
-};
-
 Checked check(const std::u16string &format)
 {
     KTParameter *parameters = nullptr;
@@ -53,11 +47,11 @@ TEST_F(FormatString, NeedsThePositionsOneToNOnceEach)
     EXPECT_EQ(check(u"%N[1]%d[2]%O[3]"), (Checked{0, 3}));
     EXPECT_EQ(check(u"%d[1] and %"), (Checked{KT_ERR_FORMAT_SYNTAX, 1})) << "the caller gets the array built so far";
     EXPECT_EQ(check(u"%%%"), (Checked{KT_ERR_FORMAT_SYNTAX, 0}));
-    EXPECT_EQ(check(u"%d[1]%d[3]").result, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(u"%d[1]%d[3]").first, KT_ERR_FORMAT_SYNTAX);
     std::u16string repeated;
     for (int i = 0; i < 40; ++i)
         repeated += u"%d[1]";
-    EXPECT_EQ(check(repeated).result, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(repeated).first, KT_ERR_FORMAT_SYNTAX);
 }
 
 TEST_F(FormatString, AcceptsEveryPermutation)
@@ -78,14 +72,14 @@ TEST_F(FormatString, AcceptsEveryPermutation)
 TEST_F(FormatString, AHugePositionCostsNoMemory)
 {
     FakeZel::record();
-    EXPECT_EQ(check(u"%d[2000000000]").result, KT_ERR_FORMAT_SYNTAX);
-    EXPECT_EQ(check(u"%d[1001]").result, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(u"%d[2000000000]").first, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(u"%d[1001]").first, KT_ERR_FORMAT_SYNTAX);
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 0u);
     FakeZel::record();
-    EXPECT_EQ(check(u"%d[995]").result, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(u"%d[995]").first, KT_ERR_FORMAT_SYNTAX);
     ASSERT_EQ(FakeZel::count(Operation::Malloc), 1u) << "one array that holds the position at once";
     EXPECT_EQ(FakeZel::calls()[0].number, (1000 + 1) * sizeof(KTParameter)) << "a multiple of ten, and an empty record";
-    EXPECT_EQ(check(std::u16string(2000, u' ') + u"%d[1001]").result, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(std::u16string(2000, u' ') + u"%d[1001]").first, KT_ERR_FORMAT_SYNTAX);
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 2u);
 }
 

@@ -233,13 +233,24 @@ TEST_F(HostileXml, TakesDeclaredAttributesAsLongAsTheyCostLittle)
         {"10 MB of text",
          withDeclarations(longText, units(500)),
          {0, loaded("#1: 1=\"").content + repeated(std::string(20000, 'x') + "[1]", 500) + "\""}},
-        {"100 MB of text", withDeclarations(longText, units(5000)), refused()},
         {"40 MB of text, and as much from an entity",
          withDeclarations(longText + entity("e", std::string(100000, 'e')), units(2000) + repeated("&e;", 400)),
          refused()},
         {"long numbers",
          withDeclarations(longId, MessageFile().body(repeated("<trans-unit><source/></trans-unit>", 400))), refused()},
     });
+    // Text of 20,003 bytes each, against 64 MiB, and against 100 times the file.
+    for (const auto &[n, padding, result] : {std::tuple{3354, 0, 0},
+                                             {3355, 0, KT_ERR_BAD_MSG_FILE},
+                                             {3600, 664000, 0},
+                                             {3600, 656000, KT_ERR_BAD_MSG_FILE}})
+    {
+        const std::string comment = "<!--" + std::string(static_cast<size_t>(padding), ' ') + "-->";
+        FakeZel::file(memoryPath, withDeclarations(longText + comment, units(static_cast<size_t>(n))));
+        MessageTable *table = nullptr;
+        EXPECT_EQ(KTLoadMessages(memoryPath, &table), result) << n << " in " << padding;
+        KTFreeMessages(table);
+    }
     EXPECT_EQ(version(withDeclarations(attributes("note", 30000), a)), KT_ERR_BAD_MSG_FILE);
     const std::string manyNotes = withDeclarations(attributes("note", 2000), notes(100000));
     for (const auto &[n, result] : {std::pair<size_t, int>{1000, 0}, {100000, KT_ERR_BAD_MSG_FILE}})

@@ -9,18 +9,7 @@ class FileVersionTest : public MessageTest
 {
 };
 
-struct Answer
-{
-    int result;
-    std::string version;
-
-    bool operator==(const Answer &other) const { return result == other.result && version == other.version; }
-};
-
-std::ostream &operator<<(std::ostream &out, const Answer &answer)
-{
-    return out << answer.result << " \"" << answer.version << '"';
-}
+using Answer = std::pair<int, std::string>; // result and version
 
 Answer query(const std::string &xml)
 {

@@ -7,28 +7,6 @@ namespace
 
 constexpr const char *unset = nullptr;
 
-/** The variables of the environment that name languages, as they were again at its end. */
-class Environment
-{
-public:
-    Environment()
-    {
-        for (size_t i = 0; i < 4; ++i)
-            if (const char *const value = std::getenv(names[i]))
-                m_saved[i] = {true, value};
-    }
-    ~Environment()
-    {
-        for (size_t i = 0; i < 4; ++i)
-            set(i, m_saved[i].first ? m_saved[i].second.c_str() : unset);
-    }
-    static void set(size_t i, const char *value) { value != unset ? setenv(names[i], value, 1) : unsetenv(names[i]); }
-
-private:
-    static constexpr const char *names[] = {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"};
-    std::pair<bool, std::string> m_saved[4];
-};
-
 /** What a call gives at every capacity up to the one that suffices: its text, or its result. */
 template <typename Call> std::string atEveryCapacity(Call call)
 {
@@ -88,7 +66,7 @@ TEST(Languages, AreTheUsers)
     {
         const char *all, *messages, *lang, *language, *expected;
     };
-    const Environment environment;
+    constexpr const char *names[] = {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"};
     for (const Row &row :
          {Row{unset, unset, unset, unset, ""}, Row{unset, unset, unset, "de", ""},
           Row{"fr_FR", "de", "de", unset, "fr_FR:fr"}, Row{"", "de", "fr", unset, "de"}, Row{unset, "", "fr", "", "fr"},
@@ -97,8 +75,10 @@ TEST(Languages, AreTheUsers)
     {
         size_t i = 0;
         for (const char *value : {row.all, row.messages, row.lang, row.language})
-            Environment::set(i++, value);
+            ++i, value != unset ? setenv(names[i - 1], value, 1) : unsetenv(names[i - 1]);
         EXPECT_EQ(languages(nullptr), row.expected);
+        for (const char *name : names)
+            unsetenv(name);
     }
 }
 

@@ -126,7 +126,7 @@ extern "C" {
         add(counter, -1);                                                                                              \
         return REAL(name)(object);                                                                                     \
     }
-FORWARD(Startup, ZEL_Startup, (long handle, long reserved), (handle, reserved), nullptr, handle, 0)
+FORWARD(Startup, ZEL_Startup, (long handle, long reserved), (handle, reserved), nullptr, handle + (reserved << 32), 0)
 FORWARD(Cleanup, ZEL_Cleanup, (long handle), (handle), nullptr, handle, 0)
 FORWARD(MutexAcquire, ZEL_LMutexAcquire, (void *mutex), (mutex), mutex, 0, 1)
 FORWARD(MutexRelease, ZEL_LMutexRelease, (void *mutex), (mutex), mutex, 0, -1)
@@ -157,7 +157,7 @@ int ZEL_free(void *block)
 int ZEL_FileOpen(const char *path, int mode, int first, int second, void **handle)
 {
     *handle = nullptr;
-    const int fault = enter(Operation::FileOpen, handle, static_cast<uint64_t>(mode));
+    const int fault = enter(Operation::FileOpen, handle, static_cast<uint64_t>(mode + 100 * first + 200 * second));
     OpenFile file;
     bool isKept = false;
     if (watching.load(std::memory_order_relaxed))
