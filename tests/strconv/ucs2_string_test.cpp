@@ -35,8 +35,9 @@ TEST(Ucs2String, ComparesUnitsAsUnsignedNumbers)
         const UCS2 *a, *b;
         int result;
     } const rows[] = {
-        {u"", u"", 0},      {u"", u"a", -1},     {u"a", u"", 1},          {u"abc", u"abd", -1},
-        {u"abc", u"ab", 1}, {u"abc", u"abc", 0}, {u"\uFFFFa", u"zzz", 1}, {u"A", u"\uFFFF", -1},
+        {u"", u"", 0},           {u"", u"a", -1},      {u"a", u"", 1},          {u"abc", u"abd", -1},
+        {u"abc", u"ab", 1},      {u"abc", u"abc", 0},  {u"\uFFFFa", u"zzz", 1}, {u"A", u"\uFFFF", -1},
+        {u"ab\0x", u"ab\0y", 0}, {u"\1a", u"\1b", -1},
     };
     for (const auto &row : rows)
         EXPECT_EQ(KTUCS2strcmp(row.a, row.b), row.result) << testing::PrintToString(row.a);
