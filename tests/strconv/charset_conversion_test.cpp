@@ -92,6 +92,9 @@ TEST(Conversion, RefusesSourcesOfTwoGibi)
         ASSERT_NE(mmap(source + at, pieceLength, PROT_READ, MAP_SHARED | MAP_FIXED, file, 0), MAP_FAILED);
     close(file);
     expectRefused(source, static_cast<UCS2 *>(start), 2);
+    UCS2 units[2];
+    size_t size = 2;
+    EXPECT_EQ(KTUTF8ToUCS2(source + 1, &size, units), KT_ERR_BUFFER_TOO_SMALL) << "a byte less is not too long";
     const long characters = KTMultiByteStrclen("shift_jis", source);
     EXPECT_TRUE(characters == KT_ERR_CONVERSION_INVALID_ARGUMENT || characters == KT_ERR_NO_MEMORY) << characters;
 
@@ -104,8 +107,7 @@ TEST(Conversion, RefusesSourcesOfTwoGibi)
         KTPreparedFormat *prepared = nullptr;
         ASSERT_EQ(KTPrepareFormat(format, nullptr, &prepared), 0);
         const KTArgument text = KT_UTF8(source);
-        size_t size = 0;
-        EXPECT_EQ(KTFormatPreparedUTF8(prepared, 0, nullptr, &size, nullptr, &text, 1), KT_ERR_BUFFER_TOO_SMALL);
+        EXPECT_EQ(KTFormatPreparedUTF8(prepared, 0, nullptr, &(size = 0), nullptr, &text, 1), KT_ERR_BUFFER_TOO_SMALL);
         char out[2];
         EXPECT_EQ(KTFormatPreparedUTF8(prepared, 0, nullptr, &(size = 2), out, &text, 1),
                   KT_ERR_CONVERSION_INVALID_ARGUMENT);
