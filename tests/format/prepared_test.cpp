@@ -138,6 +138,7 @@ TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
     };
     for (const auto &[format, argument] : rows)
         EXPECT_EQ(formatted(prepare(format), {argument}), "KT_ERR_INVALID_PARAMETER") << format;
+    EXPECT_EQ(formatted(prepare("%d[1]%d[2]"), {KT_INT(1), wide}), "KT_ERR_INVALID_PARAMETER");
     EXPECT_EQ(formatted(prepare("%s[1]%U[2]."), {KT_UTF8N(nullptr, 5), KT_UCS2N(u"a\0b", 3)}), "a.");
 }
 

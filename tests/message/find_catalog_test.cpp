@@ -106,6 +106,9 @@ TEST_F(FindCatalog, TakesTheFirstFileThatCanBeOpened)
                                          {"..:.:../../etc:/etc:de/../..", missing}})
         EXPECT_EQ(find(list), expected) << list;
     EXPECT_EQ(find("de:fr", "other"), missing);
+    const std::string longest(63, 'x'), file = "/d/" + longest + "/store.xlf";
+    FakeZel::file(file, "");
+    EXPECT_EQ(find(longest.c_str()), file);
 }
 
 TEST_F(FindCatalog, TellsWhatStandsInTheWay)

@@ -4,7 +4,6 @@
 #include "platform/zel.h"
 
 #include <climits>
-#include <functional>
 #include <sstream>
 #include <sys/resource.h>
 
@@ -170,48 +169,18 @@ TEST_F(LoaderTest, TellsWhyAFileCannotBeOpened)
 
 // ---- Files that are damaged, or change while they are read ----
 
-const std::string victim =
-    file().unit(1, "a\\n" + placeholder("%s", "1"), note("n")).unit(3, "\xC3\xA9&amp;<context/>t").xml();
-
-/** Calls with every file that differs from the victim in one byte. */
-void forEachMutation(const std::function<void(const std::string &)> &check)
+TEST_F(LoaderTest, RefusesEveryTruncation)
 {
-    for (size_t i = 0; i < victim.size(); ++i)
-        for (const char byte : {'\0', '<', '>', '/', '"', '&', '\\', '1', '9', ' ', 'x', '\xFF'})
-        {
-            std::string mutated = victim;
-            mutated[i] = byte;
-            SCOPED_TRACE("byte " + std::to_string(i) + " is " + std::to_string(byte));
-            check(mutated);
-        }
-}
-
-void expectAcceptedOrRefused(const Loaded &outcome)
-{
-    EXPECT_TRUE(outcome.result == 0 || outcome == refused() || outcome == refusedLate()) << outcome;
-}
-
-TEST_F(LoaderTest, SurvivesEveryTruncationAndMutation)
-{
-    ASSERT_EQ(load(victim).result, 0);
-    const size_t end = victim.rfind('>') + 1;
-    for (size_t length = 0; length <= victim.size(); ++length)
-        EXPECT_EQ(load(victim.substr(0, length)).result, length < end ? KT_ERR_BAD_MSG_FILE : 0) << length;
-    forEachMutation([](const std::string &mutated) { expectAcceptedOrRefused(load(mutated)); });
+    const std::string xml = file().unit(1, "a\\n" + placeholder("%s", "1"), note("n")).unit(3, "b<context/>t").xml();
+    const size_t end = xml.rfind('>') + 1;
+    for (size_t length = 0; length <= xml.size(); ++length)
+        EXPECT_EQ(load(xml.substr(0, length)).result, length < end ? KT_ERR_BAD_MSG_FILE : 0) << length;
 }
 
 Loaded loadChanging(const std::string &first, const std::string &second)
 {
     FakeZel::file(memoryPath, first).thenBytes(second);
     return loadFile();
-}
-
-TEST_F(LoaderTest, SurvivesAnyMutationBetweenThePasses)
-{
-    forEachMutation([](const std::string &mutated) {
-        expectAcceptedOrRefused(loadChanging(victim, mutated));
-        expectAcceptedOrRefused(loadChanging(mutated, victim));
-    });
 }
 
 TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)

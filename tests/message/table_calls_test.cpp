@@ -123,6 +123,8 @@ TEST_F(TableCallsTest, TellsWhatTheFileSays)
     facts.structSize = sizeof facts + 1;
     EXPECT_EQ(KTTableInfo(nullptr, &facts), KT_ERR_TABLE_NOT_FOUND);
     EXPECT_EQ(facts.productName, nullptr);
+    EXPECT_EQ(KTTableInfo(table, &facts), 0);
+    facts = {sizeof facts, nullptr, nullptr, "", "", 0};
     ASSERT_EQ(KTTableInfo(table, &facts), 0);
     EXPECT_EQ(std::string(facts.productName) + facts.productVersion + facts.language + facts.country, "Example1.0enUS");
     EXPECT_EQ(facts.highestId, 7u);

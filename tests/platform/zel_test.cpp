@@ -2,6 +2,7 @@
 
 #include "platform/scoped.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <dlfcn.h>
 #include <filesystem>
@@ -32,6 +33,15 @@ extern "C" int stat(const char *path, struct stat *status) noexcept
     if (const auto act = std::exchange(afterStatus, nullptr))
         act();
     return result;
+}
+
+/** Every third call is interrupted, another one gives about half of the bytes. */
+extern "C" ssize_t pread(int descriptor, void *buffer, size_t bytes, off_t offset)
+{
+    static auto *const real = reinterpret_cast<decltype(&pread)>(dlsym(RTLD_NEXT, "pread"));
+    thread_local unsigned calls = 0;
+    errno = EINTR;
+    return ++calls % 3 == 0 ? -1 : real(descriptor, buffer, calls % 3 == 1 ? bytes / 2 + 1 : bytes, offset);
 }
 
 namespace
