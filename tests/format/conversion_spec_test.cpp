@@ -57,6 +57,7 @@ TEST(ConversionSpec, IsParsedIntoItsParts)
         {u"%h[1]", 1, CONV_UNKNOWN, -1, -1, FLAG_h},
         {u"%dt[1]", 1, CONV_UNKNOWN, -1, -1, 0},
         {u"%[1]", 1, CONV_UNKNOWN, -1, -1, 0},
+        {u"%\x7F[1]", 1, CONV_UNKNOWN, -1, -1, 0},
         {u"%d d[1]", 1, CONV_UNKNOWN, -1, -1, 0},
         {u"%abcdefghijklmnopqrs[1]", 1, CONV_UNKNOWN, -1, -1, 0},
     };

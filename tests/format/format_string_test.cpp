@@ -47,7 +47,7 @@ TEST_F(FormatString, NeedsThePositionsOneToNOnceEach)
     EXPECT_EQ(check(u"%N[1]%d[2]%O[3]"), (Checked{0, 3}));
     EXPECT_EQ(check(u"%d[1] and %"), (Checked{KT_ERR_FORMAT_SYNTAX, 1})) << "the caller gets the array built so far";
     EXPECT_EQ(check(u"%%%"), (Checked{KT_ERR_FORMAT_SYNTAX, 0}));
-    EXPECT_EQ(check(u"%d[1]%d[3]").first, KT_ERR_FORMAT_SYNTAX);
+    EXPECT_EQ(check(u"%d[1]%d[4]%d[5]").first, KT_ERR_FORMAT_SYNTAX);
     std::u16string repeated;
     for (int i = 0; i < 40; ++i)
         repeated += u"%d[1]";

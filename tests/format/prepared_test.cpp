@@ -77,7 +77,10 @@ TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
     KTFreePrepared(nullptr);
     KTClean();
     EXPECT_EQ(KTPrepareFormat("a", nullptr, &prepared), KT_ERR_NOT_INITIALIZED);
-    EXPECT_EQ(KTExplainFormat("a", nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
+    KTProblem problem = {sizeof problem, 9, 9, 9, 9, 9, "", ""};
+    EXPECT_EQ(KTExplainFormat("a", nullptr, &problem), KT_ERR_NOT_INITIALIZED);
+    const KTProblem none = {sizeof none, 0, 0, 0, 0, 0, nullptr, nullptr};
+    EXPECT_EQ(std::memcmp(&problem, &none, sizeof none), 0);
     EXPECT_EQ(KTCompareFormats("a", "a", nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(formatted(nullptr, {}), "KT_ERR_NOT_INITIALIZED");
     ASSERT_EQ(KTInit(), 0);
@@ -349,7 +352,7 @@ TEST(Problem, IsToldAndMadeASentence)
         {
             Guarded<char> out(capacity);
             size_t size = capacity;
-            EXPECT_EQ(KTProblemText(&problem, &size, out.data()), KT_ERR_BUFFER_TOO_SMALL);
+            EXPECT_EQ(KTProblemText(&problem, &size, capacity > 0 ? out.data() : nullptr), KT_ERR_BUFFER_TOO_SMALL);
             EXPECT_TRUE(size == length && (capacity == 0 || out[0] == '\0'));
         }
     }

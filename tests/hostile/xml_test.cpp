@@ -8,6 +8,7 @@
 #include <expat.h>
 #include <fstream>
 #include <pthread.h>
+#include <ucontext.h>
 #include <unistd.h>
 
 namespace
@@ -182,6 +183,21 @@ TEST_F(HostileXml, ExpandsNoMoreThanTheStackOfAThreadBears)
     pthread_attr_destroy(&attributes);
     EXPECT_EQ(results.find("loaded loaded loaded "), 0u) << results;
     EXPECT_NE(results.find(" refused refused refused "), results.npos) << results;
+}
+
+TEST_F(HostileXml, ExpandsAsDeepAsAnywhereOnAStackThatTheSystemDoesNotKnow)
+{
+    static char stack[256 * 1024];
+    static MessageTable *table = nullptr;
+    FakeZel::file(memoryPath, withDeclarations(chain(100, true), "&e100;"));
+    ucontext_t here, other;
+    ASSERT_EQ(getcontext(&other), 0);
+    other.uc_stack = {stack, 0, sizeof stack};
+    other.uc_link = &here;
+    makecontext(
+        &other, [] { KTLoadMessages(memoryPath, &table); }, 0);
+    ASSERT_EQ(swapcontext(&here, &other), 0);
+    EXPECT_EQ(KTFreeMessages(table), 0);
 }
 
 #endif

@@ -224,6 +224,7 @@ TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)
          refusedLate()},
         {"no file", "<xliff>" + unit("<source>abcd</source>") + u2 + "</xliff>", refusedLate()},
         {"a file without a name", file().without("product-name").unit(1, "abcd").body(u2).xml(), refusedLate()},
+        {"a placeholder without id", file().unit(1, "ab<x ts='s'/>cd").body(u2).xml(), refusedLate()},
         {"a placeholder without ts", file().unit(1, "ab<x id='1'/>cd").body(u2).xml(), refusedLate()},
         {"not well-formed", "<xliff>", refusedLate()},
         {"nothing", "", refusedLate()},
