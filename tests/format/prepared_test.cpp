@@ -79,8 +79,9 @@ TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
     EXPECT_EQ(KTPrepareFormat("a", nullptr, &prepared), KT_ERR_NOT_INITIALIZED);
     KTProblem problem = {sizeof problem, 9, 9, 9, 9, 9, "", ""};
     EXPECT_EQ(KTExplainFormat("a", nullptr, &problem), KT_ERR_NOT_INITIALIZED);
-    const KTProblem none = {sizeof none, 0, 0, 0, 0, 0, nullptr, nullptr};
-    EXPECT_EQ(std::memcmp(&problem, &none, sizeof none), 0);
+    EXPECT_TRUE(problem.structSize == sizeof problem && problem.rule == KT_RULE_NONE && problem.slot == 0 &&
+                problem.position == 0 && problem.offset == 0 && problem.length == 0 && problem.expected == nullptr &&
+                problem.found == nullptr);
     EXPECT_EQ(KTCompareFormats("a", "a", nullptr, nullptr), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(formatted(nullptr, {}), "KT_ERR_NOT_INITIALIZED");
     ASSERT_EQ(KTInit(), 0);
