@@ -52,6 +52,7 @@ TEST(Languages, StandInTheOrderOfSearch)
         {"de.../../etc", "de"},
         {longest + ":" + longest + "x:de", longest + ":de"},
         {longest + "@y:de", "de"},
+        {std::string("de\0fr", 5), "de"},
     };
     for (const auto &[list, expected] : rows)
         EXPECT_EQ(languages(list.c_str()), expected) << list;
@@ -129,6 +130,10 @@ TEST_F(FindCatalog, TellsWhatStandsInTheWay)
     EXPECT_EQ(find("de", "store", ""), invalid);
     EXPECT_EQ(find("de", "store", nullptr), invalid);
     EXPECT_EQ(KTFindCatalog("/d", "store", "fr", nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
+    char path[] = "x";
+    size = 1;
+    EXPECT_EQ(KTFindCatalog("/d", "store", "nl", &size, path), KT_ERR_FILE_UNAVAILABLE);
+    EXPECT_STREQ(path, "");
     KTClean();
     EXPECT_EQ(KTFindCatalog("/d", "store", "fr", &size, nullptr), KT_ERR_NOT_INITIALIZED);
     EXPECT_EQ(KTInit(), 0);

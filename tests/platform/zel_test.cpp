@@ -224,7 +224,7 @@ TEST(Memory, ComesAlignedAndIsRefusedWithNull)
     EXPECT_EQ(ZEL_free(nullptr), 0);
     EXPECT_EQ(ZEL_malloc(tag, SIZE_MAX / 2), nullptr);
     EXPECT_EQ(kelto::allocate<uint64_t>(tag, SIZE_MAX / 8 + 1), nullptr) << "a product that wraps";
-    EXPECT_EQ(ZEL_FreeMemTag(&tag), 0);
+    EXPECT_EQ(ZEL_FreeMemTag(&tag) + ZEL_Cleanup(0), 0);
     EXPECT_EQ(tag, nullptr);
 }
 
