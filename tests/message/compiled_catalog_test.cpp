@@ -104,6 +104,7 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
     const size_t texts = entries + 2 * sizeof(kelto::CompiledEntry);
     const std::string sparse = compile(MessageFile().unit(4194304, "0123456").xml());
     ASSERT_EQ(loadCompiled(data), loaded("#3: 1=\"abc\" 3=\"def\""));
+    ASSERT_EQ(data.substr(0, 16), std::string("\x89KTC\r\n\x1A\n\4\3\2\1\1\0\0\0", 16)) << "so that older ones load";
     struct Row
     {
         const char *label;

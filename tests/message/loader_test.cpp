@@ -218,6 +218,8 @@ TEST_F(LoaderTest, RefusesAFileThatNeedsAnotherAmountInTheSecondPass)
         {"a placeholder before all messages",
          body("<x ts='a' id='1'/>" + unit("<source>abcd</source>") + "<trans-unit id='2'><source/></trans-unit>"),
          refusedLate()},
+        {"a file in the place of a unit",
+         file().unit(1, "abcd").body("<file id='2'><source>efgh</source></file>").xml(), refusedLate()},
         {"a unit in a unit", body("<trans-unit id='1'>" + u2 + "<source>abcd</source></trans-unit>"), refusedLate()},
         {"two files",
          "<r>" + file().declaration("").unit(1, "abcd").xml() + file().declaration("").body(u2).xml() + "</r>",
