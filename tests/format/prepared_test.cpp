@@ -344,6 +344,7 @@ TEST(Problem, IsToldAndMadeASentence)
         EXPECT_EQ(problem.position, row.position);
         EXPECT_EQ(std::string(row.format).substr(problem.offset, problem.length), row.part);
         EXPECT_EQ(problem.length, std::strlen(row.part));
+        EXPECT_TRUE(problem.length > 0 || problem.offset == 0);
         EXPECT_EQ(problem.structSize, sizeof problem);
         char whole[200];
         size_t length = sizeof whole;
