@@ -2,6 +2,7 @@
 
 #include "format/form_table.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <type_traits>
@@ -45,9 +46,15 @@ constexpr FlagTable
     flagCharacters({{'-', FLAG_MINUS}, {'+', FLAG_PLUS}, {' ', FLAG_SPACE}, {'#', FLAG_HASH}, {'0', FLAG_ZERO}});
 constexpr FlagTable modifiers({{'h', FLAG_h}, {'l', FLAG_l}, {'L', FLAG_L}, {'!', FLAG_BANG}});
 
+/** The value of a digit; 10 or more for any other unit. */
+template <typename Unit> unsigned digitOf(Unit unit)
+{
+    return static_cast<unsigned>(unit) - '0';
+}
+
 template <typename Unit> bool isDigit(Unit unit)
 {
-    return unit >= '0' && unit <= '9';
+    return digitOf(unit) < 10;
 }
 
 constexpr int tooLarge = -1;
@@ -55,11 +62,11 @@ constexpr int tooLarge = -1;
 /** Takes a run of digits, perhaps empty: its value, or tooLarge where an int does not hold it. */
 template <typename Unit> int takeNumber(const Unit *&cursor)
 {
-    int64_t value = 0;
+    constexpr uint64_t beyondInt = uint64_t{INT_MAX} + 1;
+    uint64_t value = 0;
     for (; isDigit(*cursor); ++cursor)
-        if (value <= INT_MAX)
-            value = value * 10 + (*cursor - '0');
-    return value <= INT_MAX ? static_cast<int>(value) : tooLarge;
+        value = std::min(value * 10 + digitOf(*cursor), beyondInt);
+    return value < beyondInt ? static_cast<int>(value) : tooLarge;
 }
 
 /** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `ifMissing`. */
@@ -188,7 +195,7 @@ template <typename Unit> int takeAcceptedPosition(const Unit *&cursor) noexcept
     unsigned position = 0;
     if (*next != 0)
         for (++next; isDigit(*next); ++next)
-            position = position * 10 + static_cast<unsigned>(*next - '0');
+            position = position * 10 + digitOf(*next);
     cursor = *next != 0 ? next + 1 : next;
     return static_cast<int>(position);
 }
