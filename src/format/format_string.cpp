@@ -25,6 +25,13 @@ constexpr size_t linearGrowthLimit = 100;
 class ParameterArray
 {
 public:
+    /** Begins in the room of the caller's, if there is any. */
+    explicit ParameterArray(kelto::FewParameters *few)
+        : m_records(few != nullptr ? few->records : nullptr),
+          m_capacity(few != nullptr ? kelto::FewParameters::count : 0)
+    {
+    }
+
     /** Stores a record at its position; false when memory ran out, and the array is then gone. */
     bool store(size_t position, const KTParameter &record)
     {
@@ -56,9 +63,9 @@ public:
     }
 
     /** Forgets the records, of which there is one at least. */
-    void clear() { std::memset(static_cast<void *>(m_records.get()), 0, m_capacity * sizeof(KTParameter)); }
+    void clear() { std::memset(static_cast<void *>(m_records), 0, m_capacity * sizeof(KTParameter)); }
 
-    kelto::TagBlock<KTParameter> release() { return std::move(m_records); }
+    kelto::TagBlock<KTParameter> release() { return std::move(m_block); }
 
 private:
     bool growTo(size_t position)
@@ -68,16 +75,18 @@ private:
             capacity = std::max(capacity, inSteps(m_capacity + m_capacity / 2));
         auto grown = kelto::allocateZeroed<KTParameter>(glbResHandle, capacity + 1);
         if (grown != nullptr && m_capacity > 0)
-            std::memcpy(grown.get(), m_records.get(), m_capacity * sizeof(KTParameter));
-        m_records = std::move(grown);
+            std::memcpy(grown.get(), m_records, m_capacity * sizeof(KTParameter));
+        m_block = std::move(grown);
+        m_records = m_block.get();
         m_capacity = m_records != nullptr ? capacity : 0;
         return m_records != nullptr;
     }
 
     static size_t inSteps(size_t capacity) { return (capacity + growthStep - 1) / growthStep * growthStep; }
 
-    kelto::TagBlock<KTParameter> m_records;
-    size_t m_capacity = 0;
+    kelto::TagBlock<KTParameter> m_block;
+    KTParameter *m_records; // in the block, or the caller's
+    size_t m_capacity;
 };
 
 constexpr kelto::FormatVerdict accepted = {0, KT_RULE_NONE, 0, 0, 0};
@@ -146,7 +155,7 @@ private:
     }
 
     /** Of one conversion specification by itself. */
-    [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, const kelto::ConversionSpec<Unit> &spec) const
+    [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, kelto::ConversionSpec<Unit> spec) const
     {
         if (spec.position != 0)
             return refuse(spec.record.type == CONV_UNKNOWN ? KT_RULE_UNKNOWN_CONVERSION : KT_RULE_NUMBER_TOO_LARGE,
@@ -249,18 +258,18 @@ template class PercentPlaces<char>;
 
 template <typename Unit>
 FormatVerdict checkFormat(const Unit *format, size_t length, formTable *table, TagBlock<KTParameter> &parameters,
-                          PercentPlaces<Unit> &places) noexcept
+                          PercentPlaces<Unit> &places, FewParameters *few) noexcept
 {
-    ParameterArray array;
+    ParameterArray array(few);
     const FormatVerdict verdict = Check<Unit>(format, length, tableOrBuiltIn(table), array).run(places);
     parameters = array.release();
     return verdict;
 }
 
-template FormatVerdict checkFormat(const UCS2 *, size_t, formTable *, TagBlock<KTParameter> &,
-                                   PercentPlaces<UCS2> &) noexcept;
-template FormatVerdict checkFormat(const char *, size_t, formTable *, TagBlock<KTParameter> &,
-                                   PercentPlaces<char> &) noexcept;
+template FormatVerdict checkFormat(const UCS2 *, size_t, formTable *, TagBlock<KTParameter> &, PercentPlaces<UCS2> &,
+                                   FewParameters *) noexcept;
+template FormatVerdict checkFormat(const char *, size_t, formTable *, TagBlock<KTParameter> &, PercentPlaces<char> &,
+                                   FewParameters *) noexcept;
 
 } // namespace kelto
 

@@ -27,9 +27,8 @@ template <typename Unit> struct PercentPlace
 };
 
 /**
- * The places of a checked format in the order of the text. The check notes the first of them, so that whoever writes
- * the text need not look for them again; the others, or all of a format that was checked elsewhere, are found anew. An
- * empty object finds all of them. They can be walked through once.
+ * The places of a checked format in the order of the text, the first few of them: the check notes them, so that whoever
+ * writes the text need not look for them again. None are noted of a format that was checked elsewhere.
  */
 template <typename Unit> class PercentPlaces
 {
@@ -37,23 +36,20 @@ public:
     /** Notes the place behind those noted so far, while there is room. */
     void note(const PercentPlace<Unit> &place) noexcept
     {
-        if (m_noted < maxNoted)
-            m_places[m_noted++] = place;
+        if (m_count < maxCount)
+            m_places[m_count++] = place;
     }
 
-    /** The next place, `from` being the end of the one before or the beginning of the format. */
-    PercentPlace<Unit> next(const Unit *from, const Unit *end) noexcept
-    {
-        return m_nextNoted < m_noted ? m_places[m_nextNoted++] : find(from, end);
-    }
+    const PercentPlace<Unit> *begin() const noexcept { return m_places; }
+    const PercentPlace<Unit> *end() const noexcept { return m_places + m_count; }
 
-private:
+    /** Finds the next place, `from` being the end of the one before or the beginning of the format. */
     static PercentPlace<Unit> find(const Unit *from, const Unit *end) noexcept;
 
-    static constexpr size_t maxNoted = 16;
-    PercentPlace<Unit> m_places[maxNoted];
-    size_t m_noted = 0;
-    size_t m_nextNoted = 0;
+private:
+    static constexpr size_t maxCount = 16;
+    PercentPlace<Unit> m_places[maxCount];
+    size_t m_count = 0;
 };
 
 /**
@@ -62,12 +58,15 @@ private:
  * @return whether the walk came to its end.
  */
 template <typename Unit, typename Literal, typename Conversion>
-bool walkFormat(const Unit *format, size_t length, PercentPlaces<Unit> &places, Literal literal, Conversion conversion)
+bool walkFormat(const Unit *format, size_t length, const PercentPlaces<Unit> &places, Literal literal,
+                Conversion conversion)
 {
     const Unit *const end = format + length;
+    const PercentPlace<Unit> *noted = places.begin();
+    PercentPlace<Unit> found;
     for (const Unit *from = format;;)
     {
-        const PercentPlace<Unit> place = places.next(from, end);
+        const PercentPlace<Unit> &place = noted != places.end() ? *noted++ : (found = places.find(from, end));
         const bool isPercentSign = place.begin != end && place.position == 0;
         const auto count = static_cast<size_t>(place.begin - from) + (isPercentSign ? 1 : 0);
         if (count > 0)
@@ -96,14 +95,25 @@ constexpr bool isTooLong(size_t length) noexcept
 }
 
 /**
+ * Room for the parameters of most formats, so that a check which hands none of them out needs no block. They end at an
+ * empty one, as in checkSyntax().
+ */
+struct FewParameters
+{
+    static constexpr size_t count = 10;
+    KTParameter records[count + 1] = {};
+};
+
+/**
  * Checks a format.
  * @param format      zero-terminated; `length` units without the terminator.
- * @param parameters  out: as in checkSyntax().
+ * @param parameters  out: as in checkSyntax(); null also where `few` holds them.
  * @param places      empty; receives the places of the format.
+ * @param few         empty; null where parameters are to stand in a block always.
  */
 template <typename Unit>
 FormatVerdict checkFormat(const Unit *format, size_t length, formTable *table, TagBlock<KTParameter> &parameters,
-                          PercentPlaces<Unit> &places) noexcept;
+                          PercentPlaces<Unit> &places, FewParameters *few = nullptr) noexcept;
 
 } // namespace kelto
 

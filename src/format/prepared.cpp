@@ -62,10 +62,12 @@ class Preparation
 public:
     kelto::FormatVerdict run(const char *format, size_t length, formTable *table)
     {
-        kelto::FormatVerdict verdict = kelto::checkFormat(format, length, table, m_parameters, m_places);
+        kelto::FormatVerdict verdict = kelto::checkFormat(format, length, table, m_many, m_places, &m_few);
         if (verdict.result != 0)
             return verdict;
-        m_slotCount = kelto::numberSlots(m_parameters.get(), false);
+        if (m_many != nullptr)
+            m_parameters = m_many.get();
+        m_slotCount = kelto::numberSlots(m_parameters, false);
         verdict.result = build(format, length, table);
         return verdict;
     }
@@ -99,9 +101,8 @@ private:
     size_t countSteps() const
     {
         size_t count = 1;
-        if (m_parameters != nullptr)
-            for (const KTParameter *parameter = m_parameters.get(); parameter->formatter != nullptr; ++parameter)
-                count += kelto::isMarker(*parameter) ? 0 : 1;
+        for (const KTParameter *parameter = m_parameters; parameter->formatter != nullptr; ++parameter)
+            count += kelto::isMarker(*parameter) ? 0 : 1;
         return count;
     }
 
@@ -127,8 +128,6 @@ private:
 
     void listSlots(KTSlot *slot) const
     {
-        if (m_parameters == nullptr)
-            return;
         for (uint32_t position = 1; m_parameters[position - 1].formatter != nullptr; ++position)
         {
             const KTParameter &parameter = m_parameters[position - 1];
@@ -182,7 +181,9 @@ private:
     }
 
     kelto::PercentPlaces<char> m_places;
-    kelto::TagBlock<KTParameter> m_parameters;
+    kelto::FewParameters m_few;
+    kelto::TagBlock<KTParameter> m_many;
+    KTParameter *m_parameters = m_few.records; // or those in m_many
     size_t m_slotCount = 0;
     kelto::TagBlock<char> m_block;
 };
@@ -192,7 +193,8 @@ private:
 namespace kelto
 {
 
-FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept
+// Flattened like the format calls.
+[[gnu::flatten]] FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept
 {
     const size_t length = std::strlen(format);
     if (isTooLong(length))
