@@ -8,9 +8,13 @@ const int signedIntList[] = {KT_ARG_SIGNED, KT_ARG_END};
 const int unsignedIntList[] = {KT_ARG_UNSIGNED, KT_ARG_END};
 const int doubleList[] = {KT_ARG_DOUBLE, KT_ARG_END};
 
-// The order is that of Flag_t, and records of one first letter stand together.
+namespace
+{
+
+// The order is that of Flag_t, and records of one first letter, in either case, stand together. Two names of 64-bit
+// integers have no record of their own: "%l" is "d", and "%ul" is "u" (form_table.cpp, shortNameType()).
 // clang-format off
-KTFormatter builtInFormList[18] = {
+constexpr KTFormatter records[] = {
     {"d", nullptr, 1, signedIntList, formatInteger},
     {"DND", nullptr, 1, ucs2StrList, formatDN},
     {"DNS", nullptr, 1, ucs2StrList, formatDN},
@@ -32,11 +36,39 @@ KTFormatter builtInFormList[18] = {
 };
 // clang-format on
 
-formTable builtInFormTable = {
-    true,
-    //  a  b   c  d   e   f  g  h   i  j  k  l  m  n  o  p  q  r   s  t  u  v  w   x  y  z
-    {0, 0, 13, 1, 15, 12, 0, 0, 17, 0, 0, 0, 0, 0, 9, 0, 0, 0, 14, 6, 7, 0, 0, 10, 0, 0},
-    builtInFormList,
-    nullptr,
-    nullptr,
-};
+constexpr size_t recordCount = std::size(records);
+static_assert(recordCount == std::size(builtInFormList));
+
+/** The place of a record's first letter in the alphabet, in either case. */
+constexpr int letterOf(const KTFormatter &record)
+{
+    return (record.name[0] | 0x20) - 'a';
+}
+
+constexpr bool lettersStandTogether()
+{
+    for (size_t i = 0; i + 1 < recordCount; ++i)
+        for (size_t j = i + 2; j + 1 < recordCount; ++j)
+            if (letterOf(records[i]) == letterOf(records[j]) && letterOf(records[j - 1]) != letterOf(records[j]))
+                return false;
+    return true;
+}
+static_assert(lettersStandTogether());
+
+/** A table of the built-in list: of each letter it knows the place of the first record, counted from 1. */
+constexpr formTable indexedTable()
+{
+    formTable table = {true, {}, builtInFormList, nullptr, nullptr};
+    for (size_t i = recordCount - 1; i-- > 0;)
+        table.letterIndex[letterOf(records[i])] = static_cast<int>(i) + 1;
+    return table;
+}
+
+} // namespace
+
+// Data, not code that fills it at the start; an array takes the records of another only one by one.
+KTFormatter builtInFormList[18] = {records[0],  records[1],  records[2],  records[3],  records[4],  records[5],
+                                   records[6],  records[7],  records[8],  records[9],  records[10], records[11],
+                                   records[12], records[13], records[14], records[15], records[16], records[17]};
+
+formTable builtInFormTable = indexedTable();
