@@ -1,3 +1,4 @@
+#include "format/called_arguments.h"
 #include "format/conversion_record.h"
 #include "format/form_table.h"
 #include "format/format_output.h"
@@ -30,146 +31,6 @@ struct Call
     int addedFlags;
 };
 
-/** The slots of one conversion that is called, and the kinds of the pointers among its arguments. */
-struct CalledSlots
-{
-    void **begin;
-    const KTArgument *arguments;
-    size_t count;
-    const CalledSlots *outer; // of the call in which this one runs, if any
-};
-
-// A formatter may itself format something.
-thread_local const CalledSlots *runningSlots = nullptr;
-
-class RunningSlots
-{
-public:
-    explicit RunningSlots(const CalledSlots &slots) { runningSlots = &slots; }
-    ~RunningSlots() { runningSlots = runningSlots->outer; }
-    RunningSlots(const RunningSlots &) = delete;
-    RunningSlots &operator=(const RunningSlots &) = delete;
-};
-
-/** A value in the size that a formatter reads. */
-union Cell
-{
-    uint64_t integer;
-    uint16_t unit;
-    double number;
-    long double longNumber;
-    const void *pointer;
-};
-
-/** Whether a text has to be copied for its terminator. */
-bool isCopied(const KTArgument &argument)
-{
-    const bool isText = argument.type == KT_ARGUMENT_UTF8 || argument.type == KT_ARGUMENT_UCS2;
-    return isText && argument.length != UINT32_MAX && argument.value.p != nullptr;
-}
-
-size_t unitSize(const KTArgument &argument)
-{
-    return argument.type == KT_ARGUMENT_UTF8 ? sizeof(char) : sizeof(UCS2);
-}
-
-/** The units of a text; it may end before the length that was given with it. */
-size_t textLength(const KTArgument &argument)
-{
-    return argument.type == KT_ARGUMENT_UTF8 ? kelto::utf8Of(argument).length : kelto::ucs2Of(argument).length;
-}
-
-/** The bytes that a copy takes, the next of which may be UCS-2; 0 for what is not copied. */
-size_t copySize(const KTArgument &argument)
-{
-    return isCopied(argument) ? ((textLength(argument) + 1) * unitSize(argument) + 1) & ~size_t{1} : 0;
-}
-
-/** The arguments of one conversion as its function takes them: slots that point to texts, and to cells of values. */
-class CalledArguments
-{
-public:
-    /** False when memory ran out: a few arguments and short texts need none. */
-    bool make(const KTArgument *arguments, const KTSlot *slots, size_t count)
-    {
-        size_t texts = 0;
-        for (size_t i = 0; i < count; ++i)
-            texts += copySize(arguments[i]);
-        const size_t size = count * (sizeof(Cell) + sizeof(void *)) + sizeof(void *) + texts;
-        char *at = m_usual;
-        if (size > sizeof m_usual)
-        {
-            m_long = kelto::allocate<char>(glbResHandle, size);
-            at = m_long.get();
-        }
-        if (at == nullptr)
-            return false;
-        auto *const cells = reinterpret_cast<Cell *>(at);
-        m_slots = reinterpret_cast<void **>(cells + count);
-        m_copy = reinterpret_cast<char *>(m_slots + count + 1);
-        m_end = m_copy + texts;
-        for (size_t i = 0; i < count; ++i)
-            m_slots[i] = slotOf(arguments[i], slots[i].code, cells[i]);
-        m_slots[count] = nullptr;
-        return true;
-    }
-
-    void **slots() const { return m_slots; }
-
-private:
-    void *slotOf(const KTArgument &argument, uint32_t code, Cell &cell)
-    {
-        switch (code)
-        {
-        case KT_SLOT_UTF8:
-        case KT_SLOT_UCS2:
-            return textOf(argument);
-        case KT_SLOT_UNIT:
-            cell.unit = static_cast<uint16_t>(argument.value.u);
-            break;
-        case KT_SLOT_DOUBLE:
-            cell.number = argument.value.d;
-            break;
-        case KT_SLOT_LONG_DOUBLE:
-            cell.longNumber = *static_cast<const long double *>(argument.value.p);
-            break;
-        case KT_SLOT_POINTER:
-            cell.pointer = argument.value.p;
-            break;
-        default: // the lower bytes come first, so that a smaller integer is found in its place
-            cell.integer = argument.value.u;
-        }
-        return &cell;
-    }
-
-    void *textOf(const KTArgument &argument)
-    {
-        static UCS2 empty = 0; // of either encoding
-        if (argument.value.p == nullptr)
-            return &empty;
-        if (!isCopied(argument))
-            return const_cast<void *>(argument.value.p);
-        // A text that has grown since it was measured is cut to the room that is left.
-        const size_t unit = unitSize(argument);
-        const size_t room = static_cast<size_t>(m_end - m_copy) / unit;
-        if (room == 0)
-            return &empty;
-        KTArgument bounded = argument;
-        bounded.length = static_cast<uint32_t>(std::min<size_t>(argument.length, room - 1));
-        const size_t bytes = textLength(bounded) * unit;
-        void *const copy = std::memcpy(m_copy, argument.value.p, bytes);
-        std::memset(m_copy + bytes, 0, unit);
-        m_copy += (bytes + unit + 1) & ~size_t{1};
-        return copy;
-    }
-
-    alignas(Cell) char m_usual[512];
-    kelto::TagBlock<char> m_long;
-    void **m_slots = nullptr;
-    char *m_copy = nullptr; // where the next copy goes
-    char *m_end = nullptr;
-};
-
 /** Resolves what a '*' stands for; the argument behind those that were used. */
 const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
 {
@@ -185,15 +46,14 @@ int callFormatter(kelto::FormatOutput<Unit> &text, const KTFormatter &formatter,
                   const KTArgument *values, const Call &call, const Layout &padding = {KT_ABSENT, KT_ABSENT, 0})
 {
     const auto count = static_cast<size_t>(formatter.argCount);
-    CalledArguments arguments;
+    kelto::CalledArguments arguments;
     if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
         return KT_ERR_NO_MEMORY;
-    const CalledSlots slots = {arguments.slots(), values, count, runningSlots};
-    const RunningSlots running(slots);
+    const kelto::RunningSlots running(arguments.slots(), values, count);
     return text.appendCalled(
         [&](unsigned long *units, UCS2 *out) {
             return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
-                                    call.passThru, slots.begin, units, out);
+                                    call.passThru, arguments.slots(), units, out);
         },
         padding);
 }
@@ -376,17 +236,4 @@ int KTFormatPreparedUTF8(const KTPreparedFormat *prepared, unsigned options, voi
                          const KTArgument *arguments, size_t count)
 {
     return formatPrepared(prepared, options, passThru, size, out, arguments, count);
-}
-
-const void *KTPointerOfKind(void *const *argSlot, uint32_t kind)
-{
-    if (runningSlots == nullptr)
-        return nullptr;
-    for (size_t i = 0; i < runningSlots->count; ++i)
-    {
-        const KTArgument &argument = runningSlots->arguments[i];
-        if (argSlot == runningSlots->begin + i)
-            return argument.type == KT_ARGUMENT_POINTER && argument.length == kind ? argument.value.p : nullptr;
-    }
-    return nullptr;
 }
