@@ -1,8 +1,8 @@
 #include "message/file_reader.h"
 
 #include "kelto.h"
+#include "message/reparse_budget.h"
 
-#include <algorithm>
 #include <new>
 
 // What not every version of expat has; null where it is missing.
@@ -15,50 +15,7 @@ __attribute__((weak)) XML_Bool XML_SetBillionLaughsAttackProtectionActivationThr
 namespace
 {
 
-constexpr unsigned long chunkBytes = 300;
-
-// A parser reads what it holds of an unfinished token (a tag, a comment) anew with every call. Chunk by chunk, that is
-// quadratic in the length of the token, so it may come to this much; no plausible file does.
-constexpr uint64_t unquestionedRereading = uint64_t{1} << 20;
-constexpr uint64_t mostRereading = 32; // for each byte read
-
-// A longer token is refused, since the parser holds it as a whole.
-constexpr uint64_t longestToken = uint64_t{24} << 20;
-
-constexpr uint64_t wholeChunks(uint64_t bytes)
-{
-    return (bytes + chunkBytes - 1) / chunkBytes * chunkBytes;
-}
-
-/** How much to read before each call of the parser. */
-class Steps
-{
-public:
-    explicit Steps(const kelto::Parser &parser) : m_parser(parser) {}
-
-    /** The bytes of the next step, when the parser has been given `fed`; 0 where a token is too long. */
-    uint64_t next(uint64_t fed)
-    {
-        const uint64_t unfinished = unfinishedBytes(fed);
-        if (unfinished > longestToken)
-            return 0;
-        m_reread += unfinished;
-        if (m_reread <= unquestionedRereading + mostRereading * fed)
-            return chunkBytes;
-        return wholeChunks(std::min(unfinished, longestToken + 1 - unfinished));
-    }
-
-private:
-    /** What the parser holds of a token whose end it has not seen. */
-    uint64_t unfinishedBytes(uint64_t fed) const
-    {
-        const auto event = static_cast<uint64_t>(XML_GetCurrentByteIndex(m_parser.get())); // huge where there is none
-        return event < fed ? fed - event : 0;
-    }
-
-    const kelto::Parser &m_parser;
-    uint64_t m_reread = 0;
-};
+using kelto::chunkBytes;
 
 /** Bytes read and not yet parsed. */
 struct Step
@@ -119,7 +76,7 @@ int kelto::parseFile(File &file, const Parser &parser, XmlLimits &limits, bool (
                      const void *state) noexcept
 {
     char chunk[chunkBytes];
-    Steps steps(parser);
+    ReparseBudget budget(parser.get());
     uint64_t offset = 0;
     uint64_t wanted = chunkBytes;
     while (wanted != 0)
@@ -138,7 +95,7 @@ int kelto::parseFile(File &file, const Parser &parser, XmlLimits &limits, bool (
             return KT_ERR_BAD_MSG_FILE;
         if (isDone(state) || step.isFinal)
             return 0;
-        wanted = steps.next(offset);
+        wanted = budget.nextStep(offset);
     }
     return KT_ERR_BAD_MSG_FILE;
 }

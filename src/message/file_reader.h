@@ -68,8 +68,7 @@ private:
 
 /**
  * Parses a file from its beginning until it ends or the handlers have seen enough, which is asked after each step. A
- * step is a chunk; only where the parser has read too much of unfinished tags and comments again is it as long as the
- * unfinished one.
+ * step is a chunk, or more where tags and comments are so long that the parser reads too much again (reparse_budget.h).
  * @param isDone  the question, put to `state`.
  * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed, exceeds a limit or has too long a tag;
  *         KT_ERR_NO_MEMORY; a read failure unchanged.

@@ -2,8 +2,9 @@
 
 #include "kelto.h"
 #include "lifecycle/global_state.h"
+#include "message/attributes.h"
+#include "message/elements.h"
 #include "message/file_reader.h"
-#include "message/structure.h"
 
 namespace
 {

@@ -1,6 +1,7 @@
 #include "message/first_pass.h"
 
 #include "kelto.h"
+#include "message/attributes.h"
 
 // A row for each element says what must hold at its start and at its end.
 

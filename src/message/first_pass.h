@@ -5,7 +5,9 @@
 #ifndef KELTO_MESSAGE_FIRST_PASS_H
 #define KELTO_MESSAGE_FIRST_PASS_H
 
-#include "message/structure.h"
+#include "message/elements.h"
+
+#include <cstdint>
 
 /** All zero at the start except `raw`. */
 struct FirstPassState

@@ -7,8 +7,9 @@
 #define KELTO_MESSAGE_SECOND_PASS_H
 
 #include "kelto.h"
+#include "message/attributes.h"
+#include "message/elements.h"
 #include "message/message_text.h"
-#include "message/structure.h"
 #include "message/table_list.h"
 
 struct SecondPassState

@@ -6,10 +6,11 @@
 #ifndef KELTO_MESSAGE_SPARSE_INDEX_H
 #define KELTO_MESSAGE_SPARSE_INDEX_H
 
-#include "message/table_list.h"
-
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+
+struct MessageTable;
 
 namespace kelto
 {

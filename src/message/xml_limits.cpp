@@ -1,5 +1,7 @@
 #include "message/xml_limits.h"
 
+#include "message/attributes.h"
+
 #include <cstring>
 
 namespace

@@ -6,8 +6,8 @@
 #ifndef KELTO_MESSAGE_XML_LIMITS_H
 #define KELTO_MESSAGE_XML_LIMITS_H
 
+#include "message/elements.h"
 #include "message/entity_nesting.h"
-#include "message/structure.h"
 
 #include <cstdint>
 #include <expat.h>

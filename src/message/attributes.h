@@ -1,48 +1,15 @@
 /**
- * The shape of a message file: its element names, the nesting level at which each may start, and access to attributes.
- * Both passes of the loader ask here, and take an element's attributes apart through the same functions, so that they
- * cannot disagree on what a file says.
+ * The attributes of a message file: what a "file", a "trans-unit" and an "x" say, and which of it is accepted. Both
+ * passes of the loader take them apart here, so that they cannot disagree on what a file says.
  */
-#ifndef KELTO_MESSAGE_STRUCTURE_H
-#define KELTO_MESSAGE_STRUCTURE_H
+#ifndef KELTO_MESSAGE_ATTRIBUTES_H
+#define KELTO_MESSAGE_ATTRIBUTES_H
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
-
-enum ElementID
-{
-    ELM_UNKNOWN = 0,
-    ELM_XLIFF = 1,
-    ELM_FILE = 2,
-    ELM_HEADER = 3,
-    ELM_BODY = 4,
-    ELM_TRANS_UNIT = 5,
-    ELM_SOURCE = 6,
-    ELM_X = 7,
-    ELM_CONTEXT_GROUP = 8,
-    ELM_CONTEXT = 9,
-    ELM_NOTE = 10
-};
-
-struct ElementMapRow
-{
-    const char *name; /**< null in the last row, which answers for every unknown name */
-    ElementID id;
-    int level; /**< how many elements are open where it starts; 0 for the document element */
-};
 
 extern "C" {
 #pragma GCC visibility push(default)
-
-/** Searched from the top: the three elements that repeat with every message stand first. */
-extern const ElementMapRow elmtMapTable[11];
-
-/**
- * Finds an element by its exact name.
- * @param id, level  out: its row; ELM_UNKNOWN and -1 for a name that is in none.
- */
-void mapElmtName(const char *name, ElementID *id, int *level);
 
 /**
  * The value of the first attribute of this name, or null.
@@ -56,15 +23,10 @@ const char *getAttrValue(const char **attrs, const char *name);
 namespace kelto
 {
 
-constexpr size_t elementRows = sizeof elmtMapTable / sizeof *elmtMapTable;
-
 inline bool equalNames(const char *a, const char *b) noexcept
 {
     return *a == *b && std::strcmp(a, b) == 0;
 }
-
-/** The row of an element: mapElmtName() for callers inside the library. */
-const ElementMapRow &findElement(const char *name) noexcept;
 
 /** What a "file" element says; the texts are the parser's, null where an attribute is missing. */
 struct FileAttributes

@@ -1,0 +1,37 @@
+#include "message/reparse_budget.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr uint64_t unquestionedRereading = uint64_t{1} << 20;
+constexpr uint64_t mostRereading = 32; // for each byte read
+
+// A longer token is refused, since the parser holds it as a whole.
+constexpr uint64_t longestToken = uint64_t{24} << 20;
+
+constexpr uint64_t wholeChunks(uint64_t bytes)
+{
+    return (bytes + kelto::chunkBytes - 1) / kelto::chunkBytes * kelto::chunkBytes;
+}
+
+} // namespace
+
+uint64_t kelto::ReparseBudget::nextStep(uint64_t fed) noexcept
+{
+    const uint64_t unfinished = unfinishedBytes(fed);
+    if (unfinished > longestToken)
+        return 0;
+    m_reread += unfinished;
+    if (m_reread <= unquestionedRereading + mostRereading * fed)
+        return chunkBytes;
+    return wholeChunks(std::min(unfinished, longestToken + 1 - unfinished));
+}
+
+// What the parser holds of a token whose end it has not seen.
+uint64_t kelto::ReparseBudget::unfinishedBytes(uint64_t fed) const noexcept
+{
+    const auto event = static_cast<uint64_t>(XML_GetCurrentByteIndex(m_parser)); // huge where there is none
+    return event < fed ? fed - event : 0;
+}
