@@ -2,8 +2,8 @@
 // of the platform, then the allocations that the library, expat, ICU and the C library make of the C heap. Whatever
 // fails, the result is one of the row's, the outputs are untouched or empty, and nothing is left over.
 
-#include "faults/heap_faults.h"
 #include "support/fake_zel.h"
+#include "support/heap_faults.h"
 #include "support/message_file_builder.h"
 #include "support/ucs2.h"
 

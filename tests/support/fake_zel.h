@@ -2,7 +2,8 @@
  * The platform as the tests see it. A test program defines every ZEL_ operation itself, and XML_ParserCreate() with
  * them, so the library calls these; each goes on to the real one unless a test has told it otherwise. A test can
  *
- * - let operations fail: FakeZel::fail(Operation::Malloc, 2) is the second allocation from here on;
+ * - let operations fail: FakeZel::fail(Operation::Malloc, 2) is the second block of the memory tag from here on
+ *   (allocations that do not come from it fail in heap_faults.h);
  * - serve files from memory: FakeZel::file("messages.xlf", bytes);
  * - see what was called: FakeZel::record(), then FakeZel::calls(); or act in the middle of a call: FakeZel::observe().
  *

@@ -165,6 +165,15 @@ template bool Rendering::measure(int, int, long double) noexcept;
 template bool Rendering::complete(int, int, double) noexcept;
 template bool Rendering::complete(int, int, long double) noexcept;
 
+// As in the C library, and unlike integers: '-' wins over '0', and infinity and what is no number are not padded with
+// zeros.
+Padding floatingPointPadding(int flags, bool isFinite) noexcept
+{
+    if ((flags & FLAG_MINUS) != 0)
+        return Padding::right;
+    return (flags & FLAG_ZERO) != 0 && isFinite ? Padding::zeros : Padding::left;
+}
+
 } // namespace kelto
 
 int formatDouble(const char * /*convName*/, int width, int precision, int flags, KTEncoder /*passThru1*/,

@@ -46,16 +46,8 @@ private:
     uint64_t m_markBytes = 0;
 };
 
-/**
- * As in the C library, and unlike integers: '-' wins over '0', and infinity and what is no number are not padded with
- * zeros.
- */
-inline Padding floatingPointPadding(int flags, bool isFinite) noexcept
-{
-    if ((flags & FLAG_MINUS) != 0)
-        return Padding::right;
-    return (flags & FLAG_ZERO) != 0 && isFinite ? Padding::zeros : Padding::left;
-}
+/** Where a floating-point number is padded. */
+Padding floatingPointPadding(int flags, bool isFinite) noexcept;
 
 /** "f". A text that does not fit takes no memory. @return as Out::write(), or KT_ERR_NO_MEMORY. */
 template <typename Out, typename Value> int writeFloatingPoint(Out &out, const Layout &layout, Value value) noexcept

@@ -156,6 +156,14 @@ IntegerText::IntegerText(Flag_t type, uint64_t value) noexcept
     }
 }
 
+// Unlike in the C library, and for floating-point numbers, '0' wins over '-'.
+Padding integerPadding(int flags) noexcept
+{
+    if ((flags & FLAG_ZERO) != 0)
+        return Padding::zeros;
+    return (flags & FLAG_MINUS) != 0 ? Padding::right : Padding::left;
+}
+
 Flag_t octHexType(char name) noexcept
 {
     switch (name)

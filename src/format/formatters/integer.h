@@ -42,13 +42,8 @@ private:
     size_t m_at;
 };
 
-/** Where an integer is padded: '0' wins over '-'. */
-inline Padding integerPadding(int flags) noexcept
-{
-    if ((flags & FLAG_ZERO) != 0)
-        return Padding::zeros;
-    return (flags & FLAG_MINUS) != 0 ? Padding::right : Padding::left;
-}
+/** Where an integer is padded. */
+Padding integerPadding(int flags) noexcept;
 
 /** A precision is a number of digits: 42 with four is 0042, 12345 with two is 12000. @return the zeros before them. */
 inline uint64_t applyPrecision(int precision, char *digits, size_t count) noexcept

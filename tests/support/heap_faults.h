@@ -3,8 +3,8 @@
  * it for. Those of the test and of the fake platform never fail. Sanitizers have a heap of their own, so without
  * effect there.
  */
-#ifndef KELTO_TESTS_FAULTS_HEAP_FAULTS_H
-#define KELTO_TESTS_FAULTS_HEAP_FAULTS_H
+#ifndef KELTO_TESTS_SUPPORT_HEAP_FAULTS_H
+#define KELTO_TESTS_SUPPORT_HEAP_FAULTS_H
 
 namespace HeapFaults
 {

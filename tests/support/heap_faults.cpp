@@ -1,4 +1,4 @@
-#include "faults/heap_faults.h"
+#include "support/heap_faults.h"
 
 #include <cstddef>
 #include <cstring>
