@@ -13,6 +13,8 @@ target_include_directories(kelto
   PRIVATE "${PROJECT_SOURCE_DIR}/src")
 target_link_libraries(kelto PRIVATE ICU::uc EXPAT::EXPAT kelto_options kelto_hardening)
 target_compile_options(kelto PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition -fno-plt)
+# What a destructor stores last may be read by whoever owns the storage; gcc would leave it out.
+target_compile_options(kelto PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-lifetime-dse>)
 set_target_properties(kelto PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}

@@ -48,13 +48,39 @@ unsigned deepestOnThisStack()
 
 constexpr std::string_view predefined[] = {"lt", "gt", "amp", "apos", "quot"};
 
+/** What the parser passes over in the text of an entity: nothing in there refers to another. */
+struct Passage
+{
+    std::string_view begin, end;
+};
+
+constexpr Passage passages[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+
+/** Takes the '<' at the front of a value, and the passage that it begins. */
+void takeMarkup(std::string_view &value)
+{
+    for (const Passage &passage : passages)
+        if (value.substr(0, passage.begin.size()) == passage.begin)
+        {
+            value.remove_prefix(std::min(value.find(passage.end, passage.begin.size()), value.size()));
+            return;
+        }
+    value.remove_prefix(1);
+}
+
 /** Takes the next reference to an entity from the front of a value; empty when there is none. */
 std::string_view takeReference(std::string_view &value)
 {
     size_t start;
-    while ((start = value.find('&')) != std::string_view::npos)
+    while ((start = value.find_first_of("&<")) != std::string_view::npos)
     {
-        value.remove_prefix(start + 1);
+        value.remove_prefix(start);
+        if (value[0] == '<')
+        {
+            takeMarkup(value);
+            continue;
+        }
+        value.remove_prefix(1);
         const size_t end = value.find_first_of("&;");
         if (end == std::string_view::npos)
             break;

@@ -121,6 +121,10 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
                               entity("none", "&#38;;&#38;x"),
                           "&e7;"),
          loaded("#1: 1=\"&<<\"")},
+        {"itself, in what the parser passes over",
+         withDeclarations(entity("e", "<!-- &e; --><![CDATA[&e;]]><?e &e;?>a"), "&e;"), loaded("#1: 1=\"&e;a\"")},
+        {"101 behind what the parser passes over",
+         withDeclarations(chain(100, true) + entity("e", "<!-- > --><?e?><e/>&e100;"), "a"), refused()},
         {"shared", // on several ways to the same one, which is declared behind those that refer to it
          withDeclarations(entity("e", "&z;") + entity("b", "&d;") + entity("a", "&b;&d;") + entity("d", "&e;") +
                               entity("z", "!"),

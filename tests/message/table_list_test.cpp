@@ -4,8 +4,10 @@
 #include "message/loading.h"
 #include "platform/zel.h"
 
+#include <array>
 #include <cstddef>
 #include <cstring>
+#include <gmock/gmock.h>
 #include <random>
 
 static_assert(offsetof(MessageTable, productVersion) == 8 && offsetof(MessageTable, language) == 16 &&
@@ -91,12 +93,13 @@ TEST_F(MsgTableListTest, IsWellLinkedAfterAnyInsertionsAndRemovals)
 TEST_F(MsgTableListTest, FreesEveryTableAndNodeAtItsEnd)
 {
     const Outstanding before = FakeZel::outstanding();
-    {
-        MsgTableList list;
-        for (int i = 0; i < 3; ++i)
-            ASSERT_EQ(list.Insert(makeTable()), 0);
-        FakeZel::record();
-    }
+    alignas(MsgTableList) std::array<unsigned char, sizeof(MsgTableList)> storage = {};
+    auto *const list = new (storage.data()) MsgTableList;
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(list->Insert(makeTable()), 0);
+    FakeZel::record();
+    list->~MsgTableList();
+    EXPECT_THAT(storage, testing::Each(0)) << "no node, and none counted";
     EXPECT_EQ(FakeZel::outstanding(), before);
     EXPECT_EQ(FakeZel::count(Operation::Free), 3 * 4u + 3 + 1);
     EXPECT_EQ(FakeZel::count(Operation::MutexAcquire), 0u);
