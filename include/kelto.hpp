@@ -159,10 +159,10 @@ namespace detail
 {
 
 #if KELTO_HAS_EXCEPTIONS
-inline void require(const std::error_code &failure, const std::string &what)
+inline void throw_if(const std::error_code &failure, const std::string &what)
 {
     if (failure)
-        throw error(failure, what);
+        throw error{failure, what};
 }
 #endif
 
@@ -213,7 +213,7 @@ public:
     {
         std::error_code failure;
         use_ = detail::use(failure);
-        detail::require(failure, "kelto::library");
+        detail::throw_if(failure, "kelto::library");
     }
 #endif
 
@@ -508,10 +508,10 @@ template <class T> auto hold(const T &value)
         return hold(static_cast<std::underlying_type_t<T>>(value));
     else if constexpr (kind == category::integer && std::is_signed_v<T>)
         return signed_argument(sizeof(T) > 4 ? KT_ARGUMENT_INT64 : KT_ARGUMENT_INT, value);
+    else if constexpr (std::is_same_v<T, bool>)
+        return signed_argument(KT_ARGUMENT_INT, value);
     else if constexpr (kind == category::integer)
-        return std::is_same_v<T, bool>
-                   ? signed_argument(KT_ARGUMENT_INT, value)
-                   : unsigned_argument(sizeof(T) > 4 ? KT_ARGUMENT_UINT64 : KT_ARGUMENT_UINT, value);
+        return unsigned_argument(sizeof(T) > 4 ? KT_ARGUMENT_UINT64 : KT_ARGUMENT_UINT, value);
     else if constexpr (kind == category::character)
         return unsigned_argument(KT_ARGUMENT_CHAR, static_cast<unsigned char>(value));
     else if constexpr (kind == category::unit)
@@ -867,7 +867,7 @@ template <std::size_t Capacity> struct parsed_text
 {
     int rule = KT_RULE_NONE;
     specification broken = {}; // the specification that breaks it
-    std::size_t slots = 0;
+    std::size_t slot_count = 0;
     slot slot_at[3 * Capacity + 1] = {};
 };
 
@@ -918,15 +918,15 @@ template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::
             for (std::size_t j = count; j > 0; --j)
                 if (specs[j - 1].position > count)
                     parsed.broken = specs[j - 1];
-            parsed.slots = 0;
+            parsed.slot_count = 0;
             return parsed;
         }
         if (specs[i].width_from_arguments && specs[i].code != 0)
-            parsed.slot_at[parsed.slots++] = {KT_SLOT_INT32, position};
+            parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
         if (specs[i].precision_from_arguments && specs[i].code != 0)
-            parsed.slot_at[parsed.slots++] = {KT_SLOT_INT32, position};
+            parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
         if (specs[i].code != 0)
-            parsed.slot_at[parsed.slots++] = {specs[i].code, position};
+            parsed.slot_at[parsed.slot_count++] = {specs[i].code, position};
     }
     return parsed;
 }
@@ -958,12 +958,12 @@ template <class Text> struct parsed_default
                   "kelto: the positions of this text are not 1, 2, 3 and so on; one is left out");
 };
 
-template <class Text, class... Arguments, std::size_t... I>
-constexpr bool arguments_fit(std::index_sequence<I...>) noexcept
+template <class Text, class... Arguments, std::size_t... Index>
+constexpr bool arguments_fit(std::index_sequence<Index...>) noexcept
 {
     using parsed = parsed_default<Text>;
-    return (argument_at_position<parsed::value.slot_at[I].position,
-                                 static_cast<KTSlotCode>(parsed::value.slot_at[I].code), Arguments>::is_right &&
+    return (argument_at_position<parsed::value.slot_at[Index].position,
+                                 static_cast<KTSlotCode>(parsed::value.slot_at[Index].code), Arguments>::is_right &&
             ... && true);
 }
 
@@ -972,8 +972,8 @@ template <class Text, class... Arguments> constexpr bool check_default() noexcep
 {
     using parsed = parsed_default<Text>;
     constexpr bool isFormat = parsed::rule == KT_RULE_NONE;
-    constexpr bool isComplete = !isFormat || parsed::value.slots <= sizeof...(Arguments);
-    constexpr bool isExhausted = !isFormat || parsed::value.slots >= sizeof...(Arguments);
+    constexpr bool isComplete = !isFormat || parsed::value.slot_count <= sizeof...(Arguments);
+    constexpr bool isExhausted = !isFormat || parsed::value.slot_count >= sizeof...(Arguments);
     static_assert(isComplete, "kelto: this text takes more arguments than the call passes");
     static_assert(isExhausted, "kelto: the call passes more arguments than this text takes");
     if constexpr (isFormat && isComplete && isExhausted)
@@ -1143,7 +1143,7 @@ struct conversion
 {
     named id;
     std::vector<int> types; // ended by 0
-    callback<int(const conversion_spec &, void **slots, std::u16string &text)> render;
+    callback<int(const conversion_spec &, void **given, std::u16string &text)> render;
 };
 
 /** A form table with all that its records point to. */
@@ -1218,13 +1218,13 @@ KELTO_SHARED inline int encode(const void *value, int dataType, unsigned long *s
 
 /** The function in all records of this layer. */
 KELTO_SHARED inline int convert(const char *name, int width, int precision, int flags, KTEncoder encoder,
-                                void *passThrough, void **slots, unsigned long *size, UCS2 *out)
+                                void *passThrough, void **given, unsigned long *size, UCS2 *out)
 {
     const conversion &own = *reinterpret_cast<const named *>(name)->owner;
     const unsigned long room = std::exchange(*size, 0);
     return guarded([&] {
         std::u16string text;
-        const int result = own.render({own.id.name, width, precision, flags, passThrough}, slots, text);
+        const int result = own.render({own.id.name, width, precision, flags, passThrough}, given, text);
         if (result != 0)
             return result;
         text.resize(std::char_traits<char16_t>::length(text.c_str()));
@@ -1321,26 +1321,26 @@ template <class Function, class... Values> struct renderer
 {
     Function function;
 
-    int operator()(const conversion_spec &spec, void **slots, std::u16string &text)
+    int operator()(const conversion_spec &spec, void **given, std::u16string &text)
     {
-        return render(spec, slots, text, std::index_sequence_for<Values...>());
+        return render(spec, given, text, std::index_sequence_for<Values...>());
     }
 
-    template <std::size_t... I>
-    int render(const conversion_spec &spec, void **slots, std::u16string &text, std::index_sequence<I...>)
+    template <std::size_t... Index>
+    int render(const conversion_spec &spec, void **given, std::u16string &text, std::index_sequence<Index...>)
     {
         std::tuple<own_value<Values>...> values;
-        const std::tuple<const Values *...> found = {std::get<I>(values).read(slots + I, spec.flags)...};
-        if (!(... && (std::get<I>(found) != nullptr)))
+        const std::tuple<const Values *...> found = {std::get<Index>(values).read(given + Index, spec.flags)...};
+        if (!(... && (std::get<Index>(found) != nullptr)))
             return KT_ERR_INVALID_PARAMETER;
         if constexpr (std::is_invocable_v<Function &, const Values &..., const conversion_spec &>)
-            text = to_ucs2(function(*std::get<I>(found)..., spec));
+            text = to_ucs2(function(*std::get<Index>(found)..., spec));
         else
         {
             static_assert(
                 std::is_invocable_v<Function &, const Values &...>,
                 "kelto: the function of a conversion takes its values, and a conversion_spec if it wants one");
-            text = to_ucs2(function(*std::get<I>(found)...));
+            text = to_ucs2(function(*std::get<Index>(found)...));
             lay_out(spec, text);
         }
         return 0;
@@ -1473,7 +1473,7 @@ public:
     {
         std::error_code failure;
         form_table table = build(failure);
-        detail::require(failure, "kelto::form_table");
+        detail::throw_if(failure, "kelto::form_table");
         return table;
     }
 #endif
@@ -1607,19 +1607,19 @@ inline std::size_t limit_of(const call_options &options, const argument_view &vi
             bytes += 3 * (isOpen ? std::char_traits<char16_t>::length(static_cast<const char16_t *>(argument.value.p))
                                  : std::size_t(argument.length));
     }
-    constexpr std::size_t most = std::numeric_limits<std::size_t>::max() / 2;
+    constexpr std::size_t most = (std::numeric_limits<std::size_t>::max)() / 2;
     return bytes < most / 8 && options.max_size < most ? options.max_size + 8 * bytes : most;
 }
 
 /** A character of one unit goes over as a unit where the format wants one, else as a text. */
 inline const KTArgument *adapt(const KTPreparedFormat *format, const argument_view &view) noexcept
 {
-    const KTSlot *slots = nullptr;
-    const std::size_t count = KTPreparedSlots(format, &slots);
+    const KTSlot *wanted = nullptr;
+    const std::size_t count = KTPreparedSlots(format, &wanted);
     for (std::size_t i = 0; i < view.count; ++i)
     {
         KTArgument &argument = view.adapted[i] = view.arguments[i];
-        if (i < count && slots[i].code == KT_SLOT_UNIT && argument.type == KT_ARGUMENT_UCS2 && argument.length == 1)
+        if (i < count && wanted[i].code == KT_SLOT_UNIT && argument.type == KT_ARGUMENT_UCS2 && argument.length == 1)
             argument = unsigned_argument(KT_ARGUMENT_UNIT, *static_cast<const char16_t *>(argument.value.p));
     }
     return view.adapted;
@@ -1727,7 +1727,7 @@ public:
     explicit prepared_format(const std::string &format, const format_options &options = {})
         : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
     {
-        detail::require(open(format), '"' + format + '"');
+        detail::throw_if(open(format), '"' + format + '"');
     }
 
     /** The text. Throws where the arguments are not those that the format takes, and where a conversion fails. */
@@ -1735,7 +1735,7 @@ public:
     {
         std::error_code failure;
         std::string text = format(failure, arguments...);
-        detail::require(failure, "kelto::prepared_format");
+        detail::throw_if(failure, "kelto::prepared_format");
         return text;
     }
 #endif
@@ -2129,7 +2129,7 @@ private:
 KELTO_SELDOM inline void fill_without_text(std::string &out, const std::string &name, std::uint32_t id,
                                            const argument_view &view)
 {
-    out = '[' + name + ' ' + std::to_string(id);
+    out = '[' + name + (name.empty() ? "" : " ") + std::to_string(id);
     for (std::size_t i = 0; i < view.count; ++i)
     {
         out += i == 0 ? ": " : ", ";
@@ -2462,14 +2462,14 @@ public:
     {
         std::error_code failure;
         catalog found = find(name, directory, options, failure);
-        detail::require(failure, directory + ": " + name);
+        detail::throw_if(failure, directory + ": " + name);
         return found;
     }
     static catalog load(const std::string &path, const catalog_options &options = {})
     {
         std::error_code failure;
         catalog loaded = load(path, options, failure);
-        detail::require(failure, path);
+        detail::throw_if(failure, path);
         return loaded;
     }
     static catalog embedded(const std::string &name, const void *data, std::size_t size,
@@ -2477,7 +2477,7 @@ public:
     {
         std::error_code failure;
         catalog loaded = embedded(name, data, size, options, failure);
-        detail::require(failure, name);
+        detail::throw_if(failure, name);
         return loaded;
     }
 #endif
@@ -2568,9 +2568,10 @@ private:
                                 const detail::argument_view &view) const
     {
         if (state_ != nullptr)
-            state_->fill(out, id.value(), source, view);
-        else
-            detail::fill_without_text(out.many(), {}, id.value(), view);
+            return state_->fill(out, id.value(), source, view);
+        detail::catalog_state moved({}, {}, nullptr); // what is left after a move: the text in the source
+        moved.begin();
+        moved.fill(out, id.value(), source, view);
     }
 
     std::unique_ptr<detail::catalog_state> state_;

@@ -219,7 +219,7 @@ TEST_F(Ladder, NeedsNoFile)
     EXPECT_EQ(store().format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
     EXPECT_EQ(store().language(), "");
     EXPECT_THROW(kelto::catalog::find("../store", "d"), kelto::error);
-    EXPECT_EQ(kelto::catalog::find("", "d", failure).format(1), "[ 1]");
+    EXPECT_EQ(kelto::catalog::find("", "d", failure).format(1), "[1]");
     EXPECT_EQ(failure, std::errc::invalid_argument);
     EXPECT_EQ(kelto::catalog::load("d/missing.xlf", failure).format(1, 7), "[missing 1: 7]");
     EXPECT_EQ(failure, std::errc::no_such_file_or_directory);
@@ -229,7 +229,8 @@ TEST_F(Ladder, NeedsNoFile)
     kelto::catalog one = kelto::catalog::load("d/one.xlf"), other = std::move(one);
     EXPECT_EQ(other.format(1, 7), "7");
     EXPECT_EQ(other.format(2), "[one 2]");
-    EXPECT_EQ(one.format(1, 7), "[ 1: 7]");
+    EXPECT_EQ(one.format(1, 7), "[1: 7]");
+    EXPECT_EQ(one.format(1, KELTO_DEFAULT("%d[1] in all"), 7), "7 in all");
 }
 
 TEST_F(Ladder, HoldsTheLibraryAsLongAsItNeedsIt)

@@ -13,7 +13,7 @@ std::string byCompiler(const std::string &format)
     static kelto::detail::parsed_text<mostConversions> parsed;
     parsed = kelto::detail::parse_text<mostConversions>(format);
     std::string line = std::to_string(parsed.rule);
-    for (size_t i = 0; i < parsed.slots; ++i)
+    for (size_t i = 0; i < parsed.slot_count; ++i)
         line += ' ' + std::to_string(parsed.slot_at[i].position) + ':' + std::to_string(parsed.slot_at[i].code);
     return parsed.rule == 0 ? line : line + " at " + std::to_string(parsed.broken.begin);
 }

@@ -1,7 +1,24 @@
 // Every name of kelto.hpp in a program that knows no exceptions. It succeeds by returning 0.
-#include <kelto.hpp>
-
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <iterator>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <vector>
+
+// Macros of large frameworks and of <complex.h>, which programs have in force.
+#define slots
+#define signals public
+#define emit
+#define foreach(item, list) for (item : list)
+#define I 1i
+#define min(a, b) ((a) < (b) ? (a) : (b))
+#define max(a, b) ((a) > (b) ? (a) : (b))
+#define require(x) #x
+#define error(x) #x
+#include <kelto.hpp>
 
 struct Money
 {
@@ -30,5 +47,6 @@ int main()
     std::string text = store.format(1, KELTO_DEFAULT("%EID[1] "), 1U);
     prepared.format_to(std::back_inserter(text), failure, Money{7}, "ten");
     store.format_to(std::back_inserter(text), 2, kelto::unchecked(" %money[1]"), Money{5});
-    return text == "<EID>0X00000001</EID> 7 of ten 5" && !failure && missing.language().empty() ? 0 : 1;
+    store.format_to(std::back_inserter(text), 90, KELTO_DEFAULT(" %!u[1]"), sizeof(int));
+    return text == "<EID>0X00000001</EID> 7 of ten 5 4" && !failure && missing.language().empty() ? 0 : 1;
 }
