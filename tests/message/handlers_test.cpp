@@ -57,7 +57,8 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
         EXPECT_EQ(first.state.highestId, 3);
         EXPECT_EQ(first.state.textSize, raw ? 10u : 14u);
 
-        MessageTable table = {nullptr, nullptr, "??", "??", 0, nullptr};
+        MessageTable table = {};
+        table.language[0] = table.country[0] = '?';
         table.language[2] = table.country[2] = '?';
         std::vector<char *> messages(4);
         std::vector<char> text(first.state.textSize);

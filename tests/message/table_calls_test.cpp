@@ -119,7 +119,8 @@ TEST_F(TableCallsTest, TellsWhatTheFileSays)
     EXPECT_EQ(KTTableInfo(nullptr, &facts), KT_ERR_TABLE_NOT_FOUND);
     EXPECT_EQ(facts.productName, nullptr);
     EXPECT_EQ(KTTableInfo(table, &facts), 0);
-    facts = {sizeof facts, nullptr, nullptr, "", "", 0};
+    facts = {};
+    facts.structSize = sizeof facts;
     ASSERT_EQ(KTTableInfo(table, &facts), 0);
     EXPECT_EQ(std::string(facts.productName) + facts.productVersion + facts.language + facts.country, "Example1.0enUS");
     EXPECT_EQ(facts.highestId, 7u);
