@@ -1804,18 +1804,36 @@ private:
 
 /* ## 6. Catalogs */
 
-/** The number of a message: an integer, or an enumerator of the program's. */
+/**
+ * The number of a message: an integer, or an enumerator of the program's. One below 0 or above 4294967295 is that of a
+ * message that is not there.
+ */
 class message_id
 {
 public:
     template <class Number, class = std::enable_if_t<std::is_integral_v<Number> || std::is_enum_v<Number>>>
-    constexpr message_id(Number number) noexcept : value_(static_cast<std::uint32_t>(number))
+    constexpr message_id(Number number) noexcept
+        : bits_(static_cast<std::uint64_t>(number)), isNegative_(number < Number())
     {
+        static_assert(!std::is_same_v<Number, bool>, "kelto: a bool is no message number");
+        static_assert(sizeof(Number) <= sizeof bits_, "kelto: a message number has at most 64 bits");
     }
-    constexpr std::uint32_t value() const noexcept { return value_; }
+
+    /** The number; 4294967295, which no message has, for one that does not fit. */
+    constexpr std::uint32_t value() const noexcept { return fits() ? static_cast<std::uint32_t>(bits_) : UINT32_MAX; }
+
+    /** Whether the number is one of 32 bits. */
+    constexpr bool fits() const noexcept { return !isNegative_ && bits_ <= UINT32_MAX; }
+
+    /** The number as it was given, in decimal. */
+    std::string to_string() const
+    {
+        return isNegative_ ? std::to_string(static_cast<std::int64_t>(bits_)) : std::to_string(bits_);
+    }
 
 private:
-    std::uint32_t value_;
+    std::uint64_t bits_;
+    bool isNegative_;
 };
 
 /** Why something was passed over on the way to a text. The texts live during the call that is told of it. */
@@ -1824,7 +1842,7 @@ struct problem
     std::string_view catalog;  /**< the name of the catalog */
     std::string_view language; /**< the language that was passed over; empty for the text in the source */
     std::string_view file;     /**< its file; empty for the text in the source */
-    std::uint32_t id;          /**< the message; 0 where the file as a whole is of no use */
+    std::uint32_t id;          /**< message_id::value(); 0 where the file as a whole is of no use */
     std::error_code error;     /**< in error_category() */
     std::string text;          /**< a sentence for the developer, in English */
 };
@@ -2126,10 +2144,10 @@ private:
 };
 
 /** "[store 3: report.txt, 12]" */
-KELTO_SELDOM inline void fill_without_text(std::string &out, const std::string &name, std::uint32_t id,
+KELTO_SELDOM inline void fill_without_text(std::string &out, const std::string &name, message_id id,
                                            const argument_view &view)
 {
-    out = '[' + name + (name.empty() ? "" : " ") + std::to_string(id);
+    out = '[' + name + (name.empty() ? "" : " ") + id.to_string();
     for (std::size_t i = 0; i < view.count; ++i)
     {
         out += i == 0 ? ": " : ", ";
@@ -2202,9 +2220,9 @@ public:
     }
 
     /** Puts together the text of a message; there is always one. */
-    void fill(text_buffer &out, std::uint32_t id, const unchecked_text *source, const argument_view &view)
+    void fill(text_buffer &out, message_id id, const unchecked_text *source, const argument_view &view)
     {
-        if (const message *const known = messages_.find(id))
+        if (const message *const known = messages_.find(id.value()))
             if (const KTPreparedFormat *const format = known->first.load(std::memory_order_acquire))
                 if (format_into(out, format, options_, view) == 0)
                     return;
@@ -2237,9 +2255,10 @@ private:
     }
 
     /** Tries one language after the other, then the text in the source. */
-    KELTO_SELDOM void climb_down(text_buffer &out, std::uint32_t id, const unchecked_text *source,
+    KELTO_SELDOM void climb_down(text_buffer &out, message_id given, const unchecked_text *source,
                                  const argument_view &view)
     {
+        const std::uint32_t id = given.value();
         message &known = messages_.get(id, files_.size());
         for (std::size_t i = 0; i < files_.size(); ++i)
         {
@@ -2255,13 +2274,32 @@ private:
                 known.first.compare_exchange_strong(none, format, std::memory_order_acq_rel);
                 result = format_into(out, format, options_, view);
             }
+            else if (view.count == 0 && text_in(file, id) != nullptr && is_empty_below(i, id, source))
+            {
+                out.set_few(0);
+                return;
+            }
             if (result == 0)
                 return;
             if (onProblem_ && !here.is_told.exchange(true, std::memory_order_relaxed))
-                report(&file, file.path(), id, result, why(text_in(file, id), view, result));
+                report(&file, file.path(), id, result,
+                       given.fits() ? why(text_in(file, id), view, result)
+                                    : "no message has the number " + given.to_string());
         }
         if (source == nullptr || !fill_from_source(out, known, id, *source, view))
-            fill_without_text(out.many(), name_, id, view);
+            fill_without_text(out.many(), name_, given, view);
+    }
+
+    /** Whether a message is empty in this language and has no text in those that follow or in the source. */
+    KELTO_SELDOM bool is_empty_below(std::size_t language, std::uint32_t id, const unchecked_text *source) const
+    {
+        for (std::size_t i = language; i < files_.size(); ++i)
+        {
+            const char *const text = table_of(*files_[i]) != nullptr ? text_in(*files_[i], id) : nullptr;
+            if (text != nullptr && *text != '\0')
+                return false;
+        }
+        return source == nullptr || source->text.empty();
     }
 
     static const char *text_in(const language_file &file, std::uint32_t id) noexcept
@@ -2281,7 +2319,7 @@ private:
             return nullptr;
         const char *const text = text_in(file, id);
         prepared_pointer format;
-        if (text != nullptr)
+        if (text != nullptr && *text != '\0')
             format = prepare(text, options_.c_table(), result);
         else
             result = KT_ERR_INVALID_MSG_ID;
@@ -2323,6 +2361,8 @@ private:
     {
         if (text == nullptr)
             return "the catalog has no such message";
+        if (*text == '\0' && result == KT_ERR_INVALID_MSG_ID)
+            return "the text is empty";
         const std::string quoted = std::string("\"") + text + "\": ";
         if (result == KT_ERR_BUFFER_TOO_SMALL)
             return quoted + "the text is longer than max_size";
@@ -2568,10 +2608,10 @@ private:
                                 const detail::argument_view &view) const
     {
         if (state_ != nullptr)
-            return state_->fill(out, id.value(), source, view);
+            return state_->fill(out, id, source, view);
         detail::catalog_state moved({}, {}, nullptr); // what is left after a move: the text in the source
         moved.begin();
-        moved.fill(out, id.value(), source, view);
+        moved.fill(out, id, source, view);
     }
 
     std::unique_ptr<detail::catalog_state> state_;

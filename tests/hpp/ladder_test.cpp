@@ -107,8 +107,8 @@ TEST_F(Ladder, SurvivesHostileTranslations)
 
 TEST_F(Ladder, GoesFromLanguageToLanguageToTheSource)
 {
-    language("de", MessageFile().unit(1, "eins").unit(3, "%s[1]"));
-    language("fr", MessageFile().unit(1, "un").unit(2, "deux").unit(3, "%n[1]"));
+    language("de", MessageFile().unit(1, "eins").unit(3, "%s[1]").unit(4, "").unit(5, ""));
+    language("fr", MessageFile().unit(1, "un").unit(2, "deux").unit(3, "%n[1]").unit(4, "").unit(5, "cinq"));
     FakeZel::file("d/en/store.xlf", "<damaged");
     const kelto::catalog catalog = store();
     EXPECT_EQ(catalog.language(), "de");
@@ -124,9 +124,16 @@ TEST_F(Ladder, GoesFromLanguageToLanguageToTheSource)
         {"[store 9: a, \xEF\xBF\xBD\xEF\xBF\xBD]",
          catalog.format(hugeId / hugeId * 9, std::string("a\0b", 3), "\xF0\x9F\xFF")},
         {"[store 2147483647]", catalog.format(hugeId)},
-        {"[store 4294967295]", catalog.format(-1)},
+        {"[store -1]", catalog.format(-1)},
+        {"[store 4294967298]", catalog.format((1LL << 32) + 2)},
+        {"[store 18446744073709551615: x]", catalog.format(~0ULL, "x")},
+        {"", catalog.format(4)}, // empty everywhere
+        {"vier", catalog.format(4, KELTO_DEFAULT("vier"))},
+        {"[store 4: x]", catalog.format(4, "x")},
+        {"cinq", catalog.format(5)},
+        {"", catalog.format(6, KELTO_DEFAULT(""))},
         {"deux", std::string(catalog.text(2))},
-        {"", std::string(catalog.text(4))},
+        {"", std::string(catalog.text(7))},
     };
     for (const Expected &row : rows)
         EXPECT_EQ(row.text, row.given);
@@ -140,7 +147,12 @@ TEST_F(Ladder, GoesFromLanguageToLanguageToTheSource)
                                                "de 2147483647 KT_ERR_INVALID_MSG_ID",
                                                "fr 2147483647 KT_ERR_INVALID_MSG_ID",
                                                "de 4294967295 KT_ERR_INVALID_MSG_ID",
-                                               "fr 4294967295 KT_ERR_INVALID_MSG_ID"};
+                                               "fr 4294967295 KT_ERR_INVALID_MSG_ID",
+                                               "de 4 KT_ERR_INVALID_MSG_ID",
+                                               "fr 4 KT_ERR_INVALID_MSG_ID",
+                                               "de 5 KT_ERR_INVALID_MSG_ID",
+                                               "de 6 KT_ERR_INVALID_MSG_ID",
+                                               "fr 6 KT_ERR_INVALID_MSG_ID"};
     EXPECT_EQ(told, expected);
     EXPECT_EQ(stories[1], "\"%s[1]\": argument 1 is a UTF-8 string here, a 32-bit integer in the call");
     EXPECT_EQ(stories[2], "\"%n[1]\": no conversion has this name");
