@@ -41,6 +41,7 @@ ExitStatus run(CommandLine &line)
         throw line.misuse(say(Text::moreThanOneFile));
     if (output.empty())
         throw line.misuse(say(Text::optionMissing, {"--output"}));
+    requireOtherFile(output, files);
     const MessageFile file(files.front(), raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
     const std::string catalog = file.compiled();
     if (output == "-")

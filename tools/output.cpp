@@ -63,6 +63,12 @@ private:
     int m_descriptor;
 };
 
+/** Whether there is such a file. */
+bool lookUp(const std::string &path, struct stat &status)
+{
+    return (path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status)) == 0;
+}
+
 [[noreturn]] void outputFailed()
 {
     throw OutputFailure(say(Text::standardOutput) + ": " + systemText(errno));
@@ -133,6 +139,24 @@ std::string readMessageFile(const std::string &path)
     if (isThere && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode) && !S_ISDIR(status.st_mode))
         throw Failure(inputName(path) + ": " + say(Text::noRegularFile));
     return readWhole(path);
+}
+
+bool isSameFile(const std::string &a, const std::string &b)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return a == b ||
+           (lookUp(a, first) && lookUp(b, second) && first.st_dev == second.st_dev && first.st_ino == second.st_ino);
+}
+
+void requireOtherFile(const std::string &output, const std::vector<std::string> &inputs)
+{
+    struct stat status = {};
+    if (output.empty() || output == "-" || !lookUp(output, status) || !S_ISREG(status.st_mode))
+        return;
+    for (const std::string &input : inputs)
+        if (isSameFile(output, input))
+            throw Failure(terminal().showBytes(output) + ": " + say(Text::outputIsInput));
 }
 
 std::string inputName(const std::string &path)

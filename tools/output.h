@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool
 {
@@ -33,6 +34,12 @@ std::string readWhole(const std::string &path);
  * What a shell passes as /dev/fd/63 is read.
  */
 std::string readMessageFile(const std::string &path);
+
+/** Throws where an output is a regular file that is an input too, "-" among them, which to open would empty. */
+void requireOtherFile(const std::string &output, const std::vector<std::string> &inputs);
+
+/** Whether both are one file, by whatever names; "-" is standard input. */
+bool isSameFile(const std::string &a, const std::string &b);
 
 /** How diagnostics name such an input. */
 std::string inputName(const std::string &path);

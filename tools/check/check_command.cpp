@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <fmt/core.h>
 #include <mutex>
-#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -219,16 +218,6 @@ private:
     bool m_hasFailed = false;
 };
 
-bool isSameFile(const std::string &a, const std::string &b)
-{
-    struct stat first = {};
-    struct stat second = {};
-    if (a == "-" || b == "-")
-        return a == b;
-    return a == b || (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-                      first.st_ino == second.st_ino);
-}
-
 bool wantsColour(const CommandLine &line, const Options &options)
 {
     if (options.colour != "auto" && options.colour != "always" && options.colour != "never")
@@ -286,6 +275,10 @@ ExitStatus checkAll(const CommandLine &line, const Options &options, const Words
     writing.isQuiet = options.isQuiet;
     writing.reference = options.reference == "-" ? options.stdinName : options.reference;
     writing.levels = &setting.levels;
+    Words inputs = files;
+    if (!options.reference.empty())
+        inputs.push_back(options.reference);
+    requireOtherFile(options.output == "-" ? "./-" : options.output, inputs);
     std::optional<Output> output; // opened when the reference is read: a failure before leaves the file alone
     const Sink sink = [&output](std::string_view text) { (*output)(text); };
     const std::unique_ptr<Writer> writer = makeWriter(line, options.format, sink, writing);

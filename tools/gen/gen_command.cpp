@@ -89,6 +89,8 @@ ExitStatus run(CommandLine &line)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
 
+    for (const std::string &written : {output, depfile})
+        requireOtherFile(written == "-" ? "./-" : written, files);
     Catalog catalog(SourceText(files[0], readMessageFile(files[0])), Catalog::Placeholders::positioned);
     Findings findings = catalog.findings();
     const Findings others = checkMessages(catalog, forms.get(), nullptr);
