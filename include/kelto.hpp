@@ -1710,6 +1710,50 @@ inline prepared_pointer prepare(const char *text, formTable *table, int &result)
     return prepared_pointer(format);
 }
 
+/** A format that asks for these arguments; empty where there is none without the program's own table. */
+KELTO_SELDOM inline std::string reference_of(const argument_view &view)
+{
+    // By KTArgumentType.
+    constexpr const char *names[] = {"", "d", "u", "!d", "!u", "c", "lc", "f", "Lf", "s", "U"};
+    std::string format;
+    for (std::size_t i = 0; i < view.count; ++i)
+    {
+        if (view.arguments[i].type >= std::size(names))
+            return {};
+        char specification[40];
+        std::snprintf(specification, sizeof specification, "%%%s[%zu]", names[view.arguments[i].type], i + 1);
+        format += specification;
+    }
+    return format;
+}
+
+/** What is wrong with a text, as exactly as it can be told. */
+KELTO_SELDOM inline std::string why(const char *text, const call_options &options, const argument_view &view,
+                                    int result)
+{
+    if (text == nullptr)
+        return "the catalog has no such message";
+    if (*text == '\0' && result == KT_ERR_INVALID_MSG_ID)
+        return "the text is empty";
+    const std::string quoted = std::string("\"") + text + "\": ";
+    if (result == KT_ERR_BUFFER_TOO_SMALL)
+        return quoted + "the text is longer than max_size";
+    KTProblem found = {};
+    found.structSize = sizeof found;
+    const bool isFormat = KTExplainFormat(text, options.c_table(), &found) == 0;
+    const std::string reference = result == KT_ERR_INVALID_PARAMETER ? reference_of(view) : std::string();
+    if (isFormat && !reference.empty())
+        KTCompareFormats(text, reference.c_str(), options.c_table(), &found);
+    char sentence[512];
+    std::size_t size = sizeof sentence;
+    if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_REFERENCE || KTProblemText(&found, &size, sentence) != 0)
+        return quoted + KTResultText(result);
+    std::string story = quoted + sentence;
+    constexpr std::string_view other = "the reference";
+    const std::size_t at = story.rfind(other);
+    return isFormat && at != std::string::npos ? story.replace(at, other.size(), "the call") : story;
+}
+
 } // namespace detail
 
 /** One format, parsed once, for texts that come from no catalog. Here what does not fit is an error. */
@@ -1727,7 +1771,9 @@ public:
     explicit prepared_format(const std::string &format, const format_options &options = {})
         : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
     {
-        detail::throw_if(open(format), '"' + format + '"');
+        const std::error_code failure = open(format);
+        if (failure)
+            detail::throw_if(failure, detail::why(format.c_str(), options_, {nullptr, nullptr, 0}, failure.value()));
     }
 
     /** The text. Throws where the arguments are not those that the format takes, and where a conversion fails. */
@@ -2100,7 +2146,10 @@ public:
             number("%Lg", *static_cast<const long double *>(argument.value.p));
             break;
         case KT_ARGUMENT_UTF8:
-            write(view<char>(argument));
+            if (const std::string_view text = view<char>(argument); is_time_stamp(text))
+                out_.append(text.substr(0, 10)).append(1, ' ').append(text.substr(12, 8));
+            else
+                write(text);
             break;
         case KT_ARGUMENT_UCS2:
             out_ += to_utf8(view<char16_t>(argument));
@@ -2127,6 +2176,16 @@ private:
             return text;
         const std::basic_string_view<Character> whole(text, argument.length);
         return whole.substr(0, whole.find(Character()));
+    }
+
+    /** Whether a text is a time as "%DT" takes it. */
+    static bool is_time_stamp(std::string_view text) noexcept
+    {
+        constexpr std::string_view pattern = "0000-00-00'T00:00:00Z";
+        bool isOne = text.size() == pattern.size();
+        for (std::size_t i = 0; isOne && i < pattern.size(); ++i)
+            isOne = (text[i] >= '0' && text[i] <= '9' ? '0' : text[i]) == pattern[i];
+        return isOne;
     }
 
     /** Writes UTF-8, whatever the text is. */
@@ -2283,7 +2342,7 @@ private:
                 return;
             if (onProblem_ && !here.is_told.exchange(true, std::memory_order_relaxed))
                 report(&file, file.path(), id, result,
-                       given.fits() ? why(text_in(file, id), view, result)
+                       given.fits() ? why(text_in(file, id), options_, view, result)
                                     : "no message has the number " + given.to_string());
         }
         if (source == nullptr || !fill_from_source(out, known, id, *source, view))
@@ -2352,52 +2411,8 @@ private:
         const int result =
             kept->format != nullptr ? format_into(out, kept->format.get(), options_, view) : kept->result;
         if (result != 0 && onProblem_ && !known.is_source_told.exchange(true, std::memory_order_relaxed))
-            report(nullptr, {}, id, result, why(kept->text.c_str(), view, result));
+            report(nullptr, {}, id, result, why(kept->text.c_str(), options_, view, result));
         return result == 0;
-    }
-
-    /** What is wrong with a text, as exactly as it can be told. */
-    KELTO_SELDOM std::string why(const char *text, const argument_view &view, int result) const
-    {
-        if (text == nullptr)
-            return "the catalog has no such message";
-        if (*text == '\0' && result == KT_ERR_INVALID_MSG_ID)
-            return "the text is empty";
-        const std::string quoted = std::string("\"") + text + "\": ";
-        if (result == KT_ERR_BUFFER_TOO_SMALL)
-            return quoted + "the text is longer than max_size";
-        KTProblem found = {};
-        found.structSize = sizeof found;
-        const bool isFormat = KTExplainFormat(text, options_.c_table(), &found) == 0;
-        const std::string reference = result == KT_ERR_INVALID_PARAMETER ? reference_of(view) : std::string();
-        if (isFormat && !reference.empty())
-            KTCompareFormats(text, reference.c_str(), options_.c_table(), &found);
-        char sentence[512];
-        std::size_t size = sizeof sentence;
-        if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_REFERENCE ||
-            KTProblemText(&found, &size, sentence) != 0)
-            return quoted + KTResultText(result);
-        std::string story = quoted + sentence;
-        constexpr std::string_view other = "the reference";
-        const std::size_t at = story.rfind(other);
-        return isFormat && at != std::string::npos ? story.replace(at, other.size(), "the call") : story;
-    }
-
-    /** A format that asks for these arguments; empty where there is none without the program's own table. */
-    static std::string reference_of(const argument_view &view)
-    {
-        // By KTArgumentType.
-        constexpr const char *names[] = {"", "d", "u", "!d", "!u", "c", "lc", "f", "Lf", "s", "U"};
-        std::string format;
-        for (std::size_t i = 0; i < view.count; ++i)
-        {
-            if (view.arguments[i].type >= std::size(names))
-                return {};
-            char specification[40];
-            std::snprintf(specification, sizeof specification, "%%%s[%zu]", names[view.arguments[i].type], i + 1);
-            format += specification;
-        }
-        return format;
     }
 
     use use_;

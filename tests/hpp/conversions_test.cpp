@@ -99,6 +99,15 @@ TEST(OwnConversions, ThrowThroughTheLibrary)
         EXPECT_THROW(prepared.format(stars, Money{-1}), std::domain_error);
     EXPECT_EQ(prepared.format(1, Money{100}), "*1.0");
     EXPECT_THROW(prepared.format(1), kelto::error);
+    try
+    {
+        const kelto::prepared_format malformed("%s[1] %d[3]");
+        ADD_FAILURE();
+    }
+    catch (const kelto::error &e)
+    {
+        EXPECT_EQ(std::string(e.what()).find("\"%s[1] %d[3]\": position 2 is missing"), 0) << e.what();
+    }
 }
 
 TEST(OwnConversions, OutliveTheirTable)

@@ -129,7 +129,7 @@ TEST_F(Ladder, GoesFromLanguageToLanguageToTheSource)
         {"[store 18446744073709551615: x]", catalog.format(~0ULL, "x")},
         {"", catalog.format(4)}, // empty everywhere
         {"vier", catalog.format(4, KELTO_DEFAULT("vier"))},
-        {"[store 4: x]", catalog.format(4, "x")},
+        {"[store 4: x, 1970-01-01 00:00:00]", catalog.format(4, "x", std::chrono::system_clock::time_point())},
         {"cinq", catalog.format(5)},
         {"", catalog.format(6, KELTO_DEFAULT(""))},
         {"deux", std::string(catalog.text(2))},
