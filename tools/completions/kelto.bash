@@ -29,10 +29,13 @@ _kelto_kind() {
     esac
 }
 
-# The rules of the checker, behind each of the prefixes.
+# The rules of the checker, behind each of the prefixes: "all", or what can be chosen, since errors stay as they are. The
+# list, in English, puts "name error|warning summary" in a line.
 _kelto_rules() {
-    local rules prefix
-    rules=$(kelto check --list-rules 2>/dev/null | cut -d ' ' -f 1)
+    local rules prefix only=warning
+    [ "$1" != all ] || only='[a-z]*'
+    shift
+    rules=$(LC_ALL=C kelto check --list-rules 2>/dev/null | sed -n "s/^\([a-z-]*\)  *$only .*/\1/p")
     for prefix in "$@"; do
         compgen -P "$prefix" -W "$rules"
     done
@@ -55,7 +58,7 @@ _kelto() {
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     if [[ $word = -W* ]]; then
-        mapfile -t COMPREPLY < <(compgen -P -W -W "error no-error $(_kelto_rules '' no- error= no-error=)" -- "${word#-W}")
+        mapfile -t COMPREPLY < <(compgen -P -W -W "error $(_kelto_rules chosen '' no- error= no-error=)" -- "${word#-W}")
         return
     fi
     local kind words=
@@ -64,7 +67,7 @@ _kelto() {
     charset) words=$(kelto convert --list-charsets 2>/dev/null) ;;
     form) words='text json sarif github' ;;
     when) words='auto always never' ;;
-    rule) words=$(_kelto_rules '') ;;
+    rule) words=$(_kelto_rules all '') ;;
     esac
     if [ -n "$kind" ] && [ "$kind" != file ]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
