@@ -1,5 +1,7 @@
 #include "gen/names.h"
 
+#include "gen/macros.h"
+
 #include <algorithm>
 #include <fmt/core.h>
 #include <map>
@@ -78,7 +80,8 @@ std::optional<Text> faultOfName(std::string_view name)
         return Text::isNoName;
     if (name.find("__") != std::string_view::npos)
         return Text::isReserved;
-    if (std::find(std::begin(words), std::end(words), name) != std::end(words))
+    const bool isWord = std::find(std::begin(words), std::end(words), name) != std::end(words);
+    if (isWord || macros.find(fmt::format(" {} ", name)) != std::string_view::npos)
         return Text::isTaken;
     return std::nullopt;
 }
