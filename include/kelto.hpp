@@ -762,7 +762,7 @@ public:
         spec.begin = at_++;
         spec.rule = read_parts(spec);
         spec.end = at_;
-        if (spec.position == 0 && spec.rule != KT_RULE_NUMBER_TOO_LARGE && !has_bracket(spec.begin))
+        if (spec.rule != KT_RULE_NONE && spec.rule != KT_RULE_NUMBER_TOO_LARGE && !has_bracket(spec.begin))
             spec.rule = KT_RULE_POSITION_MISSING;
         return spec;
     }
@@ -785,7 +785,7 @@ private:
         return true;
     }
 
-    /** Whether a malformed specification has a '[' before the place where its author will have meant it to end. */
+    /** Whether a refused specification has a '[' before the place where its author will have meant it to end. */
     constexpr bool has_bracket(std::size_t percent) const noexcept
     {
         std::size_t at = percent + 1;

@@ -157,16 +157,17 @@ private:
     /** Of one conversion specification by itself. */
     [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, kelto::ConversionSpec<Unit> spec) const
     {
-        if (spec.position != 0)
-            return refuse(spec.record.type == CONV_UNKNOWN ? KT_RULE_UNKNOWN_CONVERSION : KT_RULE_NUMBER_TOO_LARGE,
-                          percent, spec.end);
+        const bool isKnown = spec.position != 0 && spec.record.type != CONV_UNKNOWN;
+        if (isKnown)
+            return refuse(KT_RULE_NUMBER_TOO_LARGE, percent, spec.end);
+        const KTRule rule = spec.position != 0 ? KT_RULE_UNKNOWN_CONVERSION : spec.fault;
         const Unit *const end = guessEnd(percent);
+        // A name may run on through the text as far as the '[' of the next conversion.
         const bool hasBracket = std::find(percent, end, '[') != end;
-        const bool isNumberFault = spec.fault == KT_RULE_NUMBER_TOO_LARGE;
-        return refuse(hasBracket || isNumberFault ? spec.fault : KT_RULE_POSITION_MISSING, percent, end);
+        return refuse(hasBracket || rule == KT_RULE_NUMBER_TOO_LARGE ? rule : KT_RULE_POSITION_MISSING, percent, end);
     }
 
-    /** Where the author will have meant a malformed one to end: at its ']', else at the next white space or '%'. */
+    /** Where the author will have meant a refused one to end: at its ']', else at the next white space or '%'. */
     const Unit *guessEnd(const Unit *percent) const
     {
         constexpr char flagsAndBreaks[] = "-+ #0";
