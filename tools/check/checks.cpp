@@ -75,9 +75,9 @@ public:
             checkFormat();
         if (m_pair.original != nullptr)
             compareWhiteSpace();
-        for (const auto &[rule, count] : m_counts)
-            if (count > mostPerRule)
-                add(rule, m_pair.message.source, counted(Text::oneMore, Text::manyMore, count - mostPerRule),
+        for (const auto &[rule, found] : m_found)
+            if (found.count > mostPerRule)
+                add(rule, found.lastPlace, counted(Text::oneMore, Text::manyMore, found.count - mostPerRule),
                     std::nullopt);
     }
 
@@ -85,10 +85,20 @@ private:
     /** A message may be megabytes of one mistake. */
     static constexpr size_t mostPerRule = 100;
 
+    /** What was found against one rule. */
+    struct Found
+    {
+        size_t count = 0;
+        Range lastPlace{}; // of those that are told
+    };
+
     void find(Rule rule, Range place, Phrase text, std::optional<Note> note = std::nullopt)
     {
-        if (++m_counts[rule] <= mostPerRule)
-            add(rule, place, std::move(text), std::move(note));
+        Found &found = m_found[rule];
+        if (++found.count > mostPerRule)
+            return;
+        found.lastPlace = place;
+        add(rule, place, std::move(text), std::move(note));
     }
 
     void add(Rule rule, Range place, Phrase text, std::optional<Note> note)
@@ -126,7 +136,7 @@ private:
     Findings &m_findings;
     ResolvedText m_text;
     ResolvedText m_original; // of what it is compared with
-    std::map<Rule, size_t> m_counts;
+    std::map<Rule, Found> m_found;
 };
 
 void MessageCheck::checkEmpty()
@@ -247,7 +257,7 @@ void MessageCheck::checkPositions(const Format &format)
     bool isMalformed = false; // by a conversion whose position is not known
     for (const FormatFault &fault : format.faults)
     {
-        isMalformed = isMalformed || (fault.position == 0 && !fault.isLone);
+        isMalformed = isMalformed || fault.position == 0;
         if (fault.position != 0)
             positions.insert(fault.position);
     }
@@ -320,13 +330,9 @@ void MessageCheck::compareArguments(const Format &format)
 {
     const Format &original = *m_pair.originalFormat;
     const bool agrees = format.isAccepted && argumentsOf(format) == argumentsOf(original);
-    std::set<int> known; // positions of conversions that nobody knows
-    bool isMalformed = false;
+    std::set<int> known; // positions of conversions that nobody knows; 0 where one may be meant for any argument
     for (const FormatFault &fault : format.faults)
-    {
         known.insert(fault.position);
-        isMalformed = isMalformed || (fault.position == 0 && !fault.isLone);
-    }
     const int highest = format.highestPosition();
     for (const Conversion &there : original.conversions)
         if (const Conversion *const here = format.find(there.position))
@@ -337,7 +343,7 @@ void MessageCheck::compareArguments(const Format &format)
             else if (!agrees)
                 compareConversions(*here, there);
         }
-        else if (!agrees && !isMalformed && known.count(there.position) == 0 && !there.slots.empty())
+        else if (!agrees && known.count(0) == 0 && known.count(there.position) == 0 && !there.slots.empty())
             findMissing(there, there.position < highest);
     if (agrees)
         return;

@@ -119,7 +119,9 @@ bool isLone(std::string_view specification, formTable *table)
 {
     if (specification.find('[') != std::string_view::npos)
         return false;
-    const size_t begin = std::min(specification.find_first_not_of("-+#0123456789.*", 1), specification.size());
+    size_t begin = std::min(specification.find_first_not_of("-+#0123456789.*", 1), specification.size());
+    if (begin < specification.size() && specification[begin] == '$') // "%1$d" is how others write a position
+        ++begin;
     const auto isNameCharacter = [](char byte) {
         return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '!';
     };
@@ -172,9 +174,12 @@ Format parseFormat(std::string_view message, formTable *table)
         KTFormatter *formatter = nullptr;
         const int position = parseConvSpec(&cursor, table, &type, &width, &precision, &flags, &formatter);
         const size_t begin = walk.bytesTo(at);
-        if (position == 0)
+        KTProblem problem{};
+        if (position == 0 || type == CONV_UNKNOWN)
+            problem = problemAt(message.substr(begin), table);
+        const bool ranOn = problem.rule == KT_RULE_POSITION_MISSING; // as far as the position of the next one
+        if (position == 0 || ranOn)
         {
-            const KTProblem problem = problemAt(message.substr(begin), table);
             const bool isLonePercent = isLone(message.substr(begin, problem.length), table);
             addFault(begin, problem, 0, isLonePercent);
             do
@@ -184,11 +189,8 @@ Format parseFormat(std::string_view message, formTable *table)
         }
         at = static_cast<size_t>(cursor - text.c_str());
         const Range place{begin, walk.bytesTo(at)};
-        KTProblem problem{};
         problem.length = place.end - begin;
-        if (type == CONV_UNKNOWN)
-            problem.rule = KT_RULE_UNKNOWN_CONVERSION;
-        else if (position > believedPosition && static_cast<size_t>(position) > text.size())
+        if (position > believedPosition && static_cast<size_t>(position) > text.size() && type != CONV_UNKNOWN)
             problem.rule = KT_RULE_NUMBER_TOO_LARGE;
         if (problem.rule != KT_RULE_NONE)
             addFault(begin, problem, position, false);
