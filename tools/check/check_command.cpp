@@ -192,7 +192,7 @@ public:
         if (!report.failure.empty())
         {
             complain(report.failure);
-            m_hasFailed = true;
+            ++m_unread;
         }
         for (const Diagnostic &diagnostic : report.diagnostics)
         {
@@ -204,9 +204,9 @@ public:
     ExitStatus finish(size_t files)
     {
         m_progress.hide();
-        m_summary.files = files;
+        m_summary.files = files - m_unread;
         m_writer.end(m_summary);
-        if (m_hasFailed)
+        if (m_unread > 0)
             return ExitStatus::failed;
         return m_summary.errors > 0 ? ExitStatus::negative : ExitStatus::done;
     }
@@ -215,7 +215,7 @@ private:
     Writer &m_writer;
     Progress &m_progress;
     Summary m_summary;
-    bool m_hasFailed = false;
+    size_t m_unread = 0;
 };
 
 bool wantsColour(const CommandLine &line, const Options &options)
