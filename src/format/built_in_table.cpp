@@ -67,8 +67,8 @@ constexpr formTable indexedTable()
 } // namespace
 
 // Data, not code that fills it at the start; an array takes the records of another only one by one.
-KTFormatter builtInFormList[] = {records[0],  records[1],  records[2],  records[3],  records[4],  records[5],
-                                 records[6],  records[7],  records[8],  records[9],  records[10], records[11],
-                                 records[12], records[13], records[14], records[15], records[16], records[17]};
+KTFormatter builtInFormList[recordCount] = {
+    records[0], records[1],  records[2],  records[3],  records[4],  records[5],  records[6],  records[7],  records[8],
+    records[9], records[10], records[11], records[12], records[13], records[14], records[15], records[16], records[17]};
 
 formTable builtInFormTable = indexedTable();

@@ -43,6 +43,7 @@ TEST_F(FormTable, TheSharedTableIsOneAndCompletelyIndexed)
     EXPECT_EQ(second, &builtInFormTable);
     EXPECT_EQ(KTFreeFormTable(first), 0) << "it is left alone";
     EXPECT_EQ(KTFreeFormTable(nullptr), 0);
+    EXPECT_NE(std::end(builtInFormList)[-2].name, nullptr) << "no record is missing";
     for (int letter = 'a'; letter <= 'z'; ++letter)
     {
         int place = 0;
