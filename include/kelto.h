@@ -222,8 +222,8 @@ int KTLoadCompiledData(const void *data, size_t size, MessageTable **table);
  * @param id       out: the number of the next message; 0 when there is none, and on every other failure but
  *                 KT_ERR_NOT_INITIALIZED, which leaves both outputs alone.
  * @param message  out: the message, as KTGetMessage() gives it; null where `id` is 0.
- * @return 0; KT_ERR_INVALID_MSG_ID where no message has a higher number; KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND,
- *         or KT_ERR_INVALID_PARAMETER where an output is null.
+ * @return 0; KT_ERR_INVALID_MSG_ID where no message has a higher number; KT_ERR_NOT_INITIALIZED,
+ *         KT_ERR_TABLE_NOT_FOUND, or KT_ERR_INVALID_PARAMETER where an output is null.
  *
  *     unsigned int id = 0;
  *     char *message;
@@ -1205,8 +1205,8 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
  * without a full stop; needs no started library.
  * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the sentence, the
  *              terminator not counted, also where it does not fit.
- * @return 0; KT_ERR_BUFFER_TOO_SMALL, and text holds the empty text where it has room; or KT_ERR_INVALID_PARAMETER where
- *         problem or size is null, or text with a capacity other than 0.
+ * @return 0; KT_ERR_BUFFER_TOO_SMALL, and text holds the empty text where it has room; or KT_ERR_INVALID_PARAMETER
+ *         where problem or size is null, or text with a capacity other than 0.
  */
 int KTProblemText(const KTProblem *problem, size_t *size, char *text);
 

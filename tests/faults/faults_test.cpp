@@ -193,7 +193,8 @@ const Row rows[] = {
     {"long number", 5, {}, [] { return formatList("%f[1]", 1e300); }},
     {"number for which the C library takes memory", 1, {noMemory}, formatVeryLongNumber},
     {"name in its own place", 1, {}, formatNameInPlace},
-    // The parameters, which are many, and the prepared format; of a prepared one the long number, a buffer for the own text.
+    // The parameters, which are many, and the prepared format; of a prepared one the long number, a buffer for the own
+    // text.
     {"prepare", 2, {}, [] { return KTPrepareFormat(manyForms, nullptr, &got.prepared); }},
     {"explain", 2, {}, [] { return KTExplainFormat(manyForms, nullptr, nullptr); }},
     {"compare formats", 2, {}, [] { return KTCompareFormats("%d[1]", "%d[1]", nullptr, nullptr); }},
