@@ -10,8 +10,8 @@ function(_kelto_find_program variable)
   elseif(TARGET Kelto::program)
     set(${variable} Kelto::program PARENT_SCOPE)
   else()
-    message(FATAL_ERROR "The program kelto is needed: install it, set KELTO_PROGRAM to its path, or, where Kelto is built "
-      "as a part of this project, KELTO_BUILD_TOOLS to ON.")
+    message(FATAL_ERROR "The program kelto is needed: install it, set KELTO_PROGRAM to its path, or, where Kelto is "
+      "built as a part of this project, KELTO_BUILD_TOOLS to ON.")
   endif()
 endfunction()
 
