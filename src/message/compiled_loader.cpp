@@ -45,7 +45,7 @@ public:
 
     int take(uint64_t offset, void *to, uint64_t bytes) override
     {
-        if (bytes > m_size - offset)
+        if (offset > m_size || bytes > m_size - offset)
             return KT_ERR_BAD_MSG_FILE;
         std::memcpy(to, m_data + offset, bytes);
         return 0;

@@ -28,7 +28,9 @@ std::unique_ptr<kelto::SparseIndex> kelto::SparseIndex::create(uint32_t highestI
 
 uint32_t kelto::SparseIndex::next(uint32_t after) const noexcept
 {
-    return *std::upper_bound(m_ids.get(), m_ids.get() + m_count, after);
+    const uint32_t *const end = m_ids.get() + m_count;
+    const uint32_t *const found = std::upper_bound<const uint32_t *>(m_ids.get(), end, after);
+    return found != end ? *found : 0;
 }
 
 void kelto::SparseIndex::attach(std::unique_ptr<SparseIndex> index, const MessageTable *table) noexcept

@@ -13,10 +13,11 @@ tableItem *allocateItem()
     return kelto::allocate<tableItem>(glbResHandle, 1).release();
 }
 
-template <typename T> void freeOwned(T *block)
+template <typename T> void freeOwned(T *&block)
 {
     if (block != nullptr)
         ZEL_free(block);
+    block = nullptr;
 }
 
 } // namespace
