@@ -105,6 +105,24 @@ TEST_F(MsgTableListTest, FreesEveryTableAndNodeAtItsEnd)
     EXPECT_EQ(FakeZel::count(Operation::MutexAcquire), 0u);
 }
 
+TEST_F(MsgTableListTest, SetsWhatATableOwnsToNullBeforeTheTableGoes)
+{
+    MessageTable *const table = makeTable();
+    bool isFreed = false;
+    MsgTableList list;
+    ASSERT_EQ(list.Insert(table), 0);
+    FakeZel::observe([&](const Call &call) {
+        if (call.operation != Operation::Free || call.object != table)
+            return;
+        isFreed = true;
+        EXPECT_EQ(table->productName, nullptr);
+        EXPECT_EQ(table->productVersion, nullptr);
+        EXPECT_EQ(table->messages, nullptr);
+    });
+    EXPECT_EQ(list.Remove(table), 0);
+    EXPECT_TRUE(isFreed);
+}
+
 TEST_F(MsgTableListTest, LeavesATableToTheCallerWhenThereIsNoNodeForIt)
 {
     MsgTableList list;
