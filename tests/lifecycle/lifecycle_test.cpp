@@ -92,12 +92,13 @@ TEST(Lifecycle, StartsAndStopsEverythingInOrder)
     std::string start = enter;
     for (const std::string &step : startSteps)
         start += step;
-    FakeZel::observe([](const Call &call) {
-        EXPECT_EQ(keltoInitialized, call.operation == Operation::LeaveSpinLock) << "only once everything exists";
-        EXPECT_EQ(keltoRefCount, call.operation == Operation::EnterSpinLock ? 0 : 1) << call;
-    });
-    EXPECT_EQ(stepsOf([] { EXPECT_EQ(KTInit(), 0); }), start + leave);
-    FakeZel::observe(nullptr);
+    {
+        const FakeZel::Observer observer([](const Call &call) {
+            EXPECT_EQ(keltoInitialized, call.operation == Operation::LeaveSpinLock) << "only once everything exists";
+            EXPECT_EQ(keltoRefCount, call.operation == Operation::EnterSpinLock ? 0 : 1) << call;
+        });
+        EXPECT_EQ(stepsOf([] { EXPECT_EQ(KTInit(), 0); }), start + leave);
+    }
     EXPECT_EQ(glbZELHandle, 0);
     EXPECT_EQ(stepsOf([] { EXPECT_EQ(KTClean(), 0); }), "MutexAcquire refCount\nMutexRelease refCount\n" + stopSteps)
         << "a platform that was given no handle is not cleaned up";

@@ -159,7 +159,7 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
 
     // What was looked at before the messages are read counts no more.
     FakeFile &file = FakeZel::file(memoryPath, data);
-    FakeZel::observe([&](const Call &call) {
+    const FakeZel::Observer observer([&](const Call &call) {
         if (call.operation == Operation::FileRead && call.offset == entries)
             file.bytes = with(data, entries + 8, uint32_t{2});
     });

@@ -128,7 +128,7 @@ TEST_F(LoaderTest, CallsThePlatformInThePromisedOrder)
     ASSERT_EQ(xml.size(), 600u) << "two full chunks, and an empty one that ends the file";
     FakeZel::file(memoryPath, xml);
     MessageTable *table = nullptr;
-    FakeZel::observe([&](const Call &call) {
+    const FakeZel::Observer observer([&](const Call &call) {
         const bool isBlock = call.operation == Operation::Malloc && call.number == 4 * sizeof(char *) + 5;
         EXPECT_FALSE(isBlock && table == nullptr) << "the handle is stored before the messages are allocated";
     });

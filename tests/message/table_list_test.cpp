@@ -111,7 +111,7 @@ TEST_F(MsgTableListTest, SetsWhatATableOwnsToNullBeforeTheTableGoes)
     bool isFreed = false;
     MsgTableList list;
     ASSERT_EQ(list.Insert(table), 0);
-    FakeZel::observe([&](const Call &call) {
+    const FakeZel::Observer observer([&](const Call &call) {
         if (call.operation != Operation::Free || call.object != table)
             return;
         isFreed = true;

@@ -320,9 +320,14 @@ std::vector<uint64_t> FakeZel::blockSizes()
     return sizes;
 }
 
-void FakeZel::observe(std::function<void(const Call &)> observer)
+FakeZel::Observer::Observer(std::function<void(const Call &)> function)
 {
-    withRequests([&](Requests &requests) { requests.observer = std::move(observer); });
+    withRequests([&](Requests &requests) { requests.observer = std::move(function); });
+}
+
+FakeZel::Observer::~Observer()
+{
+    withRequests([](Requests &requests) { requests.observer = nullptr; });
 }
 
 Outstanding FakeZel::outstanding()

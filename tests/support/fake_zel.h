@@ -5,7 +5,7 @@
  * - let operations fail: FakeZel::fail(Operation::Malloc, 2) is the second block of the memory tag from here on
  *   (allocations that do not come from it fail in heap_faults.h);
  * - serve files from memory: FakeZel::file("messages.xlf", bytes);
- * - see what was called: FakeZel::record(), then FakeZel::calls(); or act in the middle of a call: FakeZel::observe().
+ * - see what was called: FakeZel::record(), then FakeZel::calls(); or act in the middle of a call: FakeZel::Observer.
  *
  * Every test starts with none of this in force, and fails when blocks, files, mutexes, tags or parsers are left over at
  * its end. Blocks are handed out dirty. All of it may be used from many threads; while nothing is asked for, an
@@ -71,7 +71,7 @@ public:
     /** A negative code that no real operation has, to be seen passed through. */
     static constexpr int defaultCode = -4242;
 
-    /** Forgets faults, files, records and observers; the counts of what exists stay. Done before every test. */
+    /** Forgets faults, files and records; the counts of what exists stay. Done before every test. */
     static void reset();
 
     /** Lets the n-th call of an operation from here on fail once (n from 1): null for Malloc, else with the code. */
@@ -82,7 +82,7 @@ public:
     static void failOpenKeepingHandle(int code = defaultCode);
     /** Refuses every block of more bytes than these, until reset(). */
     static void refuseAbove(uint64_t bytes);
-    /** Takes the faults back; files, records and observers stay. @return how many calls have failed. */
+    /** Takes the faults back; files and records stay. @return how many calls have failed. */
     static unsigned clearFaults();
     /** The operation that failed last on request. */
     static Operation lastFault();
@@ -98,8 +98,15 @@ public:
     /** The sizes of the blocks that were asked for. */
     static std::vector<uint64_t> blockSizes();
 
-    /** Has the function called at the beginning of each operation, on the thread that makes the call. */
-    static void observe(std::function<void(const Call &)> observer);
+    /** Has the function called at the beginning of each operation, on the thread that makes the call, while it lives. */
+    class Observer
+    {
+    public:
+        explicit Observer(std::function<void(const Call &)> function);
+        ~Observer();
+        Observer(const Observer &) = delete;
+        Observer &operator=(const Observer &) = delete;
+    };
 
     static Outstanding outstanding();
 };
