@@ -3,7 +3,7 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/attributes.h"
-#include "message/elements.h"
+#include "message/element_names.h"
 #include "message/file_reader.h"
 
 namespace

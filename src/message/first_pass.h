@@ -5,7 +5,7 @@
 #ifndef KELTO_MESSAGE_FIRST_PASS_H
 #define KELTO_MESSAGE_FIRST_PASS_H
 
-#include "message/elements.h"
+#include "message/element_names.h"
 
 #include <cstdint>
 

@@ -3,7 +3,7 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/file_reader.h"
-#include "message/guards.h"
+#include "message/pass_guards.h"
 #include "message/table_owner.h"
 #include "platform/zero_fill.h"
 

@@ -8,8 +8,8 @@
 
 #include "kelto.h"
 #include "message/attributes.h"
-#include "message/elements.h"
-#include "message/message_text.h"
+#include "message/element_names.h"
+#include "message/message_length.h"
 #include "message/table_list.h"
 
 struct SecondPassState

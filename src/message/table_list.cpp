@@ -105,3 +105,8 @@ void kelto::freeTable(MessageTable *table) noexcept
     freeOwned(table->messages);
     ZEL_free(table);
 }
+
+int KTFreeMessages(MessageTable *table)
+{
+    return kelto::isStarted() ? msgTableList->Remove(table) : KT_ERR_NOT_INITIALIZED;
+}

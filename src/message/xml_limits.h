@@ -6,7 +6,7 @@
 #ifndef KELTO_MESSAGE_XML_LIMITS_H
 #define KELTO_MESSAGE_XML_LIMITS_H
 
-#include "message/elements.h"
+#include "message/element_names.h"
 #include "message/entity_nesting.h"
 
 #include <cstdint>

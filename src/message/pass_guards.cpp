@@ -1,4 +1,4 @@
-#include "message/guards.h"
+#include "message/pass_guards.h"
 
 #include "kelto.h"
 

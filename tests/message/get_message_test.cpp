@@ -4,7 +4,7 @@
 namespace
 {
 
-class TableCallsTest : public MessageTest
+class GetMessageTest : public MessageTest
 {
 protected:
     MessageTable *loadTable(const std::string &xml)
@@ -18,7 +18,7 @@ protected:
 
 char marker[] = "untouched";
 
-TEST_F(TableCallsTest, AcceptsExactlyTheIdsUpToTheHighest)
+TEST_F(GetMessageTest, AcceptsExactlyTheIdsUpToTheHighest)
 {
     MessageTable *const table = loadTable(MessageFile().unit(5, "five").unit(2, "two").xml());
     struct Row
@@ -54,7 +54,7 @@ std::string walk(MessageTable *table)
     return all;
 }
 
-TEST_F(TableCallsTest, WalksFromMessageToMessage)
+TEST_F(GetMessageTest, WalksFromMessageToMessage)
 {
     struct Row
     {
@@ -87,7 +87,7 @@ TEST_F(TableCallsTest, WalksFromMessageToMessage)
     }
 }
 
-TEST_F(TableCallsTest, WalksOverTheTablesThatAreLeft)
+TEST_F(GetMessageTest, WalksOverTheTablesThatAreLeft)
 {
     MessageTable *tables[4];
     for (MessageTable *&table : tables)
@@ -100,7 +100,7 @@ TEST_F(TableCallsTest, WalksOverTheTablesThatAreLeft)
 }
 
 // What the file has in the second pass decides, whatever was counted in the first.
-TEST_F(TableCallsTest, WalksOverAllMessagesOfAFileThatChanged)
+TEST_F(GetMessageTest, WalksOverAllMessagesOfAFileThatChanged)
 {
     MessageTable *table = nullptr;
     FakeZel::file(memoryPath, MessageFile().unit(4194304, "abcdefg").xml())
@@ -109,7 +109,7 @@ TEST_F(TableCallsTest, WalksOverAllMessagesOfAFileThatChanged)
     EXPECT_EQ(walk(table), "1=b 2=c 4194304=a ");
 }
 
-TEST_F(TableCallsTest, TellsWhatTheFileSays)
+TEST_F(GetMessageTest, TellsWhatTheFileSays)
 {
     MessageTable *const table = loadTable(MessageFile().unit(7, "a").xml());
     KTTableFacts facts = {};
@@ -126,7 +126,7 @@ TEST_F(TableCallsTest, TellsWhatTheFileSays)
     EXPECT_EQ(facts.highestId, 7u);
 }
 
-TEST_F(TableCallsTest, RefusesHandlesThatAreNotLoaded)
+TEST_F(GetMessageTest, RefusesHandlesThatAreNotLoaded)
 {
     MessageTable *const released = loadTable(MessageFile().unit(1, "one").xml());
     EXPECT_EQ(KTFreeMessages(released), 0);
@@ -136,20 +136,6 @@ TEST_F(TableCallsTest, RefusesHandlesThatAreNotLoaded)
         EXPECT_EQ(KTGetMessage(handle, 1, &message), KT_ERR_TABLE_NOT_FOUND);
         EXPECT_EQ(message, nullptr);
         EXPECT_EQ(KTFreeMessages(handle), KT_ERR_TABLE_NOT_FOUND);
-    }
-}
-
-TEST(MessageText, EndsAtTwoZeroBytesInARow)
-{
-    for (const std::string &text : {std::string(), std::string("abc"), std::string("a\0b", 3), std::string("\0a", 2),
-                                    std::string("a\0b\0c", 5), std::string(1000, 'x')})
-    {
-        std::vector<char> source(text.begin(), text.end());
-        source.insert(source.end(), {'\0', '\0'});
-        Guarded<char> copy(source.size());
-        EXPECT_EQ(static_cast<size_t>(KTMsgLen(source.data())), text.size());
-        EXPECT_EQ(KTMsgCpy(source.data(), copy.data()), source.data() + text.size());
-        EXPECT_TRUE(std::equal(source.begin(), source.end(), copy.data()));
     }
 }
 

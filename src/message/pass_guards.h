@@ -3,8 +3,8 @@
  * the passes: guards see to it that no message is longer than can be told, that a document stays within its limits, and
  * that the second pass, whatever the file has become, writes inside the block, with two zero bytes behind each message.
  */
-#ifndef KELTO_MESSAGE_GUARDS_H
-#define KELTO_MESSAGE_GUARDS_H
+#ifndef KELTO_MESSAGE_PASS_GUARDS_H
+#define KELTO_MESSAGE_PASS_GUARDS_H
 
 #include "message/first_pass.h"
 #include "message/second_pass.h"

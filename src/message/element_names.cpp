@@ -1,4 +1,4 @@
-#include "message/elements.h"
+#include "message/element_names.h"
 
 constexpr ElementMapRow elmtMapTable[11] = {
     {"trans-unit", ELM_TRANS_UNIT, 3},

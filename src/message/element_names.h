@@ -2,8 +2,8 @@
  * The elements of a message file: their names, and the nesting level at which each may start. Both passes of the loader
  * ask here; which element may follow which is decided by the first pass.
  */
-#ifndef KELTO_MESSAGE_ELEMENTS_H
-#define KELTO_MESSAGE_ELEMENTS_H
+#ifndef KELTO_MESSAGE_ELEMENT_NAMES_H
+#define KELTO_MESSAGE_ELEMENT_NAMES_H
 
 #include <cstddef>
 

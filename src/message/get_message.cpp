@@ -4,8 +4,6 @@
 #include "message/table_walk.h"
 #include "platform/scoped.h"
 
-#include <cstring>
-
 int KTGetMessage(MessageTable *table, unsigned int id, char **message)
 {
     if (!kelto::isStarted())
@@ -37,26 +35,4 @@ int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, cha
         return KT_ERR_INVALID_MSG_ID;
     *message = table->messages[*id];
     return 0;
-}
-
-int KTTableInfo(MessageTable *table, KTTableFacts *info)
-{
-    if (!kelto::isStarted())
-        return KT_ERR_NOT_INITIALIZED;
-    if (info == nullptr || info->structSize < sizeof(KTTableFacts))
-        return KT_ERR_INVALID_PARAMETER;
-    const kelto::MutexGuard lock(tableListMutex);
-    if (msgTableList->IsInList(table) == nullptr)
-        return KT_ERR_TABLE_NOT_FOUND;
-    info->productName = table->productName;
-    info->productVersion = table->productVersion;
-    std::memcpy(info->language, table->language, sizeof info->language);
-    std::memcpy(info->country, table->country, sizeof info->country);
-    info->highestId = table->msgCount;
-    return 0;
-}
-
-int KTFreeMessages(MessageTable *table)
-{
-    return kelto::isStarted() ? msgTableList->Remove(table) : KT_ERR_NOT_INITIALIZED;
 }
