@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -18,9 +19,9 @@ struct SlotKind
     uint32_t signedCode; // the slot's own code, or of an unsigned integer the one of the signed one
 };
 
-// By KTSlotCode, as slotCodeOf() gives it.
+// By KTSlotCode.
 constexpr SlotKind slotKinds[] = {
-    {},
+    {"nothing", 0, 0, 0, 0, 0},
     {"a 16-bit integer", 0, INT16_MIN, INT16_MAX, 0, KT_SLOT_INT16},
     {"a 16-bit integer", 0, 0, UINT16_MAX, 0, KT_SLOT_INT16},
     {"a 32-bit integer", 0, INT32_MIN, INT32_MAX, 0, KT_SLOT_INT32},
@@ -38,7 +39,7 @@ constexpr SlotKind slotKinds[] = {
 
 const SlotKind &kindOf(uint32_t slotCode)
 {
-    return slotKinds[slotCode];
+    return slotKinds[slotCode < std::size(slotKinds) ? slotCode : 0];
 }
 
 bool isAcceptedInteger(const KTArgument &argument, const SlotKind &slot)

@@ -20,8 +20,8 @@ struct GuardedQuery
 
 void guardStart(void *state, const char *name, const char **attrs)
 {
-    static_cast<GuardedQuery *>(state)->limits.addElement(kelto::findElement(name), attrs);
-    startElement(state, name, attrs);
+    if (static_cast<GuardedQuery *>(state)->limits.addElement(kelto::findElement(name), attrs))
+        startElement(state, name, attrs);
 }
 
 bool isDone(const void *state)

@@ -64,7 +64,10 @@ bool LanguageWalk::takeElement() noexcept
         const size_t at = element.find('@');
         const std::string_view modifier = at != std::string_view::npos ? element.substr(at) : "";
         if (isSourceLanguage(base))
+        {
+            m_rest = "";
             return false;
+        }
         const bool isLanguage = !base.empty() && consistsOf(base.substr(0, 1), letterOrDigit) &&
                                 consistsOf(base, inBase) && base.size() + modifier.size() <= maxLanguageLength;
         const bool isModifier = modifier.empty() || (modifier.size() > 1 && consistsOf(modifier.substr(1), inModifier));

@@ -22,7 +22,7 @@ public:
     /** @param list  names separated by ':'; null for the user's, from the environment. */
     explicit LanguageWalk(const char *list) noexcept;
 
-    /** The next language, valid until the next call; null behind the last, where the walk is over. */
+    /** The next language, valid until the next call; null behind the last. */
     const char *next() noexcept;
 
 private:

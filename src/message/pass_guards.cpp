@@ -25,7 +25,8 @@ void guardStart1(void *state, const char *name, const char **attrs)
     if (guard.pass.error != 0)
         return;
     const ElementMapRow &element = kelto::findElement(name);
-    guard.limits.addElement(element, attrs);
+    if (!guard.limits.addElement(element, attrs))
+        return;
     kelto::startInFirstPass(guard.pass, element, attrs);
     if (element.id == ELM_SOURCE)
     {
@@ -93,8 +94,8 @@ void guardStart2(void *state, const char *name, const char **attrs)
     if (guard.pass.error != 0)
         return;
     const ElementMapRow &element = kelto::findElement(name);
-    guard.limits.addElement(element, attrs);
-    kelto::startInSecondPass(guard.pass, element, attrs, IsInPlace(guard));
+    if (guard.limits.addElement(element, attrs))
+        kelto::startInSecondPass(guard.pass, element, attrs, IsInPlace(guard));
 }
 
 bool mayEndMessage(const SecondPassGuard &guard)

@@ -32,6 +32,6 @@ uint64_t kelto::ReparseBudget::nextStep(uint64_t fed) noexcept
 // What the parser holds of a token whose end it has not seen.
 uint64_t kelto::ReparseBudget::unfinishedBytes(uint64_t fed) const noexcept
 {
-    const auto event = static_cast<uint64_t>(XML_GetCurrentByteIndex(m_parser)); // huge where there is none
-    return event < fed ? fed - event : 0;
+    const XML_Index event = XML_GetCurrentByteIndex(m_parser); // negative where there is none
+    return event >= 0 && static_cast<uint64_t>(event) < fed ? fed - static_cast<uint64_t>(event) : 0;
 }

@@ -29,7 +29,7 @@ public:
         ++m_count;
     }
 
-    /** The lowest ID above this one, which is not the highest. */
+    /** The lowest ID above this one; 0 when there is none. */
     uint32_t next(uint32_t after) const noexcept;
 
     /* The indexes of all tables, by handle. To find or detach one, the caller holds `tableListMutex`, or nobody else

@@ -20,7 +20,8 @@ uint32_t kelto::TableWalk::next(uint32_t after) const noexcept
     if (m_index != nullptr)
         return m_index->next(after);
     char *const *const messages = m_table->messages;
-    char *const *const highest = messages + m_table->msgCount; // which always has a message
+    char *const *const end = messages + m_table->msgCount + 1;
     const auto isThere = [](const char *message) { return message != nullptr; };
-    return static_cast<uint32_t>(std::find_if(messages + after + 1, highest, isThere) - messages);
+    char *const *const found = std::find_if(messages + after + 1, end, isThere);
+    return found != end ? static_cast<uint32_t>(found - messages) : 0;
 }

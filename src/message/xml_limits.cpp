@@ -18,11 +18,13 @@ size_t rowOf(const ElementMapRow &element)
 
 } // namespace
 
-void kelto::XmlLimits::addWork(uint64_t work) noexcept
+bool kelto::XmlLimits::addWork(uint64_t work) noexcept
 {
     m_work += work;
-    if (m_work > m_allowed)
-        stop();
+    if (m_work <= m_allowed)
+        return true;
+    stop();
+    return false;
 }
 
 void kelto::XmlLimits::addEntity(const char *name, std::string_view value) noexcept
@@ -42,8 +44,8 @@ void kelto::XmlLimits::addAttribute(const char *element, const char *type, const
 
 // The parser looks at every attribute that was declared for an element, whether it hands it out or not. Of their texts
 // a pass reads those that it stores, which it counts, and the numbers of messages.
-void kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
+bool kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
 {
     const char *const id = element.id == ELM_TRANS_UNIT ? findMessageId(attrs) : nullptr;
-    addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
+    return addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
 }

@@ -38,16 +38,15 @@ public:
     /** An attribute of an element is declared; `value` is null where it has no default. */
     void addAttribute(const char *element, const char *type, const char *value) noexcept;
 
-    /** An element starts. */
-    void addElement(const ElementMapRow &element, const char **attrs) noexcept
+    /** An element starts. @return false where that is too much: it is not to be looked at. */
+    bool addElement(const ElementMapRow &element, const char **attrs) noexcept
     {
-        if (m_declaresAttributes)
-            addDeclaredAttributes(element, attrs);
+        return !m_declaresAttributes || addDeclaredAttributes(element, attrs);
     }
 
 private:
-    void addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept;
-    void addWork(uint64_t work) noexcept;
+    bool addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept;
+    bool addWork(uint64_t work) noexcept;
     void stop() noexcept { XML_StopParser(m_parser, XML_FALSE); }
 
     XML_Parser m_parser = nullptr;

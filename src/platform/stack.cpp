@@ -10,9 +10,10 @@ size_t kelto::stackLeft() noexcept
         return SIZE_MAX;
     void *lowest = nullptr;
     size_t size = 0;
-    pthread_attr_getstack(&attributes, &lowest, &size);
+    const bool isKnown = pthread_attr_getstack(&attributes, &lowest, &size) == 0;
     pthread_attr_destroy(&attributes);
+    const auto here = reinterpret_cast<uintptr_t>(__builtin_frame_address(0));
+    const auto end = reinterpret_cast<uintptr_t>(lowest);
     // A program may have put another stack in its place, above or below.
-    const size_t left = reinterpret_cast<uintptr_t>(__builtin_frame_address(0)) - reinterpret_cast<uintptr_t>(lowest);
-    return left <= size ? left : SIZE_MAX;
+    return isKnown && here > end && here - end <= size ? here - end : SIZE_MAX;
 }

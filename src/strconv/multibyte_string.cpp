@@ -172,7 +172,11 @@ char *KTMultiByteStrstr(const char *charSet, const char *s, const char *subCharS
 char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharSet, unsigned int mbChar, char *dst)
 {
     const WorkingCopy text(charSet, s);
-    const UCS2 unit = KTMBCharToUChar(chCharSet, mbChar); // 0, which no text holds, where there is none
+    if (text.length() == 0)
+        return nullptr;
+    const UCS2 unit = KTMBCharToUChar(chCharSet, mbChar);
+    if (unit == 0)
+        return nullptr;
     for (size_t i = text.length(); i-- > 0;)
         if (text.units()[i] == unit)
             return convertBack(charSet, text.units() + i, text.bytes(), dst) >= 0 ? dst : nullptr;
