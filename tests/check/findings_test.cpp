@@ -74,7 +74,7 @@ const Row rows[] = {
     {unit("é&nbsp;"), "3:2-3 xml-syntax"},
     {"<xliff/>", "1:1-9 structure"},
     {"<xliff><file source-language='deu' product-name='' product-version='1'><header/></file></xliff>",
-     "1:8-72 attribute-missing, 1:8-72 structure, 1:31-34 language"},
+     "1:8-72 structure, 1:31-34 language, 1:50-50 attribute-missing"},
     {"<!DOCTYPE xliff [<!ENTITY e \"&#37;d[1]\">]>" + unit("&e; ") + "\n", "1:1-10 doctype, 3:1-4 typed-conversion"},
     {document(numbered(1, "a") + "<trans-unit><source/></trans-unit>"), "2:51-63 attribute-missing"},
     // Units and their numbers.
@@ -89,10 +89,10 @@ const Row rows[] = {
     {document("<trans-unit id='1'><source>a</source><source>b</source></trans-unit>"), "2:38-46 structure"},
     {unit("a<context>b</context>" + x("%d", 1)), "3:22-41 structure"},
     {unit("<x id='1'/><x ts='%d' id=''/><x ts='%d' id='1'><note/></x>"),
-     "3:1-12 attribute-missing, 3:12-30 attribute-missing, 3:48-55 structure"},
+     "3:1-12 attribute-missing, 3:27-27 attribute-missing, 3:48-55 structure"},
     // Texts.
     {unit("ä\\q\\\\\\n" + x("a\\z", 1) + "\\"),
-     "3:2-4 unknown-escape, 3:16-18 unknown-escape, 3:28-29 trailing-backslash"},
+     "3:2-4 unknown-escape, 3:15-18 bad-placeholder, 3:16-18 unknown-escape, 3:28-29 trailing-backslash"},
     {document(numbered(1, "") + numbered(2, "<!-- a -->")), "2:20-28 empty-message, 2:69-77 empty-message 2"},
     // Conversions.
     {unit("100%% " + x("%d", 1) + " %"), "3:27-28 bad-conversion"},
@@ -101,10 +101,20 @@ const Row rows[] = {
     {unit("𝄞é&#xE9;%d[1]"), "3:9-14 typed-conversion"},
     {unit(x("%y", 1) + x("%d", 2)), "3:1-20 bad-conversion"},
     {unit("<x id='1'\n ts='é %y'/>"), "4:8-10 bad-conversion"},
-    {unit("<x ts='é&#x20;%y ' id='1'/>" + x("%d", 2)), "3:15-16 bad-conversion"},
+    {unit("<x ts='é&#x20;%y ' id='1'/>" + x("%d", 2)), "3:8-18 bad-conversion"},
     {unit(x("%d", 1) + x("%d", 1) + x("%d", 4)), "3:20-39 position-repeat, 3:39-58 position-gap"},
     {unit("%d[3000000000]"), "3:1-15 bad-conversion"},
     {unit(x("%N", 2) + x("%O", 1)), "3:1-20 region-open"},
+    // Placeholders that are none, of which no other finding follows.
+    {unit(x("%s[1]", 1) + x("s", 2) + x("％s", 3) + x("%%", 4)),
+     "3:8-13 bad-placeholder, 3:30-31 bad-placeholder, 3:48-50 bad-placeholder, 3:67-69 bad-placeholder",
+     unit(x("%s", 1) + x("%s", 2) + x("%s", 3) + x("%s", 4))},
+    {unit("<x id='1' ts='s'/>" + x("%d", 2)), "3:15-16 bad-conversion"},
+    {unit("a\\n" + x("%s ", 1) + x("%d of", 2) + x("%d", 4)),
+     "3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, 2:1-20 argument-missing",
+     unit(x("%d", 1) + x("%d", 2) + x("%d", 3) + x("%s", 4))},
+    {unit("100 %" + x("%s", 1)), "3:13-15 bad-placeholder", unit("%% " + x("%s", 1))},
+    {unit(x("%s", 1)), "", unit(x("s", 1))},
     // Beside a reference.
     {unit(x("%s", 1)), "3:1-20 argument-type", unit(x("%d", 1))},
     {unit(x("%hd", 1) + x("%lu", 2)), "3:1-21 argument-type, 3:21-41 conversion-changed",

@@ -91,6 +91,19 @@ public:
     /** Whether that byte of it is text of the file, and not a part of a placeholder. */
     bool isText(const Message &message, size_t offset) const;
 
+    /** Of what a message was put together, in the order of its text. */
+    struct Pieces
+    {
+        const Piece *first, *last;
+
+        const Piece *begin() const { return first; }
+        const Piece *end() const { return last; }
+    };
+    Pieces piecesOf(const Message &message) const
+    {
+        return {m_pieces.data() + message.firstPiece, m_pieces.data() + message.endPiece};
+    }
+
     /** The value of an attribute inside its tag; the whole tag where it is not written there. */
     Range locateAttribute(Range tag, std::string_view name) const;
 

@@ -42,7 +42,7 @@ unsigned countable(int number)
 
 std::string partOf(std::string_view text, Range range)
 {
-    return std::string(text.substr(range.begin, range.end - range.begin));
+    return quotation(text.substr(range.begin, range.end - range.begin));
 }
 
 /** A message in the file and what it is compared with. */
@@ -52,6 +52,102 @@ struct Pair
     const Message *original;      // null where there is nothing to compare with
     const Format *originalFormat; // null where that, or its format, is none
 };
+
+/** An "x" whose text and position make no conversion. */
+struct BrokenPlaceholder
+{
+    const Piece *piece;
+    int position; // 0 where its "id" is none
+    bool isFault; // that alone keeps the message from being formatted
+};
+
+/** The number that a position has, or 0. */
+int positionIn(std::string_view digits)
+{
+    constexpr size_t most = 9;
+    int number = 0;
+    if (digits.size() > most)
+        return 0;
+    for (const char digit : digits)
+    {
+        if (digit < '0' || digit > '9')
+            return 0;
+        number = number * 10 + (digit - '0');
+    }
+    return number;
+}
+
+/** Of the conversions or faults of a message, the first that ends behind an offset of its text before the escapes. */
+template <typename Part>
+const Part *firstBehind(const std::vector<Part> &parts, const ResolvedText &text, size_t offset)
+{
+    const auto found = std::partition_point(
+        parts.begin(), parts.end(), [&](const Part &part) { return text.beforeEscapes(part.place).end <= offset; });
+    return parts.data() + (found - parts.begin());
+}
+
+enum class Verdict
+{
+    isConversion,
+    isFault, // which is told by itself
+    isBroken,
+    isBrokenFault
+};
+
+Verdict verdictOn(const Piece &piece, const ResolvedText &text, const Format &format)
+{
+    const Conversion *const last = firstBehind(format.conversions, text, piece.end - 1);
+    if (last != format.conversions.data() + format.conversions.size() &&
+        text.beforeEscapes(last->place).end == piece.end)
+        return Verdict::isConversion;
+    Verdict verdict = Verdict::isBroken;
+    const FormatFault *const end = format.faults.data() + format.faults.size();
+    for (const FormatFault *fault = firstBehind(format.faults, text, piece.begin); fault != end; ++fault)
+    {
+        const size_t begin = text.beforeEscapes(fault->place).begin;
+        if (begin >= piece.end)
+            break;
+        if (fault->problem.rule != KT_RULE_POSITION_MISSING)
+            return Verdict::isFault;
+        if (begin >= piece.begin)
+            verdict = Verdict::isBrokenFault; // the position, which "id" is, was not reached
+    }
+    return verdict;
+}
+
+/** The broken placeholders of a message; what its format has in them is taken out of it. */
+std::vector<BrokenPlaceholder> takeBroken(const Catalog &catalog, const Message &message, const ResolvedText &text,
+                                          Format &format)
+{
+    std::vector<BrokenPlaceholder> broken;
+    const std::string_view raw = catalog.rawText(message);
+    if (message.hasPlaceholder)
+        for (const Piece &piece : catalog.piecesOf(message))
+        {
+            if (piece.kind != Piece::Kind::placeholder)
+                continue;
+            const Verdict verdict = verdictOn(piece, text, format);
+            if (verdict == Verdict::isConversion || verdict == Verdict::isFault)
+                continue;
+            const int position = positionIn(raw.substr(piece.positionBegin + 1, piece.end - piece.positionBegin - 2));
+            broken.push_back({&piece, position, verdict == Verdict::isBrokenFault});
+        }
+    if (broken.empty())
+        return broken;
+    const auto isInBroken = [&](const auto &part) {
+        const size_t begin = text.beforeEscapes(part.place).begin;
+        const auto behind = std::partition_point(
+            broken.begin(), broken.end(), [begin](const BrokenPlaceholder &row) { return row.piece->end <= begin; });
+        return behind != broken.end() && begin >= behind->piece->begin;
+    };
+    const auto removeFrom = [&](auto &parts) {
+        parts.erase(std::remove_if(parts.begin(), parts.end(), isInBroken), parts.end());
+    };
+    removeFrom(format.conversions);
+    removeFrom(format.faults);
+    format.sortPositions();
+    return broken;
+}
 
 /** The checks of one message. */
 class MessageCheck
@@ -120,6 +216,7 @@ private:
     void checkEscapes();
     void compareWhiteSpace();
     void checkFormat();
+    void checkPlaceholders(bool isUnexplained);
     void checkFaults(const Format &format);
     void checkPositions(const Format &format);
     void checkTyped(const Format &format);
@@ -136,6 +233,7 @@ private:
     Findings &m_findings;
     ResolvedText m_text;
     ResolvedText m_original; // of what it is compared with
+    std::vector<BrokenPlaceholder> m_broken;
     std::map<Rule, Found> m_found;
 };
 
@@ -211,18 +309,44 @@ void MessageCheck::checkFormat()
 {
     const bool hasPercent = m_text.text().find('%') != std::string_view::npos;
     const bool hadConversions = m_pair.originalFormat != nullptr && !m_pair.originalFormat->conversions.empty();
-    if (!hasPercent && !hadConversions)
+    if (!hasPercent && !hadConversions && !m_pair.message.hasPlaceholder)
         return;
-    const Format format = parseFormat(m_text.text(), m_table);
+    Format format = parseFormat(m_text.text(), m_table);
+    m_broken = takeBroken(m_catalog, m_pair.message, m_text, format);
     const size_t before = m_findings.size();
     checkFaults(format);
     checkPositions(format);
     if (m_pair.originalFormat != nullptr && m_pair.originalFormat->isAccepted)
         compareArguments(format);
-    if (!format.isAccepted && m_findings.size() == before)
+    const bool isUnexplained = !format.isAccepted && m_findings.size() == before;
+    checkPlaceholders(isUnexplained);
+    if (isUnexplained && m_broken.empty())
         find(Rule::badConversion, m_pair.message.source, {Text::noFormat});
     checkTyped(format);
     checkRegion(format);
+}
+
+/** Why a placeholder is no conversion, from the text of its message. */
+Phrase whyBroken(std::string_view message, const Piece &piece)
+{
+    const std::string_view text = message.substr(piece.begin, piece.positionBegin - piece.begin);
+    const std::string quoted = quotation(text);
+    if (text[0] == '%' && piece.begin > 0 && message[piece.begin - 1] == '%')
+        return {Text::placeholderBehindPercent, {quoted}};
+    if (text.find('[') != std::string_view::npos)
+        return {Text::placeholderHasPosition, {quoted}};
+    if (text.find('%') == std::string_view::npos)
+        return {Text::placeholderNoPercent, {quoted, partOf(message, {piece.begin, piece.end})}};
+    if (coreOf(text).end < text.size())
+        return {Text::placeholderEndsBlank, {quoted}};
+    return {Text::placeholderNoConversion, {quoted}};
+}
+
+void MessageCheck::checkPlaceholders(bool isUnexplained)
+{
+    for (const auto &[piece, position, isFault] : m_broken)
+        find(isFault || isUnexplained ? Rule::badConversion : Rule::badPlaceholder,
+             m_catalog.locateAttribute(piece->place, "ts"), whyBroken(m_catalog.rawText(m_pair.message), *piece));
 }
 
 void MessageCheck::checkFaults(const Format &format)
@@ -265,6 +389,11 @@ void MessageCheck::checkPositions(const Format &format)
         if (!positions.insert(conversion.position).second)
             find(Rule::positionRepeat, placeOf(conversion.place),
                  {Text::positionRepeated, {countable(conversion.position)}});
+    for (const BrokenPlaceholder &broken : m_broken)
+    {
+        isMalformed = isMalformed || broken.position == 0;
+        positions.insert(broken.position);
+    }
     if (isMalformed)
         return;
     for (const Run &gap : gapsIn(positions))
@@ -333,6 +462,8 @@ void MessageCheck::compareArguments(const Format &format)
     std::set<int> known; // positions of conversions that nobody knows; 0 where one may be meant for any argument
     for (const FormatFault &fault : format.faults)
         known.insert(fault.position);
+    for (const BrokenPlaceholder &broken : m_broken)
+        known.insert(broken.position);
     const int highest = format.highestPosition();
     for (const Conversion &there : original.conversions)
         if (const Conversion *const here = format.find(there.position))
@@ -431,6 +562,8 @@ Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catal
         const ResolvedText text(catalog.rawText(message));
         const bool isFormat = table != nullptr && message.isComplete && text.text().find('%') != std::string_view::npos;
         m_formats.push_back(isFormat ? parseFormat(text.text(), table) : Format());
+        if (table != nullptr && message.isComplete && !takeBroken(catalog, message, text, m_formats.back()).empty())
+            m_formats.back().isAccepted = false;
     }
 }
 

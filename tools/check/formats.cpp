@@ -97,6 +97,15 @@ int Format::highestPosition() const
     return byPosition.empty() ? 0 : conversions[byPosition.back()].position;
 }
 
+void Format::sortPositions()
+{
+    byPosition.clear();
+    for (size_t i = 0; i < conversions.size(); ++i)
+        byPosition.push_back(i);
+    std::stable_sort(byPosition.begin(), byPosition.end(),
+                     [this](size_t a, size_t b) { return conversions[a].position < conversions[b].position; });
+}
+
 namespace
 {
 
@@ -201,11 +210,7 @@ Format parseFormat(std::string_view message, formTable *table)
                                                            : formatter->name,
                                           slotsOf(*formatter, width, precision, flags)});
     }
-    for (size_t i = 0; i < format.conversions.size(); ++i)
-        format.byPosition.push_back(i);
-    std::stable_sort(format.byPosition.begin(), format.byPosition.end(), [&format](size_t a, size_t b) {
-        return format.conversions[a].position < format.conversions[b].position;
-    });
+    format.sortPositions();
     return format;
 }
 

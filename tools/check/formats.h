@@ -78,6 +78,9 @@ struct Format
     /** The first conversion with this position, or null. */
     const Conversion *find(int position) const;
     int highestPosition() const;
+
+    /** Fills `byPosition` from `conversions`. */
+    void sortPositions();
 };
 
 /** @param message  UTF-8, followed by a zero byte. */

@@ -323,8 +323,10 @@ bool Reader::needAttribute(const char **attributes, const char *name, const char
     const char *const value = findAttribute(attributes, name);
     if (!isEmpty(value))
         return true;
-    find(Rule::attributeMissing, tag,
-         {value != nullptr ? Text::attributeEmpty : Text::attributeMissing, {element, name}});
+    if (value != nullptr)
+        find(Rule::attributeMissing, m_catalog.locateAttribute(tag, name), {Text::attributeEmpty, {element, name}});
+    else
+        find(Rule::attributeMissing, tag, {Text::attributeMissing, {element, name}});
     return false;
 }
 

@@ -28,6 +28,8 @@ constexpr RuleRow rows[] = {
      Text::positionGapRight},
     {"position-repeat", Severity::error, Text::positionRepeatRule, Text::positionRepeatPage, Text::positionRepeatWrong,
      Text::positionRepeatRight},
+    {"bad-placeholder", Severity::error, Text::badPlaceholderRule, Text::badPlaceholderPage, Text::badPlaceholderWrong,
+     Text::badPlaceholderRight},
     {"argument-type", Severity::error, Text::argumentTypeRule, Text::argumentTypePage, Text::argumentTypeWrong,
      Text::argumentTypeRight},
     {"argument-missing", Severity::error, Text::argumentMissingRule, Text::argumentMissingPage,

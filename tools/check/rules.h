@@ -28,6 +28,7 @@ enum class Rule
     badConversion,
     positionGap,
     positionRepeat,
+    badPlaceholder,
     argumentType,
     argumentMissing,
     argumentExtra,
