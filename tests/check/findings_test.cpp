@@ -110,6 +110,7 @@ const Row rows[] = {
      "3:8-13 bad-placeholder, 3:30-31 bad-placeholder, 3:48-50 bad-placeholder, 3:67-69 bad-placeholder",
      unit(x("%s", 1) + x("%s", 2) + x("%s", 3) + x("%s", 4))},
     {unit("<x id='1' ts='s'/>" + x("%d", 2)), "3:15-16 bad-conversion"},
+    {unit(x("s", 2)), "3:8-9 bad-placeholder"},
     {unit("a\\n" + x("%s ", 1) + x("%d of", 2) + x("%d", 4)),
      "3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, 2:1-20 argument-missing",
      unit(x("%d", 1) + x("%d", 2) + x("%d", 3) + x("%s", 4))},

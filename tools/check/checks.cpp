@@ -389,10 +389,12 @@ void MessageCheck::checkPositions(const Format &format)
         if (!positions.insert(conversion.position).second)
             find(Rule::positionRepeat, placeOf(conversion.place),
                  {Text::positionRepeated, {countable(conversion.position)}});
+    const int highest = positions.empty() ? 0 : *positions.rbegin();
     for (const BrokenPlaceholder &broken : m_broken)
     {
         isMalformed = isMalformed || broken.position == 0;
-        positions.insert(broken.position);
+        if (broken.position < highest) // it fills a gap, and makes none
+            positions.insert(broken.position);
     }
     if (isMalformed)
         return;
