@@ -542,8 +542,10 @@ template <class T> auto hold(const T &value)
     }
     else if constexpr (kind == category::ucs2_view)
         return view_argument<char16_t>(KT_ARGUMENT_UCS2, value);
-    else
+    else if constexpr (kind == category::time)
         return time_stamp::of(value.time_since_epoch());
+    else
+        return KTArgument{};
 }
 
 inline KTArgument argument_from(const KTArgument &argument) noexcept
@@ -1007,6 +1009,31 @@ constexpr unchecked_text unchecked(std::string_view text) noexcept
 namespace detail
 {
 
+/** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type of its own: on this one. */
+struct spelt_text
+{
+    /** Whether a text is one, by how it is spelt. */
+    static constexpr bool is_literal(const char *text) noexcept
+    {
+#if !defined(__cpp_char8_t)
+        if (text[0] == 'u' && text[1] == '8') // still of chars
+            text += 2;
+#endif
+        return text[0] == '"' || (text[0] == 'R' && text[1] == '"');
+    }
+
+    static constexpr bool is_variable = false;
+    constexpr std::string_view operator()(spelt_text) const noexcept
+    {
+        return text;
+    }
+    std::string_view text;
+};
+constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) noexcept
+{
+    return {{text, size}};
+}
+
 /** The text in the source of a call with these arguments; the way to it from default_text compares the two. */
 template <class... Arguments> struct source_text
 {
@@ -1050,14 +1077,30 @@ using source_text_for = typename detail::as_it_is<detail::source_text<Arguments.
  *
  *     store.format(3, KELTO_DEFAULT("%s[1] has %d[2] pages"), title, pages)
  */
-#define KELTO_DEFAULT(literal)                                                                                         \
-    ([] {                                                                                                              \
-        struct kelto_text                                                                                              \
+#define KELTO_DEFAULT(literal) KELTO_DEFAULT_OF(literal)
+
+// The name that a variable becomes here is looked up only where the branch is taken, which it is for literals alone; so
+// the compiler has one sentence to say of a variable.
+#define KELTO_DEFAULT_OF(literal)                                                                                      \
+    ([](auto kelto_tag) {                                                                                              \
+        using kelto_spelt = decltype(kelto_tag);                                                                       \
+        using kelto::detail::operator""_kelto_text;                                                                    \
+        if constexpr (kelto_spelt::is_literal(#literal))                                                               \
         {                                                                                                              \
-            static constexpr std::string_view get() noexcept { return literal; }                                       \
-        };                                                                                                             \
-        return kelto::default_text<kelto_text>();                                                                      \
-    }())
+            struct kelto_text                                                                                          \
+            {                                                                                                          \
+                static constexpr std::string_view get() noexcept { return literal##_kelto_text(kelto_spelt()); }       \
+            };                                                                                                         \
+            return kelto::default_text<kelto_text>();                                                                  \
+        }                                                                                                              \
+        else                                                                                                           \
+        {                                                                                                              \
+            static_assert(kelto_spelt::is_variable,                                                                    \
+                          "kelto: KELTO_DEFAULT takes a literal, as \"%s[1]\"; for a variable pass "                   \
+                          "kelto::unchecked(variable)");                                                               \
+            return kelto::unchecked({});                                                                               \
+        }                                                                                                              \
+    }(kelto::detail::spelt_text()))
 
 /* ## 4. Conversions and encoders of the program's own */
 

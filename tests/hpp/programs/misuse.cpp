@@ -5,13 +5,14 @@ struct Unknown
 {
 };
 
-void misuse(const kelto::catalog &c, std::size_t size, wchar_t wide, void *pointer)
+void misuse(const kelto::catalog &c, std::size_t size, wchar_t wide, void *pointer, const char *text)
 {
-    c.format(1, Unknown());                             // a value of this type cannot be formatted
+    c.format(1, Unknown());                             // one: a value of this type cannot be formatted
     c.format(1, pointer);                               // a value of this type cannot be formatted
-    c.format(1, nullptr);                               // a value of this type cannot be formatted
+    c.format(1, nullptr);                               // one: a value of this type cannot be formatted
     c.format(true, 1);                                  // a bool is no message number
     c.format(1, wide);                                  // a value of this type cannot be formatted
+    c.format(1, KELTO_DEFAULT(text), "a");              // one: takes a literal
     c.format(1, KELTO_DEFAULT("%d[1] files"), size);    // takes another type than the argument
     c.format(1, KELTO_DEFAULT("%s[2]: %d[1]"), "a", 1); // takes another type than the argument
     c.format(1, KELTO_DEFAULT("%hd[1]"), 1);            // takes another type than the argument

@@ -1,4 +1,5 @@
-"""Compiles a file of wrong lines, each with what the compiler must say about it in a comment behind it.
+"""Compiles a file of wrong lines, each with what the compiler must say about it in a comment behind it;
+behind "one:" all that it says, as one error.
 
     misuse.py FILE COMPILER [ARGUMENT...]
 """
@@ -22,12 +23,21 @@ for number, line in enumerate(lines, 1):
     wanted = re.search(r";\s+// (.*)$", line)
     if wanted is None:
         continue
+    text = wanted.group(1)
+    if text.startswith("one: "):
+        text = text[5:]
+        alone = "".join(other for other in lines if other is line or not re.search(r";\s+// ", other))
+        errors = subprocess.run([*command, "-xc++", "-"], input=alone, stderr=subprocess.PIPE, text=True,
+                                check=False).stderr
+        if errors.count("error:") != 1:
+            faults += 1
+            print("line %d has not one error:\n%s" % (number, errors[:2000]))
     place = "%s:%d:" % (file, number)
     told = [i for i, part in enumerate(parts) if place in part]
     # With gcc several errors share one chain, so those that follow belong to it up to the next chain.
-    if not any(wanted.group(1) in "".join(parts[i:i + 4]) for i in told):
+    if not any(text in "".join(parts[i:i + 4]) for i in told):
         faults += 1
         print("line %d does not lead to \"%s\"; it leads to:\n%s" %
-              (number, wanted.group(1), "".join(parts[i] for i in told)[:2000]))
+              (number, text, "".join(parts[i] for i in told)[:2000]))
 if faults or done.returncode == 0:
     raise SystemExit(1)
