@@ -2,7 +2,7 @@
 #include "lifecycle/global_state.h"
 #include "message/compiled_form.h"
 #include "message/file_reader.h"
-#include "message/message_length.h"
+#include "message/message_length_copy.h"
 #include "message/table_owner.h"
 #include "platform/zero_fill.h"
 

@@ -9,7 +9,7 @@
 #include "kelto.h"
 #include "message/attributes.h"
 #include "message/element_names.h"
-#include "message/message_length.h"
+#include "message/message_length_copy.h"
 #include "message/table_list.h"
 
 struct SecondPassState

@@ -1,6 +1,6 @@
 /** How a message ends in a table, and with that how long it is; KTMsgLen() and KTMsgCpy() go by it. */
-#ifndef KELTO_MESSAGE_MESSAGE_LENGTH_H
-#define KELTO_MESSAGE_MESSAGE_LENGTH_H
+#ifndef KELTO_MESSAGE_MESSAGE_LENGTH_COPY_H
+#define KELTO_MESSAGE_MESSAGE_LENGTH_COPY_H
 
 #include <cstddef>
 

@@ -1,0 +1,75 @@
+#include "format/prepared.h"
+#include "format/problem_report.h"
+#include "format/typed_argument.h"
+#include "lifecycle/global_state.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+/** Where the conversion specification of a position stands in a format that was accepted. */
+void findPlace(const char *format, KTProblem &problem)
+{
+    kelto::PercentPlaces<char> places;
+    kelto::walkFormat(
+        format, std::strlen(format), places, [](const char *, size_t) {},
+        [&](const kelto::PercentPlace<char> &place) {
+            if (static_cast<unsigned>(place.position) != problem.position)
+                return true;
+            problem.offset = static_cast<size_t>(place.begin - format);
+            problem.length = static_cast<size_t>(place.end - place.begin);
+            return false;
+        });
+}
+
+/** The first slot in which two formats differ; its rule is KT_RULE_NONE where there is none. */
+KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &reference)
+{
+    const uint32_t common = std::min(format.slotCount, reference.slotCount);
+    uint32_t i = 0;
+    while (i < common && kelto::isSameKind(format.slots[i].code, reference.slots[i].code))
+        ++i;
+    const char *const expected = i < reference.slotCount ? kelto::slotName(reference.slots[i].code) : nullptr;
+    const char *const found = i < format.slotCount ? kelto::slotName(format.slots[i].code) : nullptr;
+    const auto problem = [&](KTRule rule, const KTPreparedFormat &at) -> KTProblem {
+        return {0, rule, i + 1, at.slots[i].position, 0, 0, expected, found};
+    };
+    if (i < common)
+        return problem(KT_RULE_ARGUMENT_TYPE, format);
+    if (i < reference.slotCount)
+        return problem(KT_RULE_ARGUMENT_MISSING, reference);
+    if (i < format.slotCount)
+        return problem(KT_RULE_ARGUMENT_EXTRA, format);
+    return {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr};
+}
+
+} // namespace
+
+int KTCompareFormats(const char *format, const char *reference, formTable *table, KTProblem *problem)
+{
+    const kelto::ProblemReport report(problem);
+    if (!kelto::isStarted())
+        return KT_ERR_NOT_INITIALIZED;
+    if (format == nullptr || reference == nullptr || !report.isUsable())
+        return KT_ERR_INVALID_PARAMETER;
+    kelto::PreparedOwner own;
+    const kelto::FormatVerdict verdict = kelto::prepareFormat(format, table, own);
+    report.set(verdict);
+    if (verdict.result != 0)
+        return verdict.result;
+    kelto::PreparedOwner expected;
+    if (const int result = kelto::prepareFormat(reference, table, expected).result)
+    {
+        report.set(
+            {0, result == KT_ERR_FORMAT_SYNTAX ? KT_RULE_REFERENCE : KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr});
+        return result;
+    }
+    KTProblem difference = compareSlots(*own, *expected);
+    if (difference.rule == KT_RULE_NONE)
+        return 0;
+    findPlace(format, difference);
+    report.set(difference);
+    return KT_ERR_INVALID_PARAMETER;
+}

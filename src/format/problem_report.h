@@ -1,0 +1,42 @@
+/** The record in which a call tells its caller what is wrong with a format. */
+#ifndef KELTO_FORMAT_PROBLEM_REPORT_H
+#define KELTO_FORMAT_PROBLEM_REPORT_H
+
+#include "format/format_string.h"
+
+namespace kelto
+{
+
+/** The record that the caller wants filled, which may be null. */
+class ProblemReport
+{
+public:
+    explicit ProblemReport(KTProblem *problem) : m_problem(problem)
+    {
+        if (isUsable())
+            set({0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr});
+    }
+
+    bool isUsable() const { return m_problem == nullptr || m_problem->structSize >= sizeof(KTProblem); }
+
+    void set(const KTProblem &problem) const
+    {
+        if (m_problem == nullptr)
+            return;
+        const size_t size = m_problem->structSize;
+        *m_problem = problem;
+        m_problem->structSize = size;
+    }
+
+    void set(const FormatVerdict &verdict) const
+    {
+        set({0, verdict.rule, 0, verdict.position, verdict.offset, verdict.length, nullptr, nullptr});
+    }
+
+private:
+    KTProblem *m_problem;
+};
+
+} // namespace kelto
+
+#endif
