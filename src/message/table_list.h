@@ -1,8 +1,8 @@
 /**
  * The loaded message tables and the list that owns them. The loader inserts each table it completed; every call finds a
- * handle here before it uses it, so that a handle which is not in the list is never read through; KTFreeMessages() takes
- * it out. Start-up and the final clean-up create and destroy the one list, `msgTableList`. All memory comes from the
- * library's memory tag.
+ * handle here before it uses it, so that a handle which is not in the list is never read through; KTFreeMessages()
+ * takes it out. Start-up and the final clean-up create and destroy the one list, `msgTableList`. All memory comes from
+ * the library's memory tag.
  */
 #ifndef KELTO_MESSAGE_TABLE_LIST_H
 #define KELTO_MESSAGE_TABLE_LIST_H
