@@ -73,7 +73,11 @@ public:
     /** The tag "body", for what concerns the whole. */
     Range body() const { return m_body; }
 
-    /** What the file could not be loaded for, and its document type. */
+    /** The attribute "source-language", empty where it is missing or wrong, and where it stands. */
+    const std::string &language() const { return m_language; }
+    Range languagePlace() const { return m_languagePlace; }
+
+    /** What the file could not be loaded for, its document type, and text that is ignored. */
     const Findings &findings() const { return m_findings; }
 
     /** Whether it was read to its end: no message is missing for want of reading. */
@@ -120,6 +124,8 @@ private:
     std::string m_texts;
     Findings m_findings;
     Range m_body;
+    std::string m_language;
+    Range m_languagePlace;
     bool m_isWhole = true;
 };
 

@@ -1,8 +1,11 @@
 #include "check/checks.h"
 
+#include "check/directions.h"
+#include "check/placeholders.h"
 #include "check/utf8.h"
 
 #include <algorithm>
+#include <cctype>
 #include <climits>
 #include <map>
 #include <optional>
@@ -53,102 +56,6 @@ struct Pair
     const Format *originalFormat; // null where that, or its format, is none
 };
 
-/** An "x" whose text and position make no conversion. */
-struct BrokenPlaceholder
-{
-    const Piece *piece;
-    int position; // 0 where its "id" is none
-    bool isFault; // that alone keeps the message from being formatted
-};
-
-/** The number that a position has, or 0. */
-int positionIn(std::string_view digits)
-{
-    constexpr size_t most = 9;
-    int number = 0;
-    if (digits.size() > most)
-        return 0;
-    for (const char digit : digits)
-    {
-        if (digit < '0' || digit > '9')
-            return 0;
-        number = number * 10 + (digit - '0');
-    }
-    return number;
-}
-
-/** Of the conversions or faults of a message, the first that ends behind an offset of its text before the escapes. */
-template <typename Part>
-const Part *firstBehind(const std::vector<Part> &parts, const ResolvedText &text, size_t offset)
-{
-    const auto found = std::partition_point(
-        parts.begin(), parts.end(), [&](const Part &part) { return text.beforeEscapes(part.place).end <= offset; });
-    return parts.data() + (found - parts.begin());
-}
-
-enum class Verdict
-{
-    isConversion,
-    isFault, // which is told by itself
-    isBroken,
-    isBrokenFault
-};
-
-Verdict verdictOn(const Piece &piece, const ResolvedText &text, const Format &format)
-{
-    const Conversion *const last = firstBehind(format.conversions, text, piece.end - 1);
-    if (last != format.conversions.data() + format.conversions.size() &&
-        text.beforeEscapes(last->place).end == piece.end)
-        return Verdict::isConversion;
-    Verdict verdict = Verdict::isBroken;
-    const FormatFault *const end = format.faults.data() + format.faults.size();
-    for (const FormatFault *fault = firstBehind(format.faults, text, piece.begin); fault != end; ++fault)
-    {
-        const size_t begin = text.beforeEscapes(fault->place).begin;
-        if (begin >= piece.end)
-            break;
-        if (fault->problem.rule != KT_RULE_POSITION_MISSING)
-            return Verdict::isFault;
-        if (begin >= piece.begin)
-            verdict = Verdict::isBrokenFault; // the position, which "id" is, was not reached
-    }
-    return verdict;
-}
-
-/** The broken placeholders of a message; what its format has in them is taken out of it. */
-std::vector<BrokenPlaceholder> takeBroken(const Catalog &catalog, const Message &message, const ResolvedText &text,
-                                          Format &format)
-{
-    std::vector<BrokenPlaceholder> broken;
-    const std::string_view raw = catalog.rawText(message);
-    if (message.hasPlaceholder)
-        for (const Piece &piece : catalog.piecesOf(message))
-        {
-            if (piece.kind != Piece::Kind::placeholder)
-                continue;
-            const Verdict verdict = verdictOn(piece, text, format);
-            if (verdict == Verdict::isConversion || verdict == Verdict::isFault)
-                continue;
-            const int position = positionIn(raw.substr(piece.positionBegin + 1, piece.end - piece.positionBegin - 2));
-            broken.push_back({&piece, position, verdict == Verdict::isBrokenFault});
-        }
-    if (broken.empty())
-        return broken;
-    const auto isInBroken = [&](const auto &part) {
-        const size_t begin = text.beforeEscapes(part.place).begin;
-        const auto behind = std::partition_point(
-            broken.begin(), broken.end(), [begin](const BrokenPlaceholder &row) { return row.piece->end <= begin; });
-        return behind != broken.end() && begin >= behind->piece->begin;
-    };
-    const auto removeFrom = [&](auto &parts) {
-        parts.erase(std::remove_if(parts.begin(), parts.end(), isInBroken), parts.end());
-    };
-    removeFrom(format.conversions);
-    removeFrom(format.faults);
-    format.sortPositions();
-    return broken;
-}
-
 /** The checks of one message. */
 class MessageCheck
 {
@@ -167,6 +74,7 @@ public:
             checkEmpty();
         if (m_text.hasBackslash())
             checkEscapes();
+        checkDirections();
         if (m_table != nullptr)
             checkFormat();
         if (m_pair.original != nullptr)
@@ -214,6 +122,8 @@ private:
 
     void checkEmpty();
     void checkEscapes();
+    void checkDirections();
+    void compareDirections(const std::vector<DirectionControl> &here);
     void compareWhiteSpace();
     void checkFormat();
     void checkPlaceholders(bool isUnexplained);
@@ -261,6 +171,37 @@ void MessageCheck::checkEscapes()
         }
         at += std::max<size_t>(length, 1);
     }
+}
+
+void MessageCheck::checkDirections()
+{
+    const std::vector<DirectionControl> controls = directionControlsIn(m_text.text());
+    const std::vector<DirectionControl> unbalanced = unbalancedOf(controls);
+    for (const DirectionControl &control : unbalanced)
+        find(Rule::bidiControls, placeOf(control.place),
+             {closes(control) ? Text::directionClosesNothing : Text::directionNotClosed, {nameOf(control)}});
+    if (unbalanced.empty() && m_pair.original != nullptr)
+        compareDirections(controls);
+}
+
+void MessageCheck::compareDirections(const std::vector<DirectionControl> &here)
+{
+    std::map<char32_t, std::vector<DirectionControl>> ours;
+    std::map<char32_t, std::vector<DirectionControl>> theirs;
+    const auto sortInto = [](auto &openings, const std::vector<DirectionControl> &controls) {
+        for (const DirectionControl &control : controls)
+            if (!closes(control))
+                openings[control.character].push_back(control);
+    };
+    sortInto(ours, here);
+    sortInto(theirs, directionControlsIn(m_original.text()));
+    for (const auto &[character, controls] : ours)
+        if (const size_t known = theirs[character].size(); controls.size() > known)
+            find(Rule::bidiControls, placeOf(controls[known].place), {Text::directionExtra, {nameOf(controls[known])}});
+    for (const auto &[character, controls] : theirs)
+        if (const size_t known = ours[character].size(); controls.size() > known)
+            find(Rule::bidiControls, m_pair.message.source, {Text::directionMissing, {nameOf(controls[known])}},
+                 Note{true, locateOriginal(controls[known].place), {Text::referenceHasItHere}});
 }
 
 bool isWhiteSpace(char32_t character)
@@ -543,8 +484,25 @@ bool isSparse(size_t messages, int highest)
     return unused >= many && unused >= 7 * messages;
 }
 
-void checkWhole(const Catalog &catalog, Findings &findings)
+/** Whether two names of languages are one, as "de_AT" and "de-at" are. */
+bool isSameLanguage(const std::string &a, const std::string &b)
 {
+    const auto isSame = [](char x, char y) {
+        return x == y || std::tolower(x) == std::tolower(y) || (x == '-' && y == '_') || (x == '_' && y == '-');
+    };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame);
+}
+
+void checkWhole(const Catalog &catalog, const Reference *reference, Findings &findings)
+{
+    if (reference != nullptr && !catalog.language().empty() &&
+        isSameLanguage(catalog.language(), reference->catalog().language()))
+    {
+        const Range place = catalog.languagePlace();
+        findings.push_back({Rule::sameLanguage, 0, place.begin, place,
+                            Phrase{Text::languageOfReference, {catalog.language()}},
+                            Note{true, reference->catalog().languagePlace(), {Text::referenceHasItHere}}});
+    }
     const std::vector<Message> &messages = catalog.messages();
     if (messages.empty())
         return;
@@ -599,7 +557,7 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
         MessageCheck(catalog, table, reference, pair, findings).run();
     }
     missBelow(int64_t{INT_MAX} + 1);
-    checkWhole(catalog, findings);
+    checkWhole(catalog, reference, findings);
     return findings;
 }
 

@@ -196,6 +196,8 @@ private:
     void start(const char *name, const char **attributes);
     void end();
     void addText(const char *text, size_t length);
+    void addStray(std::string_view text);
+    void tellStray();
     void startDoctype();
     void limit(bool isKept);
 
@@ -223,6 +225,8 @@ private:
     bool m_hasMessage = false; // the unit has a number
     Message m_message;
     bool m_takesText = false;
+    std::string m_stray; // how the text begins that is ignored here; empty where there is none
+    Range m_strayPlace;
 
     bool m_hasDoctype = false;
     Range m_doctype;
@@ -292,6 +296,7 @@ void Reader::start(const char *name, const char **attributes)
         for (const char **attribute = attributes; *attribute != nullptr; ++attribute)
             m_expanded += std::strlen(*attribute);
     limit(true);
+    tellStray();
     const Element element = m_skipped == 0 ? findElement(name) : Element::document;
     if (m_skipped > 0 || !accept(element, name))
     {
@@ -335,9 +340,11 @@ void Reader::startFile(const char **attributes, Range tag)
     if (const char *const language = findAttribute(attributes, "source-language"))
     {
         const size_t length = std::strlen(language);
-        if (length != 2 && length != 5)
-            find(Rule::language, m_catalog.locateAttribute(tag, "source-language"),
-                 {Text::badLanguage, {quotation(language)}});
+        m_catalog.m_languagePlace = m_catalog.locateAttribute(tag, "source-language");
+        if (length == 2 || length == 5)
+            m_catalog.m_language = language;
+        else
+            find(Rule::language, m_catalog.m_languagePlace, {Text::badLanguage, {quotation(language)}});
     }
     else
         needAttribute(attributes, "source-language", "file", tag);
@@ -416,8 +423,13 @@ void Reader::addText(const char *text, size_t length)
         m_expanded += length;
         limit(true);
     }
-    if (!m_takesText || m_skipped > 0)
+    if (m_skipped > 0)
         return;
+    if (!m_takesText)
+    {
+        addStray({text, length});
+        return;
+    }
     std::string &texts = m_catalog.m_texts;
     if (texts.size() + length > longestText)
         XML_StopParser(m_parser.get(), XML_FALSE);
@@ -436,6 +448,37 @@ void Reader::addText(const char *text, size_t length)
         addPiece(isText ? Piece::Kind::text : Piece::Kind::replaced, begin, begin, place);
 }
 
+/** Takes note of text that is no part of a message and not meant for people either. */
+void Reader::addStray(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    const size_t begin = text.find_first_not_of(blanks);
+    const Element parent = m_open.back().element;
+    if (begin == std::string_view::npos || parent == Element::note || parent == Element::context)
+        return;
+    const size_t end = text.find_last_not_of(blanks) + 1;
+    Range place = event();
+    if (isVerbatim(text, place))
+        place = {m_catalog.m_source.behindUtf8(place, begin), m_catalog.m_source.behindUtf8(place, end)};
+    if (m_stray.empty())
+    {
+        m_stray = quotation(text.substr(begin, end - begin));
+        m_strayPlace.begin = place.begin;
+    }
+    m_strayPlace.end = place.end;
+}
+
+void Reader::tellStray()
+{
+    if (m_stray.empty())
+        return;
+    const Element parent = m_open.back().element;
+    find(Rule::strayText, m_strayPlace,
+         parent == Element::source ? Phrase{Text::textBehindContext, {m_stray}}
+                                   : Phrase{Text::textIgnored, {m_stray, rowOf(parent).name}});
+    m_stray.clear();
+}
+
 void Reader::end()
 {
     if (m_skipped > 0)
@@ -443,6 +486,7 @@ void Reader::end()
         --m_skipped;
         return;
     }
+    tellStray();
     const OpenElement closed = m_open.back();
     m_open.pop_back();
     m_takesText = m_open.back().element == Element::source && (m_open.back().held & bit(Element::context)) == 0;
@@ -578,7 +622,10 @@ void Reader::run()
         return;
     }
     if (XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE) != XML_STATUS_OK)
+    {
+        tellStray();
         findSyntaxError();
+    }
     finishMessages();
     checkLimits();
 }

@@ -58,6 +58,12 @@ constexpr RuleRow rows[] = {
      Text::whiteSpaceRight},
     {"empty-message", Severity::warning, Text::emptyMessageRule, Text::emptyMessagePage, Text::emptyMessageWrong,
      Text::emptyMessageRight},
+    {"stray-text", Severity::warning, Text::strayTextRule, Text::strayTextPage, Text::strayTextWrong,
+     Text::strayTextRight},
+    {"same-language", Severity::warning, Text::sameLanguageRule, Text::sameLanguagePage, Text::sameLanguageWrong,
+     Text::sameLanguageRight},
+    {"bidi-controls", Severity::warning, Text::bidiControlsRule, Text::bidiControlsPage, Text::bidiControlsWrong,
+     Text::bidiControlsRight},
     {"doctype", Severity::warning, Text::doctypeRule, Text::doctypePage, Text::doctypeWrong, Text::doctypeRight},
     {"bad-name", Severity::error, Text::badNameRule, Text::badNamePage, Text::badNameWrong, Text::badNameRight},
 };

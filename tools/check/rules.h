@@ -43,6 +43,9 @@ enum class Rule
     unknownEscape,
     whiteSpace,
     emptyMessage,
+    strayText,
+    sameLanguage,
+    bidiControls,
     doctype,
     badName, // of `kelto gen` alone
 };
