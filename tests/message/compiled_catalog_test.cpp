@@ -155,7 +155,9 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
     EXPECT_EQ(loadCompiled(with(data, texts + 1, '\0')), loaded(std::string("#3: 1=\"a\0c\" 3=\"def\"", 19)));
     FakeZel::refuseAbove(1 << 20);
     EXPECT_EQ(loadCompiled(with(data, offsetof(Header, textBytes), uint64_t{1} << 40), true), refusedLate());
-    EXPECT_EQ(loadCompiled(with(data, offsetof(Header, highestId), INT_MAX), true), refusedLate());
+    const std::string highest = with(data, offsetof(Header, highestId), INT_MAX);
+    EXPECT_EQ(loadCompiled(highest, true), refusedLate());
+    EXPECT_EQ(loadCompiled(with(highest, entries + 8, INT_MAX), true).result, KT_ERR_NO_MEMORY);
 
     // What was looked at before the messages are read counts no more.
     FakeFile &file = FakeZel::file(memoryPath, data);
