@@ -451,12 +451,16 @@ void Reader::addText(const char *text, size_t length)
 /** Takes note of text that is no part of a message and not meant for people either. */
 void Reader::addStray(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\r\n";
-    const size_t begin = text.find_first_not_of(blanks);
+    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t'; };
+    size_t begin = 0;
+    while (begin < text.size() && isBlank(text[begin]))
+        ++begin;
     const Element parent = m_open.back().element;
-    if (begin == std::string_view::npos || parent == Element::note || parent == Element::context)
+    if (begin == text.size() || parent == Element::note || parent == Element::context)
         return;
-    const size_t end = text.find_last_not_of(blanks) + 1;
+    size_t end = text.size();
+    while (isBlank(text[end - 1]))
+        --end;
     Range place = event();
     if (isVerbatim(text, place))
         place = {m_catalog.m_source.behindUtf8(place, begin), m_catalog.m_source.behindUtf8(place, end)};
