@@ -600,6 +600,14 @@ void Reader::findSyntaxError()
     place.end = place.begin;
     if (place.begin < source.bytes().size())
         source.take(place.end, source.bytes().size());
+    if (error == XML_ERROR_UNKNOWN_ENCODING) // its name is in quotation marks
+        for (size_t at = place.end; at < source.bytes().size();)
+        {
+            const char32_t character = source.take(at, source.bytes().size());
+            if (character == '"' || character == '\'')
+                break;
+            place.end = at;
+        }
     constexpr unsigned errorsAbove = 300;
     const Shown why = textNumbered(errorsAbove + error, XML_ErrorString(error));
     if (error == XML_ERROR_TAG_MISMATCH && m_skipped == 0)
