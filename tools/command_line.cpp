@@ -30,12 +30,12 @@ private:
     std::string m_usage;
 };
 
-/** The option that an error of the parser is about, as it begins: "--from: 1 required NAME missing". */
+/** The option that an error of the parser begins with: "--from: 1 required NAME missing", "raw was given ...". */
 std::string optionIn(const CLI::ParseError &error)
 {
     const std::string text = error.what();
-    const size_t begin = std::min(text.find('-'), text.size());
-    return terminal().showBytes(text.substr(begin, text.find_first_of(":= ", begin) - begin));
+    const std::string name = text.substr(0, text.find_first_of(":= "));
+    return terminal().showBytes(name[0] == '-' ? name : (name.size() == 1 ? "-" : "--") + name);
 }
 
 bool isHelp(const std::string &word)
@@ -65,7 +65,7 @@ std::string CommandLine::help() const
 
 void CommandLine::flag(const std::string &name, bool &value, const std::string &help)
 {
-    m_app->add_flag(name, value, help);
+    m_app->add_flag(name, value, help)->disable_flag_override();
 }
 
 void CommandLine::option(const std::string &name, const std::string &valueName, std::string &value,
@@ -99,7 +99,17 @@ Words CommandLine::files()
     Words names = operands();
     if (names.empty())
         throw misuse(say(Text::noFile));
+    if (std::count(names.begin(), names.end(), "-") > 1)
+        throw misuse(say(Text::standardInputTwice));
     return names;
+}
+
+std::string CommandLine::onlyFile()
+{
+    const Words names = files();
+    if (names.size() > 1)
+        throw misuse(say(Text::moreThanOneFile));
+    return names.front();
 }
 
 Words CommandLine::operandsBehindOptions(size_t fixedCount)
@@ -143,11 +153,10 @@ void CommandLine::parse()
     }
     catch (const CLI::ArgumentMismatch &error)
     {
-        throw misuse(say(Text::optionNeedsValue, {optionIn(error)}));
-    }
-    catch (const CLI::ConversionError &error)
-    {
-        throw misuse(say(Text::optionTakesNoValue, {optionIn(error)}));
+        const std::string name = optionIn(error);
+        const CLI::Option *const option = m_app->get_option_no_throw(name);
+        const bool isFlag = option != nullptr && option->get_items_expected_max() == 0;
+        throw misuse(say(isFlag ? Text::optionTakesNoValue : Text::optionNeedsValue, {name}));
     }
     catch (const CLI::ParseError &error)
     {

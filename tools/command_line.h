@@ -53,6 +53,9 @@ public:
     /** The operands, all of them files, of which there must be one at least. */
     Words files();
 
+    /** The only operand, a file. */
+    std::string onlyFile();
+
     std::string help() const;
 
     /** Wrong usage of this subcommand. */

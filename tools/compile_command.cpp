@@ -36,13 +36,11 @@ ExitStatus run(CommandLine &line)
     bool raw = false;
     line.option("-o,--output", "OUT", output, "The catalog to write; '-' is standard output");
     line.flag("-r,--raw", raw, "Placeholders without positions: for showing, not for formatting");
-    const Words files = line.files();
-    if (files.size() > 1)
-        throw line.misuse(say(Text::moreThanOneFile));
+    const std::string input = line.onlyFile();
     if (output.empty())
         throw line.misuse(say(Text::optionMissing, {"--output"}));
-    requireOtherFile(output, files);
-    const MessageFile file(files.front(), raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
+    requireOtherFile(output, {input});
+    const MessageFile file(input, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
     const std::string catalog = file.compiled();
     if (output == "-")
         print(catalog);
@@ -53,7 +51,7 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Programs load a compiled catalog by KTLoadCompiledMessages, about a thousand times
 faster than a message file; the other subcommands read it too. The same messages
-give the same bytes.
+give the same bytes. For FILE '-' is standard input.
 
 Example:
   kelto compile de.xlf -o de.ktc

@@ -64,7 +64,7 @@ ExitStatus run(CommandLine &line)
     const Words words(operands.begin() + fileAndId, operands.end());
     const MessageFile file(operands[0]);
     const std::string message = file.message(id);
-    const std::string subject = terminal().showBytes(operands[0]) + ": " + say(Text::messageSubject, {id});
+    const std::string subject = inputName(operands[0]) + ": " + say(Text::messageSubject, {id});
     try
     {
         printIn(charset, formatLine(message, tag, words));
@@ -82,7 +82,8 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Prints message ID of FILE. The arguments follow in the order of their positions
 in the message, not of their places; a '*' takes an argument of its own, before
-the value. Options stand in front of FILE: an argument may begin with '-'.
+the value. Options stand in front of FILE: an argument may begin with '-'. For FILE
+'-' is standard input.
 
   d u o x X EID  a whole number, as 12, -7 or 0x1F
   f              a number, as 12.5, -3 or 1e9

@@ -35,7 +35,7 @@ ExitStatus run(CommandLine &line)
     return forEachFile(files, [&](const std::string &path) {
         const MessageFile file(path, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
         if (files.size() > 1)
-            printText((first ? "" : "\n") + terminal().showBytes(path) + ":\n");
+            printText((first ? "" : "\n") + inputName(path) + ":\n");
         first = false;
         listMessages(file);
     });
@@ -43,7 +43,7 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Prints number and text of every message, a tab between them. Line breaks, other
 control characters and what the terminal cannot show appear as \n, \t, \u001B,
-and a backslash as \\.
+and a backslash as \\. For FILE '-' is standard input.
 
 Example:
   kelto list -r de.xlf

@@ -1,5 +1,6 @@
 #include "message_file.h"
 
+#include "output.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -37,13 +38,25 @@ void Library::require() const
         throw Failure(meaningOf(m_result));
 }
 
+LoadableFile::LoadableFile(const std::string &operand) : m_path(operand)
+{
+    if (operand != "-")
+        return;
+    m_memory.emplace(readWhole(operand));
+    if (!m_memory->isThere())
+        throw Failure(inputName(operand) + ": " + systemText(errno));
+    m_path = m_memory->path();
+}
+
 // That a file is no compiled catalog shows with its first bytes.
 MessageFile::MessageFile(const std::string &path, Placeholders placeholders) : m_path(path)
 {
+    const LoadableFile file(path);
     const auto load = placeholders == Placeholders::raw ? KTLoadRawMessages : KTLoadMessages;
-    int result = KTLoadCompiledMessages(m_path.c_str(), &m_table);
+    std::string name = file.path(); // the library takes it without const
+    int result = KTLoadCompiledMessages(name.c_str(), &m_table);
     if (result == KT_ERR_BAD_MSG_FILE)
-        result = load(m_path.data(), &m_table);
+        result = load(name.data(), &m_table);
     if (result != 0)
         throw fileFailure(path, result);
 }
@@ -89,21 +102,23 @@ Failure MessageFile::noSuchMessage(unsigned id) const
         ++count;
     });
     const std::string file = terminal().showBytes(m_path);
+    const std::string shown = inputName(m_path);
     if (count == 0)
-        return Failure(file + ": " + say(Text::noMessages) + nameOf(KT_ERR_INVALID_MSG_ID));
+        return Failure(shown + ": " + say(Text::noMessages) + nameOf(KT_ERR_INVALID_MSG_ID));
     const Text text = highest - lowest + 1 == count ? Text::idsWithoutGaps : Text::idsWithGaps;
     const std::string why = count == 1 ? say(Text::onlyId, {id, lowest}) : say(text, {id, lowest, highest});
     const bool isInRange = 0 < id && id <= highest;
-    return Failure(file + ": " + why + (isInRange ? "" : nameOf(KT_ERR_INVALID_MSG_ID)) + hint("kelto list " + file));
+    return Failure(shown + ": " + why + (isInRange ? "" : nameOf(KT_ERR_INVALID_MSG_ID)) + hint("kelto list " + file));
 }
 
 std::string productVersion(const std::string &path)
 {
     constexpr size_t versionRoom = 20;
     char version[versionRoom];
-    std::string name = path; // the library takes it without const
+    const LoadableFile file(path);
+    std::string name = file.path();
     MessageTable *catalog = nullptr;
-    int result = KTLoadCompiledMessages(path.c_str(), &catalog);
+    int result = KTLoadCompiledMessages(name.c_str(), &catalog);
     if (result == 0)
         return MessageFile(catalog).facts().productVersion;
     if (result == KT_ERR_BAD_MSG_FILE)
@@ -121,7 +136,7 @@ Failure fileFailure(const std::string &path, int result)
     const std::string file = terminal().showBytes(path);
     // The checker reads the files that people write, and shows the place.
     const bool isChecked = result == KT_ERR_BAD_MSG_FILE && std::filesystem::path(path).extension() != ".ktc";
-    return Failure(file + ": " + meaning + nameOf(result) + (isChecked ? hint("kelto check " + file) : ""));
+    return Failure(inputName(path) + ": " + meaning + nameOf(result) + (isChecked ? hint("kelto check " + file) : ""));
 }
 
 } // namespace tool

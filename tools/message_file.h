@@ -7,7 +7,9 @@
 
 #include "failure.h"
 #include "kelto.h"
+#include "memory_file.h"
 
+#include <optional>
 #include <string>
 
 namespace tool
@@ -26,6 +28,19 @@ public:
 
 private:
     int m_result;
+};
+
+/** What an operand names, in a place where the library reads it: the file itself, or for "-" standard input. */
+class LoadableFile
+{
+public:
+    explicit LoadableFile(const std::string &operand);
+
+    const std::string &path() const { return m_path; }
+
+private:
+    std::optional<MemoryFile> m_memory;
+    std::string m_path;
 };
 
 /** A message file, or a compiled catalog, whose placeholders are as they were compiled. */

@@ -14,11 +14,11 @@ ExitStatus run(CommandLine &line)
     const Words files = line.files();
     return forEachFile(files, [&](const std::string &file) {
         const std::string version = utf8(terminal().escaped(ucs2FromUtf8(productVersion(file))));
-        printText((files.size() == 1 ? "" : terminal().showBytes(file) + ": ") + version + "\n");
+        printText((files.size() == 1 ? "" : inputName(file) + ": ") + version + "\n");
     });
 }
 
-constexpr const char *details = R"(Reads no more of a file than the version needs.
+constexpr const char *details = R"(Reads no more of a file than the version needs. For FILE '-' is standard input.
 
 Example:
   kelto version en.xlf de.xlf

@@ -253,8 +253,11 @@ size_t jobsOf(const CommandLine &line, const std::string &jobs)
     return number;
 }
 
-ExitStatus explain(const CommandLine &line, const Options &options)
+ExitStatus explain(const CommandLine &line, const Options &options, const Words &files)
 {
+    if (!files.empty())
+        throw line.misuse(
+            say(Text::surplusWord, {terminal().quote(files[0]), options.listsRules ? "--list-rules" : "--explain"}));
     if (options.listsRules)
     {
         printText(listOfRules());
@@ -278,7 +281,7 @@ ExitStatus checkAll(const CommandLine &line, const Options &options, const Words
     Words inputs = files;
     if (!options.reference.empty())
         inputs.push_back(options.reference);
-    requireOtherFile(options.output == "-" ? "./-" : options.output, inputs);
+    requireOtherFile(options.output, inputs);
     std::optional<Output> output; // opened when the reference is read: a failure before leaves the file alone
     const Sink sink = [&output](std::string_view text) { (*output)(text); };
     const std::unique_ptr<Writer> writer = makeWriter(line, options.format, sink, writing);
@@ -321,7 +324,7 @@ ExitStatus run(CommandLine &line)
     Options options;
     line.option("-r,--reference", "FILE", options.reference, "Compare with the messages of this file");
     line.option("--format", "FORM", options.format, "text (the default), json, sarif or github");
-    line.option("-o,--output", "FILE", options.output, "Write the findings to a file");
+    line.option("-o,--output", "FILE", options.output, "Write the findings to a file; '-' is standard output");
     line.options("-W", "RULE", options.warnings,
                  "Report a rule; no-RULE: do not; error, error=RULE: warnings, or this one, count as errors");
     line.option("--color", "WHEN", options.colour, "auto (the default), always or never");
@@ -334,14 +337,10 @@ ExitStatus run(CommandLine &line)
     line.flag("--list-rules", options.listsRules, "List the rules and end");
     line.option("--explain", "RULE", options.explained, "Explain a rule and end");
     const Words files = line.operands();
+    if (options.output == "-")
+        options.output.clear();
     if (options.listsRules || !options.explained.empty())
-        return explain(line, options);
-    if (files.empty())
-        throw line.misuse(say(Text::noFile));
-    const auto isStdin = [](const std::string &file) { return file == "-"; };
-    if (std::count_if(files.begin(), files.end(), isStdin) + (options.reference == "-" ? 1 : 0) > 1)
-        throw line.misuse(say(Text::standardInputTwice));
-
+        return explain(line, options, files);
     Setting setting{
         options.isRaw ? Catalog::Placeholders::raw : Catalog::Placeholders::positioned, nullptr, {}, options.stdinName};
     for (const std::string &warning : options.warnings)
@@ -352,13 +351,17 @@ ExitStatus run(CommandLine &line)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
     setting.table = options.isRaw ? nullptr : forms.get();
+    if (files.empty())
+        throw line.misuse(say(Text::noFile));
+    if (std::count(files.begin(), files.end(), "-") + (options.reference == "-" ? 1 : 0) > 1)
+        throw line.misuse(say(Text::standardInputTwice));
     return checkAll(line, options, files, setting);
 }
 
 constexpr const char *details = R"(Reports what keeps FILE from loading, what keeps its messages from being
 formatted, and with -r where they ask for other arguments than those of the
-reference, each with its line and column. The exit status is 0 where there are
-no errors, 1 where there are.
+reference, each with its line and column. For FILE '-' is standard input. The exit
+status is 0 where there are no errors, 1 where there are.
 
 Example:
   kelto check -r en.xlf de.xlf fr.xlf

@@ -1,5 +1,6 @@
 #include "check/catalog.h"
 #include "kelto.h"
+#include "memory_file.h"
 
 #include <algorithm>
 #include <array>
@@ -8,8 +9,6 @@
 #include <expat.h>
 #include <fmt/core.h>
 #include <memory>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace tool::check
 {
@@ -99,23 +98,14 @@ using ParserOwner = std::unique_ptr<std::remove_pointer_t<XML_Parser>, FreeParse
 /** Whether the library loads these bytes, at the cost that it allows; also where that cannot be found out. */
 bool libraryLoads(std::string_view bytes)
 {
-    const int descriptor = memfd_create("kelto", MFD_CLOEXEC);
-    if (descriptor < 0)
+    const MemoryFile file(bytes);
+    if (!file.isThere())
         return true;
-    size_t written = 0;
-    while (written < bytes.size())
-    {
-        const ssize_t count = write(descriptor, bytes.data() + written, bytes.size() - written);
-        if (count <= 0)
-            break;
-        written += static_cast<size_t>(count);
-    }
-    std::string path = fmt::format("/proc/self/fd/{}", descriptor);
+    std::string path = file.path();
     MessageTable *table = nullptr;
-    const int result = written == bytes.size() ? KTLoadMessages(path.data(), &table) : 0;
-    if (result == 0 && table != nullptr)
+    const int result = KTLoadMessages(path.data(), &table);
+    if (result == 0)
         KTFreeMessages(table);
-    close(descriptor);
     return result != KT_ERR_BAD_MSG_FILE;
 }
 
@@ -296,7 +286,8 @@ void Reader::start(const char *name, const char **attributes)
         for (const char **attribute = attributes; *attribute != nullptr; ++attribute)
             m_expanded += std::strlen(*attribute);
     limit(true);
-    tellStray();
+    if (!m_stray.empty())
+        tellStray();
     const Element element = m_skipped == 0 ? findElement(name) : Element::document;
     if (m_skipped > 0 || !accept(element, name))
     {
@@ -474,8 +465,6 @@ void Reader::addStray(std::string_view text)
 
 void Reader::tellStray()
 {
-    if (m_stray.empty())
-        return;
     const Element parent = m_open.back().element;
     find(Rule::strayText, m_strayPlace,
          parent == Element::source ? Phrase{Text::textBehindContext, {m_stray}}
@@ -490,7 +479,8 @@ void Reader::end()
         --m_skipped;
         return;
     }
-    tellStray();
+    if (!m_stray.empty())
+        tellStray();
     const OpenElement closed = m_open.back();
     m_open.pop_back();
     m_takesText = m_open.back().element == Element::source && (m_open.back().held & bit(Element::context)) == 0;
@@ -635,7 +625,8 @@ void Reader::run()
     }
     if (XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE) != XML_STATUS_OK)
     {
-        tellStray();
+        if (!m_stray.empty())
+            tellStray();
         findSyntaxError();
     }
     finishMessages();

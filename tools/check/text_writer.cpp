@@ -50,7 +50,7 @@ public:
     {
         const Phrase errors = counted(Text::oneError, Text::manyErrors, summary.errors);
         const Phrase warnings = counted(Text::oneWarning, Text::manyWarnings, summary.warnings);
-        if (!m_isQuiet)
+        if (!m_isQuiet && summary.files > 0)
             print(show(say(counted(Text::foundInOneFile, Text::foundInManyFiles, summary.files, {errors, warnings}))) +
                   "\n");
     }

@@ -71,17 +71,15 @@ ExitStatus run(CommandLine &line)
     std::string nameSpace = "messages";
     std::string depfile;
     Words formWords;
-    line.option("-o,--output", "FILE", output, "The header to write");
+    line.option("-o,--output", "FILE", output, "The header to write; '-' is standard output");
     line.option("--namespace", "NAME", nameSpace,
                 "The namespace of the functions, with which the constants begin too; \"messages\" if not given");
     line.option("--depfile", "FILE", depfile, "Write a rule of make that says what the header is made of");
     line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
                  "A conversion of the program's own and its arguments: char, utf8, ucs2, int, uint, double, pointer");
-    const Words files = line.files();
-    if (files.size() > 1)
-        throw line.misuse(say(Text::oneFileOnly));
+    const std::string input = line.onlyFile();
     if (output.empty())
-        throw line.misuse(say(Text::outputMissing));
+        throw line.misuse(say(Text::optionMissing, {"--output"}));
     if (const std::optional<Text> fault = gen::faultOfName(nameSpace))
         throw line.misuse(say(*fault, {terminal().quote(nameSpace)}));
     FormTable forms;
@@ -89,19 +87,25 @@ ExitStatus run(CommandLine &line)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
 
-    for (const std::string &written : {output, depfile})
-        requireOtherFile(written == "-" ? "./-" : written, files);
-    Catalog catalog(SourceText(files[0], readMessageFile(files[0])), Catalog::Placeholders::positioned);
+    requireOtherFile(output, {input});
+    requireOtherFile(depfile == "-" ? "./-" : depfile, {input});
+    const std::string name = input == "-" ? "<stdin>" : input;
+    Catalog catalog(SourceText(name, readMessageFile(input)), Catalog::Placeholders::positioned);
     Findings findings = catalog.findings();
     const Findings others = checkMessages(catalog, forms.get(), nullptr);
     findings.insert(findings.end(), others.begin(), others.end());
     const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, findings);
     if (tellErrors(std::move(findings), catalog) > 0)
         return ExitStatus::negative;
-    const size_t slash = files[0].rfind('/') + 1; // 0 where there is none
-    writeFile(output, gen::headerOf(catalog, names, forms.get(), {output, nameSpace, files[0].substr(slash)}));
+    const size_t slash = name.rfind('/') + 1; // 0 where there is none
+    const std::string header = gen::headerOf(
+        catalog, names, forms.get(), {output == "-" ? nameSpace + ".hpp" : output, nameSpace, name.substr(slash)});
+    if (output == "-")
+        print(header);
+    else
+        writeFile(output, header);
     if (!depfile.empty())
-        writeFile(depfile, fmt::format("{}: {}\n", inMake(output), inMake(files[0])));
+        writeFile(depfile, fmt::format("{}: {}\n", inMake(output), inMake(input)));
     return ExitStatus::done;
 }
 

@@ -127,14 +127,24 @@ std::string fetchingFunction(const Message &message, const std::string &name, st
                        name, message.id, literalOf(text));
 }
 
+/** A number that other texts hardly have (FNV-1a). */
+uint64_t fingerprintOf(const std::string &text)
+{
+    uint64_t fingerprint = 0xCBF29CE484222325;
+    for (const char byte : text)
+        fingerprint = (fingerprint ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
+    return fingerprint;
+}
+
 /** "STORE_MESSAGES_HPP". */
 std::string guardOf(const std::string &fileName)
 {
-    std::string guard = inCapitals(fileName.substr(fileName.rfind('/') + 1));
+    const std::string name = fileName.substr(fileName.rfind('/') + 1);
+    std::string guard = inCapitals(name);
     for (char &byte : guard)
         if ((byte < 'A' || byte > 'Z') && (byte < '0' || byte > '9'))
             byte = '_';
-    return !faultOfName(guard) ? guard : "KELTO_GENERATED_" + std::to_string(guard.size());
+    return !faultOfName(guard) ? guard : fmt::format("KELTO_GENERATED_{:X}", fingerprintOf(name));
 }
 
 } // namespace
