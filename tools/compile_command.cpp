@@ -1,34 +1,12 @@
 #include "command_line.h"
 #include "message_file.h"
 #include "output.h"
-#include "terminal.h"
 #include "text.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
 
 namespace tool
 {
 namespace
 {
-
-/** Writes a file as a whole: where that fails, what was written of it is taken away again, but never a device. */
-void writeWhole(const std::string &path, const std::string &bytes)
-{
-    std::FILE *const file = std::fopen(path.c_str(), "we");
-    if (file == nullptr)
-        throw Failure(terminal().showBytes(path) + ": " + systemText(errno));
-    const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    const int writeError = errno;
-    if (std::fclose(file) == 0 && isWritten)
-        return;
-    const int error = isWritten ? errno : writeError;
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored))
-        std::filesystem::remove(path, ignored);
-    throw Failure(terminal().showBytes(path) + ": " + systemText(error));
-}
 
 ExitStatus run(CommandLine &line)
 {
@@ -45,7 +23,7 @@ ExitStatus run(CommandLine &line)
     if (output == "-")
         print(catalog);
     else
-        writeWhole(output, catalog);
+        writeFile(output, catalog);
     return ExitStatus::done;
 }
 

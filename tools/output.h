@@ -35,6 +35,9 @@ std::string readWhole(const std::string &path);
  */
 std::string readMessageFile(const std::string &path);
 
+/** Writes a whole file: where that fails, what was written of it is taken away again, but never a device. */
+void writeFile(const std::string &path, std::string_view bytes);
+
 /** Throws where an output is a regular file that is an input too, "-" among them, which to open would empty. */
 void requireOtherFile(const std::string &output, const std::vector<std::string> &inputs);
 

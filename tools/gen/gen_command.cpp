@@ -8,7 +8,6 @@
 #include "text.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <fmt/core.h>
 #include <unistd.h>
@@ -19,21 +18,6 @@ namespace
 {
 
 using namespace check;
-
-/** Writes a whole file; it is not there where that fails. */
-void writeFile(const std::string &path, const std::string &text)
-{
-    std::FILE *const file = std::fopen(path.c_str(), "we");
-    const bool isWritten = file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    int error = errno;
-    if (file != nullptr && std::fclose(file) != 0 && isWritten)
-        error = errno;
-    else if (isWritten)
-        return;
-    if (file != nullptr)
-        std::remove(path.c_str());
-    throw OutputFailure(terminal().showBytes(path) + ": " + systemText(error));
-}
 
 /** A path as a rule of make has it. */
 std::string inMake(const std::string &path)
