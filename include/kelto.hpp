@@ -20,7 +20,8 @@
  * thus always returns a text; on_problem is told what was passed over.
  *
  * **Errors.** What can fail has an overload that takes a std::error_code and throws nothing; with -fno-exceptions these
- * are the only ones. The others throw kelto::error. Memory that runs out is a std::bad_alloc, as everywhere.
+ * are the only ones. The others throw kelto::error, and what() is a line for a log: what was asked for, and of a format
+ * the conversion and the argument that do not fit. Memory that runs out is a std::bad_alloc, as everywhere.
  *
  * **Threads.** Any number of threads may call the const members of one object at once. No lock of the layer is taken by
  * a call that formats a message that was formatted before.
@@ -46,12 +47,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iterator>
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -159,10 +162,22 @@ namespace detail
 {
 
 #if KELTO_HAS_EXCEPTIONS
-inline void throw_if(const std::error_code &failure, const std::string &what)
+/** An error that says all that there is to say, where the text of its code would only say less. */
+class KELTO_SHARED told_error final : public error
+{
+public:
+    told_error(const std::error_code &failure, const std::string &what) : error{failure}, what_(what) {}
+    const char *what() const noexcept override { return what_.what(); }
+
+private:
+    std::runtime_error what_; // a text whose copies cannot fail
+};
+
+/** Throws where there is a failure; the sentence is put together only then. */
+template <class What> void throw_if(const std::error_code &failure, const What &what)
 {
     if (failure)
-        throw error{failure, what};
+        throw told_error{failure, what()};
 }
 #endif
 
@@ -213,7 +228,7 @@ public:
     {
         std::error_code failure;
         use_ = detail::use(failure);
-        detail::throw_if(failure, "kelto::library");
+        detail::throw_if(failure, [&] { return "kelto::library: " + failure.message(); });
     }
 #endif
 
@@ -222,6 +237,9 @@ private:
 };
 
 /* ## 2. Arguments */
+
+/* What can be formatted, and by which conversions, is in the table of docs/cpp.md. The date conversions write the years
+ * 0 to 9999: a time outside of them, as time_point::max(), is written as their first or last second. */
 
 /**
  * How a type of the program's own becomes an argument. Specialise it with a function that makes one of the types that
@@ -236,6 +254,9 @@ private:
  * over, together with its type, which the conversion compares before it looks at it.
  *
  *     template <> struct kelto::argument_of<money> : kelto::by_identity<money> {};
+ *
+ * Where no text can be formatted, such an object is written by the first conversion that takes it alone, by a function
+ * `convert` as above if there is one too, or as the name of its type.
  */
 template <class T> struct argument_of
 {
@@ -465,15 +486,26 @@ struct code_point_units
     std::uint32_t length = 1;
 };
 
+/** Writes an argument for a person to read, as UTF-8. */
+void write_plainly(std::string &out, const KTArgument &argument);
+
+template <class T> void write_object(std::string &out, const void *object);
+
+/** What a type that goes over with its identity can do. */
+struct object_type
+{
+    void (*write)(std::string &out, const void *object);
+};
+
 /** Its address is the identity of a type. Not constant, so that no two are folded into one. */
-template <class T> inline char type_tag = 0;
+template <class T> inline object_type type_tag = {write_object<T>};
 
 /** The kind of all objects that go over with their identity; their types tell them apart. */
 constexpr std::uint32_t identity_kind = 0x6B2B2B01;
 
 struct identified
 {
-    const void *tag;
+    const object_type *type;
     const void *object;
 };
 
@@ -567,6 +599,35 @@ inline KTArgument argument_from(const identified &object) noexcept
 template <class T> KTArgument argument_from(const converted<T> &value) noexcept
 {
     return argument_from(value.inner);
+}
+
+/** The name of a type, as the compiler spells it behind "T = ". */
+template <class T> constexpr std::string_view name_of_type() noexcept
+{
+    constexpr std::string_view function = __PRETTY_FUNCTION__;
+    constexpr std::size_t begin = function.find("T = ") + 4;
+    return function.substr(begin, function.find_last_of(";]", function.find(';')) - begin);
+}
+
+template <class T, class = void> struct has_convert : std::false_type
+{
+};
+template <class T>
+struct has_convert<T, std::void_t<decltype(argument_of<T>::convert(std::declval<const T &>()))>> : std::true_type
+{
+};
+
+/** Writes an object as what argument_of makes of it, or else the name of its type. */
+template <class T> KELTO_SELDOM void write_object(std::string &out, const void *object)
+{
+    if constexpr (has_convert<T>::value)
+    {
+        const auto value = argument_of<T>::convert(*static_cast<const T *>(object));
+        const auto held = hold(value);
+        write_plainly(out, argument_from(held));
+    }
+    else
+        out.append(1, '(').append(name_of_type<T>()).append(1, ')');
 }
 
 /** What a type is to the conversions, known before there is a value. */
@@ -1009,7 +1070,7 @@ constexpr unchecked_text unchecked(std::string_view text) noexcept
 namespace detail
 {
 
-/** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type of its own: on this one. */
+/** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type: on this one. */
 struct spelt_text
 {
     /** Whether a text is one, by how it is spelt. */
@@ -1313,8 +1374,8 @@ template <class Value> struct own_value
         if constexpr (kind == category::identity)
         {
             const auto *const object = static_cast<const identified *>(KTPointerOfKind(slot, identity_kind));
-            return object != nullptr && object->tag == &type_tag<Value> ? static_cast<const Value *>(object->object)
-                                                                        : nullptr;
+            return object != nullptr && object->type == &type_tag<Value> ? static_cast<const Value *>(object->object)
+                                                                         : nullptr;
         }
         else if constexpr (kind == category::integer)
         {
@@ -1443,7 +1504,7 @@ public:
     {
         if (!is_name(name))
         {
-            failure_ = KT_ERR_INVALID_PARAMETER;
+            problem_ += ": no conversion can have the name \"" + std::string(name) + '"';
             return *this;
         }
         auto own = std::make_unique<detail::conversion>();
@@ -1491,14 +1552,39 @@ public:
     /** The table; null inside, and failure set, where a name is impossible or the chained table is refused. */
     form_table build(std::error_code &failure)
     {
+        std::string problem;
+        return build(failure, problem);
+    }
+
+#if KELTO_HAS_EXCEPTIONS
+    form_table build()
+    {
+        std::error_code failure;
+        std::string problem;
+        form_table table = build(failure, problem);
+        detail::throw_if(failure,
+                         [&] { return "kelto::form_table" + (problem.empty() ? ": " + failure.message() : problem); });
+        return table;
+    }
+#endif
+
+private:
+    form_table build(std::error_code &failure, std::string &problem)
+    {
         std::shared_ptr<detail::table_state> state = std::exchange(state_, std::make_shared<detail::table_state>());
         state->held = detail::use(failure);
         formTable *builtIn = nullptr;
         if (!failure)
-            failure = make_error(failure_ != 0 ? failure_ : KTGetBuiltInFormTable(0, &builtIn));
+            failure = make_error(KTGetBuiltInFormTable(0, &builtIn));
         formTable *const next = next_ != nullptr ? next_ : builtIn;
-        if (!failure && takes_pointers(next))
-            failure = make_error(KT_ERR_INVALID_PARAMETER);
+        if (!failure)
+        {
+            if (const char *const unsafe = conversion_with_pointer(next))
+                problem_ += std::string(": the conversion \"") + unsafe +
+                            "\" of the table behind it takes a pointer of no type";
+            failure = make_error(problem_.empty() ? 0 : KT_ERR_INVALID_PARAMETER);
+        }
+        problem = std::exchange(problem_, {});
         if (failure)
             return form_table(nullptr);
         for (const auto &own : state->conversions)
@@ -1511,17 +1597,6 @@ public:
         return form_table(std::move(state));
     }
 
-#if KELTO_HAS_EXCEPTIONS
-    form_table build()
-    {
-        std::error_code failure;
-        form_table table = build(failure);
-        detail::throw_if(failure, "kelto::form_table");
-        return table;
-    }
-#endif
-
-private:
     static bool is_name(std::string_view name) noexcept
     {
         const char first = name.empty() ? '\0' : name[0];
@@ -1534,20 +1609,21 @@ private:
         return true;
     }
 
-    static bool takes_pointers(const formTable *table) noexcept
+    /** The name of a C function's conversion that trusts the format for the type of what it is given, or null. */
+    static const char *conversion_with_pointer(const formTable *table) noexcept
     {
         for (; table != nullptr; table = table->nextTable)
             for (const KTFormatter *record = table->formList; record != nullptr && record->name != nullptr; ++record)
                 if (record->format != detail::convert && record->argTypes != nullptr)
                     for (const int *type = record->argTypes; *type != KT_ARG_END; ++type)
                         if (*type == KT_ARG_POINTER)
-                            return true;
-        return false;
+                            return record->name;
+        return nullptr;
     }
 
     std::shared_ptr<detail::table_state> state_ = std::make_shared<detail::table_state>();
     formTable *next_ = nullptr;
-    int failure_ = 0;
+    std::string problem_; // of the names
 };
 
 /* ## 5. Formats */
@@ -1559,7 +1635,11 @@ struct format_options
         nullptr;                  /**< the conversions; null for the built-in ones. It is shared, and may end first. */
     bool tag = false;             /**< wraps dates, names, entry IDs and errors in tags */
     void *pass_through = nullptr; /**< handed to conversions of the program's own */
-    std::size_t max_size = 1 << 20; /**< the bytes that a text may have, beside 8 times those of the text arguments */
+    /**
+     * The bytes that a text may have, beside 8 times those of the text arguments. The text in the source is not
+     * passed over for being longer, unless it needs more than 1 MiB as well.
+     */
+    std::size_t max_size = 1 << 20;
 };
 
 namespace detail
@@ -1753,21 +1833,236 @@ inline prepared_pointer prepare(const char *text, formTable *table, int &result)
     return prepared_pointer(format);
 }
 
-/** A format that asks for these arguments; empty where there is none without the program's own table. */
-KELTO_SELDOM inline std::string reference_of(const argument_view &view)
+/** A number in decimal. */
+KELTO_SELDOM inline std::string decimal(std::uint64_t number, bool isNegative = false)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, isNegative ? "-%llu" : "%llu",
+                  static_cast<unsigned long long>(isNegative ? 0 - number : number));
+    return text;
+}
+
+/** Writes arguments for a person to read. */
+class plain_writer
+{
+public:
+    explicit plain_writer(std::string &out) noexcept : out_(out) {}
+
+    KELTO_SELDOM void write(const KTArgument &argument)
+    {
+        switch (argument.type)
+        {
+        case KT_ARGUMENT_INT:
+        case KT_ARGUMENT_INT64:
+            out_ += decimal(argument.value.u, argument.value.i < 0);
+            break;
+        case KT_ARGUMENT_UINT:
+        case KT_ARGUMENT_UINT64:
+            out_ += decimal(argument.value.u);
+            break;
+        case KT_ARGUMENT_CHAR:
+        case KT_ARGUMENT_UNIT:
+        {
+            const char16_t units[2] = {static_cast<char16_t>(argument.value.u)};
+            out_ += to_utf8(units);
+            break;
+        }
+        case KT_ARGUMENT_DOUBLE:
+            number("%g", argument.value.d);
+            break;
+        case KT_ARGUMENT_LONG_DOUBLE:
+            number("%Lg", *static_cast<const long double *>(argument.value.p));
+            break;
+        case KT_ARGUMENT_UTF8:
+            if (const std::string_view text = view<char>(argument); is_time_stamp(text))
+                out_.append(text.substr(0, 10)).append(1, ' ').append(text.substr(12, 8));
+            else
+                write(text);
+            break;
+        case KT_ARGUMENT_UCS2:
+            out_ += to_utf8(view<char16_t>(argument));
+            break;
+        default: // this layer has no other pointers
+            const auto &object = *static_cast<const identified *>(argument.value.p);
+            object.type->write(out_, object.object);
+        }
+    }
+
+private:
+    template <class Number> void number(const char *format, Number value)
+    {
+        char text[64];
+        std::snprintf(text, sizeof text, format, value);
+        out_ += text;
+    }
+
+    template <class Character> static std::basic_string_view<Character> view(const KTArgument &argument) noexcept
+    {
+        const auto *const text = static_cast<const Character *>(argument.value.p);
+        if (text == nullptr)
+            return {};
+        if (argument.length == zero_terminated)
+            return text;
+        const std::basic_string_view<Character> whole(text, argument.length);
+        return whole.substr(0, whole.find(Character()));
+    }
+
+    /** Whether a text is a time as "%DT" takes it. */
+    static bool is_time_stamp(std::string_view text) noexcept
+    {
+        constexpr std::string_view pattern = "0000-00-00'T00:00:00Z";
+        bool isOne = text.size() == pattern.size();
+        for (std::size_t i = 0; isOne && i < pattern.size(); ++i)
+            isOne = (text[i] >= '0' && text[i] <= '9' ? '0' : text[i]) == pattern[i];
+        return isOne;
+    }
+
+    /** Writes UTF-8, whatever the text is. */
+    KELTO_SELDOM void write(std::string_view text)
+    {
+        for (std::size_t at = 0; at < text.size();)
+        {
+            const sequence next = sequence_at(text, at);
+            out_ += next.is_valid ? text.substr(at, next.bytes) : "\xEF\xBF\xBD";
+            at += next.bytes;
+        }
+    }
+
+    std::string &out_;
+};
+
+KELTO_SELDOM inline void write_plainly(std::string &out, const KTArgument &argument)
+{
+    plain_writer(out).write(argument);
+}
+
+/** A text as a part of one line of a log. */
+KELTO_SELDOM inline std::string on_one_line(std::string_view text)
+{
+    std::string line;
+    for (const char c : text)
+        if (c == '\n')
+            line += "\\n";
+        else
+            line += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    return line;
+}
+
+/** The value of an argument as a part of one line of a log: the beginning of a long one. */
+KELTO_SELDOM inline std::string quoted(const KTArgument &argument)
+{
+    constexpr std::size_t most = 60;
+    std::string value;
+    write_plainly(value, argument);
+    if (value.size() > most)
+    {
+        std::size_t end = most;
+        while (is_trail(static_cast<unsigned char>(value[end])))
+            --end;
+        value.replace(end, std::string::npos, "...");
+    }
+    const bool isText = argument.type == KT_ARGUMENT_UTF8 || argument.type == KT_ARGUMENT_UCS2;
+    return isText ? '"' + on_one_line(value) + '"' : on_one_line(value);
+}
+
+/** What a slot takes, by KTSlotCode. */
+constexpr const char *slot_names[] = {"",
+                                      "a 16-bit integer",
+                                      "a 16-bit integer",
+                                      "a 32-bit integer",
+                                      "a 32-bit integer",
+                                      "a 64-bit integer",
+                                      "a 64-bit integer",
+                                      "an 8-bit character",
+                                      "a UCS-2 unit",
+                                      "a double",
+                                      "a long double",
+                                      "a UTF-8 string",
+                                      "a UCS-2 string",
+                                      "an object"};
+
+/** The slot that an argument is made for: a KTSlotCode. */
+inline unsigned slot_of(const KTArgument &argument) noexcept
 {
     // By KTArgumentType.
-    constexpr const char *names[] = {"", "d", "u", "!d", "!u", "c", "lc", "f", "Lf", "s", "U"};
-    std::string format;
-    for (std::size_t i = 0; i < view.count; ++i)
+    constexpr unsigned codes[] = {0,
+                                  KT_SLOT_INT32,
+                                  KT_SLOT_UINT32,
+                                  KT_SLOT_INT64,
+                                  KT_SLOT_UINT64,
+                                  KT_SLOT_CHAR,
+                                  KT_SLOT_UNIT,
+                                  KT_SLOT_DOUBLE,
+                                  KT_SLOT_LONG_DOUBLE,
+                                  KT_SLOT_UTF8,
+                                  KT_SLOT_UCS2,
+                                  KT_SLOT_POINTER};
+    return codes[argument.type];
+}
+
+/** The first argument of a call of which a format wants another kind, or none, or which it lacks. */
+KELTO_SELDOM inline KTProblem find_mismatch(const KTSlot *wanted, std::size_t count, const KTArgument *arguments,
+                                            std::size_t given) noexcept
+{
+    KTProblem problem = {};
+    const std::size_t most = count < given ? given : count;
+    for (std::size_t i = 0; i < most && problem.rule == KT_RULE_NONE; ++i)
     {
-        if (view.arguments[i].type >= std::size(names))
-            return {};
-        char specification[40];
-        std::snprintf(specification, sizeof specification, "%%%s[%zu]", names[view.arguments[i].type], i + 1);
-        format += specification;
+        const unsigned here = i < count ? wanted[i].code : 0;
+        const unsigned there = i < given ? slot_of(arguments[i]) : 0;
+        const bool areIntegers = here <= KT_SLOT_UINT64 && there <= KT_SLOT_UINT64;
+        if (here == 0 || there == 0)
+            problem.rule = here == 0 ? KT_RULE_ARGUMENT_MISSING : KT_RULE_ARGUMENT_EXTRA;
+        else if (here != there && !areIntegers)
+            problem.rule = KT_RULE_ARGUMENT_TYPE;
+        problem.slot = static_cast<unsigned>(i + 1);
+        problem.found = slot_names[here];
+        problem.expected = slot_names[there];
     }
-    return format;
+    return problem;
+}
+
+/** The conversion of a position in a format that is right, as "%-5s[". */
+KELTO_SELDOM inline std::string_view conversion_at(std::string_view format, std::uint32_t position) noexcept
+{
+    for (std::size_t at = format.find('%'), open = 0; at != std::string_view::npos; at = format.find('%', open))
+    {
+        const bool isPercentSign = format[at + 1] == '%';
+        open = isPercentSign ? at + 2 : format.find('[', at);
+        if (!isPercentSign && std::strtoul(format.data() + open + 1, nullptr, 10) == position)
+            return format.substr(at, open - at + 1);
+    }
+    return {};
+}
+
+/** Tells which conversion of a prepared format cannot write its arguments, though they are of the right kind. */
+KELTO_SELDOM inline std::string find_unwritable(std::string_view text, const call_options &options,
+                                                const KTSlot *wanted, std::size_t count, const KTArgument *arguments)
+{
+    const running call(options.table.get()); // what is thrown here was thrown before
+    for (std::size_t first = 0, end = 0; first < count; first = end)
+    {
+        while (end < count && wanted[end].position == wanted[first].position)
+            ++end;
+        std::string story(conversion_at(text, wanted[first].position));
+        story += "1]";
+        int result = 0;
+        const prepared_pointer alone = prepare(story.c_str(), options.c_table(), result);
+        text_buffer out;
+        if (alone == nullptr)
+            continue;
+        result = format_bare(out, alone.get(), options, {arguments + first, nullptr, end - first});
+        if (result == 0 || result == KT_ERR_BUFFER_TOO_SMALL)
+            continue;
+        story.replace(story.size() - 2, 2, decimal(wanted[first].position)).append("] cannot write argument ");
+        for (std::size_t i = first; i < end; ++i)
+            story.append(i == first ? "" : ", argument ")
+                .append(decimal(i + 1))
+                .append(": ")
+                .append(quoted(arguments[i]));
+        return story;
+    }
+    return {};
 }
 
 /** What is wrong with a text, as exactly as it can be told. */
@@ -1778,23 +2073,36 @@ KELTO_SELDOM inline std::string why(const char *text, const call_options &option
         return "the catalog has no such message";
     if (*text == '\0' && result == KT_ERR_INVALID_MSG_ID)
         return "the text is empty";
-    const std::string quoted = std::string("\"") + text + "\": ";
+    std::string story(1, '"');
+    story.append(on_one_line(text)).append("\": ");
     if (result == KT_ERR_BUFFER_TOO_SMALL)
-        return quoted + "the text is longer than max_size";
-    KTProblem found = {};
-    found.structSize = sizeof found;
-    const bool isFormat = KTExplainFormat(text, options.c_table(), &found) == 0;
-    const std::string reference = result == KT_ERR_INVALID_PARAMETER ? reference_of(view) : std::string();
-    if (isFormat && !reference.empty())
-        KTCompareFormats(text, reference.c_str(), options.c_table(), &found);
+        return story.append("the text is longer than max_size, ").append(decimal(options.max_size));
+    KTProblem problem = {};
+    problem.structSize = sizeof problem;
+    const prepared_pointer format = prepare(text, options.c_table(), result);
+    const KTSlot *wanted = nullptr;
+    const KTArgument *arguments = view.arguments;
+    std::string unwritable;
+    if (format != nullptr)
+    {
+        const std::size_t count = KTPreparedSlots(format.get(), &wanted);
+        if (view.adapted != nullptr)
+            arguments = adapt(format.get(), view);
+        problem = find_mismatch(wanted, count, arguments, view.count);
+        if (problem.rule == KT_RULE_NONE)
+            unwritable = find_unwritable(text, options, wanted, count, arguments);
+    }
+    else
+        KTExplainFormat(text, options.c_table(), &problem);
     char sentence[512];
     std::size_t size = sizeof sentence;
-    if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_REFERENCE || KTProblemText(&found, &size, sentence) != 0)
-        return quoted + KTResultText(result);
-    std::string story = quoted + sentence;
+    if (problem.rule == KT_RULE_NONE || KTProblemText(&problem, &size, sentence) != 0)
+        return story.append(unwritable.empty() ? KTResultText(result) : unwritable.c_str());
     constexpr std::string_view other = "the reference";
-    const std::size_t at = story.rfind(other);
-    return isFormat && at != std::string::npos ? story.replace(at, other.size(), "the call") : story;
+    const std::size_t begin = story.size();
+    const std::size_t at = story.append(sentence).rfind(other);
+    return format != nullptr && at != std::string::npos && at >= begin ? story.replace(at, other.size(), "the call")
+                                                                       : story;
 }
 
 } // namespace detail
@@ -1815,17 +2123,16 @@ public:
         : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
     {
         const std::error_code failure = open(format);
-        if (failure)
-            detail::throw_if(failure, detail::why(format.c_str(), options_, {nullptr, nullptr, 0}, failure.value()));
+        detail::throw_if(failure, [&] {
+            return detail::why(text_.c_str(), options_, {nullptr, nullptr, 0}, failure.value());
+        });
     }
 
     /** The text. Throws where the arguments are not those that the format takes, and where a conversion fails. */
     template <class... Arguments> std::string format(const Arguments &...arguments) const
     {
-        std::error_code failure;
-        std::string text = format(failure, arguments...);
-        detail::throw_if(failure, "kelto::prepared_format");
-        return text;
+        return make_or_throw(
+            detail::argument_list<Arguments...>{{detail::argument_from(detail::hold(arguments))...}, {}}.view());
     }
 #endif
 
@@ -1852,6 +2159,7 @@ public:
     {
         std::swap(use_, other.use_);
         std::swap(options_, other.options_);
+        std::swap(text_, other.text_);
         std::swap(format_, other.format_);
         return *this;
     }
@@ -1865,12 +2173,13 @@ public:
 private:
     std::error_code open(const std::string &format)
     {
+        text_ = format;
         std::error_code failure;
         use_ = detail::use(failure);
         if (failure)
             return failure;
         int result = 0;
-        format_ = detail::prepare(format.c_str(), options_.c_table(), result);
+        format_ = detail::prepare(text_.c_str(), options_.c_table(), result);
         return make_error(result);
     }
 
@@ -1881,6 +2190,19 @@ private:
         return failure ? std::string() : text.take();
     }
 
+#if KELTO_HAS_EXCEPTIONS
+    KELTO_OUT_OF_LINE std::string make_or_throw(const detail::argument_view &view) const
+    {
+        std::error_code failure;
+        std::string text = make(failure, view);
+        detail::throw_if(failure, [&] {
+            return format_ != nullptr ? detail::why(text_.c_str(), options_, view, failure.value())
+                                      : "kelto::prepared_format: it holds no format";
+        });
+        return text;
+    }
+#endif
+
     KELTO_OUT_OF_LINE int fill(detail::text_buffer &text, const detail::argument_view &view) const
     {
         return format_ != nullptr ? detail::format_into(text, format_.get(), options_, view) : KT_ERR_INVALID_PARAMETER;
@@ -1888,6 +2210,7 @@ private:
 
     detail::use use_;
     detail::call_options options_;
+    std::string text_;
     detail::prepared_pointer format_;
 };
 
@@ -1915,10 +2238,7 @@ public:
     constexpr bool fits() const noexcept { return !isNegative_ && bits_ <= UINT32_MAX; }
 
     /** The number as it was given, in decimal. */
-    std::string to_string() const
-    {
-        return isNegative_ ? std::to_string(static_cast<std::int64_t>(bits_)) : std::to_string(bits_);
-    }
+    std::string to_string() const { return detail::decimal(bits_, isNegative_); }
 
 private:
     std::uint64_t bits_;
@@ -2157,103 +2477,50 @@ private:
     std::atomic<MessageTable *> table_{nullptr};
 };
 
-/** Writes arguments for a person to read where no text could be formatted. */
-class plain_writer
+/** Writes an object with the first conversion of the program's own that takes it alone; false where there is none. */
+KELTO_SELDOM inline bool write_with_conversion(std::string &out, const call_options &options, const KTArgument &object)
 {
-public:
-    explicit plain_writer(std::string &out) noexcept : out_(out) {}
-
-    KELTO_SELDOM void write(const KTArgument &argument)
+    for (const auto &own : options.table->conversions)
     {
-        switch (argument.type)
-        {
-        case KT_ARGUMENT_INT:
-        case KT_ARGUMENT_INT64:
-            out_ += std::to_string(argument.value.i);
-            break;
-        case KT_ARGUMENT_UINT:
-        case KT_ARGUMENT_UINT64:
-            out_ += std::to_string(argument.value.u);
-            break;
-        case KT_ARGUMENT_CHAR:
-        case KT_ARGUMENT_UNIT:
-        {
-            const char16_t units[2] = {static_cast<char16_t>(argument.value.u)};
-            out_ += to_utf8(units);
-            break;
-        }
-        case KT_ARGUMENT_DOUBLE:
-            number("%g", argument.value.d);
-            break;
-        case KT_ARGUMENT_LONG_DOUBLE:
-            number("%Lg", *static_cast<const long double *>(argument.value.p));
-            break;
-        case KT_ARGUMENT_UTF8:
-            if (const std::string_view text = view<char>(argument); is_time_stamp(text))
-                out_.append(text.substr(0, 10)).append(1, ' ').append(text.substr(12, 8));
-            else
-                write(text);
-            break;
-        case KT_ARGUMENT_UCS2:
-            out_ += to_utf8(view<char16_t>(argument));
-            break;
-        default:
-            out_ += '?';
-        }
+        int result = 0;
+        const std::string format = std::string(1, '%') + own->id.name + "[1]";
+        const prepared_pointer prepared = prepare(format.c_str(), options.c_table(), result);
+        text_buffer text;
+        if (prepared == nullptr || format_bare(text, prepared.get(), options, {&object, nullptr, 1}) != 0)
+            continue;
+        out += text.view();
+        return true;
     }
+    return false;
+}
 
-private:
-    template <class Number> void number(const char *format, Number value)
-    {
-        char text[64];
-        std::snprintf(text, sizeof text, format, value);
-        out_ += text;
-    }
-
-    template <class Character> static std::basic_string_view<Character> view(const KTArgument &argument) noexcept
-    {
-        const auto *const text = static_cast<const Character *>(argument.value.p);
-        if (text == nullptr)
-            return {};
-        if (argument.length == zero_terminated)
-            return text;
-        const std::basic_string_view<Character> whole(text, argument.length);
-        return whole.substr(0, whole.find(Character()));
-    }
-
-    /** Whether a text is a time as "%DT" takes it. */
-    static bool is_time_stamp(std::string_view text) noexcept
-    {
-        constexpr std::string_view pattern = "0000-00-00'T00:00:00Z";
-        bool isOne = text.size() == pattern.size();
-        for (std::size_t i = 0; isOne && i < pattern.size(); ++i)
-            isOne = (text[i] >= '0' && text[i] <= '9' ? '0' : text[i]) == pattern[i];
-        return isOne;
-    }
-
-    /** Writes UTF-8, whatever the text is. */
-    KELTO_SELDOM void write(std::string_view text)
-    {
-        for (std::size_t at = 0; at < text.size();)
-        {
-            const sequence next = sequence_at(text, at);
-            out_ += next.is_valid ? text.substr(at, next.bytes) : "\xEF\xBF\xBD";
-            at += next.bytes;
-        }
-    }
-
-    std::string &out_;
-};
+/** Writes an argument where no text could be formatted. The encoder of a table has its say, since the place that the
+ * argument would have had in the text may be an encoded one; an argument that it throws for is not written. */
+KELTO_SELDOM inline void write_without_text(std::string &out, const call_options &options, const KTArgument &argument)
+{
+    if (options.table == nullptr)
+        return write_plainly(out, argument);
+    const running call(options.table.get());
+    std::string value;
+    if (argument.type != KT_ARGUMENT_POINTER || !write_with_conversion(value, options, argument))
+        write_plainly(value, argument);
+    if (options.table->encode && guarded([&] {
+                                     value = to_utf8(options.table->encode(to_ucs2(value)));
+                                     return 0;
+                                 }) != 0)
+        value = '?';
+    out += value;
+}
 
 /** "[store 3: report.txt, 12]" */
 KELTO_SELDOM inline void fill_without_text(std::string &out, const std::string &name, message_id id,
-                                           const argument_view &view)
+                                           const call_options &options, const argument_view &view)
 {
     out = '[' + name + (name.empty() ? "" : " ") + id.to_string();
     for (std::size_t i = 0; i < view.count; ++i)
     {
         out += i == 0 ? ": " : ", ";
-        plain_writer(out).write(view.arguments[i]);
+        write_without_text(out, options, view.arguments[i]);
     }
     out += ']';
 }
@@ -2263,8 +2530,11 @@ class catalog_state
 {
 public:
     catalog_state(std::string name, const catalog_options &options, std::shared_ptr<table_state> table)
-        : name_(std::move(name)), options_(options, std::move(table)), onProblem_(options.on_problem)
+        : name_(std::move(name)), options_(options, std::move(table)), sourceOptions_(options_),
+          onProblem_(options.on_problem)
     {
+        constexpr std::size_t usual = format_options().max_size;
+        sourceOptions_.max_size = usual < options.max_size ? options.max_size : usual;
     }
 
     std::error_code begin()
@@ -2389,7 +2659,7 @@ private:
                                     : "no message has the number " + given.to_string());
         }
         if (source == nullptr || !fill_from_source(out, known, id, *source, view))
-            fill_without_text(out.many(), name_, given, view);
+            fill_without_text(out.many(), name_, given, options_, view);
     }
 
     /** Whether a message is empty in this language and has no text in those that follow or in the source. */
@@ -2452,15 +2722,16 @@ private:
                 kept = own.get();
         }
         const int result =
-            kept->format != nullptr ? format_into(out, kept->format.get(), options_, view) : kept->result;
+            kept->format != nullptr ? format_into(out, kept->format.get(), sourceOptions_, view) : kept->result;
         if (result != 0 && onProblem_ && !known.is_source_told.exchange(true, std::memory_order_relaxed))
-            report(nullptr, {}, id, result, why(kept->text.c_str(), options_, view, result));
+            report(nullptr, {}, id, result, why(kept->text.c_str(), sourceOptions_, view, result));
         return result == 0;
     }
 
     use use_;
     std::string name_;
     call_options options_;
+    call_options sourceOptions_; // the program's own text may be longer than those of translators
     callback<void(const problem &)> onProblem_;
     std::vector<std::unique_ptr<language_file>> files_;
     number_map<message> messages_;
@@ -2560,14 +2831,20 @@ public:
     {
         std::error_code failure;
         catalog found = find(name, directory, options, failure);
-        detail::throw_if(failure, directory + ": " + name);
+        detail::throw_if(failure, [&] {
+            const bool isName = !name.empty() && name.find('/') == std::string::npos;
+            return "kelto::catalog::find(\"" + name + "\", \"" + directory + "\")" +
+                   (!isName             ? ": the name of a catalog has no '/' and is not empty"
+                    : directory.empty() ? ": the directory is not empty"
+                                        : ": " + failure.message());
+        });
         return found;
     }
     static catalog load(const std::string &path, const catalog_options &options = {})
     {
         std::error_code failure;
         catalog loaded = load(path, options, failure);
-        detail::throw_if(failure, path);
+        detail::throw_if(failure, [&] { return "kelto::catalog::load(\"" + path + "\"): " + failure.message(); });
         return loaded;
     }
     static catalog embedded(const std::string &name, const void *data, std::size_t size,
@@ -2575,7 +2852,7 @@ public:
     {
         std::error_code failure;
         catalog loaded = embedded(name, data, size, options, failure);
-        detail::throw_if(failure, name);
+        detail::throw_if(failure, [&] { return "kelto::catalog::embedded(\"" + name + "\"): " + failure.message(); });
         return loaded;
     }
 #endif

@@ -17,6 +17,14 @@ template <> struct kelto::argument_of<Money> : kelto::by_identity<Money>
 template <> struct kelto::argument_of<Weight> : kelto::by_identity<Weight>
 {
 };
+enum class Grade
+{
+    high
+};
+template <> struct kelto::argument_of<Grade> : kelto::by_identity<Grade>
+{
+    static std::u16string convert(Grade level) { return level == Grade::high ? u"hïgh" : u"low"; }
+};
 
 namespace
 {
@@ -98,16 +106,87 @@ TEST(OwnConversions, ThrowThroughTheLibrary)
     for (const int stars : {0, 3000}) // where the text fits and where it does not
         EXPECT_THROW(prepared.format(stars, Money{-1}), std::domain_error);
     EXPECT_EQ(prepared.format(1, Money{100}), "*1.0");
-    EXPECT_THROW(prepared.format(1), kelto::error);
+}
+
+/** What an error says. */
+template <class Call> std::string thrownBy(Call call)
+{
     try
     {
-        const kelto::prepared_format malformed("%s[1] %d[3]");
-        ADD_FAILURE();
+        call();
     }
     catch (const kelto::error &e)
     {
-        EXPECT_EQ(std::string(e.what()).find("\"%s[1] %d[3]\": position 2 is missing"), 0) << e.what();
+        return e.what();
     }
+    return {};
+}
+
+TEST(OwnConversions, AndAllElseSayWhatIsWrong)
+{
+    const kelto::form_table table = exampleTable();
+    kelto::format_options options;
+    options.table = &table;
+    options.max_size = 3;
+    const auto formatted = [&](const char *format, const auto &...arguments) {
+        return thrownBy([&] { kelto::prepared_format(format, options).format(arguments...); });
+    };
+    const auto names = [](auto... name) {
+        return thrownBy([&] {
+            kelto::form_table::builder builder;
+            (builder.add<int>(name, [](int) { return ""; }), ...);
+            builder.build();
+        });
+    };
+    const Expected rows[] = {
+        {"\"%s[1] %d[2]\": argument 2 is a 32-bit integer here, a UTF-8 string in the call",
+         formatted("%s[1] %d[2]", "a", "b")},
+        {"\"%s[1] %d[2]\": argument 2, a 32-bit integer here, is not in the call", formatted("%s[1] %d[2]", "a")},
+        {"\"%s[1]\": argument 2, a double in the call, is missing here", formatted("%s[1]", "a", 1.5)},
+        {"\"%s[1]\": argument 1 is a UTF-8 string here, an object in the call", formatted("%s[1]", Money{5})},
+        {"\"%money[1]\": %money[1] cannot write argument 1: (Weight)", formatted("%money[1]", Weight{5})},
+        {"\"%hd[1] at %T[2]\\n\": %T[2] cannot write argument 2: \"no\\n \"",
+         formatted("%hd[1] at %T[2]\n", 12, "no\n\t")},
+        {"\"%lc[1] %*hd[2]\": %*hd[2] cannot write argument 2: 7, argument 3: 32768",
+         formatted("%lc[1] %*hd[2]", U'a', 7, 32768)},
+        {"\"%D[1]\": %D[1] cannot write argument 1: \"" + std::string(59, 'x') + "...\"",
+         formatted("%D[1]", std::string(59, 'x') + "é and more")},
+        {"\"%d[1]\": the text is longer than max_size, 3", formatted("%d[1]", 1234)},
+        {"\"%s[1] %d[3]\": position 2 is missing: the positions must be 1 to the number of conversions, each once",
+         formatted("%s[1] %d[3]", 1)},
+        {"kelto::catalog::find(\"a/b\", \"m\"): the name of a catalog has no '/' and is not empty",
+         thrownBy([] { kelto::catalog::find("a/b", "m"); })},
+        {"kelto::catalog::find(\"a\", \"\"): the directory is not empty",
+         thrownBy([] { kelto::catalog::find("a", ""); })},
+        {"kelto::catalog::load(\"no/a.xlf\"): there is no such file",
+         thrownBy([] { kelto::catalog::load("no/a.xlf"); })},
+        {"kelto::catalog::embedded(\"a\"): not a well-formed message file, or one without a usable product version",
+         thrownBy([] { kelto::catalog::embedded("a", "", 0); })},
+        {"kelto::form_table: no conversion can have the name \"9x\": no conversion can have the name \"h\"",
+         names("ok", "9x", "h")},
+        {"", names("ok")},
+    };
+    for (const Expected &row : rows)
+        EXPECT_EQ(row.text, row.given);
+}
+
+TEST(OwnConversions, WriteWhereThereIsNoText)
+{
+    kelto::form_table table = exampleTable();
+    kelto::catalog_options options;
+    options.table = &table;
+    EXPECT_EQ(kelto::catalog::find("store", "none", options)
+                  .format(1, Money{1250}, Money{-1}, Weight{7.5}, Grade::high, "a<b", '<', 1.5),
+              "[store 1: 12.50, (Money), 7 g, hïgh, a&lt;b, &lt;, 1.5]");
+    table = kelto::form_table::builder()
+                .with_encoder([](std::string_view text) {
+                    if (text == "!")
+                        throw std::domain_error("no such text");
+                    return text;
+                })
+                .build();
+    EXPECT_EQ(kelto::catalog::find("store", "none", options).format(1, "a", '!', Weight{7.5}),
+              "[store 1: a, ?, (Weight)]");
 }
 
 TEST(OwnConversions, OutliveTheirTable)
