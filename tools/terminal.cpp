@@ -4,6 +4,7 @@
 #include "kelto.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <fmt/core.h>
@@ -22,8 +23,25 @@ constexpr size_t longestName = 256;
 
 constexpr size_t longestQuotation = 60;
 
+/** Of a locale that is named but not installed, the charset that its name ends with, as "de_DE.UTF-8"; or nothing. */
+std::string charsetOfMissingLocale()
+{
+    if (std::setlocale(LC_CTYPE, "") != nullptr)
+        return "";
+    for (const char *const variable : {"LC_ALL", "LC_CTYPE", "LANG"})
+        if (const char *const value = std::getenv(variable); value != nullptr && *value != '\0')
+        {
+            const std::string name = std::string(value).substr(0, std::strcspn(value, "@"));
+            const size_t dot = name.find('.');
+            return dot != std::string::npos && name.size() < longestName ? name.substr(dot + 1) : "";
+        }
+    return "";
+}
+
 std::string systemCharset()
 {
+    if (std::string named = charsetOfMissingLocale(); !named.empty())
+        return named;
     char locale[longestName];
     char charset[longestName];
     KTGetSystemFullLocale(locale);
