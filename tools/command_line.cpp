@@ -12,7 +12,7 @@ namespace tool
 namespace
 {
 
-/** Help with the synopsis as the subcommand has it, and its options as "-h, --help". */
+/** Help with the synopsis as the subcommand has it, its options as "-h, --help", and lines that fit a terminal. */
 class HelpFormatter : public CLI::Formatter
 {
 public:
@@ -24,6 +24,11 @@ public:
         if (option->get_lnames().empty())
             return shortName;
         return shortName + (option->get_snames().empty() ? "  " : ", ") + "--" + option->get_lnames().front();
+    }
+
+    std::string make_option_desc(const CLI::Option *option) const override
+    {
+        return wrapped(option->get_description(), terminalColumns - get_column_width());
     }
 
 private:

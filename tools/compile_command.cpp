@@ -27,9 +27,9 @@ ExitStatus run(CommandLine &line)
     return ExitStatus::done;
 }
 
-constexpr const char *details = R"(Programs load a compiled catalog by KTLoadCompiledMessages, about a thousand times
-faster than a message file; the other subcommands read it too. The same messages
-give the same bytes. For FILE '-' is standard input.
+constexpr const char *details = R"(Programs load a compiled catalog by KTLoadCompiledMessages, about a thousand
+times faster than a message file; the other subcommands read it too. The same
+messages give the same bytes. For FILE '-' is standard input.
 
 Example:
   kelto compile de.xlf -o de.ktc

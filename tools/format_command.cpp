@@ -82,14 +82,14 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Prints message ID of FILE. The arguments follow in the order of their positions
 in the message, not of their places; a '*' takes an argument of its own, before
-the value. Options stand in front of FILE: an argument may begin with '-'. For FILE
-'-' is standard input.
+the value. Options stand in front of FILE: an argument may begin with '-'. For
+FILE '-' is standard input.
 
   d u o x X EID  a whole number, as 12, -7 or 0x1F
   f              a number, as 12.5, -3 or 1e9
   c              one character
   s U E IP       a text
-  DND DNS        a name, as alice.staff.corp, corp/staff/alice or CN=alice,O=corp
+  DND DNS        a name, as alice.staff.corp, corp/staff/alice, CN=alice,O=corp
   DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
 
 Example: message 1 is "Hello %s[1], you have %u[2] new messages."

@@ -200,4 +200,22 @@ const Terminal &terminal()
     return theTerminal;
 }
 
+std::string wrapped(const std::string &text, size_t width)
+{
+    std::string lines;
+    size_t used = 0;
+    for (size_t begin = 0; begin < text.size();)
+    {
+        const size_t end = std::min(text.find(' ', begin), text.size());
+        const std::string word = text.substr(begin, end - begin);
+        const size_t wide = columns(ucs2FromUtf8(word));
+        if (begin > 0)
+            lines += used + 1 + wide > width ? '\n' : ' ';
+        used = begin > 0 && used + 1 + wide <= width ? used + 1 + wide : wide;
+        lines += word;
+        begin = end + 1;
+    }
+    return lines;
+}
+
 } // namespace tool

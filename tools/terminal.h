@@ -57,6 +57,11 @@ private:
 /** How many columns a text without control characters takes on a terminal. */
 size_t columns(std::u16string_view text);
 
+constexpr size_t terminalColumns = 80;
+
+/** A text in UTF-8, in lines of at most so many columns, where its words allow it. */
+std::string wrapped(const std::string &text, size_t width);
+
 /** The one terminal. */
 const Terminal &terminal();
 

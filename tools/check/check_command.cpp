@@ -360,8 +360,8 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Reports what keeps FILE from loading, what keeps its messages from being
 formatted, and with -r where they ask for other arguments than those of the
-reference, each with its line and column. For FILE '-' is standard input. The exit
-status is 0 where there are no errors, 1 where there are.
+reference, each with its line and column. For FILE '-' is standard input. The
+exit status is 0 where there are no errors, 1 where there are.
 
 Example:
   kelto check -r en.xlf de.xlf fr.xlf

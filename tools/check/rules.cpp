@@ -83,35 +83,10 @@ std::string severityOf(const RuleRow &row)
     return say(row.severity == Severity::error ? Text::errorName : Text::warningName);
 }
 
-size_t columnsOf(const std::string &utf8Text)
-{
-    return columns(ucs2FromUtf8(utf8Text));
-}
-
 /** With blanks behind it up to a number of columns. */
 std::string padded(const std::string &text, size_t width)
 {
-    return text + std::string(width - std::min(width, columnsOf(text)), ' ');
-}
-
-/** In lines that fit a terminal of 80 columns. */
-std::string wrapped(const std::string &text)
-{
-    constexpr size_t width = 80;
-    std::string lines;
-    size_t used = 0;
-    for (size_t begin = 0; begin < text.size();)
-    {
-        const size_t end = std::min(text.find(' ', begin), text.size());
-        const std::string word = text.substr(begin, end - begin);
-        const size_t wide = columnsOf(word);
-        if (begin > 0)
-            lines += used + 1 + wide > width ? '\n' : ' ';
-        used = begin > 0 && used + 1 + wide <= width ? used + 1 + wide : wide;
-        lines += word;
-        begin = end + 1;
-    }
-    return lines;
+    return text + std::string(width - std::min(width, columns(ucs2FromUtf8(text))), ' ');
 }
 
 } // namespace
@@ -148,9 +123,10 @@ std::string listOfRules()
 std::string pageOf(Rule rule)
 {
     const RuleRow &row = rowOf(rule);
-    return fmt::format(
-        "{}\n\n{}\n\n{}\n  {}\n{}\n  {}\n", say(Text::ruleHeading, {row.name, severityOf(row), Phrase{row.summary}}),
-        wrapped(say(row.explanation)), say(Text::wrongLabel), say(row.wrong), say(Text::rightLabel), say(row.right));
+    return fmt::format("{}\n\n{}\n\n{}\n  {}\n{}\n  {}\n",
+                       say(Text::ruleHeading, {row.name, severityOf(row), Phrase{row.summary}}),
+                       wrapped(say(row.explanation), terminalColumns), say(Text::wrongLabel), say(row.wrong),
+                       say(Text::rightLabel), say(row.right));
 }
 
 Levels::Levels()
