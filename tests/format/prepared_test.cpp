@@ -224,6 +224,13 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
     unsigned long units = 20;
     EXPECT_EQ(KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide, format, "", u"", other), -77)
         << "which knows no kinds";
+
+    std::u16string grown(600, u'g');
+    grown[300] = u'\0';
+    const FakeZel::Observer observer([&](const Call &) { grown[300] = u'g'; });
+    const KTArgument growing[] = {KT_UTF8N("u", 1), KT_UCS2N(grown.data(), 600), KT_POINTER(5, &none)};
+    EXPECT_EQ(KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, out, growing, 3), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, 303U) << "no more than was measured, when there is a block for it";
 }
 
 struct Claim
