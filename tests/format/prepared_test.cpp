@@ -338,6 +338,7 @@ TEST(Problem, IsToldAndMadeASentence)
         {"%1$d%d[2]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "%1$d"},
         {"50% off [1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_MISSING, 0, 0, "% off"},
         {"%[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_UNKNOWN_CONVERSION, 0, 0, "%[1]"},
+        {"a %d[1001] b", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NUMBER_TOO_LARGE, 0, 0, "%d[1001]"},
         {"%99999999999d b", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_NUMBER_TOO_LARGE, 0, 0, "%99999999999d"},
         {"%d[1]%s[1]%u[1]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_REPEATED, 0, 1, "%s[1]"},
         {"%d[4]%s[1]%u[5]", "", KT_ERR_FORMAT_SYNTAX, KT_RULE_POSITION_GAP, 0, 2, "%d[4]"},

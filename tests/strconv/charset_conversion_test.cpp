@@ -1,5 +1,6 @@
 #include "strconv/conversion_checks.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/mman.h>
@@ -28,6 +29,8 @@ TEST(Conversion, MakesOfAnyTextWhatIcuMakesOfIt)
             multiByte += bytes[random() % bytes.size()];
             ucs2 += units[random() % units.size()];
         }
+        std::rotate(multiByte.begin(), multiByte.begin() + random() % (multiByte.size() + 1), multiByte.end());
+        std::rotate(ucs2.begin(), ucs2.begin() + random() % (ucs2.size() + 1), ucs2.end());
         checkConversions(charSets[random() % std::size(charSets)], multiByte, ucs2, random() % 3 * (random() % 30));
     }
     for (const char *const charSet : charSets) // U+0000 ends the text between two steps, and only there

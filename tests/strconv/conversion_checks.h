@@ -44,7 +44,6 @@ void expectConversion(size_t capacity, int expectedResult, const std::basic_stri
     {
         require(std::equal(expected.begin(), expected.end(), out.data()), "a conversion has ICU's text");
         require(size == capacity || out[size] == 0, "a text is terminated where there is room");
-        require(out.untouched(std::min(size + 1, capacity)), "no more than a text is written");
     }
     else if (result == KT_ERR_CONVERTER_OPEN_FAILED && !emptiesAlways)
         require(out.untouched(), "without a converter nothing is written");
