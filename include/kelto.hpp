@@ -64,9 +64,9 @@
 #include <vector>
 
 #if defined(__cpp_exceptions)
-#define KELTO_HAS_EXCEPTIONS 1
+#define KELTO_HAS_EXCEPTIONS true
 #else
-#define KELTO_HAS_EXCEPTIONS 0
+#define KELTO_HAS_EXCEPTIONS false
 #endif
 
 /** Kept out of the calls, so that each of them compiles to little code, and fast. */
@@ -1178,15 +1178,17 @@ struct conversion_spec
 namespace detail
 {
 
-#if KELTO_HAS_EXCEPTIONS
 /** What a function of the program threw behind the C interface, on its way to the call that runs on this thread. */
 inline thread_local std::exception_ptr thrown;
-#endif
 
-/** Calls a function of the program; what it throws is kept, and the result then is `failure`. */
-template <class Function> int guarded(Function function) noexcept
+/**
+ * Calls a function of the program; what it throws is kept. In a program of sources with and without exceptions, the
+ * linker takes an inline function from any of them: by its parameter this one stays that of the source that throws.
+ */
+template <bool Catches, class Function> int guarded(Function function)
 {
 #if KELTO_HAS_EXCEPTIONS
+    static_assert(Catches);
     try
     {
         return function();
@@ -1257,7 +1259,7 @@ struct table_state
     formTable table = {};
     std::vector<KTFormatter> records;
     std::vector<std::unique_ptr<conversion>> conversions;
-    callback<std::u16string(std::u16string_view)> encode;
+    callback<int(std::u16string_view text, std::u16string &encoded)> encode;
 };
 
 /** The table of the running call on this thread: an encoder is told nothing of its own. */
@@ -1267,36 +1269,33 @@ inline thread_local const table_state *running_table = nullptr;
 class running
 {
 public:
-    explicit running(const table_state *table) noexcept : before_(std::exchange(running_table, table))
+    explicit running(const table_state *table) noexcept
+        : before_(std::exchange(running_table, table)), thrownBefore_(std::exchange(thrown, nullptr))
     {
-#if KELTO_HAS_EXCEPTIONS
-        thrownBefore_ = std::exchange(thrown, nullptr);
-#endif
     }
-    ~running()
-    {
-        running_table = before_;
-#if KELTO_HAS_EXCEPTIONS
-        thrown = std::move(thrownBefore_);
-#endif
-    }
+    ~running() { end(); }
     running(const running &) = delete;
     running &operator=(const running &) = delete;
 
     /** Throws again what a function of the program threw during the call. */
     void rethrow() const
     {
-#if KELTO_HAS_EXCEPTIONS
-        if (thrown != nullptr)
-            std::rethrow_exception(thrown);
-#endif
+        if (thrown == nullptr)
+            return;
+        const std::exception_ptr own = thrown;
+        end(); // here, since frames without exceptions call no destructors
+        std::rethrow_exception(own);
     }
 
 private:
+    void end() const noexcept
+    {
+        running_table = before_;
+        thrown = thrownBefore_;
+    }
+
     const table_state *before_;
-#if KELTO_HAS_EXCEPTIONS
     std::exception_ptr thrownBefore_;
-#endif
 };
 
 /** The encoder of all tables of this layer; only the calls of this layer can use it. */
@@ -1306,17 +1305,19 @@ KELTO_SHARED inline int encode(const void *value, int dataType, unsigned long *s
     const unsigned long room = std::exchange(*size, 0);
     if (table == nullptr || !table->encode)
         return KT_ERR_INVALID_PARAMETER;
-    return guarded([&] {
+    return guarded<KELTO_HAS_EXCEPTIONS>([&] {
         const UCS2 character[2] = {dataType == KT_ENCODE_CHARACTER
                                        ? static_cast<UCS2>(*static_cast<const unsigned char *>(value))
                                        : *static_cast<const UCS2 *>(value)};
         std::u16string text = dataType == KT_ENCODE_UCS2 ? static_cast<const UCS2 *>(value) : character;
         const bool isHalf = dataType == KT_ENCODE_UNIT && *character >= 0xD800 && *character < 0xE000;
+        std::u16string encoded;
+        const int result = isHalf ? 0 : table->encode(text, encoded);
         if (!isHalf) // what is half of a character has nothing to encode
-            text = table->encode(text);
+            text = std::move(encoded);
         text.copy(out, room < text.size() ? room : text.size());
         *size = text.size();
-        return 0;
+        return result;
     });
 }
 
@@ -1326,7 +1327,7 @@ KELTO_SHARED inline int convert(const char *name, int width, int precision, int 
 {
     const conversion &own = *reinterpret_cast<const named *>(name)->owner;
     const unsigned long room = std::exchange(*size, 0);
-    return guarded([&] {
+    return guarded<KELTO_HAS_EXCEPTIONS>([&] {
         std::u16string text;
         const int result = own.render({own.id.name, width, precision, flags, passThrough}, given, text);
         if (result != 0)
@@ -1421,13 +1422,13 @@ private:
 
 /** Reads the values of a conversion and calls the program's function with them, and with the specification if it wants.
  */
-template <class Function, class... Values> struct renderer
+template <bool Catches, class Function, class... Values> struct renderer
 {
     Function function;
 
     int operator()(const conversion_spec &spec, void **given, std::u16string &text)
     {
-        return render(spec, given, text, std::index_sequence_for<Values...>());
+        return guarded<Catches>([&] { return render(spec, given, text, std::index_sequence_for<Values...>()); });
     }
 
     template <std::size_t... Index>
@@ -1500,7 +1501,8 @@ public:
      *                  refused), a double, a char16_t, a std::string_view, a std::u16string_view, or types of the
      * program's own with their identity, see argument_of.
      */
-    template <class... Values, class Function> builder &add(std::string_view name, Function function)
+    template <class... Values, class Function, bool Catches = KELTO_HAS_EXCEPTIONS>
+    builder &add(std::string_view name, Function function)
     {
         if (!is_name(name))
         {
@@ -1511,7 +1513,7 @@ public:
         own->id.name[name.copy(own->id.name, name.size())] = '\0';
         own->id.owner = own.get();
         own->types = {detail::own_value<Values>::type..., KT_ARG_END};
-        own->render = detail::renderer<Function, Values...>{std::move(function)};
+        own->render = detail::renderer<Catches, Function, Values...>{std::move(function)};
         state_->conversions.push_back(std::move(own));
         return *this;
     }
@@ -1521,20 +1523,21 @@ public:
      * the program's own included: UTF-8 to UTF-8, or UTF-16 to UTF-16. It gets whole texts, or single characters from
      * "%c".
      */
-    template <class Function> builder &with_encoder(Function function)
+    template <class Function, bool Catches = KELTO_HAS_EXCEPTIONS> builder &with_encoder(Function function)
     {
-        if constexpr (std::is_invocable_v<Function &, std::string_view>)
-            state_->encode = [function = std::move(function)](std::u16string_view text) mutable {
-                return detail::to_ucs2(function(std::string_view(detail::to_utf8(text))));
+        constexpr bool isUtf8 = std::is_invocable_v<Function &, std::string_view>;
+        static_assert(isUtf8 || std::is_invocable_v<Function &, std::u16string_view>,
+                      "kelto: an encoder takes a std::string_view or a std::u16string_view and gives a text");
+        if constexpr (isUtf8 || std::is_invocable_v<Function &, std::u16string_view>)
+            state_->encode = [function = std::move(function)](std::u16string_view text, std::u16string &out) mutable {
+                return detail::guarded<Catches>([&] {
+                    if constexpr (isUtf8)
+                        out = detail::to_ucs2(function(std::string_view(detail::to_utf8(text))));
+                    else
+                        out = detail::to_ucs2(function(text));
+                    return 0;
+                });
             };
-        else
-        {
-            static_assert(std::is_invocable_v<Function &, std::u16string_view>,
-                          "kelto: an encoder takes a std::string_view or a std::u16string_view and gives a text");
-            state_->encode = [function = std::move(function)](std::u16string_view text) mutable {
-                return detail::to_ucs2(function(text));
-            };
-        }
         return *this;
     }
 
@@ -2504,11 +2507,9 @@ KELTO_SELDOM inline void write_without_text(std::string &out, const call_options
     std::string value;
     if (argument.type != KT_ARGUMENT_POINTER || !write_with_conversion(value, options, argument))
         write_plainly(value, argument);
-    if (options.table->encode && guarded([&] {
-                                     value = to_utf8(options.table->encode(to_ucs2(value)));
-                                     return 0;
-                                 }) != 0)
-        value = '?';
+    std::u16string encoded;
+    if (options.table->encode)
+        value = options.table->encode(to_ucs2(value), encoded) == 0 ? to_utf8(encoded) : "?";
     out += value;
 }
 
