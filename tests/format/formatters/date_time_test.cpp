@@ -60,6 +60,7 @@ TEST(Seconds, AgreeWithCountingMonths)
 TEST(DateTimeHelpers, KnowTheMonthsAndTakeDigits)
 {
     EXPECT_EQ(numDaysInMonth(2, 2100), 29);
+    EXPECT_EQ(numDaysInMonth(12, 2100), 31);
     EXPECT_EQ(numDaysInMonth(0, 2000), 0);
     EXPECT_EQ(numDaysInMonth(13, 2000), 0);
     struct Row
