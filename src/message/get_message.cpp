@@ -2,17 +2,40 @@
 #include "lifecycle/global_state.h"
 #include "message/table_list.h"
 #include "message/table_walk.h"
-#include "platform/scoped.h"
+#include "platform/zel.h"
+
+namespace
+{
+
+/**
+ * Holds `tableListMutex` to the end of the scope. Not inlined: a look-up is so short that what it would keep of the lock
+ * for the end costs more than the calls.
+ */
+class ListLock
+{
+public:
+    ListLock() noexcept { acquire(); }
+    ~ListLock() { release(); }
+    ListLock(const ListLock &) = delete;
+    ListLock &operator=(const ListLock &) = delete;
+
+private:
+    [[gnu::noinline]] static void acquire() noexcept { ZEL_LMutexAcquire(tableListMutex); }
+    [[gnu::noinline]] static void release() noexcept { ZEL_LMutexRelease(tableListMutex); }
+};
+
+} // namespace
 
 int KTGetMessage(MessageTable *table, unsigned int id, char **message)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
     *message = nullptr;
-    const kelto::MutexGuard lock(tableListMutex);
-    if (msgTableList->IsInList(table) == nullptr)
+    const ListLock lock;
+    if (msgTableList->find(table) == nullptr)
         return KT_ERR_TABLE_NOT_FOUND;
-    if (id == 0 || id > table->msgCount)
+    const bool isOutside = id - 1 >= table->msgCount; // 0 too, since it wraps
+    if (__builtin_expect(isOutside, false))           // which saves the result a register of its own
         return KT_ERR_INVALID_MSG_ID;
     *message = table->messages[id];
     return 0;
@@ -26,7 +49,7 @@ int KTNextMessage(MessageTable *table, unsigned int after, unsigned int *id, cha
         return KT_ERR_INVALID_PARAMETER;
     *id = 0;
     *message = nullptr;
-    const kelto::MutexGuard lock(tableListMutex);
+    const ListLock lock;
     kelto::TableWalk walk;
     if (!walk.start(table))
         return KT_ERR_TABLE_NOT_FOUND;

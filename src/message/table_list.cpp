@@ -51,10 +51,7 @@ unsigned MsgTableList::TableCount() // NOLINT(readability-make-member-function-c
 
 tableItem *MsgTableList::IsInList(MessageTable *table)
 {
-    tableItem *item = Head();
-    while (item != nullptr && item->table != table)
-        item = item->next;
-    return item;
+    return hasSentinel() ? find(table) : nullptr;
 }
 
 int MsgTableList::Insert(MessageTable *table)

@@ -63,6 +63,14 @@ public:
 
     /** Whether the constructor found memory; a list without its sentinel is of no use. */
     [[gnu::visibility("hidden")]] bool hasSentinel() const { return head != nullptr; }
+    /** IsInList() in a list that has its sentinel, as `msgTableList` has. */
+    [[gnu::visibility("hidden")]] tableItem *find(const MessageTable *table) const
+    {
+        tableItem *item = head->next;
+        while (item != nullptr && item->table != table)
+            item = item->next;
+        return item;
+    }
 };
 
 namespace kelto
