@@ -120,11 +120,11 @@ private:
 namespace kelto
 {
 
-size_t numberSlots(KTParameter *parameters, bool tag) noexcept
+NumberedSlots numberSlots(KTParameter *parameters, bool tag) noexcept
 {
     if (parameters == nullptr)
-        return 0;
-    size_t count = 0;
+        return {0, 0};
+    NumberedSlots count = {0, 0};
     int added = tag ? FLAG_TAG : 0;
     for (KTParameter *parameter = parameters; parameter->formatter != nullptr; ++parameter)
     {
@@ -133,11 +133,12 @@ size_t numberSlots(KTParameter *parameters, bool tag) noexcept
             added = parameter->type == CONV_N ? added | FLAG_ENCODE : added & ~FLAG_ENCODE;
             continue;
         }
-        parameter->argIndex = static_cast<int>(count);
+        parameter->argIndex = static_cast<int>(count.slots);
         parameter->flags |= added;
-        count += parameter->width == KT_FROM_ARGUMENTS ? 1 : 0;
-        count += parameter->precision == KT_FROM_ARGUMENTS ? 1 : 0;
-        count += static_cast<size_t>(parameter->formatter->argCount);
+        count.slots += parameter->width == KT_FROM_ARGUMENTS ? 1 : 0;
+        count.slots += parameter->precision == KT_FROM_ARGUMENTS ? 1 : 0;
+        count.slots += static_cast<size_t>(parameter->formatter->argCount);
+        ++count.conversions;
     }
     return count;
 }
@@ -150,20 +151,17 @@ ArgumentCells::~ArgumentCells()
         ZEL_free(*slot);
 }
 
-bool ArgumentCells::collect(const KTParameter *parameters, size_t slotCount, va_list arguments) noexcept
+bool ArgumentCells::collect(const KTParameter *parameters, size_t slotCount, va_list *arguments) noexcept
 {
     m_slots = allocateZeroed<void *>(glbResHandle, slotCount + 1);
     if (m_slots == nullptr)
         return false;
     if (parameters == nullptr)
         return true;
-    va_list list;
-    va_copy(list, arguments);
-    SlotWriter writer(m_slots.get(), &list);
+    SlotWriter writer(m_slots.get(), arguments);
     bool isComplete = true;
     for (; isComplete && parameters->formatter != nullptr; ++parameters)
         isComplete = isMarker(*parameters) || writer.takeConversion(*parameters);
-    va_end(list);
     return isComplete;
 }
 

@@ -14,13 +14,18 @@
 namespace kelto
 {
 
+/** How many conversions there are, the markers left out, and how many slots they take. */
+struct NumberedSlots
+{
+    size_t conversions, slots;
+};
+
 /**
  * Assigns argIndex, FLAG_TAG and FLAG_ENCODE to every conversion. Regions open and close in the order of the positions,
  * not of the text.
  * @param parameters  ended by a null formatter; null is an empty array.
- * @return the number of slots that they take.
  */
-size_t numberSlots(KTParameter *parameters, bool tag) noexcept;
+NumberedSlots numberSlots(KTParameter *parameters, bool tag) noexcept;
 
 /** The slots of a variable argument list, each a copy of its value in a cell of its own. */
 class ArgumentCells
@@ -31,8 +36,8 @@ public:
     ArgumentCells(const ArgumentCells &) = delete;
     ArgumentCells &operator=(const ArgumentCells &) = delete;
 
-    /** Takes the arguments of numbered conversions from the list; false when memory ran out. */
-    bool collect(const KTParameter *parameters, size_t slotCount, va_list arguments) noexcept;
+    /** Takes the arguments of numbered conversions from the list, as far as they go; false when memory ran out. */
+    bool collect(const KTParameter *parameters, size_t slotCount, va_list *arguments) noexcept;
 
     /** The slots, ended by null. */
     void **slots() noexcept { return m_slots.get(); }

@@ -2,7 +2,6 @@
 
 #include "format/form_table.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <type_traits>
@@ -65,7 +64,8 @@ template <typename Unit> int takeNumber(const Unit *&cursor)
     constexpr uint64_t beyondInt = uint64_t{INT_MAX} + 1;
     uint64_t value = 0;
     for (; isDigit(*cursor); ++cursor)
-        value = std::min(value * 10 + digitOf(*cursor), beyondInt);
+        if (value < beyondInt)
+            value = value * 10 + digitOf(*cursor);
     return value < beyondInt ? static_cast<int>(value) : tooLarge;
 }
 
@@ -150,7 +150,7 @@ kelto::FoundConversion resolveName(const kelto::ConversionName<Unit> &name, int 
     // The markers of an encoded region share the record that ends the list: it takes no arguments, and since it is not
     // null, a marker does not look like the end of a parameter array.
     if (name.length == 1 && (name.begin[0] == 'N' || name.begin[0] == 'O'))
-        return {name.begin[0] == 'N' ? CONV_N : CONV_O, kelto::terminatingRecord(), 0};
+        return {kelto::terminatingRecord(), name.begin[0] == 'N' ? CONV_N : CONV_O, 0};
     return kelto::findConversion(name, flags, table);
 }
 

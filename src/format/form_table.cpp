@@ -23,10 +23,12 @@ unsigned letterOf(unsigned character)
 
 template <typename Unit> bool isSameName(const char *known, const kelto::ConversionName<Unit> &name)
 {
-    for (size_t i = 0; i < name.length; ++i)
+    size_t i = 0;
+    do
         if (static_cast<Unit>(known[i]) != name.begin[i])
             return false;
-    return known[name.length] == '\0';
+    while (++i < name.length);
+    return known[i] == '\0';
 }
 
 /** A record that a format call can use: it has a function, and as many slots as its argument types say. */
@@ -72,6 +74,40 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
             break;
     }
     return nullptr;
+}
+
+constexpr kelto::FoundConversion unknown = {nullptr, CONV_UNKNOWN, 0};
+
+/** Searches one table. @return whether the search is over; `found` is then what has come of it, and else unknown. */
+template <typename Unit>
+bool searchTable(const kelto::ConversionName<Unit> &name, int flags, formTable &table, kelto::FoundConversion &found)
+{
+    const bool isBuiltIn = &table == &builtInFormTable;
+    found = unknown;
+    if (isBuiltIn)
+        if (const Flag_t type = shortNameType(name, flags); type != CONV_UNKNOWN)
+        {
+            found = {&builtInFormList[type], type, FLAG_BANG};
+            return true;
+        }
+    KTFormatter *const record = findInTable(name, table);
+    if (record == nullptr)
+        return false;
+    if (isBuiltIn)
+        found = {record, static_cast<Flag_t>(record - table.formList), 0};
+    else if (isUsable(*record))
+        found = {record, CONV_EXTERNAL, 0};
+    return true;
+}
+
+/** Apart from the search of the first table, which is most often the only one and small enough to be inlined. */
+template <typename Unit>
+[[gnu::noinline]] kelto::FoundConversion findAlongChain(kelto::ConversionName<Unit> name, int flags, formTable *table)
+{
+    kelto::FoundConversion found = unknown;
+    while (table != nullptr && !searchTable(name, flags, *table, found))
+        table = table->nextTable;
+    return found;
 }
 
 size_t namesSize()
@@ -127,21 +163,10 @@ namespace kelto
 template <typename Unit>
 FoundConversion findConversion(const ConversionName<Unit> &name, int flags, formTable &first) noexcept
 {
-    constexpr FoundConversion unknown = {CONV_UNKNOWN, nullptr, 0};
-    for (formTable *table = &first; table != nullptr; table = table->nextTable)
-    {
-        const bool isBuiltIn = table == &builtInFormTable;
-        if (isBuiltIn)
-            if (const Flag_t type = shortNameType(name, flags); type != CONV_UNKNOWN)
-                return {type, &builtInFormList[type], FLAG_BANG};
-        KTFormatter *const record = findInTable(name, *table);
-        if (record == nullptr)
-            continue;
-        if (!isBuiltIn && !isUsable(*record))
-            return unknown;
-        return {isBuiltIn ? static_cast<Flag_t>(record - table->formList) : CONV_EXTERNAL, record, 0};
-    }
-    return unknown;
+    FoundConversion found;
+    if (searchTable(name, flags, first, found) || first.nextTable == nullptr)
+        return found;
+    return findAlongChain(name, flags, first.nextTable);
 }
 
 template FoundConversion findConversion(const ConversionName<UCS2> &, int, formTable &) noexcept;

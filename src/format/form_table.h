@@ -24,8 +24,8 @@ template <typename Unit> struct ConversionName
 /** What a name stands for in a chain of tables. */
 struct FoundConversion
 {
-    Flag_t type;            /**< CONV_UNKNOWN when no table has the name */
     KTFormatter *formatter; /**< null when no table has it */
+    Flag_t type;            /**< CONV_UNKNOWN when no table has the name */
     int addedFlags;         /**< FLAG_BANG for the two short names of 64-bit integers */
 };
 

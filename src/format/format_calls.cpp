@@ -83,7 +83,7 @@ public:
             return result;
         const int result = kelto::checkFormat(m_text.units(), m_text.length(), table, m_parameters, m_places).result;
         if (result == 0)
-            m_slotCount = kelto::numberSlots(m_parameters.get(), tag);
+            m_slotCount = kelto::numberSlots(m_parameters.get(), tag).slots;
         return result;
     }
 
@@ -129,7 +129,11 @@ int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsi
     if (const int result = checked.check(format, table, tag))
         return result;
     kelto::ArgumentCells cells;
-    if (!cells.collect(checked.parameters(), checked.slotCount(), arguments))
+    va_list list;
+    va_copy(list, arguments);
+    const bool isComplete = cells.collect(checked.parameters(), checked.slotCount(), &list);
+    va_end(list);
+    if (!isComplete)
         return KT_ERR_NO_MEMORY;
     return checked.write(cells.slots(), {kelto::findEncoder(table), passThru, size, out});
 }

@@ -304,12 +304,13 @@ private:
         unsigned long units = room();
         const unsigned long given = units;
         const int result = call(&units, m_next);
-        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-            return result;
         // What claims more than its room counts as not written; nothing at all may be written into no room.
-        const bool isWritten = result == 0 && (units == 0 || units < given);
-        m_next += isWritten ? units : 0;
-        m_isTruncated = m_isTruncated || !isWritten;
+        if (result == 0 && (units < given || units == 0))
+            m_next += units;
+        else if (result == 0 || result == KT_ERR_BUFFER_TOO_SMALL)
+            m_isTruncated = true;
+        else
+            return result;
         addToTotal(units);
         return 0;
     }

@@ -26,10 +26,10 @@ class ParameterArray
 {
 public:
     /** Begins in the room of the caller's, if there is any. */
-    explicit ParameterArray(kelto::FewParameters *few)
-        : m_records(few != nullptr ? few->records : nullptr),
-          m_capacity(few != nullptr ? kelto::FewParameters::count : 0)
+    explicit ParameterArray(kelto::FewParameters *few) : m_few(few), m_records(few != nullptr ? few->records : nullptr)
     {
+        if (few != nullptr)
+            m_records[0] = {};
     }
 
     /** Stores a record at its position; false when memory ran out, and the array is then gone. */
@@ -70,6 +70,13 @@ public:
 private:
     bool growTo(size_t position)
     {
+        if (m_few != nullptr && position <= kelto::FewParameters::count)
+        {
+            std::memset(static_cast<void *>(m_records + m_capacity + 1), 0,
+                        (position - m_capacity) * sizeof(KTParameter));
+            m_capacity = position;
+            return true;
+        }
         size_t capacity = inSteps(position);
         if (m_capacity >= linearGrowthLimit)
             capacity = std::max(capacity, inSteps(m_capacity + m_capacity / 2));
@@ -84,13 +91,47 @@ private:
 
     static size_t inSteps(size_t capacity) { return (capacity + growthStep - 1) / growthStep * growthStep; }
 
+    kelto::FewParameters *m_few;
     kelto::TagBlock<KTParameter> m_block;
     KTParameter *m_records; // in the block, or the caller's
-    size_t m_capacity;
+    size_t m_capacity = 0;  // as many positions have a record by now, behind which stands an empty one
 };
 
 constexpr kelto::FormatVerdict accepted = {0, KT_RULE_NONE, 0, 0, 0};
 constexpr kelto::FormatVerdict outOfMemory = {KT_ERR_NO_MEMORY, KT_RULE_NONE, 0, 0, 0};
+
+/* The first '%' in [from, end), or end: the C library looks at many bytes at a time. */
+
+const char *findFarPercent(const char *from, const char *end)
+{
+    const void *const hit = std::memchr(from, '%', static_cast<size_t>(end - from));
+    return hit != nullptr ? static_cast<const char *>(hit) : end;
+}
+
+// A byte of another unit may look like a '%' too.
+const UCS2 *findFarPercent(const UCS2 *from, const UCS2 *end)
+{
+    while (from != end)
+    {
+        const auto *const begin = reinterpret_cast<const char *>(from);
+        const char *const hit = findFarPercent(begin, reinterpret_cast<const char *>(end));
+        from += (hit - begin) / static_cast<ptrdiff_t>(sizeof(UCS2));
+        if (from == end || *from == u'%')
+            break;
+        ++from;
+    }
+    return from;
+}
+
+/** The same where it may be near: most literal texts are a few units long, which are looked at one by one. */
+template <typename Unit> const Unit *findPercent(const Unit *from, const Unit *end)
+{
+    constexpr ptrdiff_t fewUnits = 8;
+    for (const Unit *const soon = end - from > fewUnits ? from + fewUnits : end; from != soon; ++from)
+        if (*from == '%')
+            return from;
+    return from != end ? findFarPercent(from, end) : end;
+}
 
 /** The UCS-2 units of a text. */
 size_t countUnits(const UCS2 * /*text*/, size_t length)
@@ -116,7 +157,7 @@ public:
     {
         const Unit *const end = m_format + m_length;
         size_t specifications = 0;
-        for (const Unit *percent = kelto::findPercent(m_format, end); percent != end;)
+        for (const Unit *percent = findPercent(m_format, end); percent != end;)
         {
             kelto::PercentPlace<Unit> place = {percent, percent + 2, 0};
             if (percent[1] != '%')
@@ -131,7 +172,7 @@ public:
                 place = {percent, spec.end, spec.position};
             }
             places.note(place);
-            percent = kelto::findPercent(place.end, end);
+            percent = findPercent(place.end, end);
         }
         places.note({end, end, 0});
         const size_t missing = m_array.firstMissing(specifications);
@@ -212,35 +253,6 @@ private:
 
 namespace kelto
 {
-
-// The C library searches bytes many at a time. A byte of another unit may look like a '%' too, so a hit is checked; the
-// first units are looked at one by one, since most literal texts end there.
-const UCS2 *findPercent(const UCS2 *from, const UCS2 *end) noexcept
-{
-    constexpr ptrdiff_t fewUnits = 8;
-    for (const UCS2 *const soon = end - from > fewUnits ? from + fewUnits : end; from != soon; ++from)
-        if (*from == u'%')
-            return from;
-    while (from != end)
-    {
-        const auto *const begin = reinterpret_cast<const char *>(from);
-        const auto *const hit =
-            static_cast<const char *>(std::memchr(begin, '%', static_cast<size_t>(end - from) * sizeof(UCS2)));
-        if (hit == nullptr)
-            return end;
-        from += static_cast<size_t>(hit - begin) / sizeof(UCS2);
-        if (*from == u'%')
-            return from;
-        ++from;
-    }
-    return end;
-}
-
-const char *findPercent(const char *from, const char *end) noexcept
-{
-    const void *const hit = std::memchr(from, '%', static_cast<size_t>(end - from));
-    return hit != nullptr ? static_cast<const char *>(hit) : end;
-}
 
 template <typename Unit> PercentPlace<Unit> PercentPlaces<Unit>::find(const Unit *from, const Unit *end) noexcept
 {

@@ -14,10 +14,6 @@
 namespace kelto
 {
 
-/** The first '%' in [from, end), or end. */
-const UCS2 *findPercent(const UCS2 *from, const UCS2 *end) noexcept;
-const char *findPercent(const char *from, const char *end) noexcept;
-
 /** A '%' in a format: of a conversion specification, or of a "%%". */
 template <typename Unit> struct PercentPlace
 {
@@ -63,10 +59,11 @@ bool walkFormat(const Unit *format, size_t length, const PercentPlaces<Unit> &pl
 {
     const Unit *const end = format + length;
     const PercentPlace<Unit> *noted = places.begin();
+    const PercentPlace<Unit> *const notedEnd = places.end();
     PercentPlace<Unit> found;
     for (const Unit *from = format;;)
     {
-        const PercentPlace<Unit> &place = noted != places.end() ? *noted++ : (found = places.find(from, end));
+        const PercentPlace<Unit> &place = noted != notedEnd ? *noted++ : (found = places.find(from, end));
         const bool isPercentSign = place.begin != end && place.position == 0;
         const auto count = static_cast<size_t>(place.begin - from) + (isPercentSign ? 1 : 0);
         if (count > 0)
@@ -96,12 +93,12 @@ constexpr bool isTooLong(size_t length) noexcept
 
 /**
  * Room for the parameters of most formats, so that a check which hands none of them out needs no block. They end at an
- * empty one, as in checkSyntax().
+ * empty one, as in checkSyntax(), behind which nothing is cleared.
  */
 struct FewParameters
 {
     static constexpr size_t count = 10;
-    KTParameter records[count + 1] = {};
+    KTParameter records[count + 1];
 };
 
 /**
@@ -109,7 +106,7 @@ struct FewParameters
  * @param format      zero-terminated; `length` units without the terminator.
  * @param parameters  out: as in checkSyntax(); null also where `few` holds them.
  * @param places      empty; receives the places of the format.
- * @param few         empty; null where parameters are to stand in a block always.
+ * @param few         null where parameters are to stand in a block always.
  */
 template <typename Unit>
 FormatVerdict checkFormat(const Unit *format, size_t length, formTable *table, TagBlock<KTParameter> &parameters,

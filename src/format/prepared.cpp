@@ -2,12 +2,15 @@
 
 #include "format/arguments.h"
 #include "format/form_table.h"
-#include "format/format_output.h"
 #include "format/format_string.h"
 #include "format/typed_argument.h"
 #include "lifecycle/global_state.h"
+#include "strconv/ascii_run.h"
+#include "strconv/utf8_text.h"
 
+#include <algorithm>
 #include <cstring>
+#include <unicode/utf16.h>
 
 namespace
 {
@@ -56,6 +59,73 @@ template <typename T> T *take(char *&at, size_t count)
     return taken;
 }
 
+/** Room for text in both encodings. */
+struct TextSizes
+{
+    size_t units, bytes;
+};
+
+/** The literal text of a format as it grows in both encodings. Nothing is written beyond the room. */
+class LiteralText
+{
+public:
+    LiteralText(UCS2 *units, char *bytes, const TextSizes &room)
+        : m_units(units), m_bytes(bytes), m_unitsLeft(room.units), m_spareBytes(room.bytes - room.units)
+    {
+    }
+
+    const UCS2 *unitsEnd() const { return m_units; }
+    const char *bytesEnd() const { return m_bytes; }
+
+    /** Appends UTF-8, perhaps malformed. */
+    void append(const char *text, size_t length)
+    {
+        for (const char *const end = text + length;;)
+        {
+            text += appendAscii(text, static_cast<size_t>(end - text));
+            if (text == end || !appendCodePoint(kelto::takeCodePoint(text, end)))
+                return;
+        }
+    }
+
+private:
+    /** @return the length of the ASCII at the start of the text, as far as there is room. */
+    size_t appendAscii(const char *text, size_t length)
+    {
+        const size_t run = kelto::widenAscii(text, std::min(length, m_unitsLeft), m_units);
+        kelto::copyAsciiBytes(text, run, m_bytes);
+        advance(run, run);
+        return run;
+    }
+
+    bool appendCodePoint(UChar32 codePoint)
+    {
+        const size_t units = U16_LENGTH(codePoint);
+        const size_t bytes = kelto::utf8Length(codePoint);
+        if (units > m_unitsLeft || bytes - units > m_spareBytes)
+            return false;
+        size_t at = 0;
+        U16_APPEND_UNSAFE(m_units, at, codePoint);
+        at = 0;
+        U8_APPEND_UNSAFE(m_bytes, at, codePoint);
+        advance(units, bytes);
+        m_spareBytes -= bytes - units;
+        return true;
+    }
+
+    void advance(size_t units, size_t bytes)
+    {
+        m_units += units;
+        m_bytes += bytes;
+        m_unitsLeft -= units;
+    }
+
+    UCS2 *m_units;
+    char *m_bytes;
+    size_t m_unitsLeft;
+    size_t m_spareBytes; // that are left beyond one for each unit
+};
+
 /** Lays a checked format out as a block. */
 class Preparation
 {
@@ -67,7 +137,7 @@ public:
             return verdict;
         if (m_many != nullptr)
             m_parameters = m_many.get();
-        m_slotCount = kelto::numberSlots(m_parameters, false);
+        m_count = kelto::numberSlots(m_parameters, false);
         verdict.result = build(format, length, table);
         return verdict;
     }
@@ -77,46 +147,31 @@ public:
 private:
     int build(const char *format, size_t length, formTable *table)
     {
-        const size_t stepCount = countSteps();
+        const size_t stepCount = m_count.conversions + 1; // the last for the text behind them
         const TextSizes sizes = sizesOf(format, length);
         m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + stepCount * sizeof(PreparedStep) +
-                                                          m_slotCount * sizeof(KTSlot) + sizes.units * sizeof(UCS2) +
+                                                          m_count.slots * sizeof(KTSlot) + sizes.units * sizeof(UCS2) +
                                                           sizes.bytes);
         if (m_block == nullptr)
             return KT_ERR_NO_MEMORY;
         char *at = m_block.get();
         auto *const prepared = take<KTPreparedFormat>(at, 1);
         auto *const steps = take<PreparedStep>(at, stepCount);
-        auto *const slots = take<KTSlot>(at, m_slotCount);
+        auto *const slots = take<KTSlot>(at, m_count.slots);
         auto *const units = take<UCS2>(at, sizes.units);
-        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_slotCount), steps, slots, units,
+        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots, units,
                      at};
         listSlots(slots);
-        fill(format, length, steps, kelto::FormatOutput<UCS2>(units, &sizes.units),
-             kelto::FormatOutput<char>(at, &sizes.bytes));
+        fill(format, length, steps, LiteralText(units, at, sizes));
         return 0;
     }
 
-    /** One for each conversion that is no marker, and one for the text behind them. */
-    size_t countSteps() const
-    {
-        size_t count = 1;
-        for (const KTParameter *parameter = m_parameters; parameter->formatter != nullptr; ++parameter)
-            count += kelto::isMarker(*parameter) ? 0 : 1;
-        return count;
-    }
-
-    /** Room for literal text, which is no longer than the whole format. */
-    struct TextSizes
-    {
-        size_t units, bytes;
-    };
-
+    /** The sizes of the whole format, which hold its literal text. */
     static TextSizes sizesOf(const char *format, size_t length)
     {
         if (kelto::isAllAscii(format, length))
-            return {length + 1, length + 1};
-        TextSizes sizes = {1, 1};
+            return {length, length};
+        TextSizes sizes = {0, 0};
         for (const char *const end = format + length; format != end;)
         {
             const UChar32 codePoint = kelto::takeCodePoint(format, end);
@@ -144,17 +199,15 @@ private:
     }
 
     /** Fills in the steps, the literal text of each in both encodings. */
-    void fill(const char *format, size_t length, PreparedStep *steps, kelto::FormatOutput<UCS2> units,
-              kelto::FormatOutput<char> bytes)
+    void fill(const char *format, size_t length, PreparedStep *step, LiteralText literals)
     {
-        PreparedStep *step = steps;
-        size_t unitsDone = 0;
-        size_t bytesDone = 0;
+        const UCS2 *unitsDone = literals.unitsEnd();
+        const char *bytesDone = literals.bytesEnd();
         const auto endStep = [&](const KTParameter *parameter) {
-            step->literalUnits = units.length() - unitsDone;
-            step->literalBytes = bytes.length() - bytesDone;
-            unitsDone = units.length();
-            bytesDone = bytes.length();
+            step->literalUnits = static_cast<size_t>(literals.unitsEnd() - unitsDone);
+            step->literalBytes = static_cast<size_t>(literals.bytesEnd() - bytesDone);
+            unitsDone = literals.unitsEnd();
+            bytesDone = literals.bytesEnd();
             step->formatter = parameter != nullptr ? parameter->formatter : nullptr;
             step->writer = parameter != nullptr ? writerOf(*parameter->formatter) : Writer::none;
             if (parameter != nullptr)
@@ -165,12 +218,7 @@ private:
             ++step;
         };
         kelto::walkFormat(
-            format, length, m_places,
-            [&](const char *text, size_t count) {
-                const kelto::UTF8Text piece = {text, count, UINT64_MAX};
-                units.write(kelto::Ending::open, piece);
-                bytes.write(kelto::Ending::open, piece);
-            },
+            format, length, m_places, [&](const char *text, size_t count) { literals.append(text, count); },
             [&](const kelto::PercentPlace<char> &place) {
                 const KTParameter &parameter = m_parameters[static_cast<size_t>(place.position) - 1];
                 if (!kelto::isMarker(parameter))
@@ -184,7 +232,7 @@ private:
     kelto::FewParameters m_few;
     kelto::TagBlock<KTParameter> m_many;
     KTParameter *m_parameters = m_few.records; // or those in m_many
-    size_t m_slotCount = 0;
+    kelto::NumberedSlots m_count = {0, 0};
     kelto::TagBlock<char> m_block;
 };
 

@@ -160,17 +160,23 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
 /** Whether a text holds nothing but ASCII. */
 inline bool isAllAscii(const char *text, size_t length) noexcept
 {
-    for (; length >= sizeof(uint64_t); text += sizeof(uint64_t), length -= sizeof(uint64_t))
+    const auto eightAt = [](const char *bytes) {
+        uint64_t eight;
+        std::memcpy(&eight, bytes, sizeof eight);
+        return eight;
+    };
+    constexpr uint64_t highBits = 0x8080808080808080;
+    uint64_t seen = 0;
+    if (length >= 8)
     {
-        uint64_t bytes;
-        std::memcpy(&bytes, text, sizeof bytes);
-        if ((bytes & 0x8080808080808080) != 0)
-            return false;
+        seen = eightAt(text + length - 8);
+        for (; length > 8; text += 8, length -= 8)
+            seen |= eightAt(text);
     }
-    for (; length > 0; ++text, --length)
-        if (static_cast<signed char>(*text) < 0)
-            return false;
-    return true;
+    else
+        for (; length > 0; ++text, --length)
+            seen |= static_cast<unsigned char>(*text);
+    return (seen & highBits) == 0;
 }
 
 /** Widens the ASCII at the start of `limit` bytes. @return the length of the run. */
