@@ -222,7 +222,7 @@ def make_page(header):
         documented.append((names[0], token, comment))
         comment = None
 
-    others = ("kelto (1)", "printf (3)", "setlocale (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
+    others = ("kelto (1)", "kelto.hpp (3)", "printf (3)", "setlocale (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
     return page.finished(*others), documented
 
 

@@ -24,11 +24,12 @@ endfunction()
 run("the installation" "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 
 string(REGEX MATCH "^[0-9]+" major "${VERSION}")
-set(installed include/kelto.h "${LIBDIR}/libkelto.so" "${LIBDIR}/libkelto.so.${major}"
+set(installed include/kelto.h include/kelto.hpp "${LIBDIR}/libkelto.so" "${LIBDIR}/libkelto.so.${major}"
               "${LIBDIR}/libkelto.so.${VERSION}"
   "${LIBDIR}/pkgconfig/kelto.pc" "${LIBDIR}/cmake/Kelto/KeltoConfig.cmake"
   "${LIBDIR}/cmake/Kelto/KeltoConfigVersion.cmake")
-list(APPEND installed share/man/man1/kelto.1 share/man/man3/kelto.3 share/man/man3/KTFormatString.3)
+list(APPEND installed share/man/man1/kelto.1 share/man/man3/kelto.3 share/man/man3/kelto.hpp.3
+                      share/man/man3/KTFormatString.3)
 if(HAS_PROGRAM)
   list(APPEND installed bin/kelto)
 endif()
