@@ -199,8 +199,9 @@ private:
     }
 
     /** Fills in the steps, the literal text of each in both encodings. */
-    void fill(const char *format, size_t length, PreparedStep *step, LiteralText literals)
+    void fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals)
     {
+        PreparedStep *step = steps;
         const UCS2 *unitsDone = literals.unitsEnd();
         const char *bytesDone = literals.bytesEnd();
         const auto endStep = [&](const KTParameter *parameter) {

@@ -49,7 +49,7 @@ unsigned MsgTableList::TableCount() // NOLINT(readability-make-member-function-c
     return count;
 }
 
-tableItem *MsgTableList::IsInList(MessageTable *table)
+tableItem *MsgTableList::IsInList(MessageTable *table) // NOLINT(readability-make-member-function-const): likewise
 {
     return hasSentinel() ? find(table) : nullptr;
 }
