@@ -160,6 +160,8 @@ constexpr const char *pieces[] = {
     "ts='4294967297'",
     "source-language='deu'",
     "product-name=''",
+    "=======",
+    "\xE2\x80\xAE",
     "\xC3\xA9",
     "\xFF",
     "\r\n",

@@ -54,6 +54,7 @@ struct Pair
     const Message &message;
     const Message *original;      // null where there is nothing to compare with
     const Format *originalFormat; // null where that, or its format, is none
+    bool isFirst;                 // of the messages with its number
 };
 
 /** The checks of one message. */
@@ -180,7 +181,7 @@ void MessageCheck::checkDirections()
     for (const DirectionControl &control : unbalanced)
         find(Rule::bidiControls, placeOf(control.place),
              {closes(control) ? Text::directionClosesNothing : Text::directionNotClosed, {nameOf(control)}});
-    if (unbalanced.empty() && m_pair.original != nullptr)
+    if (unbalanced.empty() && m_pair.original != nullptr && m_pair.isFirst)
         compareDirections(controls);
 }
 
@@ -544,6 +545,7 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
     for (const Message &message : catalog.messages())
     {
         missBelow(message.id);
+        const bool isFirst = done != message.id;
         done = message.id;
         const bool hasOriginal = original != originals.end() && original->id == message.id;
         if (reference != nullptr && !hasOriginal && reference->catalog().isWhole())
@@ -553,7 +555,7 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
             continue;
         const bool isComparable = hasOriginal && original->isComplete;
         const Pair pair{message, isComparable ? &*original : nullptr,
-                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr};
+                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr, isFirst};
         MessageCheck(catalog, table, reference, pair, findings).run();
     }
     missBelow(int64_t{INT_MAX} + 1);
