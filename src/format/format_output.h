@@ -183,8 +183,8 @@ private:
             for (const char *next = text.characters; next != end; ++next)
                 putWritable(static_cast<unsigned char>(*next));
         else
-            for (const char *next = text.characters; next != end; ++next)
-                *m_next++ = static_cast<Unit>(static_cast<unsigned char>(*next));
+            m_next = std::transform(text.characters, end, m_next,
+                                    [](unsigned char character) { return static_cast<Unit>(character); });
     }
 
     void append(const Text &text) noexcept
