@@ -38,9 +38,21 @@ void Library::require() const
         throw Failure(meaningOf(m_result));
 }
 
+namespace
+{
+
+bool isPipeOfShell(const std::string &path)
+{
+    std::error_code error;
+    return std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)) &&
+           std::filesystem::is_fifo(std::filesystem::status(path, error));
+}
+
+} // namespace
+
 LoadableFile::LoadableFile(const std::string &operand) : m_path(operand)
 {
-    if (operand != "-")
+    if (operand != "-" && !isPipeOfShell(operand))
         return;
     m_memory.emplace(readWhole(operand));
     if (!m_memory->isThere())

@@ -30,7 +30,10 @@ private:
     int m_result;
 };
 
-/** What an operand names, in a place where the library reads it: the file itself, or for "-" standard input. */
+/**
+ * What an operand names, in a place where the library reads it: the file itself, or in memory standard input, "-", and
+ * what a shell passes as /dev/fd/63.
+ */
 class LoadableFile
 {
 public:
