@@ -27,7 +27,8 @@
  * a call that formats a message that was formatted before.
  *
  * **Lifetime.** Every object holds a use of the library for as long as it needs one, and these uses begin and end under
- * one lock. A program that calls KTInit() and KTClean() itself as well does so while a kelto::library exists.
+ * one lock. A program that calls KTInit() and KTClean() itself as well does so while a kelto::library exists; so does one
+ * whose plug-ins, opened with RTLD_LOCAL, use this header too, since these may have a lock each.
  */
 #ifndef KELTO_HPP
 #define KELTO_HPP
@@ -93,13 +94,17 @@ template <class Result, class... Arguments> class callback<Result(Arguments...)>
 public:
     callback() = default;
     callback(std::nullptr_t) noexcept {}
-    template <class Function, class = std::enable_if_t<!std::is_same_v<Function, callback>>>
-    callback(Function function)
-        : function_(std::make_shared<Function>(std::move(function))),
-          call_([](void *of, Arguments... arguments) -> Result {
-              return (*static_cast<Function *>(of))(std::forward<Arguments>(arguments)...);
-          })
+    template <class Function, class = std::enable_if_t<!std::is_same_v<Function, callback>>> callback(Function function)
     {
+        // A pointer or a std::function may be empty; what converts to a bool unasked, as a lambda does, is no such thing.
+        if constexpr (std::is_pointer_v<Function> ||
+                      (std::is_constructible_v<bool, Function &> && !std::is_convertible_v<Function &, bool>))
+            if (!static_cast<bool>(function))
+                return;
+        function_ = std::make_shared<Function>(std::move(function));
+        call_ = [](void *of, Arguments... arguments) -> Result {
+            return (*static_cast<Function *>(of))(std::forward<Arguments>(arguments)...);
+        };
     }
     explicit operator bool() const noexcept { return call_ != nullptr; }
     Result operator()(Arguments... arguments) const
@@ -1853,6 +1858,7 @@ public:
 
     KELTO_SELDOM void write(const KTArgument &argument)
     {
+        char number[64];
         switch (argument.type)
         {
         case KT_ARGUMENT_INT:
@@ -1871,10 +1877,12 @@ public:
             break;
         }
         case KT_ARGUMENT_DOUBLE:
-            number("%g", argument.value.d);
+            std::snprintf(number, sizeof number, "%g", argument.value.d);
+            out_ += number;
             break;
         case KT_ARGUMENT_LONG_DOUBLE:
-            number("%Lg", *static_cast<const long double *>(argument.value.p));
+            std::snprintf(number, sizeof number, "%Lg", *static_cast<const long double *>(argument.value.p));
+            out_ += number;
             break;
         case KT_ARGUMENT_UTF8:
             if (const std::string_view text = view<char>(argument); is_time_stamp(text))
@@ -1892,13 +1900,6 @@ public:
     }
 
 private:
-    template <class Number> void number(const char *format, Number value)
-    {
-        char text[64];
-        std::snprintf(text, sizeof text, format, value);
-        out_ += text;
-    }
-
     template <class Character> static std::basic_string_view<Character> view(const KTArgument &argument) noexcept
     {
         const auto *const text = static_cast<const Character *>(argument.value.p);
@@ -2253,7 +2254,7 @@ struct problem
 {
     std::string_view catalog;  /**< the name of the catalog */
     std::string_view language; /**< the language that was passed over; empty for the text in the source */
-    std::string_view file;     /**< its file; empty for the text in the source */
+    std::string_view file;     /**< its file, or the directory without any; empty for the text in the source */
     std::uint32_t id;          /**< message_id::value(); 0 where the file as a whole is of no use */
     std::error_code error;     /**< in error_category() */
     std::string text;          /**< a sentence for the developer, in English */
@@ -2563,7 +2564,7 @@ public:
         return result;
     }
 
-    const std::string &name() const noexcept { return name_; }
+    bool is_without_files() const noexcept { return files_.empty(); }
 
     /** The first language of which there are messages: the name of its folder, or what the file says of itself. */
     std::string language() const
@@ -2789,6 +2790,13 @@ public:
         }
         if (!failure)
             found.state_->open();
+        if (!failure && found.state_->is_without_files())
+        {
+            std::string told = "there is no catalog \"" + name + "\" in \"" + directory + "\" for";
+            for (const std::string &language : seen)
+                told.append(1, ' ').append(language);
+            found.state_->report(nullptr, directory, 0, KT_ERR_FILE_UNAVAILABLE, std::move(told));
+        }
         return found;
     }
     static catalog find(const std::string &name, const std::string &directory, std::error_code &failure)

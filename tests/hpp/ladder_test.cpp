@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <new>
 #include <thread>
 
@@ -230,6 +231,9 @@ TEST_F(Ladder, NeedsNoFile)
     std::error_code failure;
     options.languages = "..:../../etc:/etc";
     EXPECT_EQ(store().format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
+    EXPECT_EQ(told, std::vector<std::string>{" 0 KT_ERR_FILE_UNAVAILABLE"});
+    EXPECT_EQ(stories, std::vector<std::string>{"there is no catalog \"store\" in \"d\" for en"});
+    EXPECT_FALSE(options.on_problem = std::function<void(const kelto::problem &)>());
     EXPECT_EQ(store().language(), "");
     EXPECT_THROW(kelto::catalog::find("../store", "d"), kelto::error);
     EXPECT_EQ(kelto::catalog::find("", "d", failure).format(1), "[1]");
