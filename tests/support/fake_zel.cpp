@@ -109,7 +109,7 @@ extern "C" {
         add(locked, lockedChange);                                                                                     \
         return fault != 0 ? fault : REAL(name) arguments;                                                              \
     }
-// What fails may have stored something all the same.
+// What fails may have stored something all the same, and what destroys may leave something.
 #define CREATE(operation, name, parameters, arguments, object, number, counter)                                        \
     int name parameters                                                                                                \
     {                                                                                                                  \
@@ -124,7 +124,8 @@ extern "C" {
     {                                                                                                                  \
         enter(Operation::operation, object);                                                                           \
         add(counter, -1);                                                                                              \
-        return REAL(name)(object);                                                                                     \
+        const int result = REAL(name)(object);                                                                         \
+        return *(object) = reinterpret_cast<void *>(0x10), result;                                                     \
     }
 FORWARD(Startup, ZEL_Startup, (long handle, long reserved), (handle, reserved), nullptr, handle + (reserved << 32), 0)
 FORWARD(Cleanup, ZEL_Cleanup, (long handle), (handle), nullptr, handle, 0)
