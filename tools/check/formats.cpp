@@ -100,10 +100,12 @@ int Format::highestPosition() const
 void Format::sortPositions()
 {
     byPosition.clear();
+    byPosition.reserve(conversions.size());
     for (size_t i = 0; i < conversions.size(); ++i)
         byPosition.push_back(i);
-    std::stable_sort(byPosition.begin(), byPosition.end(),
-                     [this](size_t a, size_t b) { return conversions[a].position < conversions[b].position; });
+    const auto isBefore = [this](size_t a, size_t b) { return conversions[a].position < conversions[b].position; };
+    if (!std::is_sorted(byPosition.begin(), byPosition.end(), isBefore)) // nearly always it is
+        std::stable_sort(byPosition.begin(), byPosition.end(), isBefore);
 }
 
 namespace

@@ -443,7 +443,11 @@ void Reader::addText(const char *text, size_t length)
 void Reader::addStray(std::string_view text)
 {
     const auto isBlank = [](char byte) { return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t'; };
+    constexpr std::string_view indentation = "        ";
     size_t begin = 0;
+    while (text.size() - begin >= indentation.size() &&
+           std::memcmp(text.data() + begin, indentation.data(), indentation.size()) == 0)
+        begin += indentation.size();
     while (begin < text.size() && isBlank(text[begin]))
         ++begin;
     const Element parent = m_open.back().element;
