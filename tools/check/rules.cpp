@@ -148,7 +148,7 @@ std::string Levels::apply(std::string_view option)
     const bool isError = takePrefix(name, "error=");
     const std::optional<Rule> rule = findRule(name);
     if (!rule)
-        return say(Text::noSuchRule);
+        return say(Text::noRuleNamed, {terminal().quote(name)});
     if (isNo && rowOf(*rule).severity == Severity::error)
         return say(Text::ruleStays);
     if (isError)
