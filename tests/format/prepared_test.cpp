@@ -146,6 +146,22 @@ TEST_F(Prepared, RefusesArgumentsThatNoFunctionMakes)
     EXPECT_EQ(formatted(prepare("%s[1]%U[2]."), {KT_UTF8N(nullptr, 5), KT_UCS2N(u"a\0b", 3)}), "a.");
 }
 
+TEST_F(Prepared, TakesArgumentsOfTheKindOfTheSlotAlone)
+{
+    const long double real = 1;
+    const std::pair<const char *, KTArgument> kinds[] = {
+        {"%d[1]", KT_INT(1)},    {"%c[1]", KT_CHAR('a')},           {"%lc[1]", KT_UNIT(u'a')},
+        {"%f[1]", KT_DOUBLE(1)}, {"%Lf[1]", KT_LONG_DOUBLE(&real)}, {"%s[1]", KT_UTF8("abc")},
+        {"%U[1]", KT_UCS2(u"a")}};
+    for (const auto &[format, own] : kinds)
+    {
+        for (const auto &[other, argument] : kinds)
+            EXPECT_EQ(formatted(prepare(format), {argument}) != "KT_ERR_INVALID_PARAMETER", format == other)
+                << format << " with the argument of " << other;
+        EXPECT_EQ(formatted(prepare(format), {KT_POINTER(1, &real)}), "KT_ERR_INVALID_PARAMETER") << format;
+    }
+}
+
 TEST_F(Prepared, WritesNothingOfALongNumberThatDoesNotFitAsAWhole)
 {
     const KTArgument arguments[] = {KT_DOUBLE(1.5)};

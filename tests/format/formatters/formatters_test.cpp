@@ -86,10 +86,10 @@ TEST_F(Formatters, ReportWhatTheyLackAndTakeMemoryOnlyForLongNumbersThatFit)
     } const rows[] = {{{formatIP, "IP", "\"::1\""}, 0, true, 0, 0, 0},
                       {{formatDateTime, "D", "\"abc\""}, 9, true, KT_ERR_INVALID_PARAMETER, 0, 0},
                       {{formatUTF8Str, "s", "\"abc\""}, 9, false, KT_ERR_NO_MEMORY, 9, 1},
-                      {{formatDouble, "f", "1.0e290"}, 400, false, 0, 298, 0},
-                      {{formatDouble, "f", "1.0e300"}, 400, true, 0, 308, 1},
-                      {{formatDouble, "f", "1.0e300"}, 400, false, KT_ERR_NO_MEMORY, 400, 1},
-                      {{formatDouble, "f", "1.0e300"}, 10, false, KT_ERR_BUFFER_TOO_SMALL, 308, 0}};
+                      {{formatDouble, "f", "2.0e295"}, 400, false, 0, 303, 0},
+                      {{formatDouble, "f", "2.0e296"}, 400, true, 0, 304, 1},
+                      {{formatDouble, "f", "2.0e296"}, 400, false, KT_ERR_NO_MEMORY, 400, 1},
+                      {{formatDouble, "f", "2.0e296"}, 10, false, KT_ERR_BUFFER_TOO_SMALL, 304, 0}};
     for (const auto &row : rows)
     {
         FakeZel::reset();
