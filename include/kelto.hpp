@@ -27,8 +27,8 @@
  * a call that formats a message that was formatted before.
  *
  * **Lifetime.** Every object holds a use of the library for as long as it needs one, and these uses begin and end under
- * one lock. A program that calls KTInit() and KTClean() itself as well does so while a kelto::library exists; so does one
- * whose plug-ins, opened with RTLD_LOCAL, use this header too, since these may have a lock each.
+ * one lock. A program that calls KTInit() and KTClean() itself as well does so while a kelto::library exists; one whose
+ * plug-ins use this header too, and are opened with RTLD_LOCAL, has one meanwhile, since these may have a lock each.
  */
 #ifndef KELTO_HPP
 #define KELTO_HPP
@@ -96,7 +96,7 @@ public:
     callback(std::nullptr_t) noexcept {}
     template <class Function, class = std::enable_if_t<!std::is_same_v<Function, callback>>> callback(Function function)
     {
-        // A pointer or a std::function may be empty; what converts to a bool unasked, as a lambda does, is no such thing.
+        // A pointer or a std::function may be empty; a lambda, which may convert to a bool unasked, is not.
         if constexpr (std::is_pointer_v<Function> ||
                       (std::is_constructible_v<bool, Function &> && !std::is_convertible_v<Function &, bool>))
             if (!static_cast<bool>(function))
@@ -1963,7 +1963,8 @@ KELTO_SELDOM inline std::string quoted(const KTArgument &argument)
         std::size_t end = most;
         while (is_trail(static_cast<unsigned char>(value[end])))
             --end;
-        value.replace(end, std::string::npos, "...");
+        value.resize(end);
+        value += "...";
     }
     const bool isText = argument.type == KT_ARGUMENT_UTF8 || argument.type == KT_ARGUMENT_UCS2;
     return isText ? '"' + on_one_line(value) + '"' : on_one_line(value);
