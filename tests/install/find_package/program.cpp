@@ -1,22 +1,14 @@
-// What a user's first program in C++ does.
+// What a user's first program in C++ does, with a call of the C interface in between.
 #include <iostream>
-#include <kelto.h>
+#include <kelto.hpp>
 
 int main(int argc, char **argv)
 {
-    if (argc != 2 || KTInit() != 0)
-        return 1;
-    MessageTable *table = nullptr;
-    char *message = nullptr;
+    const kelto::catalog catalog = kelto::catalog::load(argc == 2 ? argv[1] : "");
     UCS2 wide[100];
     unsigned long units = 100;
-    char text[400];
-    size_t bytes = sizeof text;
-    const bool done = KTLoadMessages(argv[1], &table) == 0 && KTGetMessage(table, 1, &message) == 0 &&
-                      KTFormatString(nullptr, false, &units, wide, message, 7, "files") == 0 &&
-                      wide == std::u16string(u"files: 7") && KTUCS2ToUTF8(wide, &bytes, text) == 0;
-    if (done)
-        std::cout << text << '\n';
-    KTClean();
-    return done ? 0 : 1;
+    char format[] = "%s[1]";
+    if (KTFormatString(nullptr, false, &units, wide, format, "files") != 0 || wide != std::u16string(u"files"))
+        return 1;
+    std::cout << catalog.format(1, KELTO_DEFAULT("%d[1] of %s[2]"), 7, "files") << '\n';
 }
