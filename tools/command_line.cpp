@@ -141,13 +141,41 @@ void CommandLine::requireAlone(const std::string &option) const
             throw misuse(say(Text::surplusWord, {terminal().quote(word), option}));
 }
 
+// The parser takes the next word for the value of "--output=".
+Words CommandLine::withEmptyValues() const
+{
+    Words words;
+    bool mayBeOption = true;
+    for (const std::string &word : m_words)
+    {
+        const std::string name = word.substr(0, word.find('='));
+        const bool isBare = mayBeOption && word.size() == name.size() + 1;
+        const CLI::Option *const option = isBare ? m_app->get_option_no_throw(name) : nullptr;
+        const bool takesValue = option != nullptr && option->get_items_expected_max() > 0;
+        words.push_back(takesValue ? name : word);
+        if (takesValue)
+            words.emplace_back();
+        mayBeOption = mayBeOption && word != "--" && !(m_app->get_prefix_command() && word.substr(0, 1) != "-");
+    }
+    return words;
+}
+
+void CommandLine::requireValues() const
+{
+    for (const CLI::Option *const option : m_app->get_options())
+        for (const std::string &value : option->results())
+            if (value.empty() && option->get_items_expected_max() > 0)
+                throw misuse(say(Text::optionNeedsValue, {option->get_name()}));
+}
+
 void CommandLine::parse()
 {
     m_app->allow_extras();
-    Words reversed(m_words.rbegin(), m_words.rend());
+    Words words = withEmptyValues();
+    std::reverse(words.begin(), words.end());
     try
     {
-        m_app->parse(reversed);
+        m_app->parse(words);
     }
     catch (const CLI::CallForHelp &)
     {
@@ -167,6 +195,7 @@ void CommandLine::parse()
     {
         throw misuse(terminal().showBytes(error.what()));
     }
+    requireValues();
 }
 
 void CommandLine::refuseOptions(Words::const_iterator begin, Words::const_iterator end) const

@@ -63,6 +63,8 @@ public:
 
 private:
     void parse();
+    Words withEmptyValues() const;
+    void requireValues() const;
     void refuseOptions(Words::const_iterator begin, Words::const_iterator end) const;
 
     std::unique_ptr<CLI::App> m_app;

@@ -179,7 +179,7 @@ void requireOtherFile(const std::string &output, const std::vector<std::string> 
 
 std::string inputName(const std::string &path)
 {
-    return path == "-" ? say(Text::standardInput) : terminal().showBytes(path);
+    return path == "-" ? say(Text::standardInput) : path.empty() ? "\"\"" : terminal().showBytes(path);
 }
 
 } // namespace tool
