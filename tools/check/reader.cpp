@@ -201,6 +201,7 @@ private:
     void finishMessages();
     void checkLimits();
     void findSyntaxError();
+    template <typename IsWanted> size_t behindAll(size_t offset, IsWanted isWanted) const;
 
     Range event() const;
     Message *message() { return m_hasMessage ? &m_message : nullptr; }
@@ -577,6 +578,16 @@ void Reader::checkLimits()
         find(Rule::xmlSyntax, m_doctype, {m_hasDoctype ? Text::costsTooMuch : Text::tokenTooLong});
 }
 
+/** Where the first character stands, from an offset on, that is not as wanted. */
+template <typename IsWanted> size_t Reader::behindAll(size_t offset, IsWanted isWanted) const
+{
+    const SourceText &source = m_catalog.m_source;
+    for (size_t next = offset; offset < source.bytes().size(); offset = next)
+        if (!isWanted(source.take(next, source.bytes().size())))
+            break;
+    return offset;
+}
+
 void Reader::findSyntaxError()
 {
     const SourceText &source = m_catalog.m_source;
@@ -594,16 +605,15 @@ void Reader::findSyntaxError()
     place.end = place.begin;
     if (place.begin < source.bytes().size())
         source.take(place.end, source.bytes().size());
-    if (error == XML_ERROR_UNKNOWN_ENCODING) // its name is in quotation marks
-        for (size_t at = place.end; at < source.bytes().size();)
-        {
-            const char32_t character = source.take(at, source.bytes().size());
-            if (character == '"' || character == '\'')
-                break;
-            place.end = at;
-        }
+    constexpr size_t mergeMark = 7; // of these the parser stops at the second
+    size_t marks = 0;
+    if (error == XML_ERROR_UNKNOWN_ENCODING)
+        place.end = behindAll(place.begin, [](char32_t character) { return character != '"' && character != '\''; });
+    else if (error == XML_ERROR_INVALID_TOKEN)
+        behindAll(place.begin, [&marks](char32_t character) { return character == '<' && ++marks < mergeMark; });
     constexpr unsigned errorsAbove = 300;
-    const Shown why = textNumbered(errorsAbove + error, XML_ErrorString(error));
+    const Shown why = marks + 1 == mergeMark ? Shown(Phrase{Text::mergeMark})
+                                             : textNumbered(errorsAbove + error, XML_ErrorString(error));
     if (error == XML_ERROR_TAG_MISMATCH && m_skipped == 0)
         find(Rule::xmlSyntax, place, {Text::notWellFormedIn, {why, rowOf(m_open.back().element).name}});
     else
