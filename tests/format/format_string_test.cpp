@@ -57,7 +57,7 @@ TEST_F(FormatString, NeedsThePositionsOneToNOnceEach)
 TEST_F(FormatString, AcceptsEveryPermutation)
 {
     std::mt19937 random(1);
-    for (const size_t n : {1, 2, 9, 10, 11, 25, 100, 101, 1500, 5000})
+    for (const size_t n : {10, 0, 1, 2, 9, 11, 25, 100, 101, 1500, 5000})
     {
         std::vector<size_t> positions(n);
         std::iota(positions.begin(), positions.end(), 1);
@@ -66,6 +66,13 @@ TEST_F(FormatString, AcceptsEveryPermutation)
         for (const size_t position : positions)
             format += "%d[" + std::to_string(position) + "]";
         EXPECT_EQ(check({format.begin(), format.end()}), (Checked{0, n}));
+        KTPreparedFormat *prepared = nullptr;
+        ASSERT_EQ(KTPrepareFormat(format.c_str(), nullptr, &prepared), 0) << n;
+        const KTSlot *slots = nullptr;
+        ASSERT_EQ(KTPreparedSlots(prepared, &slots), n);
+        for (size_t i = 0; i < n; ++i)
+            ASSERT_EQ(slots[i].position, i + 1);
+        KTFreePrepared(prepared);
     }
 }
 

@@ -62,6 +62,25 @@ TEST_F(Prepared, IsOneBlockAndKeepsNothingOfTheCaller)
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 0U) << "formatting takes no memory";
 }
 
+TEST_F(Prepared, KeepsToItsBlockWhereTheFormatChangesMeanwhile)
+{
+    const struct
+    {
+        std::string before, after, text;
+    } rows[] = {
+        {std::string(9, 'a'), std::string(9, '\xFF'), ""},
+        {"\u00E9\u00E9", "\xFF\xFF\xFF\xFF", "\uFFFD"},
+        {"\u20AC\u20AC\u20AC\u20AC\u20AC", std::string(15, 'a'), std::string(10, 'a')},
+    };
+    for (const auto &[before, after, text] : rows)
+    {
+        std::string format = before + "%d[1]";
+        const FakeZel::Observer observer(
+            [&format, &changed = after](const Call &) { changed.copy(&format[0], changed.size()); });
+        EXPECT_EQ(formatted(prepare(format), {KT_INT(7)}), text + "7");
+    }
+}
+
 TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
 {
     auto *const untouched = reinterpret_cast<KTPreparedFormat *>(8);
