@@ -304,8 +304,8 @@ private:
         unsigned long units = room();
         const unsigned long given = units;
         const int result = call(&units, m_next);
-        // What claims more than its room counts as not written; nothing at all may be written into no room.
-        if (result == 0 && (units < given || units == 0))
+        // What claims more than its room counts as not written. There is room as long as nothing is cut.
+        if (result == 0 && units < given)
             m_next += units;
         else if (result == 0 || result == KT_ERR_BUFFER_TOO_SMALL)
             m_isTruncated = true;

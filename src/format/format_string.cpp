@@ -48,9 +48,10 @@ public:
      */
     size_t firstMissing(size_t n) const
     {
-        for (size_t i = 0; i < n; ++i)
-            if (m_records[i].formatter == nullptr)
-                return i + 1;
+        const KTParameter *const end = m_records + n;
+        for (const KTParameter *record = m_records; record != end; ++record)
+            if (record->formatter == nullptr)
+                return static_cast<size_t>(record - m_records) + 1;
         return 0;
     }
 
