@@ -27,8 +27,9 @@
  * a call that formats a message that was formatted before.
  *
  * **Lifetime.** Every object holds a use of the library for as long as it needs one, and these uses begin and end under
- * one lock. A program that calls KTInit() and KTClean() itself as well does so while a kelto::library exists; one whose
- * plug-ins use this header too, and are opened with RTLD_LOCAL, has one meanwhile, since these may have a lock each.
+ * one lock. The first of them sets the LC_CTYPE locale of the process, as KTInit() does. A program that calls KTInit()
+ * and KTClean() itself as well does so while a kelto::library exists; one whose plug-ins use this header too, and are
+ * opened with RTLD_LOCAL, has one meanwhile, since these may have a lock each.
  */
 #ifndef KELTO_HPP
 #define KELTO_HPP
@@ -2139,6 +2140,15 @@ public:
         return make_or_throw(
             detail::argument_list<Arguments...>{{detail::argument_from(detail::hold(arguments))...}, {}}.view());
     }
+
+    /** Writes the text behind an output iterator; without the heap up to 1,024 bytes. Throws as format() does. */
+    template <class Output, class... Arguments> Output format_to(Output out, const Arguments &...arguments) const
+    {
+        detail::text_buffer text;
+        fill_or_throw(
+            text, detail::argument_list<Arguments...>{{detail::argument_from(detail::hold(arguments))...}, {}}.view());
+        return detail::copy_to(out, text.view());
+    }
 #endif
 
     /** The text; empty where failure is set. */
@@ -2198,13 +2208,18 @@ private:
 #if KELTO_HAS_EXCEPTIONS
     KELTO_OUT_OF_LINE std::string make_or_throw(const detail::argument_view &view) const
     {
-        std::error_code failure;
-        std::string text = make(failure, view);
-        detail::throw_if(failure, [&] {
-            return format_ != nullptr ? detail::why(text_.c_str(), options_, view, failure.value())
+        detail::text_buffer text;
+        fill_or_throw(text, view);
+        return text.take();
+    }
+
+    KELTO_OUT_OF_LINE void fill_or_throw(detail::text_buffer &text, const detail::argument_view &view) const
+    {
+        const int result = fill(text, view);
+        detail::throw_if(make_error(result), [&] {
+            return format_ != nullptr ? detail::why(text_.c_str(), options_, view, result)
                                       : "kelto::prepared_format: it holds no format";
         });
-        return text;
     }
 #endif
 

@@ -105,7 +105,10 @@ TEST(OwnConversions, ThrowThroughTheLibrary)
     const kelto::prepared_format prepared("%stars[1]%money[2]", options);
     for (const int stars : {0, 3000}) // where the text fits and where it does not
         EXPECT_THROW(prepared.format(stars, Money{-1}), std::domain_error);
-    EXPECT_EQ(prepared.format(1, Money{100}), "*1.0");
+    std::string text = prepared.format(1, Money{100});
+    EXPECT_THROW(prepared.format_to(std::back_inserter(text), 1), kelto::error);
+    prepared.format_to(std::back_inserter(text), 2, Money{200});
+    EXPECT_EQ(text, "*1.0**2.0");
 }
 
 /** What an error says. */
