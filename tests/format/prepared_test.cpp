@@ -76,7 +76,7 @@ TEST_F(Prepared, KeepsToItsBlockWhereTheFormatChangesMeanwhile)
     {
         std::string format = before + "%d[1]";
         const FakeZel::Observer observer(
-            [&format, &changed = after](const Call &) { changed.copy(&format[0], changed.size()); });
+            [&format, &changed = after](const Call &) { changed.copy(format.data(), changed.size()); });
         EXPECT_EQ(formatted(prepare(format), {KT_INT(7)}), text + "7");
     }
 }
