@@ -1900,6 +1900,17 @@ public:
         }
     }
 
+    /** Writes UTF-8, whatever the text is. */
+    KELTO_SELDOM void write(std::string_view text)
+    {
+        for (std::size_t at = 0; at < text.size();)
+        {
+            const sequence next = sequence_at(text, at);
+            out_ += next.is_valid ? text.substr(at, next.bytes) : "\xEF\xBF\xBD";
+            at += next.bytes;
+        }
+    }
+
 private:
     template <class Character> static std::basic_string_view<Character> view(const KTArgument &argument) noexcept
     {
@@ -1922,17 +1933,6 @@ private:
         return isOne;
     }
 
-    /** Writes UTF-8, whatever the text is. */
-    KELTO_SELDOM void write(std::string_view text)
-    {
-        for (std::size_t at = 0; at < text.size();)
-        {
-            const sequence next = sequence_at(text, at);
-            out_ += next.is_valid ? text.substr(at, next.bytes) : "\xEF\xBF\xBD";
-            at += next.bytes;
-        }
-    }
-
     std::string &out_;
 };
 
@@ -1941,15 +1941,20 @@ KELTO_SELDOM inline void write_plainly(std::string &out, const KTArgument &argum
     plain_writer(out).write(argument);
 }
 
-/** A text as a part of one line of a log. */
+/** A text as a part of one line of a log: UTF-8 without control characters, to which terminals would listen. */
 KELTO_SELDOM inline std::string on_one_line(std::string_view text)
 {
     std::string line;
-    for (const char c : text)
+    plain_writer(line).write(text);
+    for (std::size_t at = 0; at < line.size(); ++at)
+    {
+        const auto c = static_cast<unsigned char>(line[at]);
+        const bool isTwoBytes = c == 0xC2 && static_cast<unsigned char>(line[at + 1]) < 0xA0;
         if (c == '\n')
-            line += "\\n";
-        else
-            line += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+            line.replace(at, 1, "\\n");
+        else if (c < ' ' || c == 0x7F || isTwoBytes)
+            line.replace(at, isTwoBytes ? 2 : 1, 1, ' ');
+    }
     return line;
 }
 
