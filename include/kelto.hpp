@@ -1258,6 +1258,9 @@ struct conversion
     callback<int(const conversion_spec &, void **given, std::u16string &text)> render;
 };
 
+struct call_options;
+void write_with_table(std::string &out, const call_options &options, const KTArgument &argument);
+
 /** A form table with all that its records point to. */
 struct table_state
 {
@@ -1266,6 +1269,8 @@ struct table_state
     std::vector<KTFormatter> records;
     std::vector<std::unique_ptr<conversion>> conversions;
     callback<int(std::u16string_view text, std::u16string &encoded)> encode;
+    // write_with_table(), which so is compiled only where tables are built
+    void (*write)(std::string &out, const call_options &options, const KTArgument &argument) = nullptr;
 };
 
 /** The table of the running call on this thread: an encoder is told nothing of its own. */
@@ -1603,6 +1608,7 @@ private:
         state->table.formList = state->records.data();
         state->table.encoder = state->encode ? detail::encode : nullptr;
         state->table.nextTable = next;
+        state->write = detail::write_with_table;
         return form_table(std::move(state));
     }
 
@@ -2519,12 +2525,12 @@ KELTO_SELDOM inline bool write_with_conversion(std::string &out, const call_opti
     return false;
 }
 
-/** Writes an argument where no text could be formatted. The encoder of a table has its say, since the place that the
- * argument would have had in the text may be an encoded one; an argument that it throws for is not written. */
-KELTO_SELDOM inline void write_without_text(std::string &out, const call_options &options, const KTArgument &argument)
+/**
+ * Writes an argument where no text could be formatted, and where there is a table. Its encoder has its say, since the
+ * place that the argument would have had in the text may be an encoded one; what it throws for is not written.
+ */
+KELTO_SELDOM inline void write_with_table(std::string &out, const call_options &options, const KTArgument &argument)
 {
-    if (options.table == nullptr)
-        return write_plainly(out, argument);
     const running call(options.table.get());
     std::string value;
     if (argument.type != KT_ARGUMENT_POINTER || !write_with_conversion(value, options, argument))
@@ -2543,7 +2549,10 @@ KELTO_SELDOM inline void fill_without_text(std::string &out, const std::string &
     for (std::size_t i = 0; i < view.count; ++i)
     {
         out += i == 0 ? ": " : ", ";
-        write_without_text(out, options, view.arguments[i]);
+        if (options.table != nullptr)
+            options.table->write(out, options, view.arguments[i]);
+        else
+            write_plainly(out, view.arguments[i]);
     }
     out += ']';
 }
