@@ -37,7 +37,8 @@ public:
     {
         if (position > m_capacity && !growTo(position))
             return false;
-        m_records[position - 1] = record;
+        // Member by member: they were written a moment ago, and a copy of the whole would have to wait for them.
+        m_records[position - 1] = {record.type, record.width, record.precision, record.flags, 0, record.formatter};
         return true;
     }
 

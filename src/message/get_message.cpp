@@ -8,19 +8,18 @@ namespace
 {
 
 /**
- * Holds `tableListMutex` to the end of the scope. Not inlined: a look-up is so short that what it would keep of the lock
- * for the end costs more than the calls.
+ * Holds `tableListMutex` to the end of the scope. The end is not inlined: a look-up is so short that what it would keep
+ * of the lock until then costs more than the call.
  */
 class ListLock
 {
 public:
-    ListLock() noexcept { acquire(); }
+    ListLock() noexcept { ZEL_LMutexAcquire(tableListMutex); }
     ~ListLock() { release(); }
     ListLock(const ListLock &) = delete;
     ListLock &operator=(const ListLock &) = delete;
 
 private:
-    [[gnu::noinline]] static void acquire() noexcept { ZEL_LMutexAcquire(tableListMutex); }
     [[gnu::noinline]] static void release() noexcept { ZEL_LMutexRelease(tableListMutex); }
 };
 
