@@ -109,7 +109,7 @@ extern "C" {
         add(locked, lockedChange);                                                                                     \
         return fault != 0 ? fault : REAL(name) arguments;                                                              \
     }
-// What fails may have stored something all the same, and what destroys may leave something (it does where a test looks).
+// What fails may have stored something all the same, and what destroys leaves something where a test looks.
 #define CREATE(operation, name, parameters, arguments, object, number, counter)                                        \
     int name parameters                                                                                                \
     {                                                                                                                  \
