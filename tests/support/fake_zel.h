@@ -98,7 +98,7 @@ public:
     /** The sizes of the blocks that were asked for. */
     static std::vector<uint64_t> blockSizes();
 
-    /** While it lives, has the function called at the beginning of each operation, on the thread that makes the call. */
+    /** While it lives, calls the function at the beginning of each operation, on the thread that makes the call. */
     class Observer
     {
     public:
