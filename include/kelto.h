@@ -614,7 +614,7 @@ enum KTFlag
     FLAG_BANG = 0x800   /**< '!', and the names "l" and "ul": 64 bits */
 };
 
-/** The kind of a conversion; up to CONV_IP its place in builtInFormList. */
+/** The kind of a conversion; below CONV_N its place in builtInFormList. */
 typedef enum Flag_t
 {
     CONV_d = 0,
@@ -734,7 +734,7 @@ typedef struct KTParameter
 
 /** The built-in table. Shared by all: only KTRegisterEncoder() may change it. */
 extern formTable builtInFormTable;
-/** Its list: the seventeen conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
+/** Its list: the conversions, each at its place by Flag_t, and a last record of zeros. Not to be changed. */
 extern KTFormatter builtInFormList[18];
 
 /** The codes in KTFormatter::argTypes, and what the slot of such an argument holds. Those above take no argument. */
