@@ -29,8 +29,8 @@ _kelto_kind() {
     esac
 }
 
-# The rules of the checker, behind each of the prefixes: "all", or what can be chosen, since errors stay as they are. The
-# list, in English, puts "name error|warning summary" in a line.
+# The rules of the checker, behind each of the prefixes: "all", or what can be chosen, since errors stay as they are.
+# The list, in English, puts "name error|warning summary" in a line.
 _kelto_rules() {
     local rules prefix only=warning
     [ "$1" != all ] || only='[a-z]*'
@@ -57,11 +57,13 @@ _kelto() {
     elif [ "$previous" = = ]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
+    local words=
     if [[ $word = -W* ]]; then
-        mapfile -t COMPREPLY < <(compgen -P -W -W "error $(_kelto_rules chosen '' no- error= no-error=)" -- "${word#-W}")
+        words="error $(_kelto_rules chosen '' no- error= no-error=)"
+        mapfile -t COMPREPLY < <(compgen -P -W -W "$words" -- "${word#-W}")
         return
     fi
-    local kind words=
+    local kind
     kind=$(_kelto_kind "$subcommand" "$previous")
     case $kind in
     charset) words=$(kelto convert --list-charsets 2>/dev/null) ;;
