@@ -9,22 +9,29 @@
 #include <search.h>
 #include <utility>
 
-/** "from" has "to" in its value, and becomes deeper where that does; linked from the latter. */
+/** "from" has "to" in its value: one of the references of the former and of the referrers of the latter. */
 struct kelto::EntityNesting::Reference
 {
-    Entity *from;
-    Reference *next;
+    Entity *from, *to;
+    Reference *nextOfReferrers, *nextOfReferences;
 };
 
 /** Its name stands behind it. */
 struct kelto::EntityNesting::Entity
 {
     std::string_view name;
-    unsigned depth = 0; // 0: refers to no other, or was not declared yet
-    bool isWaiting = false;
-    Reference *referrers = nullptr;
+    Reference *referrers = nullptr, *references = nullptr;
     Entity *next = nullptr;
+    Entity *ring = this; // the member that stands for the ring; most rings have this one alone
+    Entity *nextMember = nullptr;
+
+    // Of the ring, in the member that stands for it.
+    unsigned depth = 0; // 0: refers to no other, or was not declared yet
+    unsigned members = 1;
+    Entity *lastMember = this;
+    const Entity *leadsTo = nullptr; // the entity for which findReferrers() came here last
     Entity *nextWaiting = nullptr;
+    bool isWaiting = false;
 };
 
 namespace
@@ -103,7 +110,7 @@ kelto::EntityNesting::~EntityNesting()
         Entity *const entity = m_entities;
         m_entities = entity->next;
         while (entity->referrers != nullptr)
-            delete std::exchange(entity->referrers, entity->referrers->next);
+            delete std::exchange(entity->referrers, entity->referrers->nextOfReferrers);
         std::free(entity);
     }
 }
@@ -122,6 +129,8 @@ bool kelto::EntityNesting::add(std::string_view name, std::string_view value) no
     for (; !reference.empty(); reference = takeReference(value))
         if (!refer(entity, reference))
             return false;
+    if (entity->referrers != nullptr)
+        closeRing(entity);
     return deepen(entity);
 }
 
@@ -156,41 +165,108 @@ bool kelto::EntityNesting::refer(Entity *from, std::string_view to) noexcept
     Entity *const entity = find(to);
     if (entity == nullptr)
         return false;
-    if (entity->referrers != nullptr && entity->referrers->from == from)
-        return true; // not for the first time
-    auto *const reference = new (std::nothrow) Reference{from, entity->referrers};
+    const bool isKnown = entity->referrers != nullptr && entity->referrers->from == from;
+    if (isKnown || entity == from) // a ring of one is as deep as any entity
+        return true;
+    auto *const reference = new (std::nothrow) Reference{from, entity, entity->referrers, from->references};
     if (reference == nullptr)
         return false;
     entity->referrers = reference;
+    from->references = reference;
     m_mayFollow += oftenFollowed;
-    from->depth = std::max(from->depth, entity->depth + 1);
+    from->depth = std::max(from->depth, entity->ring->depth + 1);
     return true;
 }
 
-/** Carries the depth of an entity to those that refer to it; false when one becomes too deep. */
-bool kelto::EntityNesting::deepen(Entity *entity) noexcept
+/**
+ * Notes which rings refer to an entity that was declared, in any number of steps, and are less deep. Those that it
+ * refers to are less deep, so the ring that it closes consists of such. deepen() has to follow all these references
+ * anyway.
+ */
+void kelto::EntityNesting::findReferrers(Entity *entity) noexcept
 {
+    entity->nextWaiting = nullptr;
     for (Entity *waiting = entity; waiting != nullptr;)
+    {
+        const Entity *member = waiting;
+        waiting = waiting->nextWaiting;
+        for (; member != nullptr; member = member->nextMember)
+            for (const Reference *reference = member->referrers; reference != nullptr;
+                 reference = reference->nextOfReferrers)
+            {
+                Entity *const from = reference->from->ring;
+                if (from->leadsTo == entity || from->depth >= entity->depth)
+                    continue;
+                from->leadsTo = entity;
+                from->nextWaiting = waiting;
+                waiting = from;
+            }
+    }
+}
+
+/** Makes one ring of an entity that was declared and of all that it refers to and that refer to it. */
+void kelto::EntityNesting::closeRing(Entity *entity) noexcept
+{
+    findReferrers(entity);
+    // The ring grows behind the member whose references are followed.
+    for (const Entity *member = entity; member != nullptr; member = member->nextMember)
+        for (const Reference *reference = member->references; reference != nullptr;
+             reference = reference->nextOfReferences)
+        {
+            ++m_followed;
+            Entity *const to = reference->to->ring;
+            if (to != entity && to->leadsTo == entity)
+                join(entity, to);
+        }
+    if (entity->members == 1)
+        return;
+    unsigned deepestBelow = 0;
+    for (const Entity *member = entity; member != nullptr; member = member->nextMember)
+        for (const Reference *reference = member->references; reference != nullptr;
+             reference = reference->nextOfReferences)
+            if (reference->to->ring != entity)
+                deepestBelow = std::max(deepestBelow, reference->to->ring->depth);
+    entity->depth = entity->members + deepestBelow;
+}
+
+/** Adds the members of one ring to those of another. */
+void kelto::EntityNesting::join(Entity *ring, Entity *joined) noexcept
+{
+    ring->lastMember->nextMember = joined;
+    ring->lastMember = joined->lastMember;
+    ring->members += joined->members;
+    for (Entity *member = joined; member != nullptr; member = member->nextMember)
+        member->ring = ring;
+}
+
+/** Carries the depth of a ring to those that refer to it; false when one becomes too deep. */
+bool kelto::EntityNesting::deepen(Entity *ring) noexcept
+{
+    ring->nextWaiting = nullptr;
+    for (Entity *waiting = ring; waiting != nullptr;)
     {
         const Entity *const deepened = waiting;
         if (deepened->depth > m_deepest)
             return false;
         waiting->isWaiting = false;
         waiting = waiting->nextWaiting;
-        for (const Reference *reference = deepened->referrers; reference != nullptr; reference = reference->next)
-        {
-            Entity *const from = reference->from;
-            if (++m_followed > m_mayFollow)
-                return false;
-            if (from->depth > deepened->depth)
-                continue;
-            from->depth = deepened->depth + 1;
-            if (from->isWaiting)
-                continue;
-            from->isWaiting = true;
-            from->nextWaiting = waiting;
-            waiting = from;
-        }
+        for (const Entity *member = deepened; member != nullptr; member = member->nextMember)
+            for (const Reference *reference = member->referrers; reference != nullptr;
+                 reference = reference->nextOfReferrers)
+            {
+                Entity *const from = reference->from->ring;
+                const unsigned depth = deepened->depth + from->members;
+                if (++m_followed > m_mayFollow)
+                    return false;
+                if (from == deepened || from->depth >= depth)
+                    continue;
+                from->depth = depth;
+                if (from->isWaiting)
+                    continue;
+                from->isWaiting = true;
+                from->nextWaiting = waiting;
+                waiting = from;
+            }
     }
     return true;
 }

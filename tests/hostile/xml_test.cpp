@@ -119,7 +119,8 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
         {"nested in an attribute", withDeclarations(doubling, "<x ts='&e40;' id='1'/>"), refused()},
         {"quadratic", withDeclarations(longEntity, repeated("&e;", 10000)), refused()},
         {"by placeholders", withDeclarations(entity("e", placeholders), repeated("&e;", 30000)), refused()},
-        {"itself", withDeclarations(entity("e", "&f;") + entity("f", "&e;"), "a"), refused()},
+        {"itself", withDeclarations(entity("e", "&e;"), "&e;"), refused()},
+        {"itself by another", withDeclarations(entity("e", "&f;") + entity("f", "&e;"), "&e;"), refused()},
         {"9 MB of text", withDeclarations(longEntity, repeated("&e;", 180)),
          loaded("#1: 1=\"" + std::string(9000000, 'x') + "\"")},
         {"references to no other entity",
@@ -147,6 +148,57 @@ TEST_F(HostileXml, RefusesEntitiesThatExplodeAndNoOthers)
         {"20,000 that are followed 60 times", followed(60), loadedA},
         {"20,000 that are followed 61 times", followed(61), refused()},
     });
+}
+
+TEST_F(HostileXml, LoadsCirclesOfEntitiesThatAreNotUsed)
+{
+    // Each of the circle refers to the next and to the first of a chain; the last closes it.
+    const auto circle = [](size_t n, size_t chained, const std::string &source = "a") {
+        return withDeclarations(repeat(n,
+                                       [&](size_t i) {
+                                           return entity("c" + number(i),
+                                                         "&e" + number(chained) + ";&c" + number((i + 1) % n) + ";");
+                                       }) +
+                                    chain(chained, true),
+                                source);
+    };
+    const auto manyCircles = [](size_t n) {
+        return withDeclarations(repeat(n, [](size_t i) { return entity("c" + number(i), "&d" + number(i) + ";&g;"); }) +
+                                    entity("g", repeated("&h;[&i;", 500)) +
+                                    repeat(n, [](size_t i) { return entity("d" + number(i), "&c" + number(i) + ";"); }),
+                                "a");
+    };
+    // Two circles, of 51 and of n + 1, become one by the last declaration.
+    const auto joined = [](size_t n) {
+        const auto next = [](const char *name, size_t i, size_t count) {
+            return entity(name + number(i), i + 1 < count ? "&" + (name + number(i + 1)) + ";" : "&a;&b;");
+        };
+        return withDeclarations(entity("a", "&c0;") + repeat(50, [&](size_t i) { return next("c", i, 50); }) +
+                                    repeat(n, [&](size_t i) { return next("d", i, n); }) + entity("b", "&d0;"),
+                                "a");
+    };
+    const std::pair<const char *, std::string> loaded[] = {
+        {"one", circle(1, 0)},
+        {"100", circle(100, 0)},
+        {"40 above 60", circle(40, 60)},
+        {"100 of two", joined(48)},
+        {"20,000 of 2", manyCircles(20000)},
+    };
+    for (const auto &[label, xml] : loaded)
+    {
+        EXPECT_EQ(load(xml), loadedA) << label;
+        EXPECT_EQ(version(xml), 0) << label;
+    }
+    const std::pair<const char *, std::string> refusedOnes[] = {
+        {"101", circle(101, 0)},
+        {"41 above 60", circle(41, 60)},
+        {"101 of two", joined(49)},
+        {"used", circle(3, 0, "&c1;")},
+        {"used in an attribute", circle(3, 0, "<x ts='&c1;' id='1'/>")},
+        {"used by a default", withDeclarations(entity("e", "&e;") + "<!ATTLIST x ts CDATA '&e;'>", "a")},
+    };
+    for (const auto &[label, xml] : refusedOnes)
+        EXPECT_EQ(load(xml), refused()) << label;
 }
 
 // Each step of the chain costs the parser stack: 30,000 of them end a process that has 8 MiB.
