@@ -1,5 +1,6 @@
 #include "support/heap_faults.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <dlfcn.h>
@@ -48,13 +49,13 @@ bool isLibrary(const void *caller)
     return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.") || isIn("/libc.");
 }
 
-/** One request for a block in the place of another: null where it is to fail. */
+/** One request for a block in the place of another: null where it is to fail, with errno as the C library's own. */
 template <typename Take> void *take(const void *caller, Take real, const void *old = nullptr)
 {
     if (!heap.isWatched)
         return real();
     if (isLibrary(caller) && --heap.untilFailure == 0)
-        return ++heap.failures, nullptr;
+        return ++heap.failures, errno = ENOMEM, nullptr;
     void *const block = real();
     heap.outstanding += (block != nullptr ? 1 : 0) - (old != nullptr ? 1 : 0);
     return block;
