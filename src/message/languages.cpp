@@ -85,14 +85,15 @@ const char *LanguageWalk::next() noexcept
 {
     if (*m_base == '\0' && !takeElement())
         return nullptr;
-    std::strcpy(m_name, m_base);
+    const size_t baseLength = std::strlen(m_base);
+    std::memcpy(m_name, m_base, baseLength + 1);
     if (m_withModifier)
     {
-        std::strcat(m_name, m_modifier);
+        std::memcpy(m_name + baseLength, m_modifier, std::strlen(m_modifier) + 1);
         m_withModifier = false;
         return m_name;
     }
-    size_t length = std::strlen(m_base);
+    size_t length = baseLength;
     while (length > 0 && m_base[length - 1] != '_' && m_base[length - 1] != '-')
         --length;
     while (length > 0 && (m_base[length - 1] == '_' || m_base[length - 1] == '-'))

@@ -9,13 +9,17 @@
 #include "kelto.h"
 
 #include <cstring>
-#include <emmintrin.h>
 #include <type_traits>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace kelto
 {
 
 /* The next three widen 16 bytes, 8 and 4; false, and nothing is written, where one of them is not ASCII. */
+
+#ifdef __SSE2__
 
 inline bool widenSixteen(const char *source, UCS2 *destination) noexcept
 {
@@ -120,6 +124,31 @@ inline bool narrowFour(const UCS2 *source, char *destination) noexcept
     std::memcpy(destination, &bytes, sizeof bytes);
     return true;
 }
+
+#else // any other machine, of which the compiler makes what it can
+
+template <size_t count, typename From, typename To> bool copyIfAscii(const From *source, To *destination) noexcept
+{
+    std::conditional_t<sizeof(From) == 1, unsigned char, char16_t> units[count];
+    std::memcpy(units, source, sizeof units);
+    unsigned seen = 0;
+    for (const unsigned unit : units)
+        seen |= unit;
+    if (seen >= 0x80)
+        return false;
+    for (size_t i = 0; i < count; ++i)
+        destination[i] = static_cast<To>(units[i]);
+    return true;
+}
+
+constexpr auto *widenSixteen = copyIfAscii<16, char, UCS2>, *widenEight = copyIfAscii<8, char, UCS2>,
+               *widenFour = copyIfAscii<4, char, UCS2>;
+constexpr auto *copySixteen = copyIfAscii<16, char, char>, *copyEight = copyIfAscii<8, char, char>,
+               *copyFour = copyIfAscii<4, char, char>;
+constexpr auto *narrowSixteen = copyIfAscii<16, UCS2, char>, *narrowEight = copyIfAscii<8, UCS2, char>,
+               *narrowFour = copyIfAscii<4, UCS2, char>;
+
+#endif
 
 /**
  * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is

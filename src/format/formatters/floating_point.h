@@ -18,7 +18,8 @@ namespace kelto
 /** The most decimal places that a value of the type can have: all behind them are zeros. */
 template <typename Value>
 constexpr int mostDecimals = std::numeric_limits<Value>::digits - std::numeric_limits<Value>::min_exponent;
-static_assert(mostDecimals<double> == 1074 && mostDecimals<long double> == 16445);
+static_assert(mostDecimals<double> == 1074);
+static_assert(mostDecimals<long double> == 16445 || mostDecimals<long double> == 16494); // of 80 bits, or of 128
 
 /** A number without its sign: in a fixed buffer, or where that is too small, and it is needed, in one from the tag. */
 class Rendering
