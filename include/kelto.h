@@ -1141,6 +1141,38 @@ size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots);
  */
 const void *KTPointerOfKind(void *const *argSlot, uint32_t kind);
 
+/**
+ * Writes one conversion of the caller's own straight into UTF-8, in place of a KTFormatFunction whose UCS-2 would be
+ * converted. Its text is that of the KTFormatFunction.
+ *
+ * @param convName   as there, like width, precision, flags, passThru1 and passThru2.
+ * @param arguments  the conversion's values as the caller passed them, one for each code 1 to 7 of its argTypes. They
+ *                   were compared with those: an integer has its value in `i`, but under KT_ARG_UNSIGNED the bits of
+ *                   its size in `u` (cut it to 16 bits with FLAG_h, to 64 with FLAG_BANG, else to 32); a text is
+ *                   null, or ends at its length or at its first zero; a pointer has its kind in `length`.
+ * @param sizeInOut  in: the room at out in bytes, counting one for the terminator of the whole text; out: the bytes of
+ *                   this conversion's text, or those that it needs.
+ * @param out        where the text goes: well-formed UTF-8 without U+0000, never more than room bytes. It may be null
+ *                   where the room is 0.
+ * @return 0 when the text was written (its length plus 1 is at most the room); KT_ERR_BUFFER_TOO_SMALL with the need in
+ *         *sizeInOut; or another negative code, as from a KTFormatFunction.
+ */
+typedef int (*KTUTF8FormatFunction)(const char *convName, int width, int precision, int flags, KTEncoder passThru1,
+                                    void *passThru2, const KTArgument *arguments, size_t *sizeInOut, char *out);
+
+/**
+ * Gives a conversion of the caller's own a second function, which KTFormatPreparedUTF8() then calls in place of the one
+ * in its record. It is looked up when a format is prepared, and only there; formats prepared before do not change.
+ * Needs no started library.
+ * @param formatter  the record, by its address: a copy of it has to be registered by itself. The function must be
+ *                   withdrawn before the record ends, and may be called by what was prepared until then.
+ * @param function   the function; null withdraws it.
+ * @return 0, KT_ERR_INVALID_PARAMETER where formatter is null, or KT_ERR_NO_MEMORY.
+ *
+ *     int result = KTRegisterUTF8Format(&conversions[0], formatBytesUTF8);
+ */
+int KTRegisterUTF8Format(const KTFormatter *formatter, KTUTF8FormatFunction function);
+
 /* A format that is not the program's own can be looked at before it is used. */
 
 /** What is wrong with a format. */

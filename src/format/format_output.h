@@ -94,6 +94,17 @@ public:
             return appendThroughBuffer(call, padding);
     }
 
+    /**
+     * Appends what a formatter of the caller's writes in UTF-8.
+     * @param call  calls it with a size and an output, as in KTUTF8FormatFunction.
+     * @return its failure; 0 also where its text was merely too long.
+     */
+    template <typename Call> int appendCalledUTF8(const Call &call) noexcept
+    {
+        static_assert(isUTF8);
+        return appendInPlace(call);
+    }
+
     /** Ends the text. @param size  out: its length, or the need. */
     int finish(unsigned long *size) noexcept
     {
@@ -304,13 +315,15 @@ private:
         unsigned long units = room();
         const unsigned long given = units;
         const int result = call(&units, m_next);
+        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+            return result;
+        if (isOver(units))
+            return 0;
         // What claims more than its room counts as not written. There is room as long as nothing is cut.
         if (result == 0 && units < given)
             m_next += units;
-        else if (result == 0 || result == KT_ERR_BUFFER_TOO_SMALL)
-            m_isTruncated = true;
         else
-            return result;
+            m_isTruncated = true;
         addToTotal(units);
         return 0;
     }

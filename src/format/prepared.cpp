@@ -4,6 +4,7 @@
 #include "format/form_table.h"
 #include "format/format_string.h"
 #include "format/typed_argument.h"
+#include "format/utf8_formats.h"
 #include "lifecycle/global_state.h"
 #include "strconv/ascii_run.h"
 #include "strconv/utf8_text.h"
@@ -211,6 +212,7 @@ private:
             bytesDone = literals.bytesEnd();
             step->formatter = parameter != nullptr ? parameter->formatter : nullptr;
             step->writer = parameter != nullptr ? writerOf(*parameter->formatter) : Writer::none;
+            step->utf8Format = step->writer == Writer::called ? kelto::findUTF8Format(parameter->formatter) : nullptr;
             if (parameter != nullptr)
             {
                 step->layout = {parameter->width, parameter->precision, parameter->flags};

@@ -58,6 +58,16 @@ int callFormatter(kelto::FormatOutput<Unit> &text, const KTFormatter &formatter,
         padding);
 }
 
+/** Calls what a conversion of the caller's own has for UTF-8. */
+int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, const Layout &layout,
+                   const KTArgument *values, const Call &call)
+{
+    return text.appendCalledUTF8([&](size_t *bytes, char *out) {
+        return step.utf8Format(step.formatter->name, layout.width, layout.precision, layout.flags, call.encoder,
+                               call.passThru, values, bytes, out);
+    });
+}
+
 template <typename Unit>
 int writeUTF8(kelto::FormatOutput<Unit> &text, const Layout &layout, const KTArgument &argument)
 {
@@ -151,6 +161,9 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
     case Writer::none:
         return 0;
     case Writer::called:
+        if constexpr (std::is_same_v<Unit, char>)
+            if (step.utf8Format != nullptr)
+                return callUTF8Format(text, step, layout, argument, call);
         break;
     }
     return callFormatter(text, formatter, layout, argument, call);

@@ -315,6 +315,50 @@ TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
     }
 }
 
+int copyUTF8(const char *, int, int, int, KTEncoder, void *, const KTArgument *arguments, size_t *size, char *out)
+{
+    const auto *const text = static_cast<const char *>(arguments[0].value.p);
+    const size_t length = strnlen(text, arguments[0].length), room = *size;
+    if (*text == '!')
+        return -77;
+    *size = length;
+    if (length + 1 > room)
+        return KT_ERR_BUFFER_TOO_SMALL;
+    std::memcpy(out, text, length);
+    return 0;
+}
+
+TEST_F(Prepared, TheFunctionForUTF8IsLookedUpWhenAFormatIsPrepared)
+{
+    KTFormatter list[] = {{"own", nullptr, 1, utf8StrList, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, &builtInFormTable};
+    const char *const format = "[%lc[1]%own[2]%lc[3]]";
+    const auto arguments = [](const char *text, char16_t unit = u'.') {
+        return std::vector{KT_UNIT(unit), KT_UTF8N(text, 3), KT_UNIT(0xDE00)};
+    };
+    const Owner before = prepare(format, &table);
+    EXPECT_EQ(KTRegisterUTF8Format(nullptr, copyUTF8), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTRegisterUTF8Format(list, nullptr), 0) << "there was none";
+    EXPECT_EQ(KTRegisterUTF8Format(list, copyUTF8), 0);
+    EXPECT_EQ(KTRegisterUTF8Format(list, copyUTF8), 0);
+    const Owner with = prepare(format, &table);
+    EXPECT_EQ(formatted(with, arguments("ownership")), "[.own\uFFFD]");
+    EXPECT_EQ(formatted(with, arguments("\u00E9!", 0xD83D)), "[\uFFFD\u00E9!\uFFFD]") << "it parts the halves";
+    EXPECT_EQ(formatted(with, arguments("", 0xD83D)), "[\U0001F600]") << "nothing parts no halves";
+    EXPECT_EQ(formatted(with, arguments("own", 0)), "[") << "U+0000 has ended the text";
+    char out[9];
+    size_t size = sizeof out;
+    EXPECT_EQ(KTFormatPreparedUTF8(with.get(), 0, nullptr, &size, out, arguments("!").data(), 3), -77);
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(KTRegisterUTF8Format(list, nullptr), 0);
+    const Owner after = prepare(format, &table);
+    for (const KTPreparedFormat *plain : {before.get(), after.get()})
+    {
+        claims = {{-78, 0}};
+        EXPECT_EQ(KTFormatPreparedUTF8(plain, 0, nullptr, &(size = sizeof out), out, arguments("own").data(), 3), -78);
+    }
+}
+
 TEST_F(Prepared, ACharacterMayBeWrittenInHalves)
 {
     static constexpr UCS2 halves[] = {0xD83D, 0xDE00, 0xD83D, 0};
