@@ -34,6 +34,7 @@ extern const Subcommand convertSubcommand;
 extern const Subcommand checkSubcommand;
 extern const Subcommand compileSubcommand;
 extern const Subcommand genSubcommand;
+extern const Subcommand pseudoSubcommand;
 
 } // namespace tool
 

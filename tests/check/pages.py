@@ -1,6 +1,7 @@
-"""Whether `kelto check` and `kelto gen` do what their pages show, and documents are what their schemas say.
+"""Whether `kelto check`, `kelto gen` and the translators' commands do what their pages show, and documents are what their schemas say.
 
     pages.py check KELTO ROOT [--update]
+    pages.py translating KELTO ROOT [--update]
     pages.py gen KELTO ROOT LIBRARY [--update]     --update writes what the commands print, and the rules, into the page
 
 Blocks under a line `NAME`: are files; in blocks of the console each line "$ COMMAND" is followed by what it prints.
@@ -16,7 +17,7 @@ import tempfile
 import jsonschema
 
 which, kelto, root = sys.argv[1:4]
-page_path = f"{root}/docs/{dict(check='checking', gen='generating')[which]}.md"
+page_path = f"{root}/docs/{dict(check='checking', gen='generating').get(which, which)}.md"
 faults = []
 
 
@@ -118,7 +119,7 @@ with tempfile.TemporaryDirectory() as work:
         with open(f"{work}/real.md", "w", encoding="utf-8") as file:
             file.write(real)
         faults.append(run(f"diff -u {page_path} real.md", work))
-    {"check": check_page, "gen": gen_page}[which](page, work)
+    {"check": check_page, "gen": gen_page}.get(which, lambda *_: None)(page, work)
 for fault in faults:
     print(fault)
 sys.exit(bool(faults))

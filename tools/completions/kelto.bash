@@ -8,6 +8,7 @@ _kelto_options() {
     version) echo '--help' ;;
     compile) echo '--output= --raw --help' ;;
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
+    pseudo) echo '--output= --expand= --bidi --form= --help' ;;
     check)
         echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
             --explain= --help -Werror'
@@ -23,7 +24,8 @@ _kelto_kind() {
     check:--color) echo when ;;
     check:--explain) echo rule ;;
     compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output) echo file ;;
-    gen:-o | gen:--output | gen:--depfile) echo file ;;
+    gen:-o | gen:--output | gen:--depfile | pseudo:-o | pseudo:--output) echo file ;;
+    pseudo:--expand | pseudo:--form) echo other ;;
     gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
@@ -47,7 +49,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'format list version check gen compile convert --help --version' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W 'format list version check gen pseudo compile convert --help --version' -- "$word")
         return
     fi
 

@@ -1,0 +1,50 @@
+/** What the commands share: they tell findings in the forms of `kelto check`, and count them. */
+#ifndef KELTO_TOOLS_BILINGUAL_TELLER_H
+#define KELTO_TOOLS_BILINGUAL_TELLER_H
+
+#include "check/finding.h"
+#include "check/formats.h"
+#include "check/writers.h"
+#include "command_line.h"
+
+#include <memory>
+#include <string>
+
+namespace tool::bilingual
+{
+
+class Teller
+{
+public:
+    /**
+     * @param form       "text", "json", "sarif" or "github".
+     * @param reference  the name of the file that others are compared with, or empty.
+     */
+    Teller(const CommandLine &line, const std::string &form, bool isQuiet, const std::string &reference,
+           const check::Levels &levels);
+
+    void tell(const std::vector<check::Diagnostic> &diagnostics);
+
+    /** Closes the document. */
+    void finish(size_t files);
+
+    size_t errors() const { return m_summary.errors; }
+
+private:
+    const check::Levels &m_levels;
+    std::unique_ptr<check::Writer> m_writer;
+    check::Summary m_summary;
+};
+
+/** The table that the options --form make. */
+void addForms(const CommandLine &line, const Words &words, check::FormTable &forms);
+
+/** Those that are errors. */
+std::vector<check::Diagnostic> errorsIn(std::vector<check::Diagnostic> diagnostics);
+
+/** Writes a whole output, "-" being standard output. */
+void writeOutput(const std::string &path, std::string_view bytes);
+
+} // namespace tool::bilingual
+
+#endif

@@ -1,0 +1,114 @@
+#include "bilingual/message_document.h"
+#include "bilingual/message_parts.h"
+#include "bilingual/teller.h"
+#include "check/checks.h"
+#include "command_line.h"
+#include "message_file.h"
+#include "output.h"
+#include "pseudo/pseudo_text.h"
+#include "terminal.h"
+#include "text.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tool
+{
+namespace
+{
+
+using namespace check;
+using namespace bilingual;
+
+constexpr const char *bidiLanguage = "ar-XB";
+constexpr const char *accentedRegion = "-XA";
+
+unsigned percentOf(const CommandLine &line, const std::string &text)
+{
+    constexpr unsigned most = 400;
+    const bool isNumber = text.size() <= 3 && text.find_first_not_of("0123456789") == std::string::npos;
+    const unsigned percent = isNumber ? static_cast<unsigned>(std::strtoul(text.c_str(), nullptr, 10)) : most + 1;
+    if (percent > most)
+        throw line.misuse(say(Text::badExpansion, {most, terminal().quote(text)}));
+    return percent;
+}
+
+/** Whether a message only chooses another one. */
+bool isSelector(const Parts &parts)
+{
+    constexpr std::string_view names[] = {"plural", "ordinal", "select"};
+    if (parts.size() != 1 || !parts[0].isPlaceholder)
+        return false;
+    const std::string_view conversion = parts[0].conversion();
+    const auto endsIn = [conversion](std::string_view name) {
+        return conversion.size() > name.size() && conversion.substr(conversion.size() - name.size()) == name;
+    };
+    return std::any_of(std::begin(names), std::end(names), endsIn);
+}
+
+ExitStatus run(CommandLine &line)
+{
+    std::string output;
+    std::string expansion = "30";
+    bool isBidi = false;
+    Words formWords;
+    line.option("-o,--output", "OUT", output, "The message file to write; '-' is standard output");
+    line.option("--expand", "PERCENT", expansion, "By how much texts get longer; 30 if not given");
+    line.flag("--bidi", isBidi, "Letters from right to left, in the language ar-XB, and no accents");
+    line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
+                 "A conversion of the program's own and its arguments, as for kelto check");
+    const std::string input = line.onlyFile();
+    if (output.empty())
+        throw line.misuse(say(Text::optionMissing, {"--output"}));
+    const unsigned percent = percentOf(line, expansion);
+    FormTable forms;
+    addForms(line, formWords, forms);
+    requireOtherFile(output, {input});
+
+    Catalog catalog(SourceText(input == "-" ? "<stdin>" : input, readMessageFile(input)),
+                    Catalog::Placeholders::positioned);
+    const Levels levels;
+    Teller teller(line, "text", true, "", levels);
+    teller.tell(errorsIn(report(catalog.findings(), catalog.source(), nullptr, levels)));
+    if (teller.errors() > 0)
+        return ExitStatus::negative;
+
+    FileRemarks remarks = remarksIn(catalog.source().bytes());
+    MessageDocument document;
+    for (auto &[name, value] : remarks.attributes)
+        if (name == "source-language")
+            document.attributes.emplace_back(name, isBidi ? bidiLanguage : value.substr(0, 2) + accentedRegion);
+        else
+            document.attributes.emplace_back(name, value);
+    for (const Message &message : catalog.messages())
+    {
+        const std::string text = unescaped(catalog.rawText(message));
+        const Parts parts = roughPartsOf(text, forms.get());
+        const pseudo::Style style = isBidi ? pseudo::Style::direction : pseudo::Style::accents;
+        document.units.push_back({message.id,
+                                  remarks.labels[message.id],
+                                  message.name,
+                                  "",
+                                  isSelector(parts) ? text : pseudo::pseudoOf(parts, style, percent),
+                                  {}});
+    }
+    writeOutput(output, messageFileOf(std::move(document), forms.get()));
+    return ExitStatus::done;
+}
+
+constexpr const char *details = R"(Writes the messages of FILE with accents, in brackets and longer, for a look at
+the program in a language that is not there yet: what shows without accents is
+not translated, what shows without both brackets is cut off or put together.
+Conversions and white space at the ends stay. The language is that of FILE with
+the region XA.
+
+Example:
+  kelto pseudo en.xlf -o en-XA.xlf
+)";
+
+} // namespace
+
+const Subcommand pseudoSubcommand = {"pseudo", "[OPTION...] FILE -o OUT", "Make a translation to test programs with",
+                                     details, run};
+
+} // namespace tool
