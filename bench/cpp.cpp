@@ -1,6 +1,6 @@
 // The C++ layer; what it does by calls of the C interface stands in prepared.cpp.
 
-#include "workload.h"
+#include "format.h"
 
 #include "kelto.hpp"
 
@@ -35,9 +35,21 @@ const Register checked("W9c", "Kelto, KELTO_DEFAULT", [] {
     });
 });
 
-const Register fresh("W9c", "Kelto, a new string", [] {
+/** A new string of each call, with an argument of some length. */
+std::unique_ptr<Job> newString(const char *what)
+{
+    return job([store = messages(), what, out = std::string()]() mutable {
+        out = store.format(formattedMessage, 7, what);
+        return std::string_view(out);
+    });
+}
+
+const Register freshShort("W9c/short", bench::kelto, [] { return newString(shortArgument); });
+const Register freshLong("W9c/long", bench::kelto, [] { return newString(longArgument); });
+const Register againShort("W9c/again", bench::kelto, [] {
     return job([store = messages(), out = std::string()]() mutable {
-        out = store.format(formattedMessage, 7, "files");
+        out.clear();
+        store.format_to(std::back_inserter(out), formattedMessage, 7, shortArgument);
         return std::string_view(out);
     });
 });

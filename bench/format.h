@@ -10,6 +10,10 @@ namespace bench
 constexpr size_t formatRoom = 4000; // units or bytes: enough for every work
 constexpr size_t shortRoom = 5;     // too little for W1
 
+/** The text arguments of W9c: what is made of them fits into a string without the heap, or does not. */
+constexpr const char *shortArgument = "files";
+constexpr const char *longArgument = "files of the last backup of this server that were not complete";
+
 /** The arguments of W2. Read through a volatile pointer, so that no compiler formats ahead of time. */
 struct TenArguments
 {

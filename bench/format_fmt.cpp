@@ -68,5 +68,26 @@ const Register fmtW4({"W4", "W4p"}, "{fmt}", [] {
     });
 });
 
+/** W9c without a catalog: the format is one of the run time, as that of a message is. */
+std::unique_ptr<Job> newString(const char *what)
+{
+    return job([format = std::string("{1}: {0}"), what, out = std::string()]() mutable {
+        keep(format.data());
+        out = fmt::format(fmt::runtime(format), 7, what);
+        return std::string_view(out);
+    });
+}
+
+const Register fmtShort("W9c/short", "{fmt}", [] { return newString(shortArgument); });
+const Register fmtLong("W9c/long", "{fmt}", [] { return newString(longArgument); });
+const Register fmtAgain("W9c/again", "{fmt}", [] {
+    return job([format = std::string("{1}: {0}"), out = std::string()]() mutable {
+        keep(format.data());
+        out.clear();
+        fmt::format_to(std::back_inserter(out), fmt::runtime(format), 7, shortArgument);
+        return std::string_view(out);
+    });
+});
+
 } // namespace
 } // namespace bench
