@@ -135,6 +135,17 @@ int KTInit(void);
  */
 int KTClean(void);
 
+/**
+ * Starts a use as KTInit() does. The uses that begin and end by these two calls take turns, in any thread and from any
+ * library of the process: nobody has to know who comes first and who goes last. A program that calls KTInit() and
+ * KTClean() as well does so while such a use lasts.
+ * @return as KTInit().
+ */
+int KTBeginUse(void);
+
+/** Ends a use that KTBeginUse() started, as KTClean() does. */
+void KTEndUse(void);
+
 /* ## 3. Messages
  *
  * A message file is an XLIFF document: one "xliff" with one "file" (attributes "source-language", "product-name",
@@ -1172,6 +1183,29 @@ typedef int (*KTUTF8FormatFunction)(const char *convName, int width, int precisi
  *     int result = KTRegisterUTF8Format(&conversions[0], formatBytesUTF8);
  */
 int KTRegisterUTF8Format(const KTFormatter *formatter, KTUTF8FormatFunction function);
+
+/**
+ * What a language binding has around a call of its program's, for the conversions and encoders that run during the call
+ * and are not told of it: an encoder gets no pointer but to its text.
+ */
+typedef struct KTCallContext
+{
+    uint32_t kind;               /**< whose it is: a number that the binding has chosen */
+    void *value;                 /**< what the binding wants to find */
+    struct KTCallContext *outer; /**< of KTEnterCall() */
+} KTCallContext;
+
+/** Puts a context around what this thread calls from now on, and inside of those that are there already. */
+void KTEnterCall(KTCallContext *context);
+
+/** Takes the context away again, which is the innermost one of this thread. */
+void KTLeaveCall(const KTCallContext *context);
+
+/**
+ * The value of the context in which this thread's call runs.
+ * @return the value of the innermost context; null where there is none, or where that is of another kind.
+ */
+void *KTCallValue(uint32_t kind);
 
 /* A format that is not the program's own can be looked at before it is used. */
 

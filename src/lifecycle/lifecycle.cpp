@@ -55,6 +55,18 @@ bool dropUser()
     return false;
 }
 
+void *turnLock = nullptr; // there before the library is started
+
+/** Held while a use begins or ends that takes turns with others. */
+class TurnOfUses
+{
+public:
+    TurnOfUses() noexcept { ZEL_EnterSpinLock(&turnLock); }
+    ~TurnOfUses() { ZEL_LeaveSpinLock(&turnLock); }
+    TurnOfUses(const TurnOfUses &) = delete;
+    TurnOfUses &operator=(const TurnOfUses &) = delete;
+};
+
 } // namespace
 
 long KeltoInit(long handle)
@@ -125,4 +137,16 @@ int KTClean(void)
     if (wasLast)
         KeltoClean();
     return 0;
+}
+
+int KTBeginUse(void)
+{
+    const TurnOfUses turn;
+    return KTInit();
+}
+
+void KTEndUse(void)
+{
+    const TurnOfUses turn;
+    KTClean();
 }

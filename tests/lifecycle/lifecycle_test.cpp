@@ -274,3 +274,17 @@ TEST(LifecycleInThreads, ConcurrentFirstInitsStartOnceAndTheLastCleanStops)
         expectStopped();
     }
 }
+
+TEST(LifecycleInThreads, UsesThatTakeTurnsStartAndStopWhileOthersDo)
+{
+    inThreads(8, [] {
+        for (int i = 0; i < 100; ++i)
+        {
+            formTable *table = nullptr;
+            EXPECT_EQ(KTBeginUse(), 0);
+            EXPECT_EQ(KTGetBuiltInFormTable(0, &table), 0);
+            KTEndUse();
+        }
+    });
+    expectStopped();
+}
