@@ -24,17 +24,37 @@ void findPlace(const char *format, KTProblem &problem)
         });
 }
 
+/** Where a number stands for a width or a precision, it is one argument, and a value another. */
+bool isSameArgument(const KTSlot &slot, const KTSlot &other)
+{
+    return slot.role == other.role && kelto::isSameKind(slot.code, other.code);
+}
+
+/** What a person calls the argument of a slot; null behind the last slot. */
+const char *argumentName(const KTPreparedFormat &format, uint32_t slot)
+{
+    if (slot >= format.slotCount)
+        return nullptr;
+    switch (format.slots[slot].role)
+    {
+    case KT_SLOT_WIDTH:
+        return "a width";
+    case KT_SLOT_PRECISION:
+        return "a precision";
+    default:
+        return kelto::slotName(format.slots[slot].code);
+    }
+}
+
 /** The first slot in which two formats differ; its rule is KT_RULE_NONE where there is none. */
 KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &reference)
 {
     const uint32_t common = std::min(format.slotCount, reference.slotCount);
     uint32_t i = 0;
-    while (i < common && kelto::isSameKind(format.slots[i].code, reference.slots[i].code))
+    while (i < common && isSameArgument(format.slots[i], reference.slots[i]))
         ++i;
-    const char *const expected = i < reference.slotCount ? kelto::slotName(reference.slots[i].code) : nullptr;
-    const char *const found = i < format.slotCount ? kelto::slotName(format.slots[i].code) : nullptr;
     const auto problem = [&](KTRule rule, const KTPreparedFormat &at) -> KTProblem {
-        return {0, rule, i + 1, at.slots[i].position, 0, 0, expected, found};
+        return {0, rule, i + 1, at.slots[i].position, 0, 0, argumentName(reference, i), argumentName(format, i)};
     };
     if (i < common)
         return problem(KT_RULE_ARGUMENT_TYPE, format);
