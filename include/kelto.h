@@ -1095,8 +1095,23 @@ int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *p
 
 /**
  * Formats as KTFormatPrepared() does, into UTF-8: the text is what KTUCS2ToUTF8() makes of the other one, so U+0000
- * from a "c" ends it. Sizes are in bytes. What a conversion of the caller's own writes goes through a buffer of 256
- * units, or, on its word, one as large as it asks for.
+ * from a "c" ends it. Sizes are in bytes.
+ *
+ * What a conversion of the caller's own writes, or an encoder, goes through a buffer: of 256 units, or on its word as
+ * large as it asks for, which may be 65,536 units or the bytes that are left in out, whichever is more. A text of more
+ * units is not written, and counts one byte for each of them. So the need after KT_ERR_BUFFER_TOO_SMALL may be less
+ * than the text needs where such a text is long: a program repeats the call as long as the need grows. Without such
+ * conversions and encoders the need suffices.
+ *
+ *     size_t size = sizeof few, given = 0;
+ *     int result = KTFormatPreparedUTF8(prepared, 0, NULL, &size, few, arguments, count);
+ *     while (result == KT_ERR_BUFFER_TOO_SMALL && size >= given)
+ *     {
+ *         given = size + 1;
+ *         many = realloc(many, given); // and so on where there is no memory
+ *         size = given;
+ *         result = KTFormatPreparedUTF8(prepared, 0, NULL, &size, many, arguments, count);
+ *     }
  */
 int KTFormatPreparedUTF8(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, char *out,
                          const KTArgument *arguments, size_t count);
@@ -1222,7 +1237,7 @@ enum KTRule
     KT_RULE_POSITION_REPEATED = 7,
     KT_RULE_POSITION_GAP = 8,      /**< a position below the number of conversions has none */
     KT_RULE_REFERENCE = 9,         /**< the format is correct, but not the reference */
-    KT_RULE_ARGUMENT_TYPE = 10,    /**< an argument of another kind or size than in the reference */
+    KT_RULE_ARGUMENT_TYPE = 10,    /**< an argument of another kind, size or role than in the reference */
     KT_RULE_ARGUMENT_MISSING = 11, /**< fewer arguments than in the reference */
     KT_RULE_ARGUMENT_EXTRA = 12    /**< more of them */
 };
@@ -1236,7 +1251,7 @@ typedef struct KTProblem
     unsigned int position; /**< which position; 0 where none is concerned */
     size_t offset;         /**< in bytes of the format: where the conversion specification begins */
     size_t length;         /**< in bytes: how far it goes, of a malformed one as far as it will have been meant to */
-    const char *expected;  /**< what the reference has there, as "a 32-bit integer"; or null */
+    const char *expected;  /**< what the reference has there, as "a 32-bit integer" or "a width"; or null */
     const char *found;     /**< what the format has there; or null */
 } KTProblem;
 
@@ -1256,7 +1271,8 @@ int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
 
 /**
  * Tells whether the arguments of one format may be passed to another, as a translation of it: as many, and each of the
- * same kind and size. Whether an integer is signed does not matter, nor which letter shows it.
+ * same kind and size and in the same role (a value, or the width or precision of a '*'). Whether an integer is signed
+ * does not matter, nor which letter shows it.
  * @param format     the translation, UTF-8.
  * @param reference  the program's own format, UTF-8.
  * @param table      the conversions of both, or null for the built-in ones.

@@ -1763,19 +1763,23 @@ inline const KTArgument *adapt(const KTPreparedFormat *format, const argument_vi
     return view.adapted;
 }
 
-/** The second call, for a text that does not fit into few bytes. */
+/** The further calls, for a text that does not fit into few bytes: one, or more where the need was told too low. */
 KELTO_SELDOM inline int format_many(text_buffer &out, const KTPreparedFormat *format, const call_options &options,
                                     const argument_view &view, const KTArgument *arguments, std::size_t need)
 {
-    if (need > limit_of(options, view))
-        return KT_ERR_BUFFER_TOO_SMALL;
     std::string &text = out.many();
-    text.resize(need);
-    std::size_t size = need + 1;
-    const int result =
-        KTFormatPreparedUTF8(format, options.flags, options.pass_through, &size, text.data(), arguments, view.count);
-    text.resize(result == 0 ? size : 0);
-    return result;
+    for (const std::size_t limit = limit_of(options, view); need <= limit;)
+    {
+        text.resize(need);
+        std::size_t size = need + 1;
+        const int result = KTFormatPreparedUTF8(format, options.flags, options.pass_through, &size, text.data(),
+                                                arguments, view.count);
+        text.resize(result == 0 ? size : 0);
+        if (result != KT_ERR_BUFFER_TOO_SMALL || size <= need)
+            return result;
+        need = size;
+    }
+    return KT_ERR_BUFFER_TOO_SMALL;
 }
 
 inline int format_bare(text_buffer &out, const KTPreparedFormat *format, const call_options &options,

@@ -39,18 +39,18 @@ bool takeFromSlot(void **&slot, int &value)
 /** Calls the conversion's formatter; its failure, or 0 also where the text was merely too long. */
 int appendConversion(kelto::FormatOutput<UCS2> &text, const KTParameter &parameter, void **slots, const Output &output)
 {
-    int width = parameter.width;
-    int precision = parameter.precision;
+    kelto::Layout layout = {parameter.width, parameter.precision, parameter.flags};
     void **slot = slots + parameter.argIndex;
     const KTFormatter &formatter = *parameter.formatter;
-    if (!takeFromSlot(slot, width) || !takeFromSlot(slot, precision))
+    if (!takeFromSlot(slot, layout.width) || !takeFromSlot(slot, layout.precision))
         return KT_ERR_INVALID_PARAMETER;
     if (formatter.argCount > 0 && *slot == nullptr)
         return KT_ERR_INVALID_PARAMETER;
-    return text.appendCalled([&](unsigned long *units, UCS2 *out) {
-        return formatter.format(formatter.name, width, precision, parameter.flags, output.encoder, output.passThru,
-                                slot, units, out);
-    });
+    const auto call = [&](const kelto::Layout &called, unsigned long *units, UCS2 *out) {
+        return formatter.format(formatter.name, called.width, called.precision, called.flags, output.encoder,
+                                output.passThru, slot, units, out);
+    };
+    return text.appendCalled(call, layout);
 }
 
 /** buildBuffer() for a format of known length, whose places may be noted. */

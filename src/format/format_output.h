@@ -10,17 +10,17 @@
 #ifndef KELTO_FORMAT_FORMAT_OUTPUT_H
 #define KELTO_FORMAT_FORMAT_OUTPUT_H
 
+#include "format/called_text.h"
 #include "format/formatters/distinguished_name.h"
 #include "format/formatters/text.h"
 #include "format/layout.h"
-#include "lifecycle/global_state.h"
-#include "platform/scoped.h"
+#include "format/surrogate_joiner.h"
 #include "strconv/ascii_run.h"
 #include "strconv/utf8_text.h"
 
+#include <algorithm>
 #include <type_traits>
 #include <unicode/utf16.h>
-#include <utility>
 
 namespace kelto
 {
@@ -54,7 +54,7 @@ public:
     /** Appends units of literal text; what does not fit as a whole is written as far as it does. */
     void appendLiteral(const Unit *units, size_t count) noexcept
     {
-        if (isOver(count))
+        if (!goOn(count))
             return;
         if (!m_isTruncated)
         {
@@ -81,28 +81,38 @@ public:
 
     /**
      * Appends what a formatter of the caller's writes.
-     * @param call     calls it with a size and an output, as in KTFormatFunction.
-     * @param padding  what pads it then: a UTF-8 text is padded here, so that a huge width takes no memory.
+     * @param call  calls it with a layout, a size and an output, as in KTFormatFunction.
      * @return its failure; 0 also where its text was merely too long.
      */
-    template <typename Call>
-    int appendCalled(const Call &call, [[maybe_unused]] const Layout &padding = {KT_ABSENT, KT_ABSENT, 0}) noexcept
+    template <typename Call> int appendCalled(const Call &call, const Layout &layout) noexcept
     {
-        if constexpr (std::is_same_v<Unit, UCS2>)
-            return appendInPlace(call);
+        if constexpr (isUTF8)
+            return appendThroughBuffer(call, layout, noLayout);
         else
-            return appendThroughBuffer(call, padding);
+            return appendInPlace(call, layout);
+    }
+
+    /**
+     * The same for a formatter of the library's that calls an encoder. In UTF-8 its text is padded here, so that a huge
+     * width takes no memory; and cut here where the encoder wants room for the whole text.
+     */
+    template <typename Call> int appendEncoded(const Call &call, const Layout &layout) noexcept
+    {
+        if constexpr (isUTF8)
+            return appendThroughBuffer(call, {KT_ABSENT, layout.precision, layout.flags}, layout);
+        else
+            return appendInPlace(call, layout);
     }
 
     /**
      * Appends what a formatter of the caller's writes in UTF-8.
-     * @param call  calls it with a size and an output, as in KTUTF8FormatFunction.
+     * @param call  calls it with a layout, a size and an output, as in KTUTF8FormatFunction.
      * @return its failure; 0 also where its text was merely too long.
      */
-    template <typename Call> int appendCalledUTF8(const Call &call) noexcept
+    template <typename Call> int appendCalledUTF8(const Call &call, const Layout &layout) noexcept
     {
         static_assert(isUTF8);
-        return appendInPlace(call);
+        return appendInPlace(call, layout);
     }
 
     /** Ends the text. @param size  out: its length, or the need. */
@@ -124,6 +134,7 @@ public:
 private:
     static constexpr bool isUTF8 = std::is_same_v<Unit, char>;
     static constexpr UChar32 replacementCharacter = 0xFFFD;
+    static constexpr Layout noLayout = {KT_ABSENT, KT_ABSENT, 0};
 
     unsigned long room() const noexcept { return m_capacity > m_total ? m_capacity - m_total : 0; }
 
@@ -163,27 +174,19 @@ private:
         return false;
     }
 
-    /** Whether the text has ended before these units; if not, no surrogate waits for them. */
-    bool isOver(uint64_t count) noexcept
-    {
-        if (!isUTF8 || m_high == 0)
-            return false;
-        if (m_high == ended)
-            return true;
-        m_high = count > 0 ? u'\0' : m_high;
-        return false;
-    }
+    /** Prepares for units that join no surrogate; false where the text has ended before them. */
+    bool goOn(uint64_t count) noexcept { return !isUTF8 || m_surrogates.goOn(count); }
 
     // Most fills are empty.
     void append(const Fill &fill) noexcept
     {
-        if (fill.count > 0 && !isOver(fill.count) && claim(fill.count))
+        if (fill.count > 0 && goOn(fill.count) && claim(fill.count))
             m_next = std::fill_n(m_next, fill.count, static_cast<Unit>(fill.unit)); // ASCII in every conversion
     }
 
     void append(const NarrowText &text) noexcept
     {
-        if (text.count == 0 || isOver(text.count))
+        if (text.count == 0 || !goOn(text.count))
             return;
         if (text.characters == nullptr) // only counted: the number as a whole does not fit
             m_isTruncated = true;
@@ -240,12 +243,12 @@ private:
             size_t run = 0;
             while (run < limit && static_cast<signed char>(text[run]) >= 0)
                 ++run;
-            if (!isOver(run))
+            if (goOn(run))
                 addToTotal(run);
             return run;
         }
         const size_t run = copyRun(text, std::min<size_t>(limit, m_capacity - m_total - 1), m_next);
-        if (isOver(run))
+        if (!goOn(run))
             return run;
         m_next += run;
         m_total += run;
@@ -261,7 +264,7 @@ private:
     void putCodePoint(UChar32 codePoint) noexcept
     {
         const size_t units = isUTF8 ? utf8Length(codePoint) : U16_LENGTH(codePoint);
-        if (!isOver(units) && claim(units))
+        if (goOn(units) && claim(units))
             putWritable(codePoint);
     }
 
@@ -283,25 +286,24 @@ private:
             if (claim(1))
                 *m_next++ = unit;
         }
-        else if (m_high == ended)
+        else if (m_surrogates.hasEnded())
             return;
         else if (unit == 0)
-            m_high = ended;
+            m_surrogates.end();
         else if (!U16_IS_SURROGATE(unit))
             putCodePoint(unit);
-        else if (m_high != 0 && U16_IS_TRAIL(unit))
-            joinSurrogates(unit);
+        else if (m_surrogates.joins(unit))
+            putJoined(m_surrogates.join(unit));
         else
         {
             putCodePoint(replacementCharacter);
-            m_high = U16_IS_LEAD(unit) ? unit : u'\0';
+            m_surrogates.wait(unit);
         }
     }
 
-    /** Makes one character of the replacement written last and a low surrogate. */
-    void joinSurrogates(UCS2 low) noexcept
+    /** Writes a character in place of the replacement that was written last. */
+    void putJoined(UChar32 codePoint) noexcept
     {
-        const UChar32 codePoint = U16_GET_SUPPLEMENTARY(std::exchange(m_high, u'\0'), low);
         constexpr size_t replaced = utf8Length(replacementCharacter);
         if (claim(utf8Length(codePoint) - replaced))
         {
@@ -310,14 +312,14 @@ private:
         }
     }
 
-    template <typename Call> int appendInPlace(const Call &call) noexcept
+    template <typename Call> int appendInPlace(const Call &call, const Layout &layout) noexcept
     {
         unsigned long units = room();
         const unsigned long given = units;
-        const int result = call(&units, m_next);
+        const int result = call(layout, &units, m_next);
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
             return result;
-        if (isOver(units))
+        if (!goOn(units))
             return 0;
         // What claims more than its room counts as not written. There is room as long as nothing is cut.
         if (result == 0 && units < given)
@@ -328,35 +330,25 @@ private:
         return 0;
     }
 
-    template <typename Call> int appendThroughBuffer(const Call &call, const Layout &padding) noexcept
+    /** @param called  what the formatter is told. @param behind  what is done to its text behind it. */
+    template <typename Call>
+    int appendThroughBuffer(const Call &call, const Layout &called, const Layout &behind) noexcept
     {
-        const auto writeCalled = [&](const UCS2 *text, unsigned long count) {
-            const Fill fill = {padUnit(padding.flags), paddingTo(padding.width, count)};
-            return writePadded(Text{text, count}, fill, (padding.flags & FLAG_MINUS) != 0);
-        };
-        constexpr size_t usualUnits = 256;
-        UCS2 usual[usualUnits];
-        unsigned long units = usualUnits;
-        int result = call(&units, usual);
-        if (result == 0 && units < usualUnits)
-            return writeCalled(usual, units);
-        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+        // A text of more units than this does not fit into the bytes that are left.
+        const unsigned long most = std::max(room(), CalledText::alwaysAllowed);
+        CalledText text;
+        int result = text.take(call, called, most);
+        if (result == 0 && text.isRefused() && behind.precision >= 0)
+            result = text.take(call, {called.width, KT_ABSENT, called.flags}, most);
+        if (result != 0)
             return result;
-
-        const unsigned long asked = units < ~0UL ? units + 1 : units;
-        const TagBlock<UCS2> buffer = allocate<UCS2>(glbResHandle, asked);
-        if (buffer == nullptr)
-            return KT_ERR_NO_MEMORY;
-        units = asked;
-        result = call(&units, buffer.get());
-        if (result == 0 && units < asked)
-            return writeCalled(buffer.get(), units);
-        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-            return result;
-        if (!isOver(units))
+        if (text.isWritten())
+            return writeText(*this, behind, Text{text.units(), text.count()});
+        if (goOn(text.count()))
         {
-            m_isTruncated = true;
-            addToTotal(units);
+            m_isTruncated = true; // each unit gives a byte at least
+            addToTotal(text.count());
+            addToTotal(paddingTo(behind.width, text.count()));
         }
         return 0;
     }
@@ -364,12 +356,9 @@ private:
     Unit *m_out;
     Unit *m_next;
     unsigned long m_capacity;
-    unsigned long m_total = 0; // less than the capacity while nothing is cut
-    bool m_isTruncated;        // from the start where there is no room at all
-
-    // UTF-8 only: a high surrogate that ends the text so far, and was written as U+FFFD; or that U+0000 has ended it.
-    UCS2 m_high = 0;
-    static constexpr UCS2 ended = 1;
+    unsigned long m_total = 0;    // less than the capacity while nothing is cut
+    bool m_isTruncated;           // from the start where there is no room at all
+    SurrogateJoiner m_surrogates; // of UTF-8 alone
 };
 
 } // namespace kelto

@@ -41,31 +41,30 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
     return argument;
 }
 
-template <typename Unit>
-int callFormatter(kelto::FormatOutput<Unit> &text, const KTFormatter &formatter, const Layout &layout,
-                  const KTArgument *values, const Call &call, const Layout &padding = {KT_ABSENT, KT_ABSENT, 0})
+/** Makes the slots of a formatter and has `append` append what it writes there. */
+template <typename Append>
+int callFormatter(const KTFormatter &formatter, const KTArgument *values, const Call &call, Append append)
 {
     const auto count = static_cast<size_t>(formatter.argCount);
     kelto::CalledArguments arguments;
     if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
         return KT_ERR_NO_MEMORY;
     const kelto::RunningSlots running(arguments.slots(), values, count);
-    return text.appendCalled(
-        [&](unsigned long *units, UCS2 *out) {
-            return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
-                                    call.passThru, arguments.slots(), units, out);
-        },
-        padding);
+    return append([&](const Layout &layout, unsigned long *units, UCS2 *out) {
+        return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
+                                call.passThru, arguments.slots(), units, out);
+    });
 }
 
 /** Calls what a conversion of the caller's own has for UTF-8. */
 int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, const Layout &layout,
                    const KTArgument *values, const Call &call)
 {
-    return text.appendCalledUTF8([&](size_t *bytes, char *out) {
-        return step.utf8Format(step.formatter->name, layout.width, layout.precision, layout.flags, call.encoder,
-                               call.passThru, values, bytes, out);
-    });
+    const auto called = [&](const Layout &own, size_t *bytes, char *out) {
+        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.passThru,
+                               values, bytes, out);
+    };
+    return text.appendCalledUTF8(called, layout);
 }
 
 template <typename Unit>
@@ -124,9 +123,10 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
     const KTFormatter &formatter = *step.formatter;
     if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0 && isEncoded(step.writer))
     {
-        if constexpr (std::is_same_v<Unit, UCS2>)
-            return callFormatter(text, formatter, layout, argument, call);
-        return callFormatter(text, formatter, {KT_ABSENT, layout.precision, layout.flags}, argument, call, layout);
+        if (step.writer == Writer::character) // which has no precision
+            layout.precision = KT_ABSENT;
+        return callFormatter(formatter, argument, call,
+                             [&](const auto &encoded) { return text.appendEncoded(encoded, layout); });
     }
     switch (step.writer)
     {
@@ -166,7 +166,8 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
                 return callUTF8Format(text, step, layout, argument, call);
         break;
     }
-    return callFormatter(text, formatter, layout, argument, call);
+    return callFormatter(formatter, argument, call,
+                         [&](const auto &called) { return text.appendCalled(called, layout); });
 }
 
 const UCS2 *literalsOf(const KTPreparedFormat &prepared, const UCS2 *)

@@ -301,7 +301,9 @@ TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
         {{0, 256}, {0, 257}, 0, 1, u'\0'},
         {{KT_ERR_BUFFER_TOO_SMALL, 400}, {-77, 0}, -77, 0},
         {{-77, 400}, {0, 0}, -77, 0},
-        {{KT_ERR_BUFFER_TOO_SMALL, ~0UL}, {0, 0}, KT_ERR_NO_MEMORY, 0},
+        {{KT_ERR_BUFFER_TOO_SMALL, 65535}, {-77, 0}, -77, 0}, // 64 Ki units are taken, not more
+        {{KT_ERR_BUFFER_TOO_SMALL, 65536}, {-77, 0}, KT_ERR_BUFFER_TOO_SMALL, 65539},
+        {{KT_ERR_BUFFER_TOO_SMALL, ~0UL}, {0, 0}, KT_ERR_BUFFER_TOO_SMALL, ~size_t{0}},
     };
     for (const auto &row : rows)
     {
@@ -359,6 +361,91 @@ TEST_F(Prepared, TheFunctionForUTF8IsLookedUpWhenAFormatIsPrepared)
     }
 }
 
+/** The text that a program gets which repeats a call as long as the need grows, and how often it has to. */
+std::string formattedInTheEnd(const Owner &prepared, const std::vector<KTArgument> &arguments, unsigned &calls)
+{
+    std::string text(100, '?');
+    for (calls = 1;; ++calls)
+    {
+        size_t size = text.size();
+        const int result =
+            KTFormatPreparedUTF8(prepared.get(), 0, nullptr, &size, text.data(), arguments.data(), arguments.size());
+        if (result == 0 || size < text.size())
+            return result == 0 ? text.substr(0, size) : KTResultName(result);
+        text.resize(size + 1);
+    }
+}
+
+/** Writes an 'é' for each unit of a text; `encodeOrFail` says of too little room that the text does not fit. */
+int encode(const void *value, int, unsigned long *size, UCS2 *out)
+{
+    const unsigned long room = *size;
+    *size = KTUCS2strlen(static_cast<const UCS2 *>(value));
+    std::fill_n(out, std::min(room, *size), u'\u00E9');
+    return 0;
+}
+
+int encodeOrFail(const void *value, int type, unsigned long *size, UCS2 *out)
+{
+    const unsigned long room = *size;
+    encode(value, type, size, out);
+    return *size < room ? 0 : KT_ERR_BUFFER_TOO_SMALL;
+}
+
+TEST_F(Prepared, TakesAsMuchMemoryForTheTextOfAConversionAsItsBufferAllows)
+{
+    static const int types[] = {KT_ARG_SIGNED, KT_ARG_END};
+    KTFormatter list[] = {{"price", nullptr, 1, types, formatInteger}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, nullptr};
+    const Owner huge = prepare("%1500000000price[1]", &table);
+    const KTArgument number = KT_INT(7);
+    char out[100];
+    size_t size = sizeof out;
+    FakeZel::record();
+    EXPECT_EQ(KTFormatPreparedUTF8(huge.get(), 0, nullptr, &size, out, &number, 1), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, 1500000000U);
+    EXPECT_EQ(FakeZel::count(Operation::Malloc), 0U);
+
+    unsigned calls = 0;
+    const Owner wide = prepare("[%70000price[1]][%-80000price[2]]", &table);
+    EXPECT_EQ(formattedInTheEnd(wide, {number, number}, calls),
+              "[" + std::string(69999, ' ') + "7][7" + std::string(79999, ' ') + "]");
+    EXPECT_EQ(calls, 2U);
+}
+
+TEST_F(Prepared, CutsAndPadsWhatAnEncoderWroteWhateverItWantsRoomFor)
+{
+    const struct
+    {
+        const char *format;
+        size_t length, written; // units of the text, and of what is written of it
+        unsigned calls;
+    } rows[] = {
+        {"%N[1]%.25s[2]%O[3]", 20, 20, 1},         {"%N[1]%.25s[2]%O[3]", 300, 25, 1},
+        {"%N[1]%300.280s[2]%O[3]", 400, 280, 2},   {"%N[1]%.25s[2]%O[3]", 70000, 25, 2},
+        {"%N[1]%70001s[2]%O[3]", 70000, 70000, 3},
+    };
+    for (const auto &row : rows)
+        for (const KTEncoder encoder : {encode, encodeOrFail})
+        {
+            SCOPED_TRACE(row.format + std::to_string(row.length) + (encoder == encode ? "" : " or fail"));
+            formTable table = {false, {}, nullptr, encoder, &builtInFormTable};
+            const std::string text(row.length, 'a');
+            std::vector<char16_t> wide(100000);
+            unsigned long units = wide.size();
+            char format[40];
+            std::strcpy(format, row.format);
+            ASSERT_EQ(
+                KTFormatStringWithPassThru(nullptr, false, &table, nullptr, &units, wide.data(), format, text.c_str()),
+                0);
+            unsigned calls = 0;
+            const std::string written = formattedInTheEnd(prepare(format, &table), {KT_UTF8(text.c_str())}, calls);
+            EXPECT_EQ(toUCS2(written), std::u16string(wide.data(), units));
+            EXPECT_EQ(static_cast<size_t>(std::count(written.begin(), written.end(), '\xC3')), row.written);
+            EXPECT_EQ(calls, encoder == encode && row.length == 70000 && row.written == 25 ? 1 : row.calls);
+        }
+}
+
 TEST_F(Prepared, ACharacterMayBeWrittenInHalves)
 {
     static constexpr UCS2 halves[] = {0xD83D, 0xDE00, 0xD83D, 0};
@@ -384,9 +471,15 @@ TEST(Problem, NamesEveryKindOfArgument)
         EXPECT_EQ(KTCompareFormats(format, "", nullptr, &problem), KT_ERR_INVALID_PARAMETER);
         names += problem.found + std::string(", ");
     }
+    for (const char *format : {"%*d[1]", "%.*d[1]"})
+    {
+        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+        EXPECT_EQ(KTCompareFormats("%d[1]", format, nullptr, &problem), KT_ERR_INVALID_PARAMETER);
+        names += problem.expected + std::string(", ");
+    }
     EXPECT_EQ(names,
               "a 16-bit integer, a 32-bit integer, a 64-bit integer, an 8-bit character, a UCS-2 unit, a double, "
-              "a long double, a UTF-8 string, a UCS-2 string, ");
+              "a long double, a UTF-8 string, a UCS-2 string, a width, a precision, ");
     KTClean();
 }
 
@@ -403,7 +496,9 @@ TEST(Problem, IsToldAndMadeASentence)
         {"%s[2] %d[1]", "%d[1] %s[2]", 0, KT_RULE_NONE, 0, 0, ""},
         {"%u[1]", "%d[1]", 0, KT_RULE_NONE, 0, 0, ""},
         {"%E[1]", "%s[1]", 0, KT_RULE_NONE, 0, 0, ""},
-        {"%*d[1]", "%d[1]%d[2]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"%*.*d[1]", "%*.*u[1]", 0, KT_RULE_NONE, 0, 0, ""},
+        {"%*d[1]", "%d[1] of %d[2]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 1, "%*d[1]"},
+        {"%.*d[1]", "%*d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 1, "%.*d[1]"},
         {"\xFF %s[1]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 1, "%s[1]"},
         {"%%%N[1]%hd[2]", "%d[1]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_TYPE, 1, 2, "%hd[2]"},
         {"%d[1]", "%d[1]%s[2]", KT_ERR_INVALID_PARAMETER, KT_RULE_ARGUMENT_MISSING, 2, 2, ""},

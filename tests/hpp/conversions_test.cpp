@@ -74,6 +74,9 @@ TEST(OwnConversions, WriteTheirValues)
         return text_with(options, format, arguments...);
     };
     const std::string refused = "KT_ERR_INVALID_PARAMETER";
+    std::string accents; // whose length in bytes is told late
+    for (int i = 0; i < 70000; ++i)
+        accents += "é";
     const Expected rows[] = {
         {"12.50|   12.50|12|12.500",
          text("%money[1]|%8money[2]|%.2money[3]|%-06money[4]", Money{1250}, Money{1250}, Money{1250}, Money{1250})},
@@ -84,6 +87,7 @@ TEST(OwnConversions, WriteTheirValues)
         {refused, text("%byte[1]", 256)},
         {"50% 25%", text("%percent[1] %Lpercent[2]", 0.5, 0.25L)},
         {"both xyz 4", text("%4lboth[1]", "x", u"y", u'z')},
+        {"both " + accents + "yz -1", text("%lboth[1]", accents, u"y", u'z')},
         {"a<b a&lt;b &lt; &lt; ***", text("%s[1] %N[2]%s[3] %c[4] %lc[5] %stars[6]", "a<b", "a<b", '<', u'<', 3)},
         {"\xEF\xBF\xBD 😀", text("%N[1]%lc[2] %s[3]", char16_t(0xD83D), "😀")},
         // A translation that mistakes one type for another reads nothing.
