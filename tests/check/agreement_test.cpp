@@ -232,8 +232,8 @@ TEST(CheckAgreement, WithTheLibraryOnDamagedFiles)
 /** A few conversions with positions of their own, nearly always 1 to n. */
 std::string randomFormat(std::mt19937 &random)
 {
-    constexpr const char *names[] = {"d",  "u", "hd", "!x", "s",   "E", "U", "c",
-                                     "lc", "f", "Lf", "*d", ".*s", "N", "O", "q"};
+    constexpr const char *names[] = {"d", "u",  "hd", "!x",  "s", "E", "U", "c", "lc",
+                                     "f", "Lf", "*d", ".*s", "N", "O", "q", "*N"};
     std::string format;
     for (unsigned position = 1, count = random() % 4; position <= count; ++position)
     {

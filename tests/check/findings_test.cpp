@@ -102,6 +102,7 @@ const Row rows[] = {
     {document(numbered(1, "") + numbered(2, "<!-- a -->")), "2:20-28 empty-message, 2:69-77 empty-message 2"},
     // Directions: Arabic and Hebrew as they are written, then what is closed wrongly, or not as in the reference.
     {unit("مرحبا \u200Fשלום “é”"), "", unit("a")},
+    {unit("\u2068a\u2069"), "", unit("a")},
     {unit("\u202Ea\u2066b\u202Ac\u2069d\u202C e\u2069\u202C\u2067"),
      "3:5-6 bidi-controls, 3:12-13 bidi-controls, 3:13-14 bidi-controls, 3:14-15 bidi-controls"},
     {unit("\u2067a\u2069 \u202Eb\u202C"), "2:20-28 bidi-controls, 3:5-6 bidi-controls",
@@ -126,6 +127,7 @@ const Row rows[] = {
     {unit("a\\n" + x("%s ", 1) + x("%d of", 2) + x("%d", 4)),
      "3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, 2:1-20 argument-missing",
      unit(x("%d", 1) + x("%d", 2) + x("%d", 3) + x("%s", 4))},
+    {unit(x("%d", 1) + x("%d[2] ", 5) + x("%size", 3)), "3:27-33 bad-placeholder"},
     {unit("100 %" + x("%s", 1)), "3:13-15 bad-placeholder", unit("%% " + x("%s", 1))},
     {unit(x("%s", 1)), "", unit(x("s", 1))},
     // Beside a reference.
@@ -141,6 +143,10 @@ const Row rows[] = {
     {unit(x("%d", 1) + x("%d", 2)), "", unit(x("%*d", 1))},
     {unit(x("%two", 1) + x("%d", 2)), "3:1-22 argument-extra, 3:22-41 argument-extra", unit(x("%d", 1))},
     {unit("5 %"), "3:3-4 bad-conversion", unit(x("%d", 1))},
+    {unit("5 %"), "3:3-4 bad-conversion", unit("5 %%")},
+    {unit(x("%*N", 1) + x("%O", 2)), "", unit(x("%N", 1) + x("%O", 2))},
+    {document(numbered(1, "a") + "\n" + numbered(1, "b")), "3:1-20 duplicate-id", document(numbered(1, "a"))},
+    {"<tmx>" + numbered(1, "a") + "</tmx>", "1:1-6 structure", unit("a")},
     {unit("%d of " + x("%d", 2)), "3:1-3 bad-conversion, 3:7-26 argument-type", unit(x("%d", 1) + x("%s", 2))},
     {unit("%1$d, so 50% of " + x("%d", 2)), "3:1-6 bad-conversion, 3:12-13 bad-conversion"},
     {document(numbered(1, " a ") + "\n" + numbered(2, "b\\n") + "\n" + numbered(4, "")),
@@ -196,6 +202,7 @@ protected:
     {
         ASSERT_EQ(KTInit(), 0);
         ASSERT_EQ(m_table.add("two=int,pointer"), "");
+        ASSERT_EQ(m_table.add("size=uint"), "");
     }
     void TearDown() override { KTClean(); }
 
@@ -227,6 +234,18 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
             EXPECT_EQ(findingsIn(declared("iso-8859-1", latin1), row.reference, m_table.get()),
                       findingsIn(declared("utf-8", row.file), row.reference, m_table.get()));
         }
+    }
+}
+
+TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)
+{
+    for (const char *tail : {"\n", "<", "\xD8"})
+    {
+        Catalog catalog(SourceText("file", inUtf16(unit("a"), false) + tail), Catalog::Placeholders::positioned);
+        const std::vector<Diagnostic> found = report(catalog.findings(), catalog.source(), nullptr, Levels());
+        ASSERT_EQ(found.size(), 1U);
+        EXPECT_LE(found[0].place.bytes.end, catalog.source().bytes().size());
+        EXPECT_EQ(disagreement(std::string(catalog.source().bytes())), "");
     }
 }
 

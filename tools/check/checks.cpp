@@ -54,7 +54,6 @@ struct Pair
     const Message &message;
     const Message *original;      // null where there is nothing to compare with
     const Format *originalFormat; // null where that, or its format, is none
-    bool isFirst;                 // of the messages with its number
 };
 
 /** The checks of one message. */
@@ -181,7 +180,7 @@ void MessageCheck::checkDirections()
     for (const DirectionControl &control : unbalanced)
         find(Rule::bidiControls, placeOf(control.place),
              {closes(control) ? Text::directionClosesNothing : Text::directionNotClosed, {nameOf(control)}});
-    if (unbalanced.empty() && m_pair.original != nullptr && m_pair.isFirst)
+    if (unbalanced.empty() && m_pair.original != nullptr)
         compareDirections(controls);
 }
 
@@ -197,7 +196,9 @@ void MessageCheck::compareDirections(const std::vector<DirectionControl> &here)
     sortInto(ours, here);
     sortInto(theirs, directionControlsIn(m_original.text()));
     for (const auto &[character, controls] : ours)
-        if (const size_t known = theirs[character].size(); controls.size() > known)
+        if (isIsolate(character)) // a sentence may need it around a placeholder, and it turns nothing else
+            continue;
+        else if (const size_t known = theirs[character].size(); controls.size() > known)
             find(Rule::bidiControls, placeOf(controls[known].place), {Text::directionExtra, {nameOf(controls[known])}});
     for (const auto &[character, controls] : theirs)
         if (const size_t known = ours[character].size(); controls.size() > known)
@@ -286,7 +287,7 @@ Phrase whyBroken(std::string_view message, const Piece &piece)
 
 void MessageCheck::checkPlaceholders(bool isUnexplained)
 {
-    for (const auto &[piece, position, isFault] : m_broken)
+    for (const auto &[piece, position, isFault, typed] : m_broken)
         find(isFault || isUnexplained ? Rule::badConversion : Rule::badPlaceholder,
              m_catalog.locateAttribute(piece->place, "ts"), whyBroken(m_catalog.rawText(m_pair.message), *piece));
 }
@@ -296,7 +297,8 @@ void MessageCheck::checkFaults(const Format &format)
     const Format *const original = m_pair.originalFormat;
     const bool hasConversions = m_pair.message.hasPlaceholder || !format.conversions.empty() ||
                                 (original != nullptr && !original->conversions.empty()) ||
-                                (m_pair.original != nullptr && m_pair.original->hasPlaceholder);
+                                (m_pair.original != nullptr && m_pair.original->hasPlaceholder) ||
+                                m_original.text().find("%%") != std::string_view::npos; // it is formatted
     for (const FormatFault &fault : format.faults)
     {
         const bool isLone = fault.isLone && !hasConversions;
@@ -335,10 +337,11 @@ void MessageCheck::checkPositions(const Format &format)
     for (const BrokenPlaceholder &broken : m_broken)
     {
         isMalformed = isMalformed || broken.position == 0;
-        if (broken.position < highest) // it fills a gap, and makes none
-            positions.insert(broken.position);
+        for (const int position : {broken.position, broken.typed})
+            if (position != 0 && position < highest) // it fills a gap, and makes none
+                positions.insert(position);
     }
-    if (isMalformed)
+    if (isMalformed || format.isAccepted)
         return;
     for (const Run &gap : gapsIn(positions))
     {
@@ -553,9 +556,9 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
                                 Phrase{Text::messageExtra}, std::nullopt});
         if (!message.isComplete)
             continue;
-        const bool isComparable = hasOriginal && original->isComplete;
+        const bool isComparable = hasOriginal && isFirst && original->isComplete;
         const Pair pair{message, isComparable ? &*original : nullptr,
-                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr, isFirst};
+                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr};
         MessageCheck(catalog, table, reference, pair, findings).run();
     }
     missBelow(int64_t{INT_MAX} + 1);

@@ -13,12 +13,12 @@ namespace
 constexpr char32_t popEmbedding = 0x202C;
 constexpr char32_t popIsolate = 0x2069;
 
-bool isIsolate(const DirectionControl &control)
-{
-    return control.character >= 0x2066 && control.character < popIsolate;
-}
-
 } // namespace
+
+bool isIsolate(char32_t character)
+{
+    return character >= 0x2066 && character < popIsolate;
+}
 
 std::vector<DirectionControl> directionControlsIn(std::string_view utf8Text)
 {
@@ -44,16 +44,16 @@ std::vector<DirectionControl> unbalancedOf(const std::vector<DirectionControl> &
         if (!closes(control))
         {
             open.push_back(control);
-            openIsolates += isIsolate(control) ? 1 : 0;
+            openIsolates += isIsolate(control.character) ? 1 : 0;
         }
         else if (control.character == popIsolate && openIsolates > 0)
         {
-            for (; !isIsolate(open.back()); open.pop_back())
+            for (; !isIsolate(open.back().character); open.pop_back())
                 unbalanced.push_back(open.back());
             open.pop_back();
             --openIsolates;
         }
-        else if (control.character == popEmbedding && !open.empty() && !isIsolate(open.back()))
+        else if (control.character == popEmbedding && !open.empty() && !isIsolate(open.back().character))
             open.pop_back();
         else
             unbalanced.push_back(control);

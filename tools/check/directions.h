@@ -26,6 +26,9 @@ std::vector<DirectionControl> directionControlsIn(std::string_view utf8Text);
 /** Those that are not closed, or close nothing. */
 std::vector<DirectionControl> unbalancedOf(const std::vector<DirectionControl> &controls);
 
+/** Whether it begins a part whose direction is its own, which ends at U+2069. */
+bool isIsolate(char32_t character);
+
 /** Whether it ends what another one began. */
 bool closes(const DirectionControl &control);
 

@@ -24,34 +24,22 @@ bool isAccepted(const char *text, formTable *table, KTProblem *problem)
     return result == 0;
 }
 
-/** The kind of an argument-type code; false for one that takes no argument. */
-bool kindOf(int code, int flags, Kind &kind)
-{
-    switch (code)
-    {
-    case KT_ARG_CHARACTER:
-        kind = (flags & FLAG_l) != 0 ? Kind::unit : Kind::character;
-        return true;
-    case KT_ARG_UTF8:
-        kind = Kind::utf8;
-        return true;
-    case KT_ARG_UCS2:
-        kind = Kind::ucs2;
-        return true;
-    case KT_ARG_SIGNED:
-    case KT_ARG_UNSIGNED:
-        kind = (flags & FLAG_h) != 0 ? Kind::integer16 : (flags & FLAG_BANG) != 0 ? Kind::integer64 : Kind::integer32;
-        return true;
-    case KT_ARG_DOUBLE:
-        kind = (flags & FLAG_L) != 0 ? Kind::longFloating : Kind::floating;
-        return true;
-    case KT_ARG_POINTER:
-        kind = Kind::pointer;
-        return true;
-    default:
-        return false;
-    }
-}
+/** By KTSlotCode: the sign of an integer is of no account. */
+constexpr Kind kindsOfSlots[] = {{},
+                                 Kind::integer16,
+                                 Kind::integer16,
+                                 Kind::integer32,
+                                 Kind::integer32,
+                                 Kind::integer64,
+                                 Kind::integer64,
+                                 Kind::character,
+                                 Kind::unit,
+                                 Kind::floating,
+                                 Kind::longFloating,
+                                 Kind::utf8,
+                                 Kind::ucs2,
+                                 Kind::pointer};
+constexpr Slot::Role rolesOfSlots[] = {Slot::Role::value, Slot::Role::width, Slot::Role::precision};
 
 /** A walk over the units of a text that knows how many bytes of UTF-8 lie behind it. */
 class Walk
@@ -144,18 +132,18 @@ bool isLone(std::string_view specification, formTable *table)
            !isAccepted(fmt::format("%{}[1]", specification.substr(begin, end - begin)).c_str(), table, nullptr);
 }
 
-std::vector<Slot> slotsOf(const KTFormatter &formatter, int width, int precision, int flags)
+/** The arguments of a conversion that is one, as "%*d[7]". */
+std::vector<Slot> slotsOf(std::string_view conversion, formTable *table)
 {
+    const std::string alone = fmt::format("{}[1]", conversion.substr(0, conversion.rfind('[')));
+    KTPreparedFormat *made = nullptr;
+    if (KTPrepareFormat(alone.c_str(), table, &made) == KT_ERR_NO_MEMORY)
+        throw std::bad_alloc();
+    const std::unique_ptr<KTPreparedFormat, decltype(&KTFreePrepared)> prepared(made, KTFreePrepared);
     std::vector<Slot> slots;
-    if (width == KT_FROM_ARGUMENTS)
-        slots.push_back({Slot::Role::width, Kind::integer32});
-    if (precision == KT_FROM_ARGUMENTS)
-        slots.push_back({Slot::Role::precision, Kind::integer32});
-    Kind kind{};
-    if (formatter.argTypes != nullptr)
-        for (const int *code = formatter.argTypes; *code != 0; ++code)
-            if (kindOf(*code, flags, kind))
-                slots.push_back({Slot::Role::value, kind});
+    const KTSlot *slot = nullptr;
+    for (size_t count = made != nullptr ? KTPreparedSlots(made, &slot) : 0; count > 0; --count, ++slot)
+        slots.push_back({rolesOfSlots[slot->role], kindsOfSlots[slot->code]});
     return slots;
 }
 
@@ -210,7 +198,7 @@ Format parseFormat(std::string_view message, formTable *table)
                                           type == CONV_N   ? "N"
                                           : type == CONV_O ? "O"
                                                            : formatter->name,
-                                          slotsOf(*formatter, width, precision, flags)});
+                                          slotsOf(message.substr(begin, place.end - begin), table)});
     }
     format.sortPositions();
     return format;
@@ -234,7 +222,7 @@ int formatNothing(const char *, int, int, int, KTEncoder, void *, void **, unsig
 
 } // namespace
 
-FormTable::FormTable() : m_table{false, {}, nullptr, nullptr, &builtInFormTable}
+FormTable::FormTable() : m_list(1), m_table{false, {}, m_list.data(), nullptr, &builtInFormTable}
 {
 }
 
@@ -263,19 +251,12 @@ std::string FormTable::add(std::string_view form)
     }
     const int count = static_cast<int>(row->types.size());
     row->types.push_back(0);
-    m_list.push_back({row->name.c_str(), nullptr, count, row->types.data(), formatNothing});
+    m_list.insert(m_list.end() - 1, {row->name.c_str(), nullptr, count, row->types.data(), formatNothing});
+    m_table.formList = m_list.data();
     m_rows.push_back(std::move(row));
     if (!isAccepted(fmt::format("%{}[1]", m_rows.back()->name).c_str(), get(), nullptr))
         return say(Text::badFormName);
     return "";
-}
-
-formTable *FormTable::get()
-{
-    if (m_list.empty() || m_list.back().name != nullptr)
-        m_list.push_back({});
-    m_table.formList = m_list.data();
-    return &m_table;
 }
 
 } // namespace tool::check

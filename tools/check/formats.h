@@ -99,12 +99,12 @@ public:
     std::string add(std::string_view form);
 
     /** Not changed by those who use it. */
-    formTable *get();
+    formTable *get() { return &m_table; }
 
 private:
     struct Row;
     std::vector<std::unique_ptr<Row>> m_rows;
-    std::vector<KTFormatter> m_list;
+    std::vector<KTFormatter> m_list; // ends with a row without a name
     formTable m_table;
 };
 

@@ -78,16 +78,20 @@ std::vector<BrokenPlaceholder> takeBroken(const Catalog &catalog, const Message 
             if (verdict == Verdict::isConversion || verdict == Verdict::isFault)
                 continue;
             const int position = positionIn(raw.substr(piece.positionBegin + 1, piece.end - piece.positionBegin - 2));
-            broken.push_back({&piece, position, verdict == Verdict::isBrokenFault});
+            broken.push_back({&piece, position, verdict == Verdict::isBrokenFault, 0});
         }
     if (broken.empty())
         return broken;
-    const auto isInBroken = [&](const auto &part) {
+    const auto holder = [&](const auto &part) -> BrokenPlaceholder * {
         const size_t begin = text.beforeEscapes(part.place).begin;
         const auto behind = std::partition_point(
             broken.begin(), broken.end(), [begin](const BrokenPlaceholder &row) { return row.piece->end <= begin; });
-        return behind != broken.end() && begin >= behind->piece->begin;
+        return behind != broken.end() && begin >= behind->piece->begin ? &*behind : nullptr;
     };
+    const auto isInBroken = [&](const auto &part) { return holder(part) != nullptr; };
+    for (const Conversion &conversion : format.conversions)
+        if (BrokenPlaceholder *const row = holder(conversion))
+            row->typed = conversion.position;
     const auto removeFrom = [&](auto &parts) {
         parts.erase(std::remove_if(parts.begin(), parts.end(), isInBroken), parts.end());
     };

@@ -16,6 +16,7 @@ struct BrokenPlaceholder
     const Piece *piece;
     int position; // 0 where its "id" is none
     bool isFault; // that alone keeps the message from being formatted
+    int typed;    // the position of a whole conversion that its "ts" holds, or 0
 };
 
 /** The broken placeholders of a message; what its format has in them is taken out of it. */

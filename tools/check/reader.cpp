@@ -275,6 +275,8 @@ bool Reader::accept(Element element, const char *name)
         return true;
     }
     parent.isIncomplete = true;
+    if (m_open.size() < unitDepth) // what it holds may be messages
+        m_catalog.m_isWhole = false;
     if (parent.element == Element::source)
         m_message.isComplete = false;
     find(Rule::structure, event(), std::move(*fault));

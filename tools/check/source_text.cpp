@@ -74,7 +74,7 @@ char32_t SourceText::take(size_t &offset, size_t end) const
     if (m_encoding == Encoding::utf8)
         return takeUtf8(bytes().substr(0, end), offset);
     const char32_t unit = unitAt(offset);
-    offset += isUtf16() ? 2 : 1;
+    offset = std::min(offset + (isUtf16() ? 2 : 1), m_bytes.size()); // the last unit may be half of one
     if (!isUtf16() || !U16_IS_SURROGATE(unit))
         return unit;
     const char32_t next = offset < end ? unitAt(offset) : 0;
@@ -130,7 +130,7 @@ void SourceText::index()
     {
         const char32_t character = unitAt(at);
         if (character == '\n' || (character == '\r' && unitAt(at + unit) != '\n'))
-            m_lines.push_back(at + unit);
+            m_lines.push_back(std::min(at + unit, size));
     }
 }
 

@@ -161,13 +161,16 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
         const ResolvedText resolved(catalog.rawText(message));
         const std::string_view text = resolved.text();
         const Format format = parseFormat(text, table);
-        constants += fmt::format("#define {0}{1} {2}\n#define {0}{1}_TEXT {3}\n", prefix, inCapitals(names[i]),
-                                 message.id, literalOf(text));
+        const std::string constant = prefix + inCapitals(names[i]);
+        constants += fmt::format("#define {} {}\n#define {} {}\n", constant, message.id, textConstant(constant),
+                                 literalOf(text));
         functions += fmt::format("\n/** {} */\n{}", commentOf(text),
                                  format.isAccepted ? formattingFunction(message, names[i], text, format)
                                                    : fetchingFunction(message, names[i], text));
     }
-    const std::string guard = guardOf(options.fileName);
+    std::string guard = guardOf(options.fileName);
+    if (constants.find(fmt::format("#define {} ", guard)) != std::string::npos) // a message has its name
+        guard += fmt::format("_{:X}", fingerprintOf(guard));
     return fmt::format("/* Made by `kelto gen` from {0}; changes made here are lost. */\n"
                        "#ifndef {1}\n#define {1}\n\n"
                        "/* The numbers of the messages, and their texts in the source language. */\n\n{2}\n"

@@ -70,6 +70,11 @@ constexpr std::string_view words[] = {
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr std::string_view others = "0123456789_";
 
+std::string nameOf(const check::Message &message)
+{
+    return message.hasName ? message.name : fmt::format("message_{}", message.id);
+}
+
 } // namespace
 
 std::optional<Text> faultOfName(std::string_view name)
@@ -95,6 +100,11 @@ std::string inCapitals(std::string_view name)
     return capitals;
 }
 
+std::string textConstant(std::string_view constant)
+{
+    return fmt::format("{}_TEXT", constant);
+}
+
 std::string prefixOf(std::string_view nameSpace)
 {
     return inCapitals(nameSpace) + "_";
@@ -104,10 +114,10 @@ std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view
 {
     const std::string prefix = prefixOf(nameSpace);
     std::vector<std::string> names;
-    std::map<std::string, const check::Message *> taken; // in capital letters, since constants differ by no more
+    std::map<std::string, const check::Message *> taken; // what constants are made of, behind their prefix
     for (const check::Message &message : catalog.messages())
     {
-        const std::string name = message.hasName ? message.name : fmt::format("message_{}", message.id);
+        const std::string name = nameOf(message);
         const check::Range place = catalog.locateAttribute(message.unit, "resname");
         names.push_back(name);
         std::optional<Text> fault = faultOfName(name);
@@ -119,12 +129,26 @@ std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view
                                 Phrase{*fault, {Phrase{Text::theName, {check::quotation(name)}}}}, std::nullopt});
             continue;
         }
-        const auto [first, isNew] = taken.emplace(inCapitals(name), &message);
-        if (!isNew)
-            findings.push_back(
-                {check::Rule::badName, message.id, message.unit.begin, place,
-                 Phrase{Text::nameRepeated, {check::quotation(name)}},
-                 check::Note{false, catalog.locateAttribute(first->second->unit, "resname"), {Text::nameUsedFirst}}});
+        const std::string constants[] = {inCapitals(name), textConstant(inCapitals(name))};
+        for (const std::string &constant : constants)
+        {
+            const bool isMacro = faultOfName(prefix + constant).has_value();
+            const auto [first, isNew] = taken.emplace(constant, &message);
+            const bool isSame = constant == constants[0] && inCapitals(nameOf(*first->second)) == constant;
+            if (isMacro)
+                findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
+                                    Phrase{Text::isTaken, {Phrase{Text::theName, {prefix + constant}}}}, std::nullopt});
+            else if (!isNew)
+                findings.push_back({check::Rule::badName, message.id, message.unit.begin, place,
+                                    isSame ? Phrase{Text::nameRepeated, {check::quotation(name)}}
+                                           : Phrase{Text::constantRepeated, {prefix + check::quotation(constant)}},
+                                    check::Note{false,
+                                                catalog.locateAttribute(first->second->unit, "resname"),
+                                                {isSame ? Text::nameUsedFirst : Text::constantOfThis}}});
+            else
+                continue;
+            break;
+        }
     }
     return names;
 }

@@ -19,6 +19,9 @@ std::optional<Text> faultOfName(std::string_view name);
 /** In capital letters, as constants are written. */
 std::string inCapitals(std::string_view name);
 
+/** Beside the constant for the number of a message, the one for its text. */
+std::string textConstant(std::string_view constant);
+
 /** What the name of a constant begins with, of a namespace of this name. */
 std::string prefixOf(std::string_view nameSpace);
 
