@@ -140,7 +140,7 @@ const Row rows[] = {
     {unit(x("%d", 1) + x("%3d", 2)), "3:20-40 argument-extra", unit(x("%d", 1))},
     {unit(x("%*d", 1) + x("%.2f", 2)), "3:1-21 argument-extra, 3:21-42 argument-missing, 2:1-20 argument-missing",
      unit(x("%d", 1) + x("%.*lf", 2) + x("%d", 3))},
-    {unit(x("%d", 1) + x("%d", 2)), "", unit(x("%*d", 1))},
+    {unit(x("%d", 1) + x("%d", 2)), "3:1-20 argument-missing, 3:20-39 argument-extra", unit(x("%*d", 1))},
     {unit(x("%two", 1) + x("%d", 2)), "3:1-22 argument-extra, 3:22-41 argument-extra", unit(x("%d", 1))},
     {unit("5 %"), "3:3-4 bad-conversion", unit(x("%d", 1))},
     {unit("5 %"), "3:3-4 bad-conversion", unit("5 %%")},

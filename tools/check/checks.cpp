@@ -387,13 +387,12 @@ std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
 }
 
 /** All slots of a format in the order in which arguments are passed. */
-std::vector<Kind> argumentsOf(const Format &format)
+std::vector<Slot> argumentsOf(const Format &format)
 {
-    std::vector<Kind> kinds;
+    std::vector<Slot> slots;
     for (const size_t index : format.byPosition)
-        for (const Slot &slot : format.conversions[index].slots)
-            kinds.push_back(slot.kind);
-    return kinds;
+        slots.insert(slots.end(), format.conversions[index].slots.begin(), format.conversions[index].slots.end());
+    return slots;
 }
 
 void MessageCheck::findMissing(const Conversion &there, bool leavesGap)
