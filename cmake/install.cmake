@@ -19,13 +19,33 @@ file(GLOB functions CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/KeltoMessages
 install(FILES "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" "${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake" ${functions}
         DESTINATION ${KELTO_CMAKE_DIR})
 
-# pkg-config. The paths are relative to the file itself, so that `cmake --install --prefix` and moved trees work.
+# pkg-config. The paths are relative to the file itself, so that `cmake --install --prefix` and moved trees work; but what
+# is installed in a folder of the system stays there, and its paths are those that compilers know.
 foreach(path PREFIX FULL_INCLUDEDIR FULL_LIBDIR)
   file(RELATIVE_PATH KELTO_PC_TO_${path} "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_${path}}")
   string(REGEX REPLACE "/$" "" KELTO_PC_TO_${path} "${KELTO_PC_TO_${path}}")
 endforeach()
+set(KELTO_PC_PREFIX "\${pcfiledir}/${KELTO_PC_TO_PREFIX}")
+set(KELTO_PC_INCLUDEDIR "\${pcfiledir}/${KELTO_PC_TO_FULL_INCLUDEDIR}")
+set(KELTO_PC_LIBDIR "\${pcfiledir}/${KELTO_PC_TO_FULL_LIBDIR}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${PROJECT_BINARY_DIR}/kelto.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/kelto.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pc_folder "\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(pc_folder "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endif()
+set(pc "${PROJECT_BINARY_DIR}/kelto.pc")
+if(CMAKE_INSTALL_PREFIX MATCHES "^/usr(/local)?$")
+  set(KELTO_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+  set(KELTO_PC_INCLUDEDIR "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+  set(KELTO_PC_LIBDIR "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set(pc "${PROJECT_BINARY_DIR}/system/kelto.pc")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/kelto.pc.in" "${pc}" @ONLY)
+endif()
+install(CODE "set(pc \"${PROJECT_BINARY_DIR}/kelto.pc\")
+  if(\"\${CMAKE_INSTALL_PREFIX}\" STREQUAL \"${CMAKE_INSTALL_PREFIX}\")
+    set(pc \"${pc}\")
+  endif()
+  file(INSTALL \"\${pc}\" DESTINATION \"${pc_folder}\")")
 
 # The manual: section 1 comes with the program, the others with the header.
 function(kelto_install_pages section component)
@@ -80,8 +100,12 @@ if(TARGET kelto-cli)
   kelto_install_pages(1 tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/kelto.bash" RENAME kelto
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
-  install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto"
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
+  # zsh looks in two places, of which Debian leaves the first to the administrator.
+  set(completions "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(completions "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+  endif()
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto" DESTINATION ${completions} COMPONENT tools)
 endif()
 
 # Packages are made of Kelto alone, not of a project that it is a part of.

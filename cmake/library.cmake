@@ -24,11 +24,14 @@ set_target_properties(kelto PROPERTIES
 # A program may have a startElement of its own without changing ours, but may replace any ZEL_ operation, and shares our
 # variables: the names in this list stay dynamic, all others bind inside the library.
 set(KELTO_DYNAMIC_LIST "${PROJECT_SOURCE_DIR}/src/kelto.dynamic-list")
-target_link_options(kelto PRIVATE "-Wl,--dynamic-list=${KELTO_DYNAMIC_LIST}" -Wl,--as-needed)
+# All exported names carry the version that first had them.
+set(KELTO_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/src/kelto.version")
+target_link_options(kelto PRIVATE "-Wl,--dynamic-list=${KELTO_DYNAMIC_LIST}"
+  "-Wl,--version-script=${KELTO_VERSION_SCRIPT}" -Wl,--as-needed)
 if(NOT KELTO_SANITIZE)
   target_link_options(kelto PRIVATE -Wl,-z,defs)
 endif()
-set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST}")
+set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST};${KELTO_VERSION_SCRIPT}")
 
 # The platform stays out of it: an optimiser that sees ZEL_malloc() would no longer call the one of the program.
 if(KELTO_CAN_LTO)

@@ -31,20 +31,41 @@ between character sets.
 .
 ")
 
+# Beside the packages of another architecture. cpack has no variable for that, so it stands behind the section.
+set(multi_arch "\nMulti-Arch: same")
+
 # The library. Programs built against it depend on the version that first had all that they can use.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkelto${PROJECT_VERSION_MAJOR})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION "libs${multi_arch}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libexpat1 (>= 2.4)")
 # A trigger calls ldconfig. cpack would add scripts that do, unless others are named here; these do not exist.
 file(WRITE "${PROJECT_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/packaging/triggers"
+    "${PROJECT_BINARY_DIR}/packaging/symbols"
     "${PROJECT_BINARY_DIR}/packaging/no/postinst" "${PROJECT_BINARY_DIR}/packaging/no/postrm")
+# The version that each name needs, so that a program depends on no later one than it uses.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+  "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names.txt")
+file(STRINGS "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names.txt" names)
+set(symbols)
+foreach(line IN LISTS names)
+  string(REGEX MATCH "^([^ ]+) [a-z]+ ?(.*)$" line "${line}")
+  set(node "${CMAKE_MATCH_2}")
+  if(NOT node)
+    set(node 1.0)
+  endif()
+  list(APPEND symbols " ${CMAKE_MATCH_1}@KELTO_${node} ${node}" " KELTO_${node}@KELTO_${node} ${node}")
+endforeach()
+list(REMOVE_DUPLICATES symbols)
+list(SORT symbols)
+list(PREPEND symbols "libkelto.so.${PROJECT_VERSION_MAJOR} libkelto${PROJECT_VERSION_MAJOR} #MINVER#")
+list(JOIN symbols "\n" symbols)
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/symbols" "${symbols}\n")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${what}This package has the shared library.")
 
 # The headers. pkg-config looks at the packages of the libraries that the library itself uses.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkelto-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION "libdevel${multi_arch}")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
   "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), libicu-dev, libexpat1-dev (>= 2.4)")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "kelto-tools, pkg-config")
@@ -64,7 +85,8 @@ set(KELTO_PACKAGES "runtime=${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}" "development=$
 configure_file("${PROJECT_SOURCE_DIR}/packaging/finish.cmake.in" "${PROJECT_BINARY_DIR}/packaging/finish.cmake" @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_BINARY_DIR}/packaging/finish.cmake")
 
-# The source archive: kelto-VERSION.tar.gz, which unpacks to a folder of that name.
+# The source archive: kelto-VERSION.tar.gz, which unpacks to a folder of that name. scripts/package has git make it of
+# what is committed; this is for sources that are no clone.
 set(CPACK_SOURCE_GENERATOR TGZ)
 set(CPACK_SOURCE_PACKAGE_FILE_NAME "kelto-${PROJECT_VERSION}")
 set(CPACK_SOURCE_IGNORE_FILES "/\\.git(/|$)" "^${PROJECT_SOURCE_DIR}/build/" "^${PROJECT_BINARY_DIR}/" "\\.swp$" "~$")

@@ -185,12 +185,10 @@ char *KTMultiByteStrrchr(const char *charSet, const char *s, const char *chCharS
 
 int KTMultiByteStricmp(const char *charSet1, const char *s1, const char *charSet2, const char *s2)
 {
-    return compareTexts(charSet1, s1, charSet2, s2,
-                        [](const UCS2 *a, const UCS2 *b) { return static_cast<int>(u_strcasecmp(a, b, 0)); });
+    return compareTexts(charSet1, s1, charSet2, s2, [](const UCS2 *a, const UCS2 *b) { return u_strcasecmp(a, b, 0); });
 }
 
 int KTMultiByteStrcmp(const char *charSet1, const char *s1, const char *charSet2, const char *s2)
 {
-    return compareTexts(charSet1, s1, charSet2, s2,
-                        [](const UCS2 *a, const UCS2 *b) { return static_cast<int>(u_strcmp(a, b)); });
+    return compareTexts(charSet1, s1, charSet2, s2, [](const UCS2 *a, const UCS2 *b) { return u_strcmp(a, b); });
 }

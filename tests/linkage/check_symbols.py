@@ -3,7 +3,8 @@
 
 usage: check_symbols.py LIBRARY exported_names.txt [NM] [READELF]
 
-Every line of the list is a name and its kind, "function" or "data", sorted by name.
+Every line of the list is a name, its kind, "function" or "data", and where that is not 1.0 the version that first had
+it, sorted by name.
 """
 
 import re
@@ -21,8 +22,10 @@ def run(*command):
 def exported(nm, library):
     symbols = {}
     for line in run(nm, "-D", "--defined-only", library).splitlines():
-        _, letter, name = line.split()
-        symbols[name] = "function" if letter in "TWi" else "data"
+        _, letter, symbol = line.split()
+        name, _, node = symbol.partition("@@")
+        if letter != "A": # the nodes themselves
+            symbols[name] = ("function" if letter in "TWi" else "data", node)
     return symbols
 
 
@@ -34,15 +37,16 @@ def main():
     library, list_path = sys.argv[1:3]
     nm, readelf = (sys.argv[3:] + ["nm", "readelf"][len(sys.argv) - 3 :])[:2]
     with open(list_path, encoding="ascii") as lines:
-        rows = [line.split() for line in lines]
-    promised, found = dict(rows), exported(nm, library)
+        rows = [(line.split() + ["1.0"])[:3] for line in lines]
+    promised = {name: (kind, f"KELTO_{version}") for name, kind, version in rows}
+    found = exported(nm, library)
 
     problems = [f"not exported: {name}" for name in promised if name not in found]
     problems += [f"exported but not in the list: {name}" for name in sorted(found) if name not in promised]
     problems += [
-        f"{name} is {found[name]}, not {kind}" for name, kind in rows if name in found and found[name] != kind
+        f"{name} is {found[name]}, not {promise}" for name, promise in promised.items() if found.get(name, promise) != promise
     ]
-    if [name for name, _ in rows] != sorted(promised):
+    if [name for name, *_ in rows] != sorted(promised):
         problems.append("the list is not sorted, or has a name twice")
     if dynamic(readelf, library, "SONAME") != [SONAME]:
         problems.append(f"the library's name is not {SONAME}")

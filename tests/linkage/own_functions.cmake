@@ -1,7 +1,7 @@
 # Writes a C source that defines every internal function name of the library as a function that ends the program.
 #   cmake -DNAMES=exported_names.txt -DOUTPUT=own_functions.c -P own_functions.cmake
 
-file(STRINGS "${NAMES}" names REGEX " function$")
+file(STRINGS "${NAMES}" names REGEX " function")
 set(source "#include <stdio.h>\n#include <stdlib.h>\n")
 foreach(line IN LISTS names)
   string(REGEX REPLACE " .*" "" name "${line}")
