@@ -19,6 +19,8 @@ ExitStatus run(CommandLine &line)
         throw line.misuse(say(Text::optionMissing, {"--output"}));
     requireOtherFile(output, {input});
     const MessageFile file(input, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
+    if (file.isCompiled())
+        throw Failure(inputName(input) + ": " + say(Text::compiledCatalog));
     const std::string catalog = file.compiled();
     if (output == "-")
         print(catalog);

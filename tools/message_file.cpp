@@ -67,6 +67,7 @@ MessageFile::MessageFile(const std::string &path, Placeholders placeholders) : m
     const auto load = placeholders == Placeholders::raw ? KTLoadRawMessages : KTLoadMessages;
     std::string name = file.path(); // the library takes it without const
     int result = KTLoadCompiledMessages(name.c_str(), &m_table);
+    m_isCompiled = result == 0;
     if (result == KT_ERR_BAD_MSG_FILE)
         result = load(name.data(), &m_table);
     if (result != 0)

@@ -66,6 +66,9 @@ public:
     /** What the file says of itself; its texts are the file's. */
     KTTableFacts facts() const;
 
+    /** Whether the file is a compiled catalog. */
+    bool isCompiled() const { return m_isCompiled; }
+
     /** The messages as a compiled catalog. */
     std::string compiled() const;
 
@@ -85,6 +88,7 @@ private:
     Failure noSuchMessage(unsigned id) const;
 
     MessageTable *m_table = nullptr;
+    bool m_isCompiled = false;
     std::string m_path;
 };
 

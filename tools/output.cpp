@@ -3,6 +3,7 @@
 #include "charset.h"
 #include "failure.h"
 #include "icu.h"
+#include "output_file.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -143,20 +144,9 @@ std::string readMessageFile(const std::string &path)
 
 void writeFile(const std::string &path, std::string_view bytes)
 {
-    std::FILE *const file = std::fopen(path.c_str(), "we");
-    bool isWritten = file != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    int error = errno;
-    if (file != nullptr && std::fclose(file) != 0 && isWritten)
-    {
-        error = errno;
-        isWritten = false;
-    }
-    if (isWritten)
-        return;
-    struct stat status = {};
-    if (file != nullptr && lookUp(path, status) && S_ISREG(status.st_mode))
-        std::remove(path.c_str());
-    throw OutputFailure(terminal().showBytes(path) + ": " + systemText(error));
+    OutputFile file(path);
+    file.write(bytes);
+    file.finish();
 }
 
 bool isSameFile(const std::string &a, const std::string &b)

@@ -35,10 +35,10 @@ std::string readWhole(const std::string &path);
  */
 std::string readMessageFile(const std::string &path);
 
-/** Writes a whole file: where that fails, what was written of it is taken away again, but never a device. */
+/** Writes a whole file, which stays what it was where that fails (output_file.h). */
 void writeFile(const std::string &path, std::string_view bytes);
 
-/** Throws where an output is a regular file that is an input too, "-" among them, which to open would empty. */
+/** Throws where an output is a regular file that is an input too, "-" among them, which it would replace. */
 void requireOtherFile(const std::string &output, const std::vector<std::string> &inputs);
 
 /** Whether both are one file, by whatever names; "-" is standard input. */

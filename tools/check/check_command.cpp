@@ -4,6 +4,7 @@
 #include "command_line.h"
 #include "message_file.h"
 #include "output.h"
+#include "output_file.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -56,39 +57,28 @@ struct Setting
 class Output
 {
 public:
-    explicit Output(const std::string &path) : m_path(path)
+    explicit Output(const std::string &path)
     {
-        if (path.empty())
-            return;
-        m_file.reset(std::fopen(path.c_str(), "we"));
-        if (m_file == nullptr)
-            fail();
+        if (!path.empty())
+            m_file.emplace(path);
     }
 
     void operator()(std::string_view text)
     {
-        if (m_file == nullptr)
+        if (m_file)
+            m_file->write(text);
+        else
             print(text);
-        else if (std::fwrite(text.data(), 1, text.size(), m_file.get()) != text.size())
-            fail();
     }
 
     void finish()
     {
-        if (m_file != nullptr && std::fclose(m_file.release()) != 0)
-            fail();
+        if (m_file)
+            m_file->finish();
     }
 
 private:
-    struct Close
-    {
-        void operator()(std::FILE *file) const { std::fclose(file); }
-    };
-
-    [[noreturn]] void fail() const { throw OutputFailure(terminal().showBytes(m_path) + ": " + systemText(errno)); }
-
-    std::string m_path;
-    std::unique_ptr<std::FILE, Close> m_file;
+    std::optional<OutputFile> m_file;
 };
 
 SourceText readSource(const std::string &path, const std::string &stdinName)
