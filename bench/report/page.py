@@ -81,12 +81,15 @@ def parts_table(contenders, counts, times):
     return "\n".join(lines)
 
 
+MARKED = {"linear": "✓ linear", "FASTER": "✗ **faster**"}
+
+
 def growth_table(contenders, counts):
-    lines = ["| What grows, from | × 1 | × 4 | × 16 | × 64 | Last step | |", "|---|--:|--:|--:|--:|--:|---|"]
+    lines = ["| What grows, from | × 1 | × 4 | × 16 | × 64 | Steepest step | |", "|---|--:|--:|--:|--:|--:|---|"]
     for name, text, by_size in growth.families(contenders, counts):
         lines.append("| **%s**: %s | %s | %.2f | %s |" % (
-            name, text, " | ".join(f"{by_size[size]:,.0f}" for size in (1, 4, 16, 64)), growth.last_step(by_size),
-            "✓ linear" if growth.is_linear(by_size) else "✗ **faster**"))
+            name, text, " | ".join(f"{by_size[size]:,.0f}" for size in (1, 4, 16, 64)), growth.steepest(by_size),
+            MARKED.get(growth.verdict(name, by_size), growth.verdict(name, by_size))))
     return "\n".join(lines)
 
 
