@@ -106,15 +106,21 @@ function(kelto_compile_messages)
   set(${compile_NAME}_CATALOGS "${catalogs}" PARENT_SCOPE)
 endfunction()
 
-# kelto_generate_messages(<target> SOURCE <file> [HEADER <name>] [NAMESPACE <name>] [OPTIONS <option>...])
+# kelto_generate_messages(<target> SOURCE <file> [PUBLIC] [HEADER <name>] [NAMESPACE <name>] [OPTIONS <option>...]
+#                         [DESTINATION <folder>])
 #
 # Makes a header of a message file, as `kelto gen` does, whenever the file has changed, and lets the target include it.
-# The header is <file>_messages.hpp if it is not named.
+# The header is <file>_messages.hpp if it is not named; the name may lead into a folder, as store/messages.hpp. What has
+# the same content as before is not written, so nothing is compiled again. PUBLIC lets the targets include it too that
+# link this one, as an INTERFACE library always does. DESTINATION installs the header, in a folder of headers.
 function(kelto_generate_messages target)
-  cmake_parse_arguments(PARSE_ARGV 1 generate "" "SOURCE;HEADER;NAMESPACE" "OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 generate "PUBLIC" "SOURCE;HEADER;NAMESPACE;DESTINATION" "OPTIONS")
   if(generate_UNPARSED_ARGUMENTS OR NOT generate_SOURCE)
-    message(FATAL_ERROR
-      "kelto_generate_messages(target SOURCE file [HEADER name] [NAMESPACE name] [OPTIONS option...])")
+    message(FATAL_ERROR "kelto_generate_messages(target SOURCE file [PUBLIC] [HEADER name] [NAMESPACE name] "
+      "[OPTIONS option...] [DESTINATION folder])")
+  endif()
+  if(NOT TARGET "${target}")
+    message(FATAL_ERROR "kelto_generate_messages: there is no target ${target}")
   endif()
   if(NOT generate_HEADER)
     get_filename_component(name "${generate_SOURCE}" NAME_WE)
@@ -125,13 +131,40 @@ function(kelto_generate_messages target)
   endif()
   _kelto_find_program(program)
   set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}_messages")
-  file(MAKE_DIRECTORY "${folder}")
+  set(header "${folder}/${generate_HEADER}")
+  set(made "${CMAKE_CURRENT_BINARY_DIR}/${target}_messages.made/${generate_HEADER}")
+  foreach(file "${header}" "${made}")
+    get_filename_component(parent "${file}" DIRECTORY)
+    file(MAKE_DIRECTORY "${parent}")
+  endforeach()
   get_filename_component(source "${generate_SOURCE}" ABSOLUTE)
-  add_custom_command(OUTPUT "${folder}/${generate_HEADER}"
-    COMMAND ${program} gen ${generate_OPTIONS} -o "${folder}/${generate_HEADER}" "${source}"
+  add_custom_command(OUTPUT "${made}"
+    BYPRODUCTS "${header}"
+    COMMAND ${program} gen ${generate_OPTIONS} -o "${made}" "${source}"
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different "${made}" "${header}"
     DEPENDS "${source}" ${program}
     COMMENT "Making ${generate_HEADER} of ${generate_SOURCE}"
     VERBATIM)
-  target_sources(${target} PRIVATE "${folder}/${generate_HEADER}")
-  target_include_directories(${target} PRIVATE "${folder}")
+  get_target_property(type "${target}" TYPE)
+  set(visibility PRIVATE)
+  if(type STREQUAL "INTERFACE_LIBRARY")
+    # It is not built itself: what links it waits for the header.
+    set(visibility INTERFACE)
+    string(MAKE_C_IDENTIFIER "${target}_${generate_HEADER}" name)
+    add_custom_target(${name} DEPENDS "${made}")
+    add_dependencies(${target} ${name})
+  else()
+    if(generate_PUBLIC)
+      set(visibility PUBLIC)
+    endif()
+    target_sources(${target} PRIVATE "${made}" "${header}")
+  endif()
+  target_include_directories(${target} ${visibility} "$<BUILD_INTERFACE:${folder}>")
+  if(generate_DESTINATION)
+    get_filename_component(subfolder "${generate_HEADER}" DIRECTORY)
+    install(FILES "${header}" DESTINATION "${generate_DESTINATION}/${subfolder}")
+    if(NOT visibility STREQUAL "PRIVATE")
+      target_include_directories(${target} ${visibility} "$<INSTALL_INTERFACE:${generate_DESTINATION}>")
+    endif()
+  endif()
 endfunction()

@@ -67,12 +67,12 @@ def schemas(folder):
             jsonschema.validate(json.loads(output), schema)
 
 
-def project(page, folder, before, command):
+def project(page, folder, before, command, after=""):
     """What a command prints in a project with the lines of the page."""
     snippet = re.search(r"^```cmake\nfind_package.*?\n(.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
     with open(f"{folder}/CMakeLists.txt", "w", encoding="utf-8") as file:
         file.write(f"cmake_minimum_required(VERSION 3.20)\nset(KELTO_PROGRAM {kelto})\n"
-                   f"{before}include({root}/cmake/KeltoMessages.cmake)\n{snippet}")
+                   f"{before}include({root}/cmake/KeltoMessages.cmake)\n{snippet}{after}")
     output = run(f"{command}; cmake -S . -B build >log && cmake --build build >>log 2>&1; echo $?; cd build", folder)
     return output + run("cd build; ctest; ./store", folder), read(f"{folder}/log")
 
@@ -93,7 +93,14 @@ def check_page(page, folder):
 def gen_page(page, folder):
     package = (f"project(user CXX)\nadd_library(Kelto::kelto INTERFACE IMPORTED)\ninclude_directories({root}/include)\n"
                f"target_link_libraries(Kelto::kelto INTERFACE {sys.argv[4]})\n")
-    output, log = project(page, folder, package, "rm store_messages.hpp; mkdir build; cp store.xlf build")
+    with open(f"{folder}/user.cpp", "w", encoding="utf-8") as file:
+        file.write('#include <store/texts.hpp>\nint main() { return MESSAGES_WELCOME - 1; }\n')
+    library = (re.search(r"^```cmake\n(add_library.*?)^```$", page, re.DOTALL | re.MULTILINE)[1]
+               + "add_executable(user user.cpp)\ntarget_link_libraries(user texts)\n")
+    output, log = project(page, folder, package, "rm store_messages.hpp; mkdir build; cp store.xlf build", library)
+    again = run("touch store.xlf && cmake --build build && build/user && echo works", folder)
+    if "Making" not in again or "Building" in again or not again.endswith("works\n"):
+        faults.append(f"a header that stays as it is is written, or does not reach a user: {log} {again}")
     if "3 of 4 files copied ( 75%)" not in output:
         faults.append(f"the project of the page does not run: {output} {log}")
 
