@@ -382,9 +382,9 @@ typedef struct formTable formTable;
  *                  capacity of 0 nothing is written, and null is allowed.
  * @param format    the format string, UTF-8; not changed.
  * @return 0 or KT_ERR_BUFFER_TOO_SMALL. Before anything is written: KT_ERR_NOT_INITIALIZED, KT_ERR_FORMAT_SYNTAX,
- *         KT_ERR_NO_MEMORY, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a format of 2^31 bytes and more; these leave
+ *         KT_ERR_NO_MEMORY, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a format of 2^31 - 1 bytes and more; these leave
  *         size and out alone. From a conversion: KT_ERR_INVALID_PARAMETER (no date), KT_ERR_NO_MEMORY,
- *         KT_ERR_CONVERSION_INVALID_ARGUMENT (an "s" or "E" of 2^31 bytes and more), and whatever a formatter or
+ *         KT_ERR_CONVERSION_INVALID_ARGUMENT (an "s" or "E" of 2^31 - 1 bytes and more), and whatever a formatter or
  *         encoder of the caller's returns; these make out empty and size 0. But where the text has not
  *         fitted before such a conversion is reached, as always with a capacity of 0, the result is
  *         KT_ERR_BUFFER_TOO_SMALL with the need of all others, and the call with more room tells what is wrong.
@@ -877,8 +877,8 @@ int formatChar(const char *convName, int width, int precision, int flags, KTEnco
 int formatUCS2Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
 /**
- * "s". KT_ERR_NO_MEMORY when its buffer cannot be had, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a text of 2^31 bytes
- * and more, size untouched.
+ * "s". KT_ERR_NO_MEMORY when its buffer cannot be had, and KT_ERR_CONVERSION_INVALID_ARGUMENT for a text of 2^31 - 1
+ * bytes and more, size untouched.
  */
 int formatUTF8Str(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
                   void **argSlot, unsigned long *sizeInOut, UCS2 *out);
@@ -1086,7 +1086,7 @@ enum KTFormatOption
  *         where prepared or size is null, or out with a capacity other than 0, an option unknown, or an argument
  *         missing, surplus, of another kind than the format asks for, or out of range. With out empty and size 0:
  *         KT_ERR_INVALID_PARAMETER for a text that is no date, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT for
- *         a text of 2^31 bytes and more, and what a formatter or encoder of the caller's returns (but
+ *         a text of 2^31 - 1 bytes and more, and what a formatter or encoder of the caller's returns (but
  *         KT_ERR_BUFFER_TOO_SMALL where the text had not fitted before). Memory is taken for an "f" of more than 303
  *         characters that fits, for encoded texts and by conversions of the caller's own, else none.
  */

@@ -6,10 +6,12 @@
 #include "message/table_owner.h"
 #include "platform/zero_fill.h"
 
+#include <algorithm>
 #include <utility>
 
-// A catalog is believed only what was checked: its header, that it has as many bytes as that tells, its highest ID, and
-// then each entry before it is used.
+// The parts of a catalog are checked in the order in which they are believed: the header, and that the catalog has as
+// many bytes as it tells; the highest ID, which the last entry has; where few messages would make a large table, all
+// entries; then memory is taken, and each entry is checked once more as it becomes a pointer, since a file may change.
 
 namespace
 {
@@ -136,6 +138,27 @@ CompiledEntry entryAt(char **place)
     return entry;
 }
 
+/** Checks all entries before the pointers are allocated, of which there are far more. */
+int checkEntries(Source &source, const CompiledHeader &header, const CompiledLayout &layout)
+{
+    CompiledEntry entries[64];
+    uint32_t previous = 0;
+    for (uint64_t next = layout.entries; next != layout.texts;)
+    {
+        const uint64_t bytes = std::min<uint64_t>(sizeof entries, layout.texts - next);
+        if (const int result = source.take(next, entries, bytes))
+            return result;
+        next += bytes;
+        for (const CompiledEntry *entry = entries; entry != entries + bytes / sizeof *entries; ++entry)
+        {
+            if (entry->id <= previous)
+                return KT_ERR_BAD_MSG_FILE;
+            previous = entry->id;
+        }
+    }
+    return previous == header.highestId ? 0 : KT_ERR_BAD_MSG_FILE;
+}
+
 bool endsInZeroBytes(const char *text, uint32_t length)
 {
     uint16_t bytes;
@@ -148,28 +171,28 @@ bool endsInZeroBytes(const char *text, uint32_t length)
  * Turns the entries that stand at the end of a table's pointers, right before the texts, into pointers. They are in the
  * order of the IDs, so the pointer of an entry belongs to its place, as where no number is left out, or in front of it.
  */
-bool turnIntoPointers(char **messages, char **entries, char **entriesEnd, const char *textEnd)
+bool turnIntoPointers(char **messages, size_t pointers, size_t entries, uint64_t textBytes)
 {
-    char *text = reinterpret_cast<char *>(entriesEnd);
-    char **previous = messages; // ID 0, which has no message
-    for (char **place = entries; place != entriesEnd; ++place)
+    char *const texts = reinterpret_cast<char *>(messages + pointers);
+    uint64_t offset = 0;
+    size_t previous = 0; // ID 0, which has no message
+    for (size_t place = pointers - entries; place != pointers; ++place)
     {
-        const CompiledEntry entry = entryAt(place);
-        char **const pointer = messages + entry.id;
-        if (pointer != place)
+        const CompiledEntry entry = entryAt(messages + place);
+        if (entry.id != place)
         {
-            if (pointer <= previous || pointer > place)
+            if (entry.id <= previous || entry.id > place)
                 return false;
-            *place = nullptr;
+            messages[place] = nullptr;
         }
-        char *const next = text + entry.length + kelto::terminatorBytes;
-        if (next > textEnd || !endsInZeroBytes(text, entry.length))
+        const uint64_t next = offset + entry.length + kelto::terminatorBytes;
+        if (next > textBytes || !endsInZeroBytes(texts + offset, entry.length))
             return false;
-        *pointer = text;
-        previous = pointer;
-        text = next;
+        messages[entry.id] = texts + offset;
+        previous = entry.id;
+        offset = next;
     }
-    return text == textEnd && previous == (entries != entriesEnd ? entriesEnd - 1 : messages);
+    return offset == textBytes && previous == pointers - 1;
 }
 
 /** What is asked of few tables: no text is longer than KTMsgLen() can tell, and the index knows all IDs. */
@@ -190,6 +213,9 @@ int takeMessages(Source &source, const CompiledHeader &header, const CompiledLay
                  kelto::SparseIndex *index)
 {
     const size_t pointers = size_t{header.highestId} + 1;
+    if (kelto::SparseIndex::isNeeded(header.highestId, header.messages))
+        if (const int result = checkEntries(source, header, layout))
+            return result;
     kelto::TagBlock<char> block = kelto::allocate<char>(glbResHandle, pointers * sizeof(char *) + header.textBytes);
     if (block == nullptr)
         return KT_ERR_NO_MEMORY;
@@ -200,10 +226,10 @@ int takeMessages(Source &source, const CompiledHeader &header, const CompiledLay
     if (const int result = source.take(layout.entries, entries, layout.end - layout.entries))
         return result;
     const bool isOrdinary = header.textBytes <= INT_MAX && index == nullptr;
-    const char *const textEnd = reinterpret_cast<char *>(entriesEnd) + header.textBytes;
     if (!isOrdinary && !isAcceptedAndIndexed(entries, entriesEnd, index))
         return KT_ERR_BAD_MSG_FILE;
-    return turnIntoPointers(table.messages, entries, entriesEnd, textEnd) ? 0 : KT_ERR_BAD_MSG_FILE;
+    const bool isRight = turnIntoPointers(table.messages, pointers, header.messages, header.textBytes);
+    return isRight ? 0 : KT_ERR_BAD_MSG_FILE;
 }
 
 int loadFrom(Source &source, MessageTable **loaded)

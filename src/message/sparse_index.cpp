@@ -14,9 +14,14 @@ constexpr size_t wideGap = 64;
 
 kelto::SparseIndex *kelto::SparseIndex::all = nullptr;
 
+bool kelto::SparseIndex::isNeeded(uint32_t highestId, size_t messages) noexcept
+{
+    return highestId >= highId && highestId / wideGap >= messages;
+}
+
 std::unique_ptr<kelto::SparseIndex> kelto::SparseIndex::create(uint32_t highestId, size_t messages) noexcept
 {
-    if (highestId < highId || highestId / wideGap < messages)
+    if (!isNeeded(highestId, messages))
         return nullptr;
     std::unique_ptr<SparseIndex> index(new (std::nothrow) SparseIndex);
     if (index == nullptr)

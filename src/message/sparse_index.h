@@ -18,6 +18,9 @@ namespace kelto
 class SparseIndex
 {
 public:
+    /** Whether the numbers are so high that few of a table's pointers lead to messages. */
+    static bool isNeeded(uint32_t highestId, size_t messages) noexcept;
+
     /** An index to be filled, where one is needed and there is memory for it; else null. */
     static std::unique_ptr<SparseIndex> create(uint32_t highestId, size_t messages) noexcept;
 

@@ -17,6 +17,7 @@ constexpr int ZEL_ERR_FILE_ACCESS = -5993;  /**< the file cannot be opened for r
 constexpr int ZEL_ERR_READ = -5994;         /**< the system failed to read */
 constexpr int ZEL_ERR_END_OF_FILE = -5995;  /**< no bytes remain at this position */
 constexpr int ZEL_ERR_RESOURCES = -5999;    /**< the system has no lock or no memory left */
+constexpr int ZEL_ERR_NO_MEMORY = -7999;    /**< a file has no memory for its handle; callers hand it on as it is */
 
 /** Starts the platform for one user; the handle and the reserved number may be anything, 0 included. */
 int ZEL_Startup(long handle, long reserved);
@@ -51,7 +52,7 @@ int ZEL_LeaveSpinLock(void **lock);
  * Opens a regular file for reading and stores a handle. A directory, a FIFO and a device are refused at once, without
  * blocking.
  * @param mode  1, reading; the two numbers after it are 0.
- * @return 0, ZEL_ERR_FILE_MISSING, ZEL_ERR_FILE_ACCESS; *handle is null on failure.
+ * @return 0, ZEL_ERR_FILE_MISSING, ZEL_ERR_FILE_ACCESS, ZEL_ERR_NO_MEMORY; *handle is null on failure.
  */
 int ZEL_FileOpen(const char *path, int mode, int, int, void **handle);
 /**

@@ -170,7 +170,7 @@ int ZEL_FileOpen(const char *path, int /*mode*/, int, int, void **handle)
     if (file == nullptr)
     {
         close(descriptor);
-        return ZEL_ERR_FILE_ACCESS;
+        return ZEL_ERR_NO_MEMORY;
     }
     file->descriptor = descriptor;
     file->bufferOffset = 0;

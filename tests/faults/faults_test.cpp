@@ -155,9 +155,9 @@ constexpr int noMemory = KT_ERR_NO_MEMORY, notOpened = KT_ERR_CONVERTER_OPEN_FAI
 const std::set<int> converting = {noMemory, notOpened};
 
 // No parser; a parser that runs out of memory and so takes no more of the file; a file without its buffer; the rest.
-const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPENED, noMemory};
+const std::set<int> fileFailures = {-1, KT_ERR_BAD_MSG_FILE, noMemory};
 // Where there is no memory to find out how large the stack is, or for an index, it is done without.
-const std::set<int> fileFailuresOrNone = {0, -1, KT_ERR_BAD_MSG_FILE, KT_ERR_FILE_NOT_OPENED, noMemory};
+const std::set<int> fileFailuresOrNone = {0, -1, KT_ERR_BAD_MSG_FILE, noMemory};
 
 struct Row
 {

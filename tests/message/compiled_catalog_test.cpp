@@ -157,7 +157,9 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
     EXPECT_EQ(loadCompiled(with(data, offsetof(Header, textBytes), uint64_t{1} << 40), true), refusedLate());
     const std::string highest = with(data, offsetof(Header, highestId), INT_MAX);
     EXPECT_EQ(loadCompiled(highest, true), refusedLate());
-    EXPECT_EQ(loadCompiled(with(highest, entries + 8, INT_MAX), true).result, KT_ERR_NO_MEMORY);
+    const std::string high = with(highest, entries + 8, INT_MAX);
+    EXPECT_EQ(loadCompiled(high, true).result, KT_ERR_NO_MEMORY);
+    EXPECT_EQ(loadCompiled(with(high, entries, INT_MAX), true), refusedLate()) << "before the pointers are asked for";
 
     // What was looked at before the messages are read counts no more.
     FakeFile &file = FakeZel::file(memoryPath, data);
