@@ -282,7 +282,7 @@ public:
 private:
     void checkExplanation()
     {
-        KTProblem problem = {sizeof problem, -1, 0, 0, 0, 0, nullptr, nullptr};
+        KTProblem problem = {sizeof problem, -1, 0, 0, 0, 0, nullptr, nullptr, 0};
         require(KTExplainFormat(m_format.c_str(), m_table.get(), &problem) == m_syntax, "explaining is checking");
         require((problem.rule == KT_RULE_NONE) == (m_syntax == 0), "what is refused has a reason");
         require(problem.offset <= m_format.size() && problem.length <= m_format.size() - problem.offset,

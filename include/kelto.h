@@ -1235,11 +1235,17 @@ enum KTRule
     KT_RULE_NAME_NOT_ASCII = 5,     /**< another character before the '[' */
     KT_RULE_UNKNOWN_CONVERSION = 6, /**< no table has the name */
     KT_RULE_POSITION_REPEATED = 7,
-    KT_RULE_POSITION_GAP = 8,      /**< a position below the number of conversions has none */
-    KT_RULE_REFERENCE = 9,         /**< the format is correct, but not the reference */
-    KT_RULE_ARGUMENT_TYPE = 10,    /**< an argument of another kind, size or role than in the reference */
-    KT_RULE_ARGUMENT_MISSING = 11, /**< fewer arguments than in the reference */
-    KT_RULE_ARGUMENT_EXTRA = 12    /**< more of them */
+    KT_RULE_POSITION_GAP = 8,       /**< a position below the number of conversions has none */
+    KT_RULE_REFERENCE = 9,          /**< the format is correct, but not the reference */
+    KT_RULE_ARGUMENT_TYPE = 10,     /**< an argument of another kind, size or role than in the reference */
+    KT_RULE_ARGUMENT_MISSING = 11,  /**< fewer arguments than in the reference */
+    KT_RULE_ARGUMENT_EXTRA = 12,    /**< more of them */
+    KT_RULE_SELECTOR_ALONE = 20,    /**< beside a selector stands something, or it is not written as one */
+    KT_RULE_SELECTOR_ARGUMENT = 21, /**< the argument that selects is no number, or no integer, or there is none */
+    KT_RULE_SELECTOR_DEPTH = 22,    /**< a selector leads back to itself, or through more than 8 selectors */
+    KT_RULE_SELECTOR_SIZE = 23,     /**< a selector leads to more than 1,024 messages */
+    KT_RULE_VARIANT_ARGUMENTS = 24, /**< a variant takes other arguments than those before it */
+    KT_RULE_VARIANT_MISSING = 25    /**< the row of a selector is empty, or there is no such message */
 };
 
 /** What is wrong with a format, and where. All texts are constant and in English. */
@@ -1253,6 +1259,7 @@ typedef struct KTProblem
     size_t length;         /**< in bytes: how far it goes, of a malformed one as far as it will have been meant to */
     const char *expected;  /**< what the reference has there, as "a 32-bit integer" or "a width"; or null */
     const char *found;     /**< what the format has there; or null */
+    unsigned int message;  /**< the message of a table that is concerned, and that the offset is in; else 0 */
 } KTProblem;
 
 /**
@@ -1261,7 +1268,8 @@ typedef struct KTProblem
  * @param table    its conversions, or null for the built-in ones.
  * @param problem  in: structSize; out: the first problem in the order of the text, or rule KT_RULE_NONE. Null is
  *                 allowed.
- * @return as KTPrepareFormat(); KT_ERR_INVALID_PARAMETER also where structSize is too small.
+ * @return as KTPrepareFormat(); KT_ERR_INVALID_PARAMETER also where structSize is too small. The size that the record
+ *         had without its last member is accepted.
  *
  *     KTProblem problem = {sizeof problem};
  *     int result = KTExplainFormat("%d[1] of %q[2]", NULL, &problem); // KT_ERR_FORMAT_SYNTAX
@@ -1291,6 +1299,120 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
  *         where problem or size is null, or text with a capacity other than 0.
  */
 int KTProblemText(const KTProblem *problem, size_t *size, char *text);
+
+/* ## 10. Plural forms and selection
+ *
+ * A message that consists of one of the conversions "plural", "ordinal" and "select", and of nothing else, is a
+ * selector: in its place stands one of the messages in a row, whose first number is the width, chosen by the argument
+ * whose number stands in the brackets (counted as arguments are passed).
+ *
+ *     12   %101plural[1]                           how many: the row begins at 101
+ *     102  %d[1] file copied to %s[2]              101 + KT_VARIANT_ONE
+ *     106  %d[1] files copied to %s[2]             101 + KT_VARIANT_OTHER
+ *     107  nothing%nil[1] copied to %s[2]          101 + KT_VARIANT_EXACTLY_0
+ *
+ * A program asks for message 12, whatever its row holds; which numbers take which message is known of each language.
+ * "ordinal" is for 1st, 2nd, 3rd. A precision is the number of digits that the text shows behind the mark:
+ * "%101.1plural[1]" goes with "%.1f[1]". "select" takes the message at the place of the number, 0 to 63, and for any
+ * other, or where there is none, the first. A message of a row may be a selector too. Other conversions take the
+ * argument whatever it is; "nil" takes an integer (64 bits with '!') and writes nothing. docs/plurals.md tells it from
+ * the beginning.
+ *
+ *     KTPreparedFormat *copied; // once
+ *     int result = KTPrepareMessage(table, 12, NULL, NULL, &copied);
+ *
+ *     const KTArgument arguments[] = {KT_INT(22), KT_UTF8("Invoices")}; // often
+ *     result = KTFormatPreparedUTF8(copied, 0, NULL, &size, text, arguments, 2); // "22 files copied to Invoices"
+ */
+
+/** The places in the row of a "plural" and an "ordinal". */
+enum KTVariant
+{
+    KT_VARIANT_ZERO = 0,
+    KT_VARIANT_ONE = 1,
+    KT_VARIANT_TWO = 2,
+    KT_VARIANT_FEW = 3,
+    KT_VARIANT_MANY = 4,
+    KT_VARIANT_OTHER = 5,     /**< for what the others are not there for */
+    KT_VARIANT_EXACTLY_0 = 6, /**< 0 without a digit behind the mark, before the category */
+    KT_VARIANT_EXACTLY_1 = 7  /**< 1, not -1, likewise */
+};
+
+/**
+ * Tells the category of a number in a language: which form of a noun goes with it. Needs no started library.
+ * @param locale   the language, as "pl", "pt_PT", "pt-PT" or "de_AT.UTF-8": a region that has no rules of its own takes
+ *                 those of the language, an unknown language KT_VARIANT_OTHER.
+ * @param ordinal  whether the number counts a place (1st, 2nd) and not things.
+ * @param number   an integer of any size, of which the sign does not matter, or a double or long double; infinity and
+ *                 what is no number take KT_VARIANT_OTHER. Where the number counts a place, an integer.
+ * @param digits   the digits that are shown behind the mark, 0 or more: "1.0" is another number than "1" to English.
+ * @return KT_VARIANT_ZERO to KT_VARIANT_OTHER; KT_ERR_INVALID_PARAMETER for null, a negative number of digits, and an
+ *         argument that is no number.
+ *
+ *     int variant = KTPluralCategory("pl", false, KT_INT(22), 0); // KT_VARIANT_FEW: 22 pliki
+ */
+int KTPluralCategory(const char *locale, bool ordinal, KTArgument number, int digits);
+
+/**
+ * Prepares a message of a table as KTPrepareFormat() does, and where it is a selector, all that it leads to. The
+ * prepared format is like any other: a call chooses by its arguments, and then checks them and writes.
+ * KTPreparedSlots() tells the slots of the first variant; all of them take as many arguments of the same kinds, whether
+ * an integer is signed not counting. A call has two results more: KT_ERR_INVALID_MSG_ID, with size and out untouched,
+ * where the row has neither what its arguments ask for nor KT_VARIANT_OTHER (or, of a "select", the first); and
+ * KT_ERR_INVALID_PARAMETER also where the argument that selects is no number.
+ * @param table     not needed afterwards.
+ * @param id        the number of the message.
+ * @param locale    the language whose rules count, as in KTPluralCategory(); null for that of the file, its
+ *                  "source-language".
+ * @param forms     the conversions, as in KTPrepareFormat(), and "nil" where they have none; null for the built-in ones
+ *                  and "nil".
+ * @param prepared  out: as in KTPrepareFormat().
+ * @return as KTPrepareFormat(); KT_ERR_TABLE_NOT_FOUND; KT_ERR_INVALID_MSG_ID where there is no such message, or no
+ *         message in the row of a selector; KT_ERR_INVALID_PARAMETER also where the argument that selects is missing or
+ *         no number; KT_ERR_FORMAT_SYNTAX also for text beside a selector, a selector that leads back to itself or
+ *         through more than 8 selectors or to more than 1,024 messages, and for variants that take other arguments.
+ */
+int KTPrepareMessage(MessageTable *table, unsigned int id, const char *locale, formTable *forms,
+                     KTPreparedFormat **prepared);
+
+/**
+ * Chooses the message of a selector, for a call that takes a text: the message may be formatted with the same
+ * arguments, where the call's table has "nil" (KTGetVariantFormTable()).
+ * @param id         in: the number of the message; out, on success: of the one that was chosen, which is the same where
+ *                   the message is no selector, or 0.
+ * @param locale     as in KTPrepareMessage().
+ * @param arguments  those of the format call to come; of these the ones that select are looked at.
+ * @param message    out: the message, as in KTGetMessage(); null, and the number 0, where there is none: no such
+ *                   message, or neither a variant nor one for any other. Null on every failure but
+ *                   KT_ERR_NOT_INITIALIZED, which leaves the number alone.
+ * @return 0; KT_ERR_NOT_INITIALIZED, KT_ERR_TABLE_NOT_FOUND; KT_ERR_FORMAT_SYNTAX for text beside a selector and for a
+ *         selector that leads back to itself or through more than 8 selectors; KT_ERR_INVALID_PARAMETER where the
+ *         argument that selects is missing or no number, or id, message or the arguments are null.
+ *
+ *     unsigned int id = 12;
+ *     char *message;
+ *     formTable *forms;
+ *     int result = KTSelectMessage(table, &id, NULL, arguments, 2, &message); // id is 106 now
+ *     result = KTGetVariantFormTable(&forms);
+ *     result = KTFormatStringWithPassThru(NULL, false, forms, NULL, &units, wide, message, 22, "Invoices");
+ */
+int KTSelectMessage(MessageTable *table, unsigned int *id, const char *locale, const KTArgument *arguments,
+                    size_t count, char **message);
+
+/**
+ * Tells whether KTPrepareMessage() accepts a message, and if not, why and where.
+ * @param problem  in: structSize; out: as in KTExplainFormat(), with the number of the message concerned. Null is
+ *                 allowed.
+ * @return as KTPrepareMessage(); KT_ERR_INVALID_PARAMETER also where structSize is too small.
+ */
+int KTExplainMessage(MessageTable *table, unsigned int id, formTable *forms, KTProblem *problem);
+
+/**
+ * Gives a table that has "nil" and is chained to the shared built-in table, whose registered encoder it so has. It is
+ * the library's, not to be changed, and may be chained to.
+ * @return 0, KT_ERR_NOT_INITIALIZED (nothing is stored), or KT_ERR_INVALID_PARAMETER where table is null.
+ */
+int KTGetVariantFormTable(formTable **table);
 
 #pragma GCC visibility pop
 #ifdef __cplusplus

@@ -1,3 +1,5 @@
+#include "format/compare_formats.h"
+
 #include "format/prepared.h"
 #include "format/problem_report.h"
 #include "format/typed_argument.h"
@@ -8,21 +10,6 @@
 
 namespace
 {
-
-/** Where the conversion specification of a position stands in a format that was accepted. */
-void findPlace(const char *format, KTProblem &problem)
-{
-    kelto::PercentPlaces<char> places;
-    kelto::walkFormat(
-        format, std::strlen(format), places, [](const char *, size_t) {},
-        [&](const kelto::PercentPlace<char> &place) {
-            if (static_cast<unsigned>(place.position) != problem.position)
-                return true;
-            problem.offset = static_cast<size_t>(place.begin - format);
-            problem.length = static_cast<size_t>(place.end - place.begin);
-            return false;
-        });
-}
 
 /** Where a number stands for a width or a precision, it is one argument, and a value another. */
 bool isSameArgument(const KTSlot &slot, const KTSlot &other)
@@ -46,15 +33,33 @@ const char *argumentName(const KTPreparedFormat &format, uint32_t slot)
     }
 }
 
-/** The first slot in which two formats differ; its rule is KT_RULE_NONE where there is none. */
-KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &reference)
+} // namespace
+
+namespace kelto
+{
+
+void findPlace(const char *format, KTProblem &problem) noexcept
+{
+    PercentPlaces<char> places;
+    walkFormat(
+        format, std::strlen(format), places, [](const char *, size_t) {},
+        [&](const PercentPlace<char> &place) {
+            if (static_cast<unsigned>(place.position) != problem.position)
+                return true;
+            problem.offset = static_cast<size_t>(place.begin - format);
+            problem.length = static_cast<size_t>(place.end - place.begin);
+            return false;
+        });
+}
+
+KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &reference) noexcept
 {
     const uint32_t common = std::min(format.slotCount, reference.slotCount);
     uint32_t i = 0;
     while (i < common && isSameArgument(format.slots[i], reference.slots[i]))
         ++i;
     const auto problem = [&](KTRule rule, const KTPreparedFormat &at) -> KTProblem {
-        return {0, rule, i + 1, at.slots[i].position, 0, 0, argumentName(reference, i), argumentName(format, i)};
+        return {0, rule, i + 1, at.slots[i].position, 0, 0, argumentName(reference, i), argumentName(format, i), 0};
     };
     if (i < common)
         return problem(KT_RULE_ARGUMENT_TYPE, format);
@@ -62,10 +67,10 @@ KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &r
         return problem(KT_RULE_ARGUMENT_MISSING, reference);
     if (i < format.slotCount)
         return problem(KT_RULE_ARGUMENT_EXTRA, format);
-    return {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr};
+    return {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 0};
 }
 
-} // namespace
+} // namespace kelto
 
 int KTCompareFormats(const char *format, const char *reference, formTable *table, KTProblem *problem)
 {
@@ -83,13 +88,13 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
     if (const int result = kelto::prepareFormat(reference, table, expected).result)
     {
         report.set(
-            {0, result == KT_ERR_FORMAT_SYNTAX ? KT_RULE_REFERENCE : KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr});
+            {0, result == KT_ERR_FORMAT_SYNTAX ? KT_RULE_REFERENCE : KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 0});
         return result;
     }
-    KTProblem difference = compareSlots(*own, *expected);
+    KTProblem difference = kelto::compareSlots(*own, *expected);
     if (difference.rule == KT_RULE_NONE)
         return 0;
-    findPlace(format, difference);
+    kelto::findPlace(format, difference);
     report.set(difference);
     return KT_ERR_INVALID_PARAMETER;
 }

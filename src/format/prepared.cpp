@@ -5,6 +5,8 @@
 #include "format/format_string.h"
 #include "format/typed_argument.h"
 #include "format/utf8_formats.h"
+#include "format/variant_form_table.h"
+#include "format/variants.h"
 #include "lifecycle/global_state.h"
 #include "strconv/ascii_run.h"
 #include "strconv/utf8_text.h"
@@ -39,7 +41,8 @@ constexpr OwnFormatter ownFormatters[] = {
     {formatDN, KT_ARG_UCS2, Writer::name},
     {formatEID, KT_ARG_UNSIGNED, Writer::entryId},
     {formatError, KT_ARG_UTF8, Writer::error},
-    {formatIP, KT_ARG_UTF8, Writer::address},
+    {formatIP, KT_ARG_UTF8, Writer::nothing},
+    {kelto::formatNil, KT_ARG_SIGNED, Writer::nothing},
 };
 
 // By the function in the record and not by its address in the list: private copies and tables of the caller's may hold
@@ -160,8 +163,9 @@ private:
         auto *const steps = take<PreparedStep>(at, stepCount);
         auto *const slots = take<KTSlot>(at, m_count.slots);
         auto *const units = take<UCS2>(at, sizes.units);
-        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots, units,
-                     at};
+        *prepared = {
+            table,  static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots, units, at,
+            nullptr};
         listSlots(slots);
         fill(format, length, steps, LiteralText(units, at, sizes));
         return 0;
@@ -274,13 +278,23 @@ int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **pre
 
 void KTFreePrepared(KTPreparedFormat *prepared)
 {
-    if (prepared != nullptr)
-        ZEL_free(prepared);
+    if (prepared == nullptr)
+        return;
+    if (const kelto::PreparedVariants *const variants = prepared->variants;
+        variants != nullptr && variants->owned != nullptr)
+    {
+        for (uint32_t i = 0; i < variants->ownedCount; ++i)
+            ZEL_free(variants->owned[i]);
+        ZEL_free(variants->owned);
+    }
+    ZEL_free(prepared);
 }
 
 size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots)
 {
     if (slots != nullptr)
         *slots = prepared != nullptr ? prepared->slots : nullptr;
-    return prepared != nullptr ? prepared->slotCount : 0;
+    if (prepared == nullptr)
+        return 0;
+    return prepared->variants != nullptr ? prepared->variants->slotCount : prepared->slotCount;
 }

@@ -31,7 +31,7 @@ enum class Writer : uint8_t
     name,
     entryId,
     error,
-    address
+    nothing /**< takes its argument */
 };
 
 struct PreparedStep
@@ -45,10 +45,17 @@ struct PreparedStep
 };
 
 struct FormatVerdict;
+struct PreparedVariants;
+
+/**
+ * The number of slots in the head of a format that chooses among variants: no call has as many arguments, so that the
+ * calls of all others need not ask which kind they are for.
+ */
+constexpr uint32_t slotsOfVariants = UINT32_MAX;
 
 } // namespace kelto
 
-/** The head of the block; behind it stand steps, slots, UCS-2 text and UTF-8 text. */
+/** The head of the block; behind it stand steps, slots, UCS-2 text and UTF-8 text, or else the variants. */
 struct KTPreparedFormat
 {
     formTable *table; /**< null where the caller named none */
@@ -57,12 +64,17 @@ struct KTPreparedFormat
     const KTSlot *slots;
     const UCS2 *units;
     const char *bytes;
+    kelto::PreparedVariants *variants; /**< of a message that selects others; else null */
 };
 
 namespace kelto
 {
 
-using PreparedOwner = std::unique_ptr<KTPreparedFormat, TagFree>;
+struct PreparedFree
+{
+    void operator()(KTPreparedFormat *prepared) const noexcept { KTFreePrepared(prepared); }
+};
+using PreparedOwner = std::unique_ptr<KTPreparedFormat, PreparedFree>;
 
 /** KTPrepareFormat() for a format that is not null, while the library is started; of a refused one the reason. */
 FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept;

@@ -9,6 +9,7 @@
 #include "format/formatters/text.h"
 #include "format/prepared.h"
 #include "format/typed_argument.h"
+#include "format/variants.h"
 
 #include <algorithm>
 #include <climits>
@@ -157,7 +158,7 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
         return kelto::writeEntryId(text, layout.flags, static_cast<uint32_t>(argument->value.u));
     case Writer::error:
         return writeError(text, layout.flags, *argument);
-    case Writer::address:
+    case Writer::nothing:
     case Writer::none:
         return 0;
     case Writer::called:
@@ -223,6 +224,16 @@ bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, 
     return true;
 }
 
+/** Takes the variant in place of the format that selects, where it accepts the arguments. */
+[[gnu::noinline]] int chooseAccepted(const KTPreparedFormat *&prepared, const KTArgument *arguments, size_t count)
+{
+    if (arguments == nullptr && count != 0)
+        return KT_ERR_INVALID_PARAMETER;
+    int result = 0;
+    prepared = kelto::chooseVariant(*prepared, arguments, count, result);
+    return result == 0 && !areAccepted(*prepared, arguments, count) ? int{KT_ERR_INVALID_PARAMETER} : result;
+}
+
 template <typename Unit>
 int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, Unit *out,
                    const KTArgument *arguments, size_t count)
@@ -231,8 +242,15 @@ int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *pas
         return KT_ERR_NOT_INITIALIZED;
     if (prepared == nullptr || size == nullptr || (out == nullptr && *size != 0))
         return KT_ERR_INVALID_PARAMETER;
-    if ((options & ~unsigned{KT_TAG}) != 0 || !areAccepted(*prepared, arguments, count))
+    if ((options & ~unsigned{KT_TAG}) != 0)
         return KT_ERR_INVALID_PARAMETER;
+    if (!areAccepted(*prepared, arguments, count)) // a format that selects another never accepts any
+    {
+        if (prepared->variants == nullptr)
+            return KT_ERR_INVALID_PARAMETER;
+        if (const int result = chooseAccepted(prepared, arguments, count))
+            return result;
+    }
     const Call call = {*prepared, arguments, kelto::findEncoder(prepared->table), passThru,
                        (options & KT_TAG) != 0 ? FLAG_TAG : 0};
     return writeSteps(call, size, out);

@@ -4,6 +4,9 @@
 
 #include "format/format_string.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace kelto
 {
 
@@ -14,26 +17,29 @@ public:
     explicit ProblemReport(KTProblem *problem) : m_problem(problem)
     {
         if (isUsable())
-            set({0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr});
+            set({0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 0});
     }
 
-    bool isUsable() const { return m_problem == nullptr || m_problem->structSize >= sizeof(KTProblem); }
+    bool isUsable() const { return m_problem == nullptr || m_problem->structSize >= smallestSize; }
 
     void set(const KTProblem &problem) const
     {
         if (m_problem == nullptr)
             return;
         const size_t size = m_problem->structSize;
-        *m_problem = problem;
+        std::memcpy(static_cast<void *>(m_problem), &problem, size < sizeof problem ? smallestSize : sizeof problem);
         m_problem->structSize = size;
     }
 
     void set(const FormatVerdict &verdict) const
     {
-        set({0, verdict.rule, 0, verdict.position, verdict.offset, verdict.length, nullptr, nullptr});
+        set({0, verdict.rule, 0, verdict.position, verdict.offset, verdict.length, nullptr, nullptr, 0});
     }
 
 private:
+    /** What the record had at first. */
+    static constexpr size_t smallestSize = offsetof(KTProblem, message);
+
     KTProblem *m_problem;
 };
 

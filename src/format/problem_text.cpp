@@ -11,7 +11,7 @@ namespace
 struct Sentence
 {
     int rule;
-    const char *text; // $s slot, $p position, $e expected, $f found
+    const char *text; // $s slot, $p position, $m message, $e expected, $f found
 };
 
 constexpr Sentence sentences[] = {
@@ -28,6 +28,13 @@ constexpr Sentence sentences[] = {
     {KT_RULE_ARGUMENT_TYPE, "argument $s is $f here, $e in the reference"},
     {KT_RULE_ARGUMENT_MISSING, "argument $s, $e in the reference, is missing here"},
     {KT_RULE_ARGUMENT_EXTRA, "argument $s, $f here, is not in the reference"},
+    {KT_RULE_SELECTOR_ALONE,
+     "a message that selects another is one conversion such as %101plural[1], and nothing else"},
+    {KT_RULE_SELECTOR_ARGUMENT, "argument $s selects and is $f"},
+    {KT_RULE_SELECTOR_DEPTH, "message $m leads back to itself, or through more than 8 messages that select another"},
+    {KT_RULE_SELECTOR_SIZE, "more than 1024 messages are selected from"},
+    {KT_RULE_VARIANT_ARGUMENTS, "argument $s is $f in message $m, $e in those before it"},
+    {KT_RULE_VARIANT_MISSING, "message $m is missing, or has no message to select"},
 };
 
 const char *sentenceOf(int rule)
@@ -56,6 +63,7 @@ int KTProblemText(const KTProblem *problem, size_t *size, char *text)
 {
     if (problem == nullptr || size == nullptr || (text == nullptr && *size != 0))
         return KT_ERR_INVALID_PARAMETER;
+    const bool hasMessage = problem->structSize >= sizeof(KTProblem);
     kelto::BoundedText sentence(text, *size);
     for (const char *next = sentenceOf(problem->rule); *next != '\0'; ++next)
     {
@@ -64,6 +72,8 @@ int KTProblemText(const KTProblem *problem, size_t *size, char *text)
             appendNumber(sentence, problem->slot);
         else if (letter == 'p')
             appendNumber(sentence, problem->position);
+        else if (letter == 'm')
+            appendNumber(sentence, hasMessage ? problem->message : 0);
         else if (letter == 'e')
             sentence.append(orSomething(problem->expected));
         else if (letter == 'f')

@@ -91,7 +91,7 @@ TEST(PreparedFormats, ProblemsAreExplainedAsShown)
     for (const Row &row : rows)
     {
         const std::string format = unquoted(row[0]);
-        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr, 0};
         EXPECT_EQ(KTExplainFormat(format.c_str(), nullptr, &problem), KT_ERR_FORMAT_SYNTAX);
         EXPECT_EQ(format.substr(problem.offset, problem.length), unquoted(row[1]));
         char sentence[200];

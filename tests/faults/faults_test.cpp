@@ -20,7 +20,7 @@ namespace
 char messagePath[] = "/tmp/kelto-faults-XXXXXX";
 char compiledPath[] = "/tmp/kelto-faults-XXXXXX";
 std::string compiled;
-char entityPath[] = "e.xlf", sparsePath[] = "s.xlf", longPath[] = "l.xlf"; // in memory
+char entityPath[] = "e.xlf", sparsePath[] = "s.xlf", longPath[] = "l.xlf", selectorsPath[] = "v.xlf"; // in memory
 constexpr char eucJp[] = "EUC-JP";
 constexpr char text[] = "a\xA4\xA2"
                         "b";
@@ -117,6 +117,7 @@ formTable ownTable = {false, {}, ownList, nullptr, &builtInFormTable};
 char ownForms[] = "%own[1]%.400Lf[2]";
 
 KTPreparedFormat *prepared; // of ownForms, while the library is started
+MessageTable *selectors;    // likewise
 constexpr long double real = 1.5L;
 const std::string longText(600, 't'); // is copied for its terminator
 const KTArgument preparedArguments[] = {KT_UTF8N(longText.data(), 600), KT_LONG_DOUBLE(&real)};
@@ -197,6 +198,9 @@ const Row rows[] = {
     // text.
     {"prepare", 2, {}, [] { return KTPrepareFormat(manyForms, nullptr, &got.prepared); }},
     {"explain", 2, {}, [] { return KTExplainFormat(manyForms, nullptr, nullptr); }},
+    // Of a selector with a row of eleven selectors, each of one and the same text: the numbers of the messages, twice,
+    // and each prepared once; then what they are owned by.
+    {"prepare message", 16, {}, [] { return KTPrepareMessage(selectors, 1, "pl", nullptr, &got.prepared); }},
     {"compare formats", 2, {}, [] { return KTCompareFormats("%d[1]", "%d[1]", nullptr, nullptr); }},
     {"prepared",
      2,
@@ -263,8 +267,15 @@ protected:
                           .xml());
         FakeZel::file(sparsePath, MessageFile().unit(70000, "a").xml());
         FakeZel::file(longPath, MessageFile().declaration("<!--" + std::string(50000, ' ') + "-->").xml(200000));
+        MessageFile file = MessageFile().unit(1, "%20select[1]").unit(100, "%d[1]");
+        for (int id = 20; id <= 30; ++id)
+            file.unit(id, "%100select[1]");
+        FakeZel::file(selectorsPath, file.xml());
         const bool isStarted = !GetParam().isStartUp;
-        ASSERT_EQ(isStarted ? KTInit() + KTPrepareFormat(ownForms, &ownTable, &prepared) : 0, 0);
+        ASSERT_EQ(isStarted ? KTInit() + KTPrepareFormat(ownForms, &ownTable, &prepared) +
+                                  KTLoadMessages(selectorsPath, &selectors)
+                            : 0,
+                  0);
     }
     void TearDown() override
     {

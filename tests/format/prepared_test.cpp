@@ -96,7 +96,7 @@ TEST_F(Prepared, RefusesWhatIsNoFormatAndAStoppedLibrary)
     KTFreePrepared(nullptr);
     KTClean();
     EXPECT_EQ(KTPrepareFormat("a", nullptr, &prepared), KT_ERR_NOT_INITIALIZED);
-    KTProblem problem = {sizeof problem, 9, 9, 9, 9, 9, "", ""};
+    KTProblem problem = {sizeof problem, 9, 9, 9, 9, 9, "", "", 9};
     EXPECT_EQ(KTExplainFormat("a", nullptr, &problem), KT_ERR_NOT_INITIALIZED);
     EXPECT_TRUE(problem.structSize == sizeof problem && problem.rule == KT_RULE_NONE && problem.slot == 0 &&
                 problem.position == 0 && problem.offset == 0 && problem.length == 0 && problem.expected == nullptr &&
@@ -110,7 +110,7 @@ TEST_F(Prepared, RefusesNullForWhatItNeeds)
 {
     const Owner prepared = prepare("%d[1]");
     const KTArgument argument = KT_INT(7);
-    const KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+    const KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr, 0};
     UCS2 out[4] = u"abc";
     char text[4] = "abc";
     size_t size = 4, none = 0;
@@ -467,7 +467,7 @@ TEST(Problem, NamesEveryKindOfArgument)
     std::string names;
     for (const char *format : {"%hx[1]", "%d[1]", "%!u[1]", "%c[1]", "%lc[1]", "%f[1]", "%Lf[1]", "%s[1]", "%U[1]"})
     {
-        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr, 0};
         EXPECT_EQ(KTCompareFormats(format, "", nullptr, &problem), KT_ERR_INVALID_PARAMETER);
         names += problem.found + std::string(", ");
     }
@@ -523,7 +523,7 @@ TEST(Problem, IsToldAndMadeASentence)
     for (const Row &row : rows)
     {
         SCOPED_TRACE(std::string(row.format) + " against " + row.reference);
-        KTProblem problem = {sizeof problem, -1, 9, 9, 9, 9, nullptr, nullptr};
+        KTProblem problem = {sizeof problem, -1, 9, 9, 9, 9, nullptr, nullptr, 9};
         EXPECT_EQ(KTCompareFormats(row.format, row.reference, nullptr, &problem), row.result);
         EXPECT_EQ(problem.rule, row.rule);
         EXPECT_EQ(problem.slot, row.slot);
@@ -544,7 +544,7 @@ TEST(Problem, IsToldAndMadeASentence)
             EXPECT_TRUE(size == length && (capacity == 0 || out[0] == '\0'));
         }
     }
-    KTProblem small = {sizeof small - 1, 77, 0, 0, 0, 0, nullptr, nullptr};
+    KTProblem small = {offsetof(KTProblem, message) - 1, 77, 0, 0, 0, 0, nullptr, nullptr, 0};
     EXPECT_EQ(KTExplainFormat("a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
     EXPECT_EQ(KTCompareFormats("a", "a", nullptr, &small), KT_ERR_INVALID_PARAMETER);
     EXPECT_EQ(small.rule, 77);
@@ -552,7 +552,7 @@ TEST(Problem, IsToldAndMadeASentence)
          {std::pair<int, const char *>{99, "the format has a problem"},
           {KT_RULE_ARGUMENT_TYPE, "argument 1 is something else here, something else in the reference"}})
     {
-        const KTProblem made = {sizeof made, rule, 1, 0, 0, 0, nullptr, nullptr};
+        const KTProblem made = {sizeof made, rule, 1, 0, 0, 0, nullptr, nullptr, 0};
         char text[100];
         size_t size = sizeof text;
         EXPECT_EQ(KTProblemText(&made, &size, text), 0);

@@ -79,6 +79,20 @@ void formatPrepared(int number)
     EXPECT_EQ(asString(units), std::u16string(expected.begin(), expected.end()));
 }
 
+KTPreparedFormat *sharedMessage; // message 3
+
+void selectAndFormat(int number)
+{
+    const KTArgument argument = KT_INT(number);
+    unsigned id = 3;
+    char *message = nullptr, utf8[20];
+    size_t bytes = sizeof utf8;
+    EXPECT_EQ(KTSelectMessage(shared, &id, nullptr, &argument, 1, &message), 0);
+    EXPECT_EQ(id, number == 1 ? 11U : 15U);
+    EXPECT_EQ(KTFormatPreparedUTF8(sharedMessage, 0, nullptr, &bytes, utf8, &argument, 1), 0);
+    EXPECT_EQ(utf8, std::to_string(number) + (number == 1 ? " file" : " files"));
+}
+
 void convert(int)
 {
     std::array<char, 20> bytes{};
@@ -108,10 +122,16 @@ class HostileThreads : public MessageTest
 
 TEST_F(HostileThreads, DoEverythingAtOnce)
 {
-    FakeZel::file(memoryPath, MessageFile().unit(2, placeholder("%s", "2") + " of " + placeholder("%d", "1")).xml());
+    FakeZel::file(memoryPath, MessageFile()
+                                  .unit(2, placeholder("%s", "2") + " of " + placeholder("%d", "1"))
+                                  .unit(3, "%10plural[1]")
+                                  .unit(11, "%d[1] file")
+                                  .unit(15, "%d[1] files")
+                                  .xml());
     ASSERT_EQ(KTLoadMessages(memoryPath, &shared), 0);
     ASSERT_EQ(KTPrepareFormat("%s[2]: %*d[1]", nullptr, &sharedFormat), 0);
-    static constexpr void (*works[])(int) = {loadAndRead, formatWithTables, formatPrepared,
+    ASSERT_EQ(KTPrepareMessage(shared, 3, nullptr, nullptr, &sharedMessage), 0);
+    static constexpr void (*works[])(int) = {loadAndRead, formatWithTables, formatPrepared, selectAndFormat,
                                              convert,     askForVersion,    comeAndGo};
     std::vector<std::thread> threads;
     for (int number = 0; number < 8; ++number)
@@ -122,6 +142,7 @@ TEST_F(HostileThreads, DoEverythingAtOnce)
     for (std::thread &thread : threads)
         thread.join();
     KTFreePrepared(sharedFormat);
+    KTFreePrepared(sharedMessage);
     EXPECT_EQ(KTRegisterEncoder(nullptr), 0);
     EXPECT_EQ(KTFreeMessages(shared), 0) << "the table of the user who stayed";
 }

@@ -1,0 +1,37 @@
+/**
+ * The conversion of variants, "nil": it takes an integer and writes nothing, so that a sentence without its number has
+ * every position. It stands in a table of its own, since the built-in one is as it is.
+ */
+#ifndef KELTO_FORMAT_VARIANT_FORM_TABLE_H
+#define KELTO_FORMAT_VARIANT_FORM_TABLE_H
+
+#include "kelto.h"
+
+namespace kelto
+{
+
+/** Its formatter. */
+int formatNil(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
+              void **argSlot, unsigned long *sizeInOut, UCS2 *out) noexcept;
+
+/** Has "nil" alone, and then the shared built-in conversions. */
+formTable &variantFormTable() noexcept;
+
+/** A table that has "nil" and then those of another, for as long as both live; the other where that has one itself. */
+class WithNil
+{
+public:
+    explicit WithNil(formTable *table) noexcept;
+    WithNil(const WithNil &) = delete;
+    WithNil &operator=(const WithNil &) = delete;
+
+    formTable *table() noexcept { return m_table; }
+
+private:
+    formTable m_front;
+    formTable *m_table;
+};
+
+} // namespace kelto
+
+#endif

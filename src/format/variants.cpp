@@ -1,0 +1,52 @@
+#include "format/variants.h"
+
+#include "lifecycle/global_state.h"
+
+namespace kelto
+{
+
+PreparedOwner makeVariants(const Selector &selector, LanguageRules rules, uint32_t rowLength) noexcept
+{
+    struct Head
+    {
+        KTPreparedFormat format;
+        PreparedVariants variants;
+    };
+    static_assert(sizeof(Head) % alignof(const KTPreparedFormat *) == 0);
+    const size_t size = sizeof(Head) + rowLength * sizeof(const KTPreparedFormat *);
+    TagBlock<char> block = allocateZeroed<char>(glbResHandle, size);
+    if (block == nullptr)
+        return nullptr;
+    auto *const head = reinterpret_cast<Head *>(block.release());
+    auto **const row = reinterpret_cast<const KTPreparedFormat **>(head + 1);
+    head->variants = {selector, rules, 0, rowLength, row, nullptr, 0};
+    head->format.slotCount = slotsOfVariants;
+    head->format.variants = &head->variants;
+    return PreparedOwner(&head->format);
+}
+
+const KTPreparedFormat *chooseVariant(const KTPreparedFormat &prepared, const KTArgument *arguments, size_t count,
+                                      int &result) noexcept
+{
+    const KTPreparedFormat *format = &prepared;
+    while (const PreparedVariants *const variants = format->variants)
+    {
+        WantedPlaces wanted;
+        result = findWantedPlaces(variants->selector, variants->rules, arguments, count, wanted);
+        if (result != 0)
+            return nullptr;
+        format = nullptr;
+        for (unsigned i = 0; i < wanted.count && format == nullptr; ++i)
+            if (wanted.places[i] < variants->rowLength)
+                format = variants->row[wanted.places[i]];
+        if (format == nullptr)
+        {
+            result = KT_ERR_INVALID_MSG_ID;
+            return nullptr;
+        }
+    }
+    result = 0;
+    return format;
+}
+
+} // namespace kelto
