@@ -45,7 +45,7 @@ TEST(Texts, AreThoseOfTheEnglishFileAndOfTheLibrary)
         }
     for (int rule = KT_RULE_POSITION_MISSING; rule <= KT_RULE_POSITION_GAP; ++rule)
     {
-        const KTProblem problem{sizeof problem, rule, 0, 7, 0, 0, nullptr, nullptr};
+        const KTProblem problem{sizeof problem, rule, 0, 7, 0, 0, nullptr, nullptr, 0};
         char sentence[200];
         size_t size = sizeof sentence;
         ASSERT_EQ(KTProblemText(&problem, &size, sentence), 0);

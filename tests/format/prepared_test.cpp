@@ -473,7 +473,7 @@ TEST(Problem, NamesEveryKindOfArgument)
     }
     for (const char *format : {"%*d[1]", "%.*d[1]"})
     {
-        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr};
+        KTProblem problem = {sizeof problem, 0, 0, 0, 0, 0, nullptr, nullptr, 0};
         EXPECT_EQ(KTCompareFormats("%d[1]", format, nullptr, &problem), KT_ERR_INVALID_PARAMETER);
         names += problem.expected + std::string(", ");
     }
