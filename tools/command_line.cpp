@@ -18,6 +18,12 @@ class HelpFormatter : public CLI::Formatter
 public:
     explicit HelpFormatter(std::string usage) : m_usage(std::move(usage)) {}
     std::string make_usage(const CLI::App *, std::string) const override { return m_usage; }
+    std::string make_group(std::string group, bool isPositional,
+                           std::vector<const CLI::Option *> options) const override
+    {
+        return CLI::Formatter::make_group(group == "Options" ? helpText("options", group) : group, isPositional,
+                                          options);
+    }
     std::string make_option_name(const CLI::Option *option, bool) const override
     {
         std::string shortName = option->get_snames().empty() ? "  " : "-" + option->get_snames().front();
@@ -51,20 +57,31 @@ bool isHelp(const std::string &word)
 } // namespace
 
 CommandLine::CommandLine(const Subcommand &subcommand, Words words)
-    : m_app(std::make_unique<CLI::App>(std::string(subcommand.summary) + ".")), m_name(subcommand.name),
-      m_words(std::move(words))
+    : m_app(std::make_unique<CLI::App>()), m_subcommand(subcommand), m_name(subcommand.name), m_words(std::move(words))
 {
-    m_app->formatter(
-        std::make_shared<HelpFormatter>(fmt::format("Usage: kelto {} {}\n", subcommand.name, subcommand.synopsis)));
-    m_app->footer(subcommand.details);
-    m_app->set_help_flag("-h,--help", "Print this help");
+    m_app->set_help_flag("-h,--help");
     m_app->option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
 CommandLine::~CommandLine() = default;
 
+// Only here is the help put into the language of the user: the other calls are not to look for it.
 std::string CommandLine::help() const
 {
+    const auto about = [&](const char *what, const char *english) { return helpText(m_name + what, english); };
+    m_app->description(about(" summary", m_subcommand.summary) + ".");
+    m_app->formatter(std::make_shared<HelpFormatter>(fmt::format("{} {} {}\n", helpText("usage of", "Usage: kelto"),
+                                                                 m_name, about(" synopsis", m_subcommand.synopsis))));
+    m_app->footer(about(" details", m_subcommand.details));
+    for (CLI::Option *const option : m_app->get_options())
+    {
+        const bool isLong = !option->get_lnames().empty();
+        const std::string name = isLong ? "--" + option->get_lnames().front() : "-" + option->get_snames().front();
+        option->description(option == m_app->get_help_ptr()
+                                ? helpText("option help", "Print this help")
+                                : about((" " + name).c_str(), option->get_description().c_str()));
+        option->type_name(helpText("value " + option->get_type_name(), option->get_type_name()));
+    }
     return m_app->help();
 }
 

@@ -56,6 +56,7 @@ public:
     /** The only operand, a file. */
     std::string onlyFile();
 
+    /** In the language of the user. */
     std::string help() const;
 
     /** Wrong usage of this subcommand. */
@@ -68,6 +69,7 @@ private:
     void refuseOptions(Words::const_iterator begin, Words::const_iterator end) const;
 
     std::unique_ptr<CLI::App> m_app;
+    const Subcommand &m_subcommand;
     std::string m_name;
     Words m_words;
 };

@@ -2,11 +2,14 @@
 #include "command_line.h"
 #include "icu.h"
 #include "output.h"
+#include "progress.h"
 #include "terminal.h"
 #include "text.h"
 #include "transcode.h"
 
 #include <algorithm>
+#include <optional>
+#include <unistd.h>
 
 namespace tool
 {
@@ -52,16 +55,23 @@ bool warn(const std::string &path, Text one, Text many, size_t characters, const
 
 ExitStatus convert(const std::string &from, const std::string &to, const std::string &path, bool strict)
 {
+    std::optional<Progress> progress;
+    if (path != "-" || isatty(STDIN_FILENO) == 0) // not while the user types
+        progress.emplace().begin(Text::progressReading);
     const std::string input = readWhole(path);
     Transcoded result;
     try
     {
+        if (progress)
+            progress->begin(Text::progressConverting);
         result = transcode(from, to, input);
     }
     catch (const Failure &failure)
     {
+        progress.reset();
         throw Failure(inputName(path) + ": " + failure.what());
     }
+    progress.reset(); // before anything is printed
     print(result.bytes);
     const bool malformed = warn(path, Text::oneMalformed, Text::manyMalformed, result.malformed, from);
     const bool unshowable = warn(path, Text::oneUnshowable, Text::manyUnshowable, result.unshowable, to);

@@ -26,6 +26,7 @@ constexpr const Subcommand *subcommands[] = {
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]
+       kelto help [SUBCOMMAND]
 
 Messages and charsets: the command-line side of the Kelto library.
 
@@ -43,10 +44,11 @@ could not be done or the usage was wrong.
 
 std::string help()
 {
-    std::string text = usage;
+    std::string text = helpText("usage", usage);
     for (const Subcommand *subcommand : subcommands)
-        text += fmt::format("  {:<14} {}\n", subcommand->name, subcommand->summary);
-    return text + usageEnd;
+        text += fmt::format("  {:<14} {}\n", subcommand->name,
+                            helpText(std::string(subcommand->name) + " summary", subcommand->summary));
+    return text + helpText("usage end", usageEnd);
 }
 
 /** The fewest insertions, deletions and replacements of characters that make one word of the other. */
@@ -93,24 +95,42 @@ ExitStatus runSubcommand(const Library &library, const Subcommand &subcommand, W
     }
     catch (const HelpWanted &)
     {
-        print(line.help());
+        printText(line.help());
         return ExitStatus::done;
     }
+}
+
+const Subcommand *subcommandCalled(const std::string &name)
+{
+    const auto *const found = std::find_if(std::begin(subcommands), std::end(subcommands),
+                                           [&](const Subcommand *row) { return name == row->name; });
+    return found != std::end(subcommands) ? *found : nullptr;
 }
 
 ExitStatus runWords(const Library &library, const Words &words)
 {
     if (words.empty() || words[0].empty())
         throw Failure(say(Text::noSubcommand) + hint("kelto --help"));
-    for (const Subcommand *subcommand : subcommands)
-        if (words[0] == subcommand->name)
-            return runSubcommand(library, *subcommand, Words(words.begin() + 1, words.end()));
-    const bool wantsHelp = words[0] == "--help" || words[0] == "-h";
+    if (const Subcommand *const subcommand = subcommandCalled(words[0]))
+        return runSubcommand(library, *subcommand, Words(words.begin() + 1, words.end()));
+    const bool isHelpSubcommand = words[0] == "help";
+    const bool wantsHelp = isHelpSubcommand || words[0] == "--help" || words[0] == "-h";
     if (!wantsHelp && words[0] != "--version" && words[0] != "-V")
         throw unknownSubcommand(words[0]);
-    if (words.size() > 1)
-        throw Failure(say(Text::surplusWord, {terminal().quote(words[1]), words[0]}) + hint("kelto --help"));
-    print(wantsHelp ? help() : "kelto " KELTO_VERSION "\n");
+    const size_t surplus = isHelpSubcommand && words.size() > 1 ? 2 : 1;
+    if (words.size() > surplus)
+        throw Failure(say(Text::surplusWord, {terminal().quote(words[surplus]), words[surplus - 1]}) +
+                      hint("kelto --help"));
+    if (surplus > 1)
+    {
+        const Subcommand *const subcommand = subcommandCalled(words[1]);
+        return subcommand != nullptr ? runSubcommand(library, *subcommand, {"--help"})
+                                     : throw unknownSubcommand(words[1]);
+    }
+    if (wantsHelp)
+        printText(help());
+    else
+        print("kelto " KELTO_VERSION "\n");
     return ExitStatus::done;
 }
 

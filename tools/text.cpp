@@ -43,20 +43,27 @@ std::string messagesFolder()
     return (std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / KELTO_MESSAGES).string();
 }
 
+/** The path of the message file in the language of the user; empty where there is none. */
+std::string usersCatalog()
+{
+    size_t room = 0;
+    const std::string folder = messagesFolder();
+    if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, nullptr) != KT_ERR_BUFFER_TOO_SMALL)
+        return "";
+    std::string path(++room, '\0');
+    const bool isFound = KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, path.data()) == 0;
+    return isFound ? path.c_str() : "";
+}
+
 /**
  * The message file in the language of the user; without a message where there is none. It lives as long as the library.
  */
 class UsersTexts
 {
 public:
-    UsersTexts()
+    explicit UsersTexts(std::string path)
     {
-        size_t room = 0;
-        const std::string folder = messagesFolder();
-        if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, nullptr) != KT_ERR_BUFFER_TOO_SMALL)
-            return;
-        std::string path(++room, '\0');
-        if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, path.data()) == 0)
+        if (!path.empty())
             KTLoadMessages(path.data(), &m_table);
     }
 
@@ -72,9 +79,28 @@ private:
 
 const char *usersMessage(unsigned id)
 {
-    static const UsersTexts theTexts;
+    static const UsersTexts theTexts(usersCatalog());
     return theTexts.message(id);
 }
+
+/** A text of the help, which lies beside the other texts where it is translated. */
+const char *usersHelp(unsigned id)
+{
+    static const UsersTexts theTexts(std::filesystem::path(usersCatalog()).replace_filename("help.xlf").string());
+    return theTexts.message(id);
+}
+
+struct HelpText
+{
+    unsigned id;
+    std::string_view about;
+};
+
+constexpr HelpText helpTexts[] = {
+#define KELTO_HELP(id, about) {id, about},
+#include "helps.inc"
+#undef KELTO_HELP
+};
 
 /** Nothing where there is no such format, or it asks for other values: that is how a bad translation shows. */
 std::optional<std::string> formatted(const char *format, const std::vector<Shown> &values)
@@ -162,6 +188,14 @@ Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Sho
     if (englishOf(text) == nullptr)
         return otherwise;
     return Phrase{text, values};
+}
+
+std::string helpText(const std::string &about, const std::string &english)
+{
+    const auto *const row = std::find_if(std::begin(helpTexts), std::end(helpTexts),
+                                         [&](const HelpText &text) { return text.about == about; });
+    const char *const users = row != std::end(helpTexts) ? usersHelp(row->id) : nullptr;
+    return users != nullptr ? users : english;
 }
 
 std::string resultText(int result)

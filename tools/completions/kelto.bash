@@ -49,7 +49,8 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'format list version check gen pseudo compile convert --help --version' -- "$word")
+        local subcommands='format list version check gen pseudo compile convert help'
+        mapfile -t COMPREPLY < <(compgen -W "$subcommands --help --version" -- "$word")
         return
     fi
 
