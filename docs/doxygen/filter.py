@@ -2,7 +2,8 @@
 """Gives Doxygen pages and headers in the form that it reads right, and mends what it makes of them.
 
     filter.py FILE          writes a page, or a header, to standard output
-    filter.py --mend HTML   gives the characters that were hidden from Doxygen back to all files of a folder
+    filter.py --mend HTML   gives the characters that were hidden from Doxygen back to all files of a folder, and all
+                            pages a list of them
 
 Pages: headings get the anchors that links between the pages use, and the links become references. kelto.h: each chapter
 becomes a group, with its introduction. Doxygen gives a meaning to many characters in code and between quotes, without a
@@ -84,7 +85,26 @@ def plain(line):
 
 def comment_text(body):
     lines = [re.sub(r"^ \*(?: |$)", "", line) for line in body.split("\n")]
-    return "\n".join(line if line.startswith("    ") and "@" not in line else plain(line) for line in lines)
+    text = []
+    while lines:
+        line = lines.pop(0)
+        is_indented = line.startswith("    ") and "@" not in line
+        # Indented lines behind an empty one are an example; behind @return Doxygen takes them for running text.
+        if is_indented and text and not text[-1].strip():
+            text.append("")
+            start = len(text)
+            text.append(line[4:])
+            while lines and (lines[0].startswith("    ") or not lines[0].strip()):
+                text.append(lines.pop(0)[4:])
+            empty = 0
+            while not text[-1].strip():
+                text.pop()
+                empty += 1
+            text[start - 1] = "@code{%s}" % (".cpp" if any(";" in line for line in text[start:]) else ".unparsed")
+            text += ["@endcode"] + [""] * empty
+        else:
+            text.append(line if is_indented else plain(line))
+    return "\n".join(text)
 
 
 def header(text):
@@ -107,12 +127,24 @@ def header(text):
     return text[:end] + "/** @} */\n" + text[end:]
 
 
+def list_of_pages(folder):
+    """For windows too narrow for the side bar: its first level."""
+    with open(f"{folder}/navtreedata.js", encoding="utf-8") as file:
+        entries = re.findall(r'^    \[ "(.*?)", "([^"#]+)", ', file.read(), re.MULTILINE)
+    if not entries:
+        raise SystemExit("docs: the side bar has no pages")
+    items = "".join(f'<li><a href="{link}">{title}</a></li>' for title, link in [("Kelto", "index.html"), *entries])
+    return f'<details class="pages"><summary>All pages</summary><ul>{items}</ul></details>'
+
+
 def mend(folder):
+    pages = list_of_pages(folder)
     pattern = f"[{chr(PRIVATE + 0x21)}-{chr(PRIVATE + 0x7E)}]"
     for path in glob.glob(f"{folder}/**/*.*", recursive=True):
         if path.endswith((".html", ".js")):
             with open(path, encoding="utf-8") as file:
                 text = file.read()
+            text = text.replace('<div id="doc-content">', f'<div id="doc-content">{pages}')
             with open(path, "w", encoding="utf-8") as file:
                 file.write(re.sub(pattern, lambda found: html.escape(chr(ord(found[0]) - PRIVATE)), text))
 

@@ -13,6 +13,7 @@ import re
 import sys
 
 DATE = "2026-11-25"
+CODE_COLUMNS = 80 - 7 - 4  # without the indentation of the text, and of code in it
 TITLE = "message catalogs, formatting with positions, and character sets"
 
 # A comment, or code up to the end of its declaration. Braces belong to the declaration.
@@ -139,11 +140,29 @@ def names_of(declaration):
     return re.findall(r"(\w+)(?:\[\d*\])?(?=[,;])", declaration)
 
 
+def fitted(declaration):
+    """The lines of a declaration, broken behind commas so that a terminal of 80 columns shows them whole."""
+    lines = declaration.split("\n")
+    if "{" in declaration or max(map(len, lines)) <= CODE_COLUMNS:
+        return lines
+    start, *rest = re.split(r"(?<=,) +", " ".join(declaration.split()))
+    inside = start.find("(", start.startswith("typedef") and start.find(")(") + 1) + 1
+    longest = max(map(len, rest), default=0)
+    indent = " " * (inside if inside and inside + longest <= CODE_COLUMNS else 4)
+    lines = [start]
+    for part in rest:
+        if len(lines[-1]) + 1 + len(part) <= CODE_COLUMNS:
+            lines[-1] += " " + part
+        else:
+            lines.append(indent + part)
+    return lines
+
+
 def write_declaration(page, declaration):
     """A declaration as code; the members of a record with their comments as a list."""
     members = re.match(r"(.*?)\{(.*)\}(.*)$", declaration, re.DOTALL)
     if not members:
-        page.code(declaration.split("\n"))
+        page.code(fitted(declaration))
         return []
     described = []
     silent = []
@@ -236,7 +255,7 @@ def function_page(version, name, declaration, comment):
     page.request(".nf")
     page.request(".B #include <kelto.h>")
     page.request(".fi")
-    page.code(declaration.split("\n"))
+    page.code(fitted(declaration))
     page.request(".SH DESCRIPTION")
     write_comment(page, comment)
     page.request(".PP")

@@ -89,13 +89,21 @@ public:
     /** Has the function called with the arguments as a list; its result. */
     template <typename Call> auto withList(Call call)
     {
+#ifdef __aarch64__
+        const struct
+        {
+            const void *onStack, *behindIntegerRegisters, *behindRegisters;
+            int toIntegerRegisters, toRegisters; // none is left
+        } layout = {m_list.data(), nullptr, nullptr, 0, 0};
+#else
         const struct
         {
             unsigned usedIntegerRegisters, usedRegisters; // in bytes: all
             const void *onStack, *inRegisters;
         } layout = {48, 176, m_list.data(), nullptr};
+#endif
         va_list list;
-        static_assert(sizeof layout == sizeof list, "the x86-64 calling convention");
+        static_assert(sizeof layout == sizeof list, "the calling convention of another machine");
         std::memcpy(&list, &layout, sizeof list);
         return call(list);
     }
