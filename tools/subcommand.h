@@ -35,6 +35,8 @@ extern const Subcommand checkSubcommand;
 extern const Subcommand compileSubcommand;
 extern const Subcommand genSubcommand;
 extern const Subcommand pseudoSubcommand;
+extern const Subcommand exportSubcommand;
+extern const Subcommand importSubcommand;
 
 } // namespace tool
 

@@ -67,6 +67,8 @@ private:
             m_unit = check::messageId(number != nullptr ? number->c_str() : id != nullptr ? id->c_str() : "");
             if (number != nullptr && id != nullptr)
                 m_remarks.labels[m_unit] = *id;
+            if (const std::string *const source = findAttribute(all, sourceDigest))
+                m_remarks.sources[m_unit] = *source;
         }
         else if (is("context-group") && m_unit > 0)
             m_remarks.units[m_unit].contexts.push_back({taken(attributes), {}});
@@ -141,7 +143,7 @@ bool mayHaveRemarks(std::string_view bytes)
 {
     const auto has = [bytes](std::string_view word) { return bytes.find(word) != std::string_view::npos; };
     const bool isWide = bytes.substr(0, 4).find('\0') != std::string_view::npos || has("\xFE\xFF") || has("\xFF\xFE");
-    if (isWide || has("<!DOCTYPE") || has("<note") || has("<context"))
+    if (isWide || has("<!DOCTYPE") || has("<note") || has("<context") || has(sourceDigest))
         return true;
     constexpr std::string_view attribute = "ts=";
     for (size_t at = bytes.find(attribute); at != std::string_view::npos; at = bytes.find(attribute, at + 1))
@@ -185,7 +187,7 @@ std::string messageFileOf(MessageDocument document, formTable *table)
         if (!unit.name.empty())
             file += xmlAttribute("resname", unit.name);
         if (!unit.source.empty())
-            file += xmlAttribute("source-digest", unit.source);
+            file += xmlAttribute(sourceDigest, unit.source);
         file += ">\n        <source>" + partsAsXml(unit.text, table) + "</source>\n";
         writeRemarks(file, unit.remarks);
         file += "      </trans-unit>\n";

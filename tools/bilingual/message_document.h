@@ -64,6 +64,7 @@ struct FileRemarks
     Attributes attributes; // of "file"
     std::map<int, Remarks> units;
     std::map<int, std::string> labels;
+    std::map<int, std::string> sources; // the digests of the texts that messages were translated from
 };
 FileRemarks remarksIn(std::string_view bytes);
 
@@ -72,6 +73,9 @@ std::string attributeOf(const Attributes &attributes, std::string_view name);
 
 /** The document, whose units are put in the order of their numbers, with its digest. */
 std::string messageFileOf(MessageDocument document, formTable *table);
+
+/** The attribute of a unit that holds the digest of the text that it was translated from. */
+constexpr const char *sourceDigest = "source-digest";
 
 /** Whether a message file was made here and is as it was made; one that is none of ours is as it is meant. */
 enum class Origin

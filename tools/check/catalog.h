@@ -113,6 +113,9 @@ public:
 
 private:
     friend class Reader;
+    friend class CatalogBuilder;
+
+    explicit Catalog(SourceText source) : m_source(std::move(source)) {}
 
     const Piece &pieceAt(const Message &message, size_t offset) const;
     size_t locateEdge(const Piece &piece, size_t offset, bool isEnd) const;

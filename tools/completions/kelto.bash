@@ -8,6 +8,11 @@ _kelto_options() {
     version) echo '--help' ;;
     compile) echo '--output= --raw --help' ;;
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
+    export) echo '--to= --reference= --update= --output= --language= --form= --help' ;;
+    import)
+        echo '--reference= --output= --fuzzy --keep-going --check --force --language= --format= --form= --quiet --help
+            -Werror'
+        ;;
     pseudo) echo '--output= --expand= --bidi --form= --help' ;;
     check)
         echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
@@ -25,7 +30,11 @@ _kelto_kind() {
     check:--explain) echo rule ;;
     compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output) echo file ;;
     gen:-o | gen:--output | gen:--depfile | pseudo:-o | pseudo:--output) echo file ;;
-    pseudo:--expand | pseudo:--form) echo other ;;
+    export:-r | export:--reference | export:--update | export:-o | export:--output) echo file ;;
+    import:-r | import:--reference | import:-o | import:--output) echo file ;;
+    export:--to) echo bilingual ;;
+    import:--format) echo form ;;
+    pseudo:--expand | pseudo:--form | export:--language | export:--form | import:--language | import:--form) echo other ;;
     gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
@@ -49,7 +58,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        local subcommands='format list version check gen pseudo compile convert help'
+        local subcommands='format list version check gen export import pseudo compile convert help'
         mapfile -t COMPREPLY < <(compgen -W "$subcommands --help --version" -- "$word")
         return
     fi
@@ -71,6 +80,7 @@ _kelto() {
     case $kind in
     charset) words=$(kelto convert --list-charsets 2>/dev/null) ;;
     form) words='text json sarif github' ;;
+    bilingual) words='xliff xliff2' ;;
     when) words='auto always never' ;;
     rule) words=$(_kelto_rules all '') ;;
     esac

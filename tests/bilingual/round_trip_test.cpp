@@ -1,0 +1,74 @@
+#include "bilingual/bilingual_file.h"
+#include "bilingual/import.h"
+#include "bilingual/message_parts.h"
+#include "bilingual/xliff_reader.h"
+#include "kelto.h"
+#include "memory_file.h"
+#include "message_file.h"
+#include "random_catalog.h"
+
+#include <gtest/gtest.h>
+
+using namespace tool;
+using namespace tool::bilingual;
+
+namespace
+{
+
+/** The messages as a program gets them, by the library. */
+std::map<unsigned, std::string> loaded(const std::string &bytes)
+{
+    std::map<unsigned, std::string> messages;
+    const MemoryFile file(bytes);
+    MessageFile(file.path()).forEachMessage([&](unsigned id, const std::string &message) {
+        messages.emplace(id, message);
+    });
+    return messages;
+}
+
+SourceFile sourceOf(const std::string &bytes)
+{
+    return SourceFile(check::SourceText("file", bytes));
+}
+
+/** Exports and imports a translation; its messages in the end. */
+std::map<unsigned, std::string> sentThrough(const Form &form, const std::string &reference,
+                                            const std::string &translation)
+{
+    check::FormTable forms;
+    SourceFile source = sourceOf(reference);
+    source.catalog.source().index();
+    Bilingual catalog = bilingualOf(source);
+    addTranslation(catalog, sourceOf(translation));
+    const std::string document = form.write(catalog, forms.get());
+    const check::Reference compared(source.catalog, forms.get());
+    Imported imported = import(readBilingual(check::SourceText("bilingual", document)), source, compared,
+                               check::Levels(), {forms.get(), false, ""});
+    for (const check::Diagnostic &found : imported.diagnostics)
+        EXPECT_NE(found.severity, check::Severity::error) << sayInEnglish(found.text) << "\n" << document;
+    const std::string again = messageFileOf(std::move(imported.document), forms.get());
+    EXPECT_EQ(originOf(again), Origin::untouched);
+    return loaded(again);
+}
+
+TEST(RoundTrip, GivesTheSameMessagesToTheByte)
+{
+    const Library library;
+    check::FormTable forms;
+    for (unsigned seed = 1; seed <= 300; ++seed)
+    {
+        MessageDocument original;
+        MessageDocument translated;
+        RandomCatalog(seed).fill(original, translated);
+        const std::string reference = messageFileOf(original, forms.get());
+        const std::string translation = messageFileOf(translated, forms.get());
+        std::map<unsigned, std::string> expected = loaded(translation);
+        for (const auto &[id, text] : loaded(reference)) // what is empty comes back from the reference
+            if (text.empty() && expected.count(id) == 0)
+                expected[id] = "";
+        for (const Form &form : allForms())
+            ASSERT_EQ(sentThrough(form, reference, translation), expected) << form.name << ", seed " << seed;
+    }
+}
+
+} // namespace

@@ -1,0 +1,52 @@
+#include "bilingual/bilingual_file.h"
+
+#include "bilingual/xliff_reader.h"
+#include "bilingual/xliff_writer.h"
+#include "output.h"
+
+namespace tool::bilingual
+{
+const std::vector<Form> &allForms()
+{
+    static const std::vector<Form> forms = {{"xliff", ".xliff", true, xliff12Of}, {"xliff2", ".xlf2", true, xliff2Of}};
+    return forms;
+}
+
+const Form *findForm(std::string_view name)
+{
+    for (const Form &form : allForms())
+        if (name == form.name)
+            return &form;
+    return nullptr;
+}
+
+const Form *formOfFile(std::string_view path)
+{
+    for (const Form &form : allForms())
+    {
+        const std::string_view extension = form.extension;
+        if (path.size() > extension.size() && path.substr(path.size() - extension.size()) == extension)
+            return &form;
+    }
+    return nullptr;
+}
+
+std::string formNames()
+{
+    std::string names;
+    for (const Form &form : allForms())
+        names += (names.empty() ? "" : ", ") + std::string(form.name);
+    return names;
+}
+
+BilingualFile readBilingual(const std::string &path)
+{
+    return readBilingual(check::SourceText(path == "-" ? "<stdin>" : path, readMessageFile(path)));
+}
+
+BilingualFile readBilingual(check::SourceText source)
+{
+    return readXliff(std::move(source));
+}
+
+} // namespace tool::bilingual

@@ -1,0 +1,104 @@
+/**
+ * A bilingual catalog as a value, whatever file it stands in: an entry per message, with the text of the reference and
+ * its translation. Entries are known by their numbers; nothing is ever matched by text.
+ */
+#ifndef KELTO_TOOLS_BILINGUAL_ENTRY_H
+#define KELTO_TOOLS_BILINGUAL_ENTRY_H
+
+#include "bilingual/message_document.h"
+#include "check/catalog.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::bilingual
+{
+
+/** The namespace of what is ours in files of others. */
+constexpr const char *ourNamespace = "urn:kelto:translation";
+
+/** The kind of a unit in XLIFF 1.2 whose message is gone. */
+constexpr const char *obsoleteType = "x-obsolete";
+
+/** Whose notes the hints are, in files that say so. */
+constexpr const char *developer = "developer";
+
+enum class State
+{
+    untranslated,
+    fuzzy, // somebody has to look at it again
+    finished
+};
+
+/** What an entry is called: the number of its message, for a variant that of its selector and a label. */
+struct Key
+{
+    int number = 0;
+    std::string label; // "few", "=0", or empty
+
+    bool operator==(const Key &other) const { return number == other.number && label == other.label; }
+    bool operator<(const Key &other) const
+    {
+        return number != other.number ? number < other.number : label < other.label;
+    }
+};
+
+/** "12[few]". */
+std::string written(const Key &key);
+
+/** Reads "12", "12[few]", "12.few" and "12.is0"; nothing for any other text. */
+std::optional<Key> readKey(std::string_view text);
+
+/** A text as it stands in a bilingual file. */
+struct WrittenText
+{
+    std::string raw; // with its escapes
+    std::vector<check::Piece> pieces;
+    check::Range tag;       // where it begins
+    bool isComplete = true; // all of it was understood
+};
+
+struct Entry
+{
+    Key key;
+    std::string name;
+    std::string source; // as a program gets it
+    std::string target; // the same
+    bool hasTarget = false;
+    State state = State::untranslated;
+    bool isObsolete = false;                   // the reference has no such message any more
+    std::optional<std::string> previousSource; // what a fuzzy entry was translated from
+    std::vector<Note> hints;                   // of those who wrote the program
+    Remarks remarks;                           // of translators
+
+    check::Range place; // of the entry, where it was read
+    WrittenText written;
+    check::Findings findings; // what is wrong with its translation
+};
+
+struct Bilingual
+{
+    std::string sourceLanguage;
+    std::string targetLanguage;
+    std::string original;  // the name of the reference
+    Attributes attributes; // of the reference's "file"
+    std::vector<Entry> entries;
+};
+
+/** A bilingual catalog and the file that it was read from. */
+struct BilingualFile
+{
+    Bilingual content;
+    check::SourceText source;
+    check::Findings findings; // against the file as a whole
+    check::Range body;
+    check::Range languagePlace;
+    bool isWhole = true;
+    bool hasColumns = true; // else places are lines
+};
+
+} // namespace tool::bilingual
+
+#endif

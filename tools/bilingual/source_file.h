@@ -1,0 +1,47 @@
+/**
+ * Message files on their way into bilingual catalogs: the reference, whose messages are to be translated, and a
+ * translation that exists already.
+ */
+#ifndef KELTO_TOOLS_BILINGUAL_SOURCE_FILE_H
+#define KELTO_TOOLS_BILINGUAL_SOURCE_FILE_H
+
+#include "bilingual/entry.h"
+#include "check/catalog.h"
+#include "check/checks.h"
+
+#include <optional>
+#include <string>
+
+namespace tool::bilingual
+{
+
+/** A message file with all that it says. */
+struct SourceFile
+{
+    explicit SourceFile(check::SourceText source);
+    static SourceFile read(const std::string &path);
+
+    check::Catalog catalog;
+    FileRemarks remarks;
+};
+
+/** The entries of the messages of a reference, in the order of their numbers: none is translated. */
+Bilingual bilingualOf(const SourceFile &reference);
+
+/** What is left behind when a translation is put into a bilingual catalog. */
+struct Losses
+{
+    size_t outdated = 0;  // translated from another text: now fuzzy
+    size_t unknown = 0;   // messages that the reference lacks: now obsolete
+    size_t leftEmpty = 0; // texts that are empty, but not in the reference
+};
+
+/** Puts the messages of a translation beside those of the reference. */
+Losses addTranslation(Bilingual &catalog, const SourceFile &translation);
+
+/** The notes without those that are the developer's. */
+std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::vector<Note> &hints);
+
+} // namespace tool::bilingual
+
+#endif
