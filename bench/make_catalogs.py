@@ -84,12 +84,36 @@ def resource_bundle(count):
     yield "}\n"
 
 
+FORMS = {"one": "plik", "few": "pliki", "many": "plików"}
+PLACES = {"one": 1, "few": 3, "many": 4}
+
+
+def plural_xliff():
+    yield '<?xml version="1.0" encoding="UTF-8"?>\n<xliff version="1.1">\n'
+    yield '<file source-language="pl" product-name="Bench" product-version="1.0">\n<header/>\n<body>\n'
+    yield '<trans-unit id="12"><source><x ts="%101plural" id="1"/></source></trans-unit>\n'
+    for category, noun in FORMS.items():
+        yield ('<trans-unit ts="%d" id="12[%s]"><source>Skopiowano <x ts="%%d" id="1"/> %s do <x ts="%%s" id="2"/>'
+               '</source></trans-unit>\n' % (101 + PLACES[category], category, noun))
+    yield "</body>\n</file>\n</xliff>\n"
+
+
+def plural_po():
+    yield ('msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n'
+           '"Plural-Forms: nplurals=3; plural=(n==1 ? 0 : n%10>=2 && n%10<=4 && (n%100<12 || n%100>14) ? 1 : 2);\\n"\n')
+    yield '\nmsgid "%d file copied to %s"\nmsgid_plural "%d files copied to %s"\n'
+    for index, noun in enumerate(FORMS.values()):
+        yield 'msgstr[%d] "Skopiowano %%d %s do %%s"\n' % (index, noun)
+
+
 def main():
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
     for count in (10, 2000, 20000):
         (folder / ("messages-%d.xlf" % count)).write_text("".join(xliff(count)), encoding="utf-8")
     (folder / "kelto-bench.po").write_text("".join(po(2000)), encoding="utf-8")
+    (folder / "plural.xlf").write_text("".join(plural_xliff()), encoding="utf-8")
+    (folder / "kelto-plural.po").write_text("".join(plural_po()), encoding="utf-8")
     (folder / "kelto-bench.msg").write_text("".join(msg(2000)), encoding="utf-8")
     (folder / "root.txt").write_text("\ufeff" + "".join(resource_bundle(2000)), encoding="utf-8")
 

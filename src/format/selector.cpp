@@ -4,136 +4,113 @@
 
 #include <climits>
 #include <cstring>
-#include <iterator>
+#include <utility>
 
 namespace
 {
 
 using kelto::Selector;
+using kelto::SelectorFault;
 using kelto::SelectorKind;
-using kelto::SelectorReading;
 
-/** The characters of a text from one place to another. */
-struct Span
-{
-    const char *begin, *end;
-};
-
-struct SelectorName
-{
-    const char *name;
-    size_t length;
-    SelectorKind kind;
-};
-
-constexpr SelectorName selectorNames[] = {
-    {"plural", 6, SelectorKind::plural}, {"ordinal", 7, SelectorKind::ordinal}, {"select", 6, SelectorKind::select}};
-
-const SelectorName *findName(const Span &name)
-{
-    const auto length = static_cast<size_t>(name.end - name.begin);
-    for (const SelectorName &known : selectorNames)
-        if (length == known.length && std::memcmp(name.begin, known.name, length) == 0)
-            return &known;
-    return nullptr;
-}
+constexpr uint64_t largest = INT_MAX;
 
 bool isDigit(char character)
 {
     return character >= '0' && character <= '9';
 }
 
-constexpr uint64_t tooLarge = uint64_t{INT_MAX} + 1;
+/** Takes a number from 1 on; 0 where there is none, or a larger one than 32 bits hold. */
+uint32_t takeNumber(const char *&cursor)
+{
+    constexpr ptrdiff_t mostDigits = 10;
+    while (*cursor == '0')
+        ++cursor;
+    const char *const begin = cursor;
+    uint64_t number = 0;
+    for (unsigned digit = 0; (digit = static_cast<unsigned char>(*cursor) - unsigned{'0'}) < 10; ++cursor)
+        number = number * 10 + digit;
+    return cursor - begin <= mostDigits && number <= largest ? static_cast<uint32_t>(number) : 0;
+}
 
-/** Takes a run of decimal digits; tooLarge or more where it is no number of 32 bits. */
-uint64_t takeNumber(const char *&cursor)
+template <size_t size, size_t... places>
+bool isAt(const char *text, const char (&word)[size], std::index_sequence<places...> /*places*/)
+{
+    return ((text[places] == word[places]) && ...);
+}
+
+/** Takes a word, whatever follows it. */
+template <size_t size> bool take(const char *&cursor, const char (&word)[size])
+{
+    const bool isThere = isAt(cursor, word, std::make_index_sequence<size - 1>());
+    cursor += isThere ? size - 1 : 0;
+    return isThere;
+}
+
+bool takeName(const char *&cursor, SelectorKind &kind)
+{
+    if (take(cursor, "plural["))
+        kind = SelectorKind::plural;
+    else if (take(cursor, "ordinal["))
+        kind = SelectorKind::ordinal;
+    else if (take(cursor, "select["))
+        kind = SelectorKind::select;
+    else
+        return false;
+    return true;
+}
+
+/** Passes flags, width, precision and modifier of a conversion specification, as the parser of formats does. */
+const char *skipLayout(const char *cursor)
+{
+    cursor += std::strspn(cursor, "-+ #0");
+    cursor += *cursor == '*' ? 1 : std::strspn(cursor, "0123456789");
+    if (*cursor == '.')
+    {
+        ++cursor;
+        cursor += *cursor == '*' ? 1 : std::strspn(cursor, "0123456789");
+    }
+    return cursor + (std::strchr("hlL!", *cursor) != nullptr && *cursor != '\0' ? 1 : 0);
+}
+
+/** Whether a number in a text, as of a width, is larger than 32 bits hold. */
+bool isTooLarge(const char *begin, const char *end)
 {
     uint64_t number = 0;
-    for (; isDigit(*cursor); ++cursor)
-        number = number < tooLarge ? number * 10 + static_cast<uint64_t>(*cursor - '0') : number;
-    return number;
+    for (; begin != end && number <= largest; ++begin)
+        number = isDigit(*begin) ? number * 10 + static_cast<uint64_t>(*begin - '0') : 0;
+    return number > largest;
 }
 
-/** One conversion specification that may be a selector, taken apart. */
-struct Parts
-{
-    bool isPlain;   // it has no more than a selector has, and all of that
-    bool hasDigits; // a precision
-    uint64_t row, digits, argument;
-    const SelectorName *name; // null for every other conversion
-    const char *end;          // behind it, or behind the name
-};
+using kelto::WantedPlaces;
 
-/** Passes what stands before the name, as the parser of formats does. */
-void takeLayout(const char *&cursor, Parts &parts)
+constexpr WantedPlaces refused = {KT_ERR_INVALID_PARAMETER, WantedPlaces::end};
+
+WantedPlaces placesOfValue(uint64_t value, unsigned rowLength)
 {
-    const char *const flags = cursor;
-    cursor += std::strspn(cursor, "-+ #0");
-    const char *const width = cursor;
-    parts.row = takeNumber(cursor);
-    const bool isRowOfNumbers = flags == width && cursor != width;
-    const bool isRowZero = flags + 1 == width && *flags == '0' && cursor == width;
-    parts.isPlain = isRowOfNumbers || isRowZero;
-    cursor += *cursor == '*' && cursor == width ? 1 : 0;
-    parts.hasDigits = *cursor == '.';
-    if (parts.hasDigits)
-    {
-        const char *const precision = ++cursor;
-        parts.digits = takeNumber(cursor);
-        if (*cursor == '*' && cursor == precision)
-        {
-            parts.isPlain = false;
-            ++cursor;
-        }
-    }
-    if (*cursor == 'h' || *cursor == 'l' || *cursor == 'L' || *cursor == '!')
-    {
-        parts.isPlain = false;
-        ++cursor;
-    }
+    constexpr uint32_t first = 0 | WantedPlaces::end << 8;
+    return {0, value < rowLength ? static_cast<uint32_t>(value) | first << 8 : first};
 }
 
-/** Takes the conversion specification behind a '%' apart; one of another name only as far as the name. */
-Parts takeParts(const char *cursor)
+/** Of a number whose integer digits are those, with `digits` behind the mark. */
+WantedPlaces placesOfNumber(int category, uint64_t integer, bool isNegative, int digits)
 {
-    Parts parts = {};
-    takeLayout(cursor, parts);
-    const Span name = {cursor, cursor + std::strcspn(cursor, "[")};
-    parts.name = findName(name);
-    parts.end = name.end;
-    if (parts.name == nullptr || *name.end != '[')
-        parts.isPlain = false;
-    else
-    {
-        const char *const position = parts.end + 1;
-        parts.end = position;
-        parts.argument = takeNumber(parts.end);
-        parts.isPlain = parts.isPlain && parts.end != position && *parts.end == ']' && parts.argument != 0;
-        parts.end += *parts.end == ']' ? 1 : 0;
-    }
-    return parts;
+    constexpr uint32_t other = KT_VARIANT_OTHER | WantedPlaces::end << 8;
+    const uint32_t places = static_cast<uint32_t>(category) | other << 8;
+    const bool isExact = integer <= 1 && digits == 0 && (integer == 0 || !isNegative);
+    return {0, isExact ? (KT_VARIANT_EXACTLY_0 + static_cast<uint32_t>(integer)) | places << 8 : places};
 }
 
-SelectorReading faulty(KTRule rule, const char *message, const Span &place)
+/** Of an argument that is no integer. */
+[[gnu::noinline]] WantedPlaces placesOfReal(uint8_t rule, const KTArgument &argument, int digits)
 {
-    return {false, rule, static_cast<size_t>(place.begin - message), static_cast<size_t>(place.end - place.begin), {}};
-}
-
-/** What a message is that has a conversion with the name of a selector. */
-SelectorReading judge(const Parts &parts, const char *message, const Span &place)
-{
-    const bool isAlone = place.begin == message && *place.end == '\0';
-    const bool mayHaveDigits = parts.name->kind != SelectorKind::select;
-    if (!isAlone || !parts.isPlain || (parts.hasDigits && !mayHaveDigits))
-        return faulty(KT_RULE_SELECTOR_ALONE, message, place);
-    if (parts.row >= tooLarge || parts.digits >= tooLarge || parts.argument >= tooLarge)
-        return faulty(KT_RULE_NUMBER_TOO_LARGE, message, place);
-    return {true,
-            KT_RULE_NONE,
-            0,
-            static_cast<size_t>(place.end - place.begin),
-            {parts.name->kind, static_cast<uint32_t>(parts.row), static_cast<uint32_t>(parts.argument),
-             static_cast<int>(parts.digits)}};
+    kelto::ShownNumber number;
+    if (!number.read(argument, digits))
+        return refused;
+    if (!number.isFinite)
+        return placesOfNumber(KT_VARIANT_OTHER, UINT64_MAX, false, digits);
+    const int category = kelto::categoryOf(rule, number.i, static_cast<unsigned>(digits), number.f, number.t);
+    return placesOfNumber(category, number.i, number.isNegative, digits);
 }
 
 } // namespace
@@ -141,21 +118,58 @@ SelectorReading judge(const Parts &parts, const char *message, const Span &place
 namespace kelto
 {
 
-SelectorReading readSelector(const char *message) noexcept
+bool readSelector(const char *message, Selector &selector) noexcept
+{
+    if (*message != '%')
+        return false;
+    const char *cursor = message + 1;
+    if (!isDigit(cursor[0]) || (cursor[0] == '0' && isDigit(cursor[1]))) // where it is a flag
+        return false;
+    const bool isRowZero = *cursor == '0';
+    selector.row = takeNumber(cursor);
+    if (selector.row == 0 && !isRowZero)
+        return false;
+    selector.digits = 0;
+    const bool hasDigits = *cursor == '.';
+    if (hasDigits)
+    {
+        const char *const begin = ++cursor;
+        selector.digits = static_cast<int>(takeNumber(cursor));
+        if (isTooLarge(begin, cursor))
+            return false;
+    }
+    if (!takeName(cursor, selector.kind))
+        return false;
+    selector.argument = takeNumber(cursor);
+    const bool isWhole = selector.argument != 0 && cursor[0] == ']' && cursor[1] == '\0';
+    return isWhole && !(hasDigits && selector.kind == SelectorKind::select);
+}
+
+SelectorFault findSelectorFault(const char *message) noexcept
 {
     for (const char *percent = std::strchr(message, '%'); percent != nullptr;)
     {
-        const char *next = percent + 2;
-        if (percent[1] != '%')
+        const char *next = percent + 1;
+        if (*next != '%')
         {
-            const Parts parts = takeParts(percent + 1);
-            if (parts.name != nullptr)
-                return judge(parts, message, {percent, parts.end});
-            next = parts.end;
+            const char *const name = skipLayout(next);
+            const char *behind = name;
+            SelectorKind kind;
+            const bool hasName = takeName(behind, kind);
+            next = name;
+            if (hasName)
+            {
+                behind += std::strspn(behind, "0123456789");
+                behind += *behind == ']' ? 1 : 0;
+                const KTRule rule = isTooLarge(percent, behind) ? KT_RULE_NUMBER_TOO_LARGE : KT_RULE_SELECTOR_ALONE;
+                return {rule, static_cast<size_t>(percent - message), static_cast<size_t>(behind - percent)};
+            }
         }
+        else
+            ++next;
         percent = std::strchr(next, '%');
     }
-    return {};
+    return {KT_RULE_NONE, 0, 0};
 }
 
 bool selectsBy(const Selector &selector, uint32_t slotCode) noexcept
@@ -165,33 +179,20 @@ bool selectsBy(const Selector &selector, uint32_t slotCode) noexcept
            (isReal && selector.kind == SelectorKind::plural);
 }
 
-int findWantedPlaces(const Selector &selector, LanguageRules rules, const KTArgument *arguments, size_t count,
-                     WantedPlaces &wanted) noexcept
+WantedPlaces findWantedPlaces(const Selector &selector, LanguageRules rules, const KTArgument *arguments,
+                              size_t count) noexcept
 {
-    ShownNumber number;
     if (selector.argument > count)
-        return KT_ERR_INVALID_PARAMETER;
+        return refused;
     const KTArgument &argument = arguments[selector.argument - 1];
-    if (!number.read(argument, selector.digits) || (selector.kind != SelectorKind::plural && !isInteger(argument)))
-        return KT_ERR_INVALID_PARAMETER;
-    const auto want = [&wanted](unsigned place) { wanted.places[wanted.count++] = static_cast<uint8_t>(place); };
-    const uint64_t integer = number.operands.i.value;
+    const uint8_t rule = selector.kind == SelectorKind::ordinal ? rules.ordinal : rules.cardinal;
+    if (!isInteger(argument))
+        return selector.kind == SelectorKind::plural ? placesOfReal(rule, argument, selector.digits) : refused;
+    const uint64_t magnitude = magnitudeOf(argument);
     if (selector.kind == SelectorKind::select)
-    {
-        if (!number.isNegative && integer < selector.rowLength())
-            want(static_cast<unsigned>(integer));
-        want(0);
-        return 0;
-    }
-    if (number.isFinite)
-    {
-        if (selector.digits == 0 && integer <= 1 && (integer == 0 || !number.isNegative))
-            want(KT_VARIANT_EXACTLY_0 + static_cast<unsigned>(integer));
-        want(static_cast<unsigned>(
-            categoryOf(selector.kind == SelectorKind::ordinal ? rules.ordinal : rules.cardinal, number.operands)));
-    }
-    want(KT_VARIANT_OTHER);
-    return 0;
+        return placesOfValue(isNegative(argument) ? UINT64_MAX : magnitude, selector.rowLength());
+    const int category = categoryOf(rule, magnitude, static_cast<unsigned>(selector.digits), 0, 0);
+    return placesOfNumber(category, magnitude, isNegative(argument), selector.digits);
 }
 
 } // namespace kelto

@@ -35,31 +35,37 @@ struct Selector
     unsigned rowLength() const noexcept { return kind == SelectorKind::select ? 64 : KT_VARIANT_EXACTLY_1 + 1; }
 };
 
-/** What a message is. */
-struct SelectorReading
+/** Reads a message; false where it is no selector. */
+bool readSelector(const char *message, Selector &selector) noexcept;
+
+/** Why a message that was meant as a selector is none. */
+struct SelectorFault
 {
-    bool isSelector;
-    KTRule fault;          /**< why one that was meant as a selector is none; KT_RULE_NONE of any other message */
+    KTRule rule;           /**< KT_RULE_NONE of a message that was not meant as one */
     size_t offset, length; /**< of the conversion that is at fault */
-    Selector selector;
 };
 
-/** Reads a message. What is no selector, and was not meant as one, is an ordinary message. */
-SelectorReading readSelector(const char *message) noexcept;
+/** Looks through a message that is no selector. */
+SelectorFault findSelectorFault(const char *message) noexcept;
 
 /** Whether a slot takes what the selector selects by. */
 bool selectsBy(const Selector &selector, uint32_t slotCode) noexcept;
 
-/** The places of a row that serve a call, the most wanted first. */
+/** The places of a row that serve a call, the most wanted first, a byte each from the lowest on. */
 struct WantedPlaces
 {
-    unsigned count = 0;
-    uint8_t places[3];
+    static constexpr uint32_t end = 0xFF; /**< behind the last of them */
+
+    int result; /**< 0, or KT_ERR_INVALID_PARAMETER where the argument that selects is missing or no number */
+    uint32_t places;
+
+    bool isEmpty() const noexcept { return (places & end) == end; }
+    unsigned front() const noexcept { return places & 0xFF; }
+    void pop() noexcept { places >>= 8; }
 };
 
-/** @return 0, or KT_ERR_INVALID_PARAMETER where the argument that selects is missing or no number. */
-int findWantedPlaces(const Selector &selector, LanguageRules rules, const KTArgument *arguments, size_t count,
-                     WantedPlaces &wanted) noexcept;
+WantedPlaces findWantedPlaces(const Selector &selector, LanguageRules rules, const KTArgument *arguments,
+                              size_t count) noexcept;
 
 } // namespace kelto
 

@@ -31,14 +31,13 @@ const KTPreparedFormat *chooseVariant(const KTPreparedFormat &prepared, const KT
     const KTPreparedFormat *format = &prepared;
     while (const PreparedVariants *const variants = format->variants)
     {
-        WantedPlaces wanted;
-        result = findWantedPlaces(variants->selector, variants->rules, arguments, count, wanted);
+        WantedPlaces wanted = findWantedPlaces(variants->selector, variants->rules, arguments, count);
+        result = wanted.result;
         if (result != 0)
             return nullptr;
-        format = nullptr;
-        for (unsigned i = 0; i < wanted.count && format == nullptr; ++i)
-            if (wanted.places[i] < variants->rowLength)
-                format = variants->row[wanted.places[i]];
+        for (format = nullptr; format == nullptr && !wanted.isEmpty(); wanted.pop())
+            if (wanted.front() < variants->rowLength)
+                format = variants->row[wanted.front()];
         if (format == nullptr)
         {
             result = KT_ERR_INVALID_MSG_ID;

@@ -5,9 +5,7 @@
 #ifndef KELTO_MESSAGE_TABLE_VIEW_H
 #define KELTO_MESSAGE_TABLE_VIEW_H
 
-#include "kelto.h"
-
-#include <cstdint>
+#include "message/table_list.h"
 
 namespace kelto
 {
@@ -21,18 +19,15 @@ public:
     /** The message of a number, or null. */
     const char *message(uint64_t id) const noexcept
     {
-        return id - 1 < m_count ? m_messages[id] : nullptr; // 0 too, since it wraps
+        return id - 1 < m_table->msgCount ? m_table->messages[id] : nullptr; // 0 too, since it wraps
     }
 
-    uint32_t highestId() const noexcept { return m_count; }
-
-    /** The language that the file names, as "de_AT". */
-    const char *language() const noexcept { return m_language; }
+    /** The language that the file names, two letters, and the country, which may be the empty text. */
+    const char *language() const noexcept { return m_table->language; }
+    const char *country() const noexcept { return m_table->country; }
 
 private:
-    char **m_messages = nullptr;
-    uint32_t m_count = 0;
-    char m_language[6] = {};
+    const MessageTable *m_table = nullptr;
 };
 
 } // namespace kelto

@@ -1,7 +1,7 @@
 /**
- * What a rule of a language looks at: a number as it is shown, in the operands of CLDR's rules. Numbers are taken in 64
- * bits; of one with more digits each operand keeps its last eighteen, and that it is large, which is all that a rule
- * asks for.
+ * What a rule of a language looks at, in CLDR's letters: of a number as it is shown the integer digits i, how many digits
+ * v stand behind the mark, these digits f, and t without the zeros at their end; and the number n itself, which is i where
+ * t is 0, and else no integer.
  */
 #ifndef KELTO_PLURAL_PLURAL_OPERANDS_H
 #define KELTO_PLURAL_PLURAL_OPERANDS_H
@@ -13,22 +13,13 @@
 namespace kelto
 {
 
-/** One operand. What is no integer, as n is with digits behind the mark, equals none and lies in no range. */
+/** One operand. What is no integer equals none and lies in no range. */
 struct PluralOperand
 {
     uint64_t value;
     bool isInteger = true;
 
     constexpr PluralOperand operator%(uint64_t modulus) const { return {value % modulus, isInteger}; }
-};
-
-struct PluralOperands
-{
-    PluralOperand n; /**< the number itself, without its sign */
-    PluralOperand i; /**< its integer digits */
-    PluralOperand v; /**< how many digits it shows behind the mark */
-    PluralOperand f; /**< those digits */
-    PluralOperand t; /**< those digits without zeros at their end */
 };
 
 /** Both ends belong to it. */

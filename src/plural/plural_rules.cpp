@@ -20,7 +20,7 @@ constexpr unsigned letterCount = 26;
 /** The place of a letter in the alphabet, in either case; letterCount or more for any other character. */
 constexpr unsigned letterOf(char character)
 {
-    return (static_cast<unsigned char>(character) | 0x20U) - 'a';
+    return static_cast<unsigned>(character | 0x20) - 'a';
 }
 
 /** Two letters as a number in the order of the alphabet. */
@@ -29,20 +29,24 @@ constexpr unsigned orderOf(const char *letters)
     return letterOf(letters[0]) * letterCount + letterOf(letters[1]);
 }
 
-/** Where the languages of two letters stand in the table, counted from 1; 0 for what is none. */
-struct TwoLetterIndex
+/** The rules of every language of two letters, by its letters; what is no language has those that know "other" alone. */
+struct TwoLetterRules
 {
-    uint8_t place[letterCount * letterCount] = {};
+    LanguageRules of[letterCount * letterCount] = {};
 };
 
-constexpr TwoLetterIndex indexTwoLetters()
+constexpr LanguageRules rulesIn(const Row &row)
 {
-    static_assert(std::size(kelto::plural_table::twoLetters) <= UINT8_MAX);
-    TwoLetterIndex index;
-    uint8_t place = 0;
+    return {static_cast<uint8_t>(row.cardinal), static_cast<uint8_t>(row.ordinal)};
+}
+
+constexpr TwoLetterRules indexTwoLetters()
+{
+    static_assert(static_cast<uint8_t>(PluralRule::alwaysOther) == 0);
+    TwoLetterRules rules;
     for (const Row &row : kelto::plural_table::twoLetters)
-        index.place[orderOf(row.code)] = ++place;
-    return index;
+        rules.of[orderOf(row.code)] = rulesIn(row);
+    return rules;
 }
 
 /** Of the languages of three letters, where those of each first letter begin, and behind the last where they end. */
@@ -60,16 +64,12 @@ constexpr ThreeLetterIndex indexThreeLetters()
     return index;
 }
 
-constexpr TwoLetterIndex twoLetterIndex = indexTwoLetters();
+constexpr TwoLetterRules twoLetterRules = indexTwoLetters();
 constexpr ThreeLetterIndex threeLetterIndex = indexThreeLetters();
 
-const Row *findTwoLetters(const char *code)
-{
-    const unsigned place = twoLetterIndex.place[orderOf(code)];
-    return place != 0 ? &kelto::plural_table::twoLetters[place - 1] : nullptr;
-}
+constexpr LanguageRules unknown = {};
 
-const Row *findThreeLetters(const char *code)
+LanguageRules findThreeLetters(const char *code)
 {
     const unsigned first = letterOf(code[0]);
     unsigned begin = threeLetterIndex.begin[first];
@@ -81,10 +81,10 @@ const Row *findThreeLetters(const char *code)
         const Row &row = kelto::plural_table::threeLetters[middle];
         const unsigned order = orderOf(row.code + 1);
         if (order == wanted)
-            return &row;
+            return rulesIn(row);
         (order < wanted ? begin : end) = order < wanted ? middle + 1 : middle;
     }
-    return nullptr;
+    return unknown;
 }
 
 bool endsLanguage(char character)
@@ -92,41 +92,51 @@ bool endsLanguage(char character)
     return character == '\0' || character == '_' || character == '-' || character == '.' || character == '@';
 }
 
-/** The row of a region that is named behind the language, if it has one of its own. */
-const Row *findRegion(const Row &language, const char *behind)
+bool isTwoLetters(const char *code)
 {
-    const unsigned code = orderOf(language.code);
-    if (code < orderOf(std::begin(regions)->code) || code > orderOf((std::end(regions) - 1)->code))
-        return nullptr;
+    return letterOf(code[0]) < letterCount && letterOf(code[1]) < letterCount;
+}
+
+/** The rules of a region of two letters, where it has its own; else those of the language, of two letters too. */
+LanguageRules findRegion(const char *language, const char *region)
+{
+    const unsigned wanted = orderOf(language);
+    const bool mayHaveRegions =
+        wanted >= orderOf(std::begin(regions)->code) && wanted <= orderOf(std::rbegin(regions)->code);
+    for (const Row *row = std::begin(regions); mayHaveRegions && row != std::end(regions); ++row)
+        if (orderOf(row->code) == wanted && orderOf(row->region) == orderOf(region))
+            return rulesIn(*row);
+    return twoLetterRules.of[wanted];
+}
+
+/** The rules of what is more than a language of two letters. */
+[[gnu::noinline]] LanguageRules findLongName(const char *locale)
+{
+    const unsigned letters = letterOf(locale[2]) < letterCount ? 3 : 2;
+    const char *behind = locale + letters;
+    if (!endsLanguage(*behind))
+        return unknown;
+    if (letters == 3)
+        return findThreeLetters(locale);
     while (*behind == '_' || *behind == '-')
     {
         const char *const begin = ++behind;
         while (!endsLanguage(*behind))
             ++behind;
-        if (behind - begin != 2)
-            continue;
-        for (const Row &row : regions)
-            if (orderOf(row.code) == code && orderOf(row.region) == orderOf(begin))
-                return &row;
+        if (behind - begin == 2 && isTwoLetters(begin))
+            return findRegion(locale, begin);
     }
-    return nullptr;
+    return twoLetterRules.of[orderOf(locale)];
 }
 
-/** The row of a language with its region, or null. */
-const Row *findLanguage(const char *locale)
+/** The category of an argument that is no integer. */
+[[gnu::noinline]] int categoryOfReal(uint8_t rule, const KTArgument &number, int digits)
 {
-    unsigned letters = 0;
-    while (letters < 4 && letterOf(locale[letters]) < letterCount)
-        ++letters;
-    if (!endsLanguage(locale[letters]))
-        return nullptr;
-    const Row *row = nullptr;
-    if (letters == 2)
-        row = findTwoLetters(locale);
-    else if (letters == 3)
-        row = findThreeLetters(locale);
-    const Row *const region = row != nullptr ? findRegion(*row, locale + letters) : nullptr;
-    return region != nullptr ? region : row;
+    kelto::ShownNumber shown;
+    if (!shown.read(number, digits))
+        return KT_ERR_INVALID_PARAMETER;
+    return shown.isFinite ? kelto::categoryOf(rule, shown.i, static_cast<unsigned>(digits), shown.f, shown.t)
+                          : int{KT_VARIANT_OTHER};
 }
 
 } // namespace
@@ -136,25 +146,33 @@ namespace kelto
 
 LanguageRules rulesOf(const char *locale) noexcept
 {
-    const Row *const row = findLanguage(locale);
-    if (row == nullptr)
-        return {static_cast<uint8_t>(PluralRule::alwaysOther), static_cast<uint8_t>(PluralRule::alwaysOther)};
-    return {static_cast<uint8_t>(row->cardinal), static_cast<uint8_t>(row->ordinal)};
+    if (!isTwoLetters(locale))
+        return unknown;
+    return locale[2] == '\0' ? twoLetterRules.of[orderOf(locale)] : findLongName(locale);
 }
 
-int categoryOf(uint8_t rule, const PluralOperands &number) noexcept
+LanguageRules rulesOf(const char *language, const char *country) noexcept
 {
-    return plural_table::categoryBy(static_cast<PluralRule>(rule), number);
+    if (!isTwoLetters(language))
+        return unknown;
+    return isTwoLetters(country) ? findRegion(language, country) : twoLetterRules.of[orderOf(language)];
+}
+
+// By values, which stay in registers.
+[[gnu::noinline]] int categoryOf(uint8_t rule, uint64_t i, uint64_t v, uint64_t f, uint64_t t) noexcept
+{
+    return plural_table::categoryBy(static_cast<PluralRule>(rule), i, v, f, t);
 }
 
 } // namespace kelto
 
 int KTPluralCategory(const char *locale, bool ordinal, KTArgument number, int digits)
 {
-    kelto::ShownNumber shown;
-    if (locale == nullptr || digits < 0 || !shown.read(number, digits) || (ordinal && !kelto::isInteger(number)))
+    if (locale == nullptr || digits < 0 || (ordinal && !kelto::isInteger(number)))
         return KT_ERR_INVALID_PARAMETER;
     const LanguageRules rules = kelto::rulesOf(locale);
-    return shown.isFinite ? kelto::categoryOf(ordinal ? rules.ordinal : rules.cardinal, shown.operands)
-                          : int{KT_VARIANT_OTHER};
+    const uint8_t rule = ordinal ? rules.ordinal : rules.cardinal;
+    if (!kelto::isInteger(number))
+        return categoryOfReal(rule, number, digits);
+    return kelto::categoryOf(rule, kelto::magnitudeOf(number), static_cast<unsigned>(digits), 0, 0);
 }

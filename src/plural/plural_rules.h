@@ -6,7 +6,7 @@
 #ifndef KELTO_PLURAL_PLURAL_RULES_H
 #define KELTO_PLURAL_PLURAL_RULES_H
 
-#include "plural/plural_operands.h"
+#include "kelto.h"
 
 namespace kelto
 {
@@ -19,8 +19,11 @@ struct LanguageRules
 
 LanguageRules rulesOf(const char *locale) noexcept;
 
-/** One of KTVariant, KT_VARIANT_ZERO to KT_VARIANT_OTHER. */
-int categoryOf(uint8_t rule, const PluralOperands &number) noexcept;
+/** The same of a language and a country of two letters each; the country may be the empty text. */
+LanguageRules rulesOf(const char *language, const char *country) noexcept;
+
+/** The category of a number by a rule: one of KTVariant, KT_VARIANT_ZERO to KT_VARIANT_OTHER. */
+int categoryOf(uint8_t rule, uint64_t i, uint64_t v, uint64_t f, uint64_t t) noexcept;
 
 } // namespace kelto
 

@@ -78,9 +78,9 @@ enum class PluralRule : uint8_t
     ordinalUk
 };
 
-inline int categoryBy(PluralRule rule, const PluralOperands &x) noexcept
+inline int categoryBy(PluralRule rule, uint64_t integer, uint64_t shown, uint64_t fraction, uint64_t trimmed)
 {
-    const auto [n, i, v, f, t] = x;
+    const PluralOperand n{integer, trimmed == 0}, i{integer}, v{shown}, f{fraction}, t{trimmed};
     switch (rule)
     {
     case PluralRule::alwaysOther:

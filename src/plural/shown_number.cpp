@@ -58,7 +58,7 @@ int print(char *out, size_t size, int digits, long double value)
 namespace kelto
 {
 
-bool ShownNumber::readReal(const KTArgument &argument, int digits) noexcept
+bool ShownNumber::read(const KTArgument &argument, int digits) noexcept
 {
     if (argument.type == KT_ARGUMENT_DOUBLE)
         return readReal(argument.value.d, digits);
@@ -102,9 +102,9 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         }
         behind.appendZeros(digits - printed);
     }
-    const bool isWhole = significant.value() == 0;
-    operands = {
-        {integer, isWhole}, {integer}, {static_cast<uint64_t>(digits)}, {behind.value()}, {significant.value()}};
+    i = integer;
+    f = behind.value();
+    t = significant.value();
     return true;
 }
 

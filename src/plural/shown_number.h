@@ -1,11 +1,12 @@
 /**
- * A typed argument as the number that a text shows: its magnitude, its sign, and so many digits behind the mark, rounded
- * as "f" rounds them.
+ * A typed argument as the number that a text shows: an integer as it is, a number with a fraction with so many digits
+ * behind the mark, rounded as "f" rounds them. It is taken in 64 bits; of more digits than these hold the last eighteen
+ * are kept, and that the number is large, which is all that rules ask for.
  */
 #ifndef KELTO_PLURAL_SHOWN_NUMBER_H
 #define KELTO_PLURAL_SHOWN_NUMBER_H
 
-#include "plural/plural_operands.h"
+#include "kelto.h"
 
 namespace kelto
 {
@@ -16,27 +17,29 @@ constexpr bool isInteger(const KTArgument &argument) noexcept
     return argument.type >= KT_ARGUMENT_INT && argument.type <= KT_ARGUMENT_UINT64;
 }
 
+/** Whether an integer is below 0. */
+constexpr bool isNegative(const KTArgument &integer) noexcept
+{
+    return (integer.type == KT_ARGUMENT_INT || integer.type == KT_ARGUMENT_INT64) && integer.value.i < 0;
+}
+
+/** An integer without its sign. */
+constexpr uint64_t magnitudeOf(const KTArgument &integer) noexcept
+{
+    return isNegative(integer) ? 0 - static_cast<uint64_t>(integer.value.i) : static_cast<uint64_t>(integer.value.i);
+}
+
+/** A number with a fraction, in the operands of the rules. */
 struct ShownNumber
 {
-    PluralOperands operands;
+    uint64_t i, f, t;
     bool isNegative;
     bool isFinite; /**< else there are no operands */
 
-    /** Reads an argument, shown with `digits` behind the mark; false where it is no number. */
-    bool read(const KTArgument &argument, int digits) noexcept
-    {
-        if (!isInteger(argument))
-            return readReal(argument, digits);
-        const bool isSigned = argument.type == KT_ARGUMENT_INT || argument.type == KT_ARGUMENT_INT64;
-        isNegative = isSigned && argument.value.i < 0;
-        isFinite = true;
-        const uint64_t magnitude = isNegative ? 0 - argument.value.u : argument.value.u;
-        operands = {{magnitude}, {magnitude}, {static_cast<uint64_t>(digits)}, {0}, {0}};
-        return true;
-    }
+    /** Reads a double or long double; false where the argument is none. */
+    bool read(const KTArgument &argument, int digits) noexcept;
 
 private:
-    bool readReal(const KTArgument &argument, int digits) noexcept;
     template <typename Real> bool readReal(Real value, int digits) noexcept;
 };
 

@@ -21,7 +21,7 @@ using kelto::FormatVerdict;
 using kelto::MessageVerdict;
 using kelto::PreparedOwner;
 using kelto::PreparedVariants;
-using kelto::SelectorReading;
+using kelto::Selector;
 using kelto::TableView;
 
 constexpr size_t maxMessages = 1024;
@@ -34,9 +34,10 @@ constexpr KTProblem noProblem = {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 
 struct Visited
 {
     uint32_t id;
+    bool isSelector;
     uint32_t height;          // the selectors from it on, itself counted; 0 of an ordinary message
     KTPreparedFormat *format; // null while its row is visited
-    SelectorReading reading;
+    Selector selector;
 };
 
 /** The messages that were visited, by their numbers; it owns their formats. */
@@ -108,7 +109,9 @@ class MessagePreparation
 {
 public:
     MessagePreparation(const TableView &table, const char *locale, formTable *forms)
-        : m_table(table), m_rules(kelto::rulesOf(locale)), m_forms(forms), m_withNil(forms)
+        : m_table(table),
+          m_rules(locale != nullptr ? kelto::rulesOf(locale) : kelto::rulesOf(table.language(), table.country())),
+          m_forms(forms), m_withNil(forms)
     {
     }
 
@@ -136,16 +139,17 @@ private:
     /** Refuses a selector as a whole. */
     int refuse(int result, KTRule rule, const Visited &selector)
     {
-        return refuse(result, {0, rule, 0, 0, 0, selector.reading.length, nullptr, nullptr, selector.id});
+        return refuse(result, {0, rule, 0, 0, 0, lengthOf(selector), nullptr, nullptr, selector.id});
     }
 
     /** Prepares a message that the table has, `steps` selectors away from the first. */
     int visit(uint32_t id, unsigned steps)
     {
-        Visited message = {id, 0, nullptr, kelto::readSelector(m_table.message(id))};
+        Visited message = {id, false, 0, nullptr, {}};
+        message.isSelector = kelto::readSelector(m_table.message(id), message.selector);
         if (m_messages.count() == maxMessages)
             return refuse(KT_ERR_FORMAT_SYNTAX, KT_RULE_SELECTOR_SIZE, message);
-        if (!message.reading.isSelector)
+        if (!message.isSelector)
             return prepareText(message);
         message.height = 1;
         if (steps == kelto::maxSelectionSteps)
@@ -159,7 +163,7 @@ private:
 
     int visitRow(Visited &selector, unsigned steps)
     {
-        const kelto::Selector &row = selector.reading.selector;
+        const Selector &row = selector.selector;
         bool isEmpty = true;
         for (unsigned place = 0; place < row.rowLength(); ++place)
         {
@@ -174,7 +178,7 @@ private:
                     return result;
                 known = m_messages.find(id);
             }
-            const bool leadsBack = known->reading.isSelector && known->format == nullptr;
+            const bool leadsBack = known->isSelector && known->format == nullptr;
             if (leadsBack || steps + 1 + known->height > kelto::maxSelectionSteps)
                 return refuse(KT_ERR_FORMAT_SYNTAX, KT_RULE_SELECTOR_DEPTH, selector);
             selector.height = std::max(selector.height, known->height + 1);
@@ -184,7 +188,7 @@ private:
 
     int fillRow(const Visited &selector)
     {
-        const kelto::Selector &row = selector.reading.selector;
+        const Selector &row = selector.selector;
         unsigned length = row.rowLength();
         while (messageAt(row, length - 1) == 0)
             --length;
@@ -200,8 +204,10 @@ private:
         return 0;
     }
 
+    size_t lengthOf(const Visited &message) const { return std::strlen(m_table.message(message.id)); }
+
     /** The number of the message at a place of a row; 0 where there is none. */
-    uint32_t messageAt(const kelto::Selector &selector, unsigned place) const
+    uint32_t messageAt(const Selector &selector, unsigned place) const
     {
         const uint64_t id = uint64_t{selector.row} + place;
         return selector.row != 0 && m_table.message(id) != nullptr ? static_cast<uint32_t>(id) : 0;
@@ -213,10 +219,10 @@ private:
         FormatVerdict verdict = kelto::prepareFormat(m_table.message(message.id), m_withNil.table(), owner);
         if (verdict.result != 0)
         {
-            const bool isSelector = message.reading.fault != KT_RULE_NONE &&
-                                    verdict.rule == KT_RULE_UNKNOWN_CONVERSION &&
-                                    verdict.offset == message.reading.offset;
-            const int rule = isSelector ? message.reading.fault : verdict.rule;
+            const kelto::SelectorFault fault = kelto::findSelectorFault(m_table.message(message.id));
+            const bool isMeant = fault.rule != KT_RULE_NONE && verdict.rule == KT_RULE_UNKNOWN_CONVERSION &&
+                                 verdict.offset == fault.offset;
+            const int rule = isMeant ? fault.rule : verdict.rule;
             return refuse(verdict.result,
                           {0, rule, 0, verdict.position, verdict.offset, verdict.length, nullptr, nullptr, message.id});
         }
@@ -249,9 +255,9 @@ private:
     /** Whether the variants take an argument that a selector can select by. */
     int checkArgument(const Visited &message)
     {
-        if (!message.reading.isSelector)
+        if (!message.isSelector)
             return 0;
-        const kelto::Selector &selector = message.reading.selector;
+        const Selector &selector = message.selector;
         const bool isThere = selector.argument <= m_first->slotCount;
         const uint32_t code = isThere ? m_first->slots[selector.argument - 1].code : 0;
         if (kelto::selectsBy(selector, code))
@@ -259,7 +265,7 @@ private:
         const bool isText = code == KT_SLOT_UTF8 || code == KT_SLOT_UCS2;
         const char *const found = isText ? "a text" : isThere ? kelto::slotName(code) : missing;
         return refuse(KT_ERR_INVALID_PARAMETER, {0, KT_RULE_SELECTOR_ARGUMENT, selector.argument, selector.argument, 0,
-                                                 message.reading.length, nullptr, found, message.id});
+                                                 lengthOf(message), nullptr, found, message.id});
     }
 
     int handOver(uint32_t id, PreparedOwner &prepared)
@@ -318,8 +324,7 @@ int KTPrepareMessage(MessageTable *table, unsigned int id, const char *locale, f
     if (!view.open(table))
         return KT_ERR_TABLE_NOT_FOUND;
     PreparedOwner owner;
-    const int result =
-        kelto::prepareMessage(view, id, locale != nullptr ? locale : view.language(), forms, owner).result;
+    const int result = kelto::prepareMessage(view, id, locale, forms, owner).result;
     *prepared = owner.release();
     return result;
 }
@@ -335,7 +340,7 @@ int KTExplainMessage(MessageTable *table, unsigned int id, formTable *forms, KTP
     if (!view.open(table))
         return KT_ERR_TABLE_NOT_FOUND;
     PreparedOwner owner;
-    const MessageVerdict verdict = kelto::prepareMessage(view, id, view.language(), forms, owner);
+    const MessageVerdict verdict = kelto::prepareMessage(view, id, nullptr, forms, owner);
     report.set(verdict.problem);
     return verdict.result;
 }

@@ -20,7 +20,7 @@ struct MessageVerdict
 
 /**
  * KTPrepareMessage() for a table that was found.
- * @param locale  the language whose rules count; not null.
+ * @param locale  the language whose rules count; null for the file's.
  * @param forms   may be null.
  */
 MessageVerdict prepareMessage(const TableView &table, uint32_t id, const char *locale, formTable *forms,

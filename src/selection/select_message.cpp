@@ -5,12 +5,12 @@
 namespace
 {
 
-/** The message at one of the places that are wanted: its number, or 0. */
-uint32_t firstThere(const kelto::TableView &table, uint32_t row, const kelto::WantedPlaces &wanted)
+/** The first message at the places that are wanted: its number, or 0. */
+uint32_t firstThere(const kelto::TableView &table, uint32_t row, kelto::WantedPlaces wanted)
 {
-    for (unsigned i = 0; i < wanted.count && row != 0; ++i)
-        if (table.message(uint64_t{row} + wanted.places[i]) != nullptr)
-            return row + wanted.places[i];
+    for (; !wanted.isEmpty(); wanted.pop())
+        if (table.message(uint64_t{row} + wanted.front()) != nullptr)
+            return row != 0 ? row + wanted.front() : 0;
     return 0;
 }
 
@@ -25,22 +25,28 @@ int follow(const kelto::TableView &table, kelto::LanguageRules rules, const KTAr
             id = 0;
         if (id == 0)
             return 0;
-        const kelto::SelectorReading reading = kelto::readSelector(message);
-        if (!reading.isSelector)
-            return reading.fault == KT_RULE_NONE ? 0 : KT_ERR_FORMAT_SYNTAX;
+        kelto::Selector selector;
+        if (!kelto::readSelector(message, selector))
+        {
+            // A selector in the middle of a variant is refused by the format call to come.
+            const bool isLookedThrough = steps == 0 || *message == '%';
+            return isLookedThrough && kelto::findSelectorFault(message).rule != KT_RULE_NONE ? int{KT_ERR_FORMAT_SYNTAX}
+                                                                                             : 0;
+        }
         if (steps == kelto::maxSelectionSteps)
             return KT_ERR_FORMAT_SYNTAX;
-        kelto::WantedPlaces wanted;
-        if (const int result = kelto::findWantedPlaces(reading.selector, rules, arguments, count, wanted))
-            return result;
-        id = firstThere(table, reading.selector.row, wanted);
+        const kelto::WantedPlaces wanted = kelto::findWantedPlaces(selector, rules, arguments, count);
+        if (wanted.result != 0)
+            return wanted.result;
+        id = firstThere(table, selector.row, wanted);
     }
 }
 
 } // namespace
 
-int KTSelectMessage(MessageTable *table, unsigned int *id, const char *locale, const KTArgument *arguments,
-                    size_t count, char **message)
+// Flattened like the format calls.
+[[gnu::flatten]] int KTSelectMessage(MessageTable *table, unsigned int *id, const char *locale,
+                                     const KTArgument *arguments, size_t count, char **message)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
@@ -52,8 +58,9 @@ int KTSelectMessage(MessageTable *table, unsigned int *id, const char *locale, c
     if (!view.open(table))
         return KT_ERR_TABLE_NOT_FOUND;
     uint32_t selected = *id;
-    const char *const language = locale != nullptr ? locale : view.language();
-    if (const int result = follow(view, kelto::rulesOf(language), arguments, count, selected))
+    const kelto::LanguageRules rules =
+        locale != nullptr ? kelto::rulesOf(locale) : kelto::rulesOf(view.language(), view.country());
+    if (const int result = follow(view, rules, arguments, count, selected))
         return result;
     *id = selected;
     *message = const_cast<char *>(view.message(selected));

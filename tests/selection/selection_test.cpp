@@ -197,7 +197,7 @@ TEST_F(Selection, RefusesWhatIsNoSelectorAndSaysWhy)
         {chain(8), 0, none},
         {chain(9), KT_ERR_FORMAT_SYNTAX, "80 0+12 message 80" + deep},
         {lattice(8, 64), 0, none},
-        {many, KT_ERR_FORMAT_SYNTAX, "7002 0+0 more than 1024 messages are selected from"},
+        {many, KT_ERR_FORMAT_SYNTAX, "7002 0+5 more than 1024 messages are selected from"},
     };
     for (const auto &row : rows)
     {
