@@ -919,7 +919,8 @@ enum KTArgumentType
     KT_ARGUMENT_LONG_DOUBLE = 8, /**< p: points to a long double */
     KT_ARGUMENT_UTF8 = 9,        /**< p: a UTF-8 text; null is the empty one */
     KT_ARGUMENT_UCS2 = 10,       /**< p: a UCS-2 text; null is the empty one */
-    KT_ARGUMENT_POINTER = 11     /**< p: anything; the length is its kind */
+    KT_ARGUMENT_POINTER = 11,    /**< p: anything; the length is its kind */
+    KT_ARGUMENT_CODE_POINT = 12  /**< units: a character; the length is 1 or 2, the number of its units */
 };
 
 /** The value of a typed argument, in the member that its type names. */
@@ -929,13 +930,14 @@ typedef union KTValue
     uint64_t u;
     double d;
     const void *p;
+    UCS2 units[4];
 } KTValue;
 
 /** A typed argument. The functions below make it, or a language binding does from these numbers. */
 typedef struct KTArgument
 {
     uint32_t type;   /**< one of KTArgumentType; others are refused */
-    uint32_t length; /**< of a text: bytes or units, UINT32_MAX if zero-terminated; of a pointer: its kind; else 0 */
+    uint32_t length; /**< bytes or units of a text, UINT32_MAX if zero-terminated; the kind of a pointer; else 0 */
     KTValue value;   /**< 8 bytes */
 } KTArgument;
 
@@ -987,6 +989,21 @@ static inline KTArgument KT_UNIT(UCS2 value)
 {
     KTArgument argument = {KT_ARGUMENT_UNIT, 0, {0}};
     argument.value.u = value;
+    return argument;
+}
+
+/** Any character: goes with "U", and with "lc" up to U+FFFF. What is no character becomes U+FFFD. */
+static inline KTArgument KT_CODE_POINT(uint32_t character)
+{
+    KTArgument argument = {KT_ARGUMENT_CODE_POINT, 1, {0}};
+    if (character > 0xFFFF && character <= 0x10FFFF)
+    {
+        argument.length = 2;
+        argument.value.units[0] = (UCS2)(0xD800 + ((character - 0x10000) >> 10));
+        argument.value.units[1] = (UCS2)(0xDC00 + ((character - 0x10000) & 0x3FF));
+    }
+    else
+        argument.value.units[0] = (UCS2)(character > 0x10FFFF || (character & 0xF800) == 0xD800 ? 0xFFFD : character);
     return argument;
 }
 
@@ -1065,16 +1082,24 @@ int KTPrepareFormat(const char *format, formTable *table, KTPreparedFormat **pre
 /** Releases a prepared format, or null. Nobody may use it any more. */
 void KTFreePrepared(KTPreparedFormat *prepared);
 
-/** The options of the calls below. */
+/**
+ * The options of the calls below.
+ *
+ * Under KT_ENCODE_ALL no translation can leave an encoder out: every argument goes through that of the table, whether
+ * the format marks it or not. "c", "s" and "U" are then written as in an encoded region; of all other conversions, the
+ * caller's own included, the finished text is encoded, without the tags that KT_TAG adds. A call for whose table there
+ * is no encoder is refused.
+ */
 enum KTFormatOption
 {
-    KT_TAG = 1 /**< dates, names, entry IDs and errors are wrapped in tags */
+    KT_TAG = 1,       /**< dates, names, entry IDs and errors are wrapped in tags */
+    KT_ENCODE_ALL = 2 /**< every argument is encoded */
 };
 
 /**
  * Formats a prepared format into UCS-2. The text is that of KTvpFormatStringWithPassThru().
  * @param prepared   from KTPrepareFormat().
- * @param options    0 or KT_TAG; other bits are refused.
+ * @param options    bits of KTFormatOption; others are refused.
  * @param passThru   handed to the formatters of the caller's own conversions.
  * @param size       in: the capacity of out in units, the terminator counted; out: the units of the text, the
  *                   terminator not counted, also where the result is KT_ERR_BUFFER_TOO_SMALL: then the units that the
@@ -1083,10 +1108,12 @@ enum KTFormatOption
  * @param arguments  in the order of the positions, one for each of KTPreparedSlots(); null where there is none.
  * @param count      their number.
  * @return 0; KT_ERR_BUFFER_TOO_SMALL. With size and out untouched: KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER
- *         where prepared or size is null, or out with a capacity other than 0, an option unknown, or an argument
- *         missing, surplus, of another kind than the format asks for, or out of range. With out empty and size 0:
+ *         where prepared or size is null, or out with a capacity other than 0, an option unknown, an encoder asked
+ *         for and missing, or an argument missing, surplus, of another kind than the format asks for, or out of range.
+ *         With out empty and size 0:
  *         KT_ERR_INVALID_PARAMETER for a text that is no date, KT_ERR_NO_MEMORY, KT_ERR_CONVERSION_INVALID_ARGUMENT for
- *         a text of 2^31 - 1 bytes and more, and what a formatter or encoder of the caller's returns (but
+ *         a text of 2^31 - 1 bytes and more, and under KT_ENCODE_ALL for a number of more than 2^20 characters, and
+ *         what a formatter or encoder of the caller's returns (but
  *         KT_ERR_BUFFER_TOO_SMALL where the text had not fitted before). Memory is taken for an "f" of more than 303
  *         characters that fits, for encoded texts and by conversions of the caller's own, else none.
  */
@@ -1240,6 +1267,7 @@ enum KTRule
     KT_RULE_ARGUMENT_TYPE = 10,     /**< an argument of another kind, size or role than in the reference */
     KT_RULE_ARGUMENT_MISSING = 11,  /**< fewer arguments than in the reference */
     KT_RULE_ARGUMENT_EXTRA = 12,    /**< more of them */
+    KT_RULE_ENCODING_LOST = 13,     /**< an argument that the reference encodes is written without its encoder */
     KT_RULE_SELECTOR_ALONE = 20,    /**< beside a selector stands something, or it is not written as one */
     KT_RULE_SELECTOR_ARGUMENT = 21, /**< the argument that selects is no number, or no integer, or there is none */
     KT_RULE_SELECTOR_DEPTH = 22,    /**< a selector leads back to itself, or through more than 8 selectors */
@@ -1280,13 +1308,15 @@ int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
 /**
  * Tells whether the arguments of one format may be passed to another, as a translation of it: as many, and each of the
  * same kind and size and in the same role (a value, or the width or precision of a '*'). Whether an integer is signed
- * does not matter, nor which letter shows it.
+ * does not matter, nor which letter shows it. A text that the reference writes in an encoded region has to lie in one
+ * here too, or be written as a date, which is never more than that, or not at all ("IP", "%.0s[1]").
  * @param format     the translation, UTF-8.
  * @param reference  the program's own format, UTF-8.
  * @param table      the conversions of both, or null for the built-in ones.
  * @param problem    in: structSize; out: as in KTExplainFormat(), of the format. Null is allowed.
- * @return 0 when they may; KT_ERR_INVALID_PARAMETER when they may not (rule KT_RULE_ARGUMENT_…), for null, and for too
- *         small a structSize; else as KTPrepareFormat(), for the format and then for the reference.
+ * @return 0 when they may; KT_ERR_INVALID_PARAMETER when they may not (rule KT_RULE_ARGUMENT_… or
+ *         KT_RULE_ENCODING_LOST), for null, and for too small a structSize; else as KTPrepareFormat(), for the format
+ *         and then for the reference.
  */
 int KTCompareFormats(const char *format, const char *reference, formTable *table, KTProblem *problem);
 
@@ -1299,6 +1329,221 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
  *         where problem or size is null, or text with a capacity other than 0.
  */
 int KTProblemText(const KTProblem *problem, size_t *size, char *text);
+
+/* ## 9. Catalogs
+ *
+ * A program whose texts come from translators needs more than a format: the languages that its user reads, one after
+ * the other; a message that is looked at once and then kept; and something to print whatever a translation is like. A
+ * catalog has all of that behind one call.
+ *
+ *     KTCatalog *store; // once: the user's languages, then English
+ *     int result = KTOpenCatalog("/usr/share/locale", "store", NULL, &store);
+ *
+ *     char line[200]; // often, in any thread
+ *     size_t size = sizeof line;
+ *     const KTArgument arguments[] = {KT_INT(12), KT_UTF8("report.txt")};
+ *     KTCatalogFormatUTF8(store, 3, "%s[2] has %d[1] pages", &size, line, arguments, 2);
+ *     puts(line); // there is always a text
+ *
+ *     KTCloseCatalog(store);
+ *
+ * **The ladder.** The text is the first of these that can be used: the message in the user's languages, one after the
+ * other; the message in the source language; the text in the source, which the call brings; and "[store 3: 12,
+ * report.txt]". A message is passed over where the catalog lacks it, where it is empty while something below is not,
+ * where it is malformed or asks for other arguments than the call brings, where it writes an argument without the
+ * encoder that the text in the source puts it through, where it fails while it is formatted, and where it becomes too
+ * long. The last rung takes no memory and cannot fail. onProblem is told what was passed over. docs/catalogs.md is the
+ * guide.
+ *
+ * **Threads.** Any number of threads may use a catalog, from its opening to its closing. A message that was used before
+ * takes no lock.
+ */
+
+/** A catalog in all the languages that a user may be given. */
+typedef struct KTCatalog KTCatalog;
+
+/**
+ * Why something was passed over on the way to a text. The texts live during the call that is told of it. Later versions
+ * add members at the end.
+ */
+typedef struct KTCatalogProblem
+{
+    size_t structSize;    /**< of this record, in bytes; members beyond it are not there */
+    const char *catalog;  /**< the name of the catalog */
+    const char *language; /**< the language that was passed over; the empty text for the text in the source */
+    const char *file;     /**< its file, or the directory that has none; the empty text for the text in the source */
+    int64_t id;           /**< of the message, INT64_MAX for a higher one; 0 where the file as a whole is of no use */
+    int result;           /**< one of KTResult */
+    const char *text;     /**< a sentence for the developer, in English and on one line */
+} KTCatalogProblem;
+
+/** Told once per message and language what was passed over, in the thread that asked for the message. */
+typedef void (*KTProblemFunction)(void *context, const KTCatalogProblem *problem);
+
+/**
+ * Asked after a conversion or encoder of the program's own may have failed, and after a KTProblemFunction: whether the
+ * call is to end at once, without a text and without a report. For languages whose functions throw.
+ */
+typedef bool (*KTStopFunction)(void *context);
+
+/**
+ * Writes an argument of type KT_ARGUMENT_POINTER for the last rung and for reports, as UTF-8.
+ * @param size  in: the capacity of out in bytes, the terminator counted; out: the bytes of the text, the terminator not
+ *              counted, also after KT_ERR_BUFFER_TOO_SMALL.
+ * @return 0, KT_ERR_BUFFER_TOO_SMALL, or any other failure: then "(pointer)" is written.
+ */
+typedef int (*KTArgumentFunction)(void *context, const KTArgument *argument, size_t *size, char *out);
+
+/**
+ * How a catalog is found, and how its messages are formatted. Zeros stand for what is usual. Later versions add members
+ * at the end.
+ *
+ * A text may have maxSize bytes, beside 8 times those of the text arguments: "%2000000000d[1]" in a translation
+ * exhausts nothing. The text in the source is not passed over for being longer, unless it needs more than 1 MiB as
+ * well. The functions may be null; they may use the catalog themselves, and run in any thread that does.
+ */
+typedef struct KTCatalogOptions
+{
+    size_t structSize;          /**< sizeof(KTCatalogOptions); what lies beyond it counts as zero */
+    const char *languages;      /**< as in KTLanguages(): null for the user's */
+    const char *sourceLanguage; /**< the language that has its turn behind the user's: null for "en", "" for none */
+    formTable *table;           /**< the conversions, or null for the built-in ones; it lives as long as the catalog */
+    void *passThru;             /**< handed to conversions of the program's own */
+    unsigned formatOptions;     /**< bits of KTFormatOption; KT_ENCODE_ALL needs a table with an encoder */
+    size_t maxSize;             /**< see above; 0 stands for 1 MiB */
+    void *context;              /**< handed to the functions below */
+    KTProblemFunction onProblem;
+    KTStopFunction isStopped;
+    KTArgumentFunction writeArgument;
+} KTCatalogOptions;
+
+/**
+ * Opens the catalog of the user's languages and of the source language: the files DIRECTORY/LANGUAGE/NAME.ktc, or else
+ * DIRECTORY/LANGUAGE/NAME.xlf, in the order of KTLanguages(). The first that is of use is loaded, the others when they
+ * are needed; a file that is missing, malformed or unreadable is told to onProblem and passed over, and where there is
+ * none at all, the catalog gives the texts in the source. A damaged ".ktc" gives way to the ".xlf" beside it.
+ *
+ * An open catalog is a use of the library, which begins and ends as by KTBeginUse() and KTEndUse(). isStopped is not
+ * asked while it is opened.
+ * @param directory  the folder that holds a folder per language; not empty.
+ * @param name       the name of the catalog, the program's own as a rule; not empty, without a '/'.
+ * @param options    null for the usual ones; not needed afterwards, nor are the texts in it.
+ * @param catalog    out: the catalog, to be released with KTCloseCatalog(). Also where the result is
+ *                   KT_ERR_NOT_INITIALIZED, or KT_ERR_INVALID_PARAMETER for an impossible directory or name: it then
+ *                   gives the texts in the source, as far as the library is started. Null after other failures.
+ * @return 0, also without any file; KT_ERR_NOT_INITIALIZED where the library cannot be started; KT_ERR_NO_MEMORY;
+ *         KT_ERR_INVALID_PARAMETER for an impossible directory or name, for null where none is allowed, and for options
+ *         of an unknown kind: too small a structSize, an unknown bit, KT_ENCODE_ALL without an encoder.
+ */
+int KTOpenCatalog(const char *directory, const char *name, const KTCatalogOptions *options, KTCatalog **catalog);
+
+/**
+ * Opens one file, "….ktc" or any other name for an XLIFF file, as a catalog of one language; languages and
+ * sourceLanguage are not looked at. Its name is that of the file, without directory and suffix.
+ * @param catalog  out: as in KTOpenCatalog(); also where the file cannot be loaded, and then it gives the texts in the
+ *                 source.
+ * @return as KTOpenCatalog(), and what KTLoadMessages() and KTLoadCompiledMessages() say of the file.
+ */
+int KTOpenCatalogFile(const char *path, const KTCatalogOptions *options, KTCatalog **catalog);
+
+/**
+ * Opens a compiled catalog that lies in memory, as one that is part of the program; it is read during the call.
+ * @param name     any text.
+ * @param data     as in KTLoadCompiledData().
+ * @param size     its bytes.
+ * @param catalog  out: as in KTOpenCatalogFile().
+ * @return likewise.
+ */
+int KTOpenCatalogData(const char *name, const void *data, size_t size, const KTCatalogOptions *options,
+                      KTCatalog **catalog);
+
+/** Closes a catalog, or null. Nobody may use it any more: no call on it may still be in progress. */
+void KTCloseCatalog(KTCatalog *catalog);
+
+/**
+ * Writes a message in UCS-2. There is always a text; see "The ladder" above.
+ * @param catalog    null has no messages and no name: the text in the source, or "[3: 12, report.txt]".
+ * @param id         the number. One below 1 or above 2147483647 is that of a message that is not there. Of numbers that
+ *                   no file has a catalog keeps 4,096, so that each is told once, and no more: others are not told.
+ * @param source     the text in the source, a format in UTF-8; null where there is none. Up to 8 of them are kept for
+ *                   each number.
+ * @param size       in: the capacity of out in units, the terminator counted; out: the units of the text, the
+ *                   terminator not counted, also where the result is KT_ERR_BUFFER_TOO_SMALL: then the units that the
+ *                   text needs.
+ * @param out        the text, terminated. After KT_ERR_BUFFER_TOO_SMALL as much of it as fits, cut at a whole character
+ *                   and terminated, so that a program whose line has a fixed length may ignore the result. (A number of
+ *                   more than 303 characters is left out where it does not fit.) Null is allowed for a capacity of 0.
+ * @param arguments  in the order of the positions; null where there is none.
+ * @param count      their number.
+ * @return 0 on every rung, or KT_ERR_BUFFER_TOO_SMALL. KT_ERR_INVALID_PARAMETER, with nothing touched, where size is
+ *         null, or out with a capacity other than 0, or arguments with a count other than 0. KT_ERR_CONVERSION_FAILED,
+ *         with out empty and size 0, where isStopped() of the options said so.
+ */
+int KTCatalogFormat(const KTCatalog *catalog, int64_t id, const char *source, size_t *size, UCS2 *out,
+                    const KTArgument *arguments, size_t count);
+
+/** Writes a message as KTCatalogFormat() does, in UTF-8. Sizes are in bytes. */
+int KTCatalogFormatUTF8(const KTCatalog *catalog, int64_t id, const char *source, size_t *size, char *out,
+                        const KTArgument *arguments, size_t count);
+
+/** A message that is asked for, as a language binding names it. Later versions may add members at the end. */
+typedef struct KTCatalogRequest
+{
+    size_t structSize;   /**< sizeof(KTCatalogRequest) */
+    int64_t id;          /**< the number, or its 64 bits */
+    bool isUnsigned;     /**< whether these are an unsigned number */
+    const char *source;  /**< the text in the source; null for none */
+    size_t sourceLength; /**< its bytes, or to its first zero; SIZE_MAX where it is zero-terminated */
+    const KTArgument *arguments;
+    size_t count;
+} KTCatalogRequest;
+
+/**
+ * KTCatalogFormat() for language bindings.
+ * @return likewise; KT_ERR_INVALID_PARAMETER also where request is null or its structSize too small.
+ */
+int KTCatalogFormatRequest(const KTCatalog *catalog, const KTCatalogRequest *request, size_t *size, UCS2 *out);
+
+/** KTCatalogFormatUTF8() for language bindings; as KTCatalogFormatRequest(). */
+int KTCatalogFormatRequestUTF8(const KTCatalog *catalog, const KTCatalogRequest *request, size_t *size, char *out);
+
+/**
+ * A message as it stands in the first language that has it, UTF-8.
+ * @return the text, which lives as long as the catalog; null where no language has one, and for a null catalog.
+ */
+const char *KTCatalogText(const KTCatalog *catalog, int64_t id);
+
+/**
+ * The first language of which messages are loaded, as "de" or "de_AT": the name of its folder, or of a single file what
+ * that says of itself.
+ * @return the name, which lives as long as the catalog; the empty text where there is none, and for a null catalog.
+ */
+const char *KTCatalogLanguage(const KTCatalog *catalog);
+
+/**
+ * Tells why a format did not take its arguments, in a sentence for a log, in English and on one line, without a full
+ * stop: what onProblem is told, for programs that format by themselves. Control characters become blanks, and of a long
+ * value the beginning is written.
+ * @param format     the format, UTF-8.
+ * @param result     what the call returned.
+ * @param options    of them table, passThru, formatOptions and maxSize, as in that call, and writeArgument; or null.
+ * @param arguments  those of the call.
+ * @param count      their number.
+ * @param size       in: the capacity of text in bytes, the terminator counted; out: the bytes of the sentence, the
+ *                   terminator not counted, also where it does not fit.
+ * @param text       out: the sentence, cut at a whole character where it does not fit. Null is allowed for a capacity
+ *                   of 0.
+ * @return 0; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for a null where none is allowed and for options as in
+ *         KTOpenCatalog(). Where memory is short the sentence says less.
+ *
+ *     const KTArgument arguments[] = {KT_UTF8("report.txt"), KT_UTF8("12")};
+ *     char why[200];
+ *     size_t size = sizeof why;
+ *     KTExplainFailure("%s[1] has %d[2] pages", KT_ERR_INVALID_PARAMETER, NULL, arguments, 2, &size, why);
+ *     // "%s[1] has %d[2] pages": argument 2 is a 32-bit integer here, a UTF-8 string in the call
+ */
+int KTExplainFailure(const char *format, int result, const KTCatalogOptions *options, const KTArgument *arguments,
+                     size_t count, size_t *size, char *text);
 
 /* ## 10. Plural forms and selection
  *

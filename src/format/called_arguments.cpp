@@ -12,6 +12,8 @@ namespace
 /** Whether a text has to be copied for its terminator. */
 bool isCopied(const KTArgument &argument)
 {
+    if (argument.type == KT_ARGUMENT_CODE_POINT)
+        return true;
     const bool isText = argument.type == KT_ARGUMENT_UTF8 || argument.type == KT_ARGUMENT_UCS2;
     return isText && argument.length != UINT32_MAX && argument.value.p != nullptr;
 }
@@ -73,7 +75,7 @@ void *CalledArguments::valueOf(const KTArgument &argument, uint32_t code, Cell &
     switch (code)
     {
     case KT_SLOT_UNIT:
-        cell.unit = static_cast<uint16_t>(argument.value.u);
+        cell.unit = unitOf(argument);
         break;
     case KT_SLOT_DOUBLE:
         cell.number = argument.value.d;
@@ -93,10 +95,8 @@ void *CalledArguments::valueOf(const KTArgument &argument, uint32_t code, Cell &
 void *CalledArguments::textOf(const KTArgument &argument) noexcept
 {
     static UCS2 empty = 0; // of either encoding
-    if (argument.value.p == nullptr)
-        return &empty;
     if (!isCopied(argument))
-        return const_cast<void *>(argument.value.p);
+        return argument.value.p != nullptr ? const_cast<void *>(argument.value.p) : &empty;
     // A text that has grown since it was measured is cut to the room that is left.
     const size_t unit = unitSize(argument);
     const size_t room = static_cast<size_t>(m_end - m_copy) / unit;
@@ -105,7 +105,8 @@ void *CalledArguments::textOf(const KTArgument &argument) noexcept
     KTArgument bounded = argument;
     bounded.length = static_cast<uint32_t>(std::min<size_t>(argument.length, room - 1));
     const size_t bytes = textLength(bounded) * unit;
-    void *const copy = std::memcpy(m_copy, argument.value.p, bytes);
+    const void *const text = argument.type == KT_ARGUMENT_CODE_POINT ? argument.value.units : argument.value.p;
+    void *const copy = std::memcpy(m_copy, text, bytes);
     std::memset(m_copy + bytes, 0, unit);
     m_copy += (bytes + unit + 1) & ~size_t{1};
     return copy;

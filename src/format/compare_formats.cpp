@@ -1,6 +1,6 @@
 #include "format/compare_formats.h"
 
-#include "format/prepared.h"
+#include "format/lost_encoding.h"
 #include "format/problem_report.h"
 #include "format/typed_argument.h"
 #include "lifecycle/global_state.h"
@@ -92,6 +92,9 @@ int KTCompareFormats(const char *format, const char *reference, formTable *table
         return result;
     }
     KTProblem difference = kelto::compareSlots(*own, *expected);
+    const uint32_t lost = kelto::findLostEncoding(*own, *expected);
+    if (difference.rule == KT_RULE_NONE && lost < expected->slotCount)
+        difference = {0, KT_RULE_ENCODING_LOST, lost + 1, own->slots[lost].position, 0, 0, nullptr, nullptr, 0};
     if (difference.rule == KT_RULE_NONE)
         return 0;
     kelto::findPlace(format, difference);

@@ -4,6 +4,9 @@
  * pieces over (layout.h), one of the caller's is called. Nothing is written beyond the room, whatever a length said
  * before.
  *
+ * Of a text that does not fit, the beginning may be wanted (Beginning::kept): it then reaches as far as there is room, and
+ * ends with a whole character; else what was written of it is of no use.
+ *
  * In UTF-8 the text is what a conversion of the whole UCS-2 text would be: a high surrogate that ends one piece joins
  * the low one that begins the next, a surrogate by itself becomes U+FFFD, and U+0000 ends the text.
  */
@@ -33,12 +36,20 @@ struct UTF8Text
     uint64_t count;
 };
 
+/** What becomes of a text that does not fit. */
+enum class Beginning : uint8_t
+{
+    ofNoUse,
+    kept
+};
+
 template <typename Unit> class FormatOutput
 {
 public:
     /** @param size  the capacity, in units of the text, its terminator counted. */
-    FormatOutput(Unit *out, const unsigned long *size) noexcept
-        : m_out(out), m_next(out), m_capacity(*size), m_isTruncated(m_capacity == 0)
+    FormatOutput(Unit *out, const unsigned long *size, Beginning beginning = Beginning::ofNoUse) noexcept
+        : m_out(out), m_next(out), m_capacity(*size), m_isTruncated(m_capacity == 0),
+          m_keepsBeginning(beginning == Beginning::kept)
     {
     }
 
@@ -118,6 +129,8 @@ public:
     /** Ends the text. @param size  out: its length, or the need. */
     int finish(unsigned long *size) noexcept
     {
+        if (m_isTruncated && m_keepsBeginning)
+            dropHalfCharacter();
         terminate(m_next);
         *size = m_total;
         return m_isTruncated ? KT_ERR_BUFFER_TOO_SMALL : 0;
@@ -161,17 +174,39 @@ private:
         return out + count;
     }
 
-    /** Counts units, and tells whether they are to be written. */
-    bool claim(uint64_t units) noexcept
+    /** Counts units, and tells how many of them are to be written: all or none, or as many as fit. */
+    uint64_t claim(uint64_t units) noexcept
     {
         if (canHold(units))
         {
             m_total += units;
-            return true;
+            return units;
         }
+        const uint64_t beginning = roomForBeginning();
         m_isTruncated = true;
         addToTotal(units);
-        return false;
+        return beginning;
+    }
+
+    /** The units that can be written of a text that does not fit as a whole. */
+    uint64_t roomForBeginning() const noexcept
+    {
+        return m_keepsBeginning && !m_isTruncated ? m_capacity - m_total - 1 : 0;
+    }
+
+    /** Drops the part of a character with which a text ends that was cut. */
+    void dropHalfCharacter() noexcept
+    {
+        if constexpr (isUTF8)
+        {
+            Unit *lead = m_next;
+            while (lead != m_out && U8_IS_TRAIL(*(lead - 1)))
+                --lead;
+            if (lead != m_out && m_next - lead < U8_COUNT_TRAIL_BYTES(*(lead - 1)))
+                m_next = lead - 1;
+        }
+        else if (m_next != m_out && U16_IS_LEAD(*(m_next - 1)))
+            --m_next;
     }
 
     /** Prepares for units that join no surrogate; false where the text has ended before them. */
@@ -180,8 +215,8 @@ private:
     // Most fills are empty.
     void append(const Fill &fill) noexcept
     {
-        if (fill.count > 0 && goOn(fill.count) && claim(fill.count))
-            m_next = std::fill_n(m_next, fill.count, static_cast<Unit>(fill.unit)); // ASCII in every conversion
+        if (fill.count > 0 && goOn(fill.count))
+            m_next = std::fill_n(m_next, claim(fill.count), static_cast<Unit>(fill.unit)); // ASCII in every conversion
     }
 
     void append(const NarrowText &text) noexcept
@@ -190,14 +225,18 @@ private:
             return;
         if (text.characters == nullptr) // only counted: the number as a whole does not fit
             m_isTruncated = true;
-        if (!claim(isUTF8 ? text.count + text.beyondAscii : text.count))
-            return;
-        const char *const end = text.characters + text.count;
+        uint64_t written = claim(isUTF8 ? text.count + text.beyondAscii : text.count);
         if (isUTF8 && text.beyondAscii > 0)
-            for (const char *next = text.characters; next != end; ++next)
-                putWritable(static_cast<unsigned char>(*next));
+            for (const char *next = text.characters; written > 0; ++next)
+            {
+                const auto character = static_cast<unsigned char>(*next);
+                if (utf8Length(character) > written)
+                    break;
+                putWritable(character);
+                written -= utf8Length(character);
+            }
         else
-            m_next = std::transform(text.characters, end, m_next,
+            m_next = std::transform(text.characters, text.characters + written, m_next,
                                     [](unsigned char character) { return static_cast<Unit>(character); });
     }
 
@@ -206,8 +245,8 @@ private:
         if constexpr (isUTF8)
             for (const UCS2 *next = text.units; next != text.units + text.count; ++next)
                 putUnit(*next);
-        else if (claim(text.count))
-            m_next = std::copy_n(text.units, text.count, m_next);
+        else
+            m_next = std::copy_n(text.units, claim(text.count), m_next);
     }
 
     void append(const NameText &name) noexcept
@@ -264,7 +303,7 @@ private:
     void putCodePoint(UChar32 codePoint) noexcept
     {
         const size_t units = isUTF8 ? utf8Length(codePoint) : U16_LENGTH(codePoint);
-        if (goOn(units) && claim(units))
+        if (goOn(units) && claim(units) == units)
             putWritable(codePoint);
     }
 
@@ -305,11 +344,12 @@ private:
     void putJoined(UChar32 codePoint) noexcept
     {
         constexpr size_t replaced = utf8Length(replacementCharacter);
-        if (claim(utf8Length(codePoint) - replaced))
-        {
+        const bool isWritten = !m_isTruncated;
+        const bool hasRoom = claim(utf8Length(codePoint) - replaced) > 0;
+        if (hasRoom || (isWritten && m_keepsBeginning))
             m_next -= replaced;
+        if (hasRoom)
             putWritable(codePoint);
-        }
     }
 
     template <typename Call> int appendInPlace(const Call &call, const Layout &layout) noexcept
@@ -325,8 +365,32 @@ private:
         if (result == 0 && units < given)
             m_next += units;
         else
+        {
+            const int kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
             m_isTruncated = true;
+            if (kept != 0)
+                return kept;
+        }
         addToTotal(units);
+        return 0;
+    }
+
+    /**
+     * Writes as much as fits of what a formatter has asked room for, unless that is a lot. Without room some formatters
+     * do not tell that they fail; so they are asked even where nothing of the text fits.
+     */
+    template <typename Call> int keepBeginning(const Call &call, const Layout &layout, unsigned long units) noexcept
+    {
+        const unsigned long asked = units + 1;
+        const TagBlock<Unit> buffer =
+            units < CalledText::alwaysAllowed ? allocate<Unit>(glbResHandle, asked) : nullptr;
+        if (buffer == nullptr)
+            return 0;
+        unsigned long written = asked;
+        const int result = call(layout, &written, buffer.get());
+        if (result != 0 || written >= asked)
+            return result != 0 && result != KT_ERR_BUFFER_TOO_SMALL ? result : KT_ERR_CONVERSION_FAILED;
+        m_next = std::copy_n(buffer.get(), std::min<uint64_t>(written, roomForBeginning()), m_next);
         return 0;
     }
 
@@ -344,6 +408,8 @@ private:
             return result;
         if (text.isWritten())
             return writeText(*this, behind, Text{text.units(), text.count()});
+        if (m_keepsBeginning && text.isRefused()) // it had the room that it had asked for
+            return KT_ERR_CONVERSION_FAILED;
         if (goOn(text.count()))
         {
             m_isTruncated = true; // each unit gives a byte at least
@@ -358,6 +424,7 @@ private:
     unsigned long m_capacity;
     unsigned long m_total = 0;    // less than the capacity while nothing is cut
     bool m_isTruncated;           // from the start where there is no room at all
+    bool m_keepsBeginning;        // where the text does not fit
     SurrogateJoiner m_surrogates; // of UTF-8 alone
 };
 

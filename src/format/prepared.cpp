@@ -3,6 +3,7 @@
 #include "format/arguments.h"
 #include "format/form_table.h"
 #include "format/format_string.h"
+#include "format/lost_encoding.h"
 #include "format/typed_argument.h"
 #include "format/utf8_formats.h"
 #include "format/variant_form_table.h"
@@ -154,8 +155,8 @@ private:
         const size_t stepCount = m_count.conversions + 1; // the last for the text behind them
         const TextSizes sizes = sizesOf(format, length);
         m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + stepCount * sizeof(PreparedStep) +
-                                                          m_count.slots * sizeof(KTSlot) + sizes.units * sizeof(UCS2) +
-                                                          sizes.bytes);
+                                                          m_count.slots * (sizeof(KTSlot) + sizeof(uint8_t)) +
+                                                          sizes.units * sizeof(UCS2) + sizes.bytes);
         if (m_block == nullptr)
             return KT_ERR_NO_MEMORY;
         char *at = m_block.get();
@@ -163,11 +164,12 @@ private:
         auto *const steps = take<PreparedStep>(at, stepCount);
         auto *const slots = take<KTSlot>(at, m_count.slots);
         auto *const units = take<UCS2>(at, sizes.units);
-        *prepared = {
-            table,  static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots, units, at,
-            nullptr};
+        auto *const encodings = reinterpret_cast<uint8_t *>(at + sizes.bytes);
+        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots,
+                     units, at, nullptr, encodings};
         listSlots(slots);
         fill(format, length, steps, LiteralText(units, at, sizes));
+        noteEncodings(steps, stepCount, encodings);
         return 0;
     }
 
@@ -233,6 +235,18 @@ private:
                 return true;
             });
         endStep(nullptr);
+    }
+
+    static void noteEncodings(const PreparedStep *steps, size_t stepCount, uint8_t *encodings)
+    {
+        for (const PreparedStep *step = steps; step != steps + stepCount - 1; ++step)
+        {
+            uint8_t *slot = encodings + step->firstSlot;
+            for (const int option : {step->layout.width, step->layout.precision})
+                if (option == KT_FROM_ARGUMENTS)
+                    *slot++ = 0;
+            std::memset(slot, kelto::encodingOf(*step), static_cast<size_t>(step->formatter->argCount));
+        }
     }
 
     kelto::PercentPlaces<char> m_places;

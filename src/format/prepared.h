@@ -55,7 +55,7 @@ constexpr uint32_t slotsOfVariants = UINT32_MAX;
 
 } // namespace kelto
 
-/** The head of the block; behind it stand steps, slots, UCS-2 text and UTF-8 text, or else the variants. */
+/** The head of the block; behind it stand steps, slots, UCS-2 text, UTF-8 text and encodings, or else the variants. */
 struct KTPreparedFormat
 {
     formTable *table; /**< null where the caller named none */
@@ -65,6 +65,7 @@ struct KTPreparedFormat
     const UCS2 *units;
     const char *bytes;
     kelto::PreparedVariants *variants; /**< of a message that selects others; else null */
+    const uint8_t *encodings;          /**< of each slot, see lost_encoding.h; 0 of a '*' */
 };
 
 namespace kelto

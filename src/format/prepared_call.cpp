@@ -1,5 +1,8 @@
+#include "format/prepared_call.h"
+
 #include "format/called_arguments.h"
 #include "format/conversion_record.h"
+#include "format/finished_text.h"
 #include "format/form_table.h"
 #include "format/format_output.h"
 #include "format/formatters/date_time.h"
@@ -7,7 +10,6 @@
 #include "format/formatters/entry_id_error_ip.h"
 #include "format/formatters/floating_point.h"
 #include "format/formatters/text.h"
-#include "format/prepared.h"
 #include "format/typed_argument.h"
 #include "format/variants.h"
 
@@ -18,18 +20,20 @@
 namespace
 {
 
+using kelto::Beginning;
 using kelto::Layout;
 using kelto::PreparedStep;
+using kelto::TypedCall;
 using kelto::Writer;
 
 /** What a call brings besides its text and arguments. */
 struct Call
 {
     const KTPreparedFormat &prepared;
-    const KTArgument *arguments;
+    const TypedCall &typed;
     KTEncoder encoder;
-    void *passThru;
     int addedFlags;
+    bool encodesAll;
 };
 
 /** Resolves what a '*' stands for; the argument behind those that were used. */
@@ -48,12 +52,12 @@ int callFormatter(const KTFormatter &formatter, const KTArgument *values, const 
 {
     const auto count = static_cast<size_t>(formatter.argCount);
     kelto::CalledArguments arguments;
-    if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
+    if (!arguments.make(values, call.prepared.slots + (values - call.typed.arguments), count))
         return KT_ERR_NO_MEMORY;
     const kelto::RunningSlots running(arguments.slots(), values, count);
     return append([&](const Layout &layout, unsigned long *units, UCS2 *out) {
         return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
-                                call.passThru, arguments.slots(), units, out);
+                                call.typed.passThru, arguments.slots(), units, out);
     });
 }
 
@@ -62,7 +66,7 @@ int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, co
                    const KTArgument *values, const Call &call)
 {
     const auto called = [&](const Layout &own, size_t *bytes, char *out) {
-        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.passThru,
+        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.typed.passThru,
                                values, bytes, out);
     };
     return text.appendCalledUTF8(called, layout);
@@ -110,7 +114,81 @@ int writeName(kelto::FormatOutput<Unit> &text, const char *convName, int flags, 
     return kelto::writeName(text, flags, kelto::NameText(name, kelto::nameKindOf(convName)));
 }
 
-bool isEncoded(Writer writer)
+/** How a format is written. */
+struct Manner
+{
+    Beginning beginning;
+    int withoutFlags; /**< of the call and of the steps */
+    bool isAccepted;  /**< whether the arguments were compared with the format before */
+};
+
+template <typename Unit>
+int writeFormat(const KTPreparedFormat &given, const TypedCall &typed, const Manner &manner, size_t *size, Unit *out);
+
+/** Writes one conversion by itself. */
+template <typename Unit>
+int writeAlone(const KTPreparedFormat &prepared, const PreparedStep &step, const TypedCall &call, const Manner &manner,
+               size_t *size, Unit *out)
+{
+    PreparedStep alone = step;
+    alone.literalBytes = alone.literalUnits = 0;
+    alone.layout.flags &= ~manner.withoutFlags;
+    KTPreparedFormat one = prepared;
+    one.steps = &alone;
+    one.stepCount = 1;
+    return writeFormat(one, call, manner, size, out);
+}
+
+/** How the text of a conversion is taken apart that is encoded as a whole. */
+struct FinishedParts
+{
+    bool isEncoded;           /**< whether there is anything in it to be encoded */
+    const UCS2 *open, *close; /**< the tags that stay as they are */
+    unsigned long most;       /**< its units, where they may be far more than those of the argument */
+};
+
+FinishedParts finishedParts(Writer writer, bool isTagged)
+{
+    constexpr unsigned long few = 1UL << 20;
+    switch (writer)
+    {
+    case Writer::nothing:
+        return {false, u"", u"", 0};
+    case Writer::dateTime:
+    case Writer::entryId:
+        return {!isTagged, u"", u"", few}; // digits between tags
+    case Writer::error:
+        return {true, isTagged ? error_tag_o : u"", isTagged ? error_tag_c : u"", ~0UL};
+    case Writer::name:
+        return {true, isTagged ? dn_tag_o : u"", isTagged ? dn_tag_c : u"", ~0UL};
+    default:
+        return {true, u"", u"", few};
+    }
+}
+
+/** Writes a conversion's finished text through the encoder. */
+template <typename Unit>
+int writeFinished(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const FinishedParts &parts,
+                  const Call &call)
+{
+    const int withoutFlags = *parts.open != 0 ? FLAG_ENCODE | FLAG_TAG : FLAG_ENCODE;
+    kelto::FinishedText finished;
+    const auto write = [&](unsigned long *units, UCS2 *out) {
+        return writeAlone(call.prepared, step, call.typed, {Beginning::ofNoUse, withoutFlags, true}, units, out);
+    };
+    if (const int made = finished.make(write, parts.most))
+        return made;
+    text.write(kelto::Ending::open, kelto::Text{parts.open, KTUCS2strlen(parts.open)});
+    const int result = text.appendCalled(
+        [&](const Layout &, unsigned long *units, UCS2 *out) {
+            return call.encoder(finished.units(), KT_ENCODE_UCS2, units, out);
+        },
+        {KT_ABSENT, KT_ABSENT, 0});
+    text.write(kelto::Ending::open, kelto::Text{parts.close, KTUCS2strlen(parts.close)});
+    return result;
+}
+
+bool isEncodedText(Writer writer)
 {
     return writer == Writer::character || writer == Writer::utf8Text || writer == Writer::ucs2Text;
 }
@@ -120,14 +198,18 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
 {
     Layout layout = step.layout;
     layout.flags |= call.addedFlags;
-    const KTArgument *const argument = takeLayout(call.arguments + step.firstSlot, layout);
+    const KTArgument *const argument = takeLayout(call.typed.arguments + step.firstSlot, layout);
     const KTFormatter &formatter = *step.formatter;
-    if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0 && isEncoded(step.writer))
+    if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0)
     {
         if (step.writer == Writer::character) // which has no precision
             layout.precision = KT_ABSENT;
-        return callFormatter(formatter, argument, call,
-                             [&](const auto &encoded) { return text.appendEncoded(encoded, layout); });
+        if (isEncodedText(step.writer))
+            return callFormatter(formatter, argument, call,
+                                 [&](const auto &encoded) { return text.appendEncoded(encoded, layout); });
+        const FinishedParts parts = finishedParts(step.writer, (layout.flags & FLAG_TAG) != 0);
+        if (call.encodesAll && parts.isEncoded)
+            return writeFinished(text, step, parts, call);
     }
     switch (step.writer)
     {
@@ -144,7 +226,7 @@ int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, c
             return kelto::writeFloatingPoint(text, layout, *static_cast<const long double *>(argument->value.p));
         return kelto::writeFloatingPoint(text, layout, argument->value.d);
     case Writer::character:
-        return kelto::writeCharacter(text, layout, static_cast<UCS2>(argument->value.u));
+        return kelto::writeCharacter(text, layout, kelto::unitOf(*argument));
     case Writer::ucs2Text:
     {
         const auto value = kelto::ucs2Of(*argument);
@@ -191,29 +273,6 @@ size_t literalLength(const PreparedStep &step, const char *)
     return step.literalBytes;
 }
 
-template <typename Unit> int writeSteps(const Call &call, size_t *size, Unit *out)
-{
-    kelto::FormatOutput<Unit> text(out, size);
-    const Unit *literal = literalsOf(call.prepared, out);
-    const PreparedStep *const end = call.prepared.steps + call.prepared.stepCount;
-    for (const PreparedStep *step = call.prepared.steps; step != end; ++step)
-    {
-        if (const size_t length = literalLength(*step, literal))
-        {
-            text.appendLiteral(literal, length);
-            literal += length;
-        }
-        if (step->formatter == nullptr)
-            continue;
-        // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
-        // next.
-        const int result = writeConversion(text, *step, call);
-        if (result != 0 && !text.isTruncated())
-            return text.fail(size, result);
-    }
-    return text.finish(size);
-}
-
 bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, size_t count)
 {
     if (count != prepared.slotCount || (arguments == nullptr && count != 0))
@@ -227,11 +286,50 @@ bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, 
 /** Takes the variant in place of the format that selects, where it accepts the arguments. */
 [[gnu::noinline]] int chooseAccepted(const KTPreparedFormat *&prepared, const KTArgument *arguments, size_t count)
 {
-    if (arguments == nullptr && count != 0)
+    if (prepared->variants == nullptr || (arguments == nullptr && count != 0))
         return KT_ERR_INVALID_PARAMETER;
     int result = 0;
     prepared = kelto::chooseVariant(*prepared, arguments, count, result);
     return result == 0 && !areAccepted(*prepared, arguments, count) ? int{KT_ERR_INVALID_PARAMETER} : result;
+}
+
+/** Writes a format, or the variant that it selects, once it is known to take the arguments. */
+template <typename Unit>
+int writeFormat(const KTPreparedFormat &given, const TypedCall &typed, const Manner &manner, size_t *size, Unit *out)
+{
+    const KTPreparedFormat *prepared = &given;
+    if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL}) != 0)
+        return KT_ERR_INVALID_PARAMETER;
+    // A format that selects another never accepts any.
+    if (!manner.isAccepted && !areAccepted(*prepared, typed.arguments, typed.count))
+        if (const int result = chooseAccepted(prepared, typed.arguments, typed.count))
+            return result;
+    const bool encodesAll = (typed.options & KT_ENCODE_ALL) != 0;
+    const KTEncoder encoder = prepared->table != nullptr ? kelto::findEncoder(prepared->table) : nullptr;
+    if (encodesAll && encoder == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
+    const int flags = ((typed.options & KT_TAG) != 0 ? FLAG_TAG : 0) | (encodesAll ? FLAG_ENCODE : 0);
+    const Call call = {*prepared, typed, (manner.withoutFlags & FLAG_ENCODE) != 0 ? nullptr : encoder,
+                       flags & ~manner.withoutFlags, encodesAll};
+    kelto::FormatOutput<Unit> text(out, size, manner.beginning);
+    const Unit *literal = literalsOf(*prepared, out);
+    const PreparedStep *const end = prepared->steps + prepared->stepCount;
+    for (const PreparedStep *step = prepared->steps; step != end; ++step)
+    {
+        if (const size_t length = literalLength(*step, literal))
+        {
+            text.appendLiteral(literal, length);
+            literal += length;
+        }
+        if (step->formatter == nullptr)
+            continue;
+        // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
+        // next. Who keeps the beginning wants to know now.
+        const int result = writeConversion(text, *step, call);
+        if (result != 0 && (!text.isTruncated() || manner.beginning == Beginning::kept))
+            return text.fail(size, result);
+    }
+    return text.finish(size);
 }
 
 template <typename Unit>
@@ -242,21 +340,47 @@ int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *pas
         return KT_ERR_NOT_INITIALIZED;
     if (prepared == nullptr || size == nullptr || (out == nullptr && *size != 0))
         return KT_ERR_INVALID_PARAMETER;
-    if ((options & ~unsigned{KT_TAG}) != 0)
-        return KT_ERR_INVALID_PARAMETER;
-    if (!areAccepted(*prepared, arguments, count)) // a format that selects another never accepts any
-    {
-        if (prepared->variants == nullptr)
-            return KT_ERR_INVALID_PARAMETER;
-        if (const int result = chooseAccepted(prepared, arguments, count))
-            return result;
-    }
-    const Call call = {*prepared, arguments, kelto::findEncoder(prepared->table), passThru,
-                       (options & KT_TAG) != 0 ? FLAG_TAG : 0};
-    return writeSteps(call, size, out);
+    static constexpr Manner whole = {Beginning::ofNoUse, 0, false};
+    return writeFormat(*prepared, {options, passThru, arguments, count}, whole, size, out);
 }
 
 } // namespace
+
+namespace kelto
+{
+
+template <typename Unit>
+int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, Unit *out) noexcept
+{
+    static constexpr Manner withBeginning = {Beginning::kept, 0, false};
+    return writeFormat(prepared, call, withBeginning, size, out);
+}
+
+template int formatWithBeginning(const KTPreparedFormat &, const TypedCall &, size_t *, UCS2 *) noexcept;
+template int formatWithBeginning(const KTPreparedFormat &, const TypedCall &, size_t *, char *) noexcept;
+
+bool canWrite(const KTPreparedFormat &prepared, unsigned position, const TypedCall &call) noexcept
+{
+    for (uint32_t i = 0; i < prepared.slotCount; ++i)
+        if (prepared.slots[i].position == position && !isAccepted(call.arguments[i], prepared.slots[i].code))
+            return false;
+    const auto isThatOf = [&](const PreparedStep &step) {
+        const bool takesSlots = step.formatter->argCount > 0 || step.layout.width == KT_FROM_ARGUMENTS ||
+                                step.layout.precision == KT_FROM_ARGUMENTS;
+        return takesSlots && prepared.slots[step.firstSlot].position == position;
+    };
+    const PreparedStep *step = prepared.steps;
+    while (step->formatter != nullptr && !isThatOf(*step))
+        ++step;
+    if (step->formatter == nullptr)
+        return true;
+    char few[256];
+    size_t size = sizeof few;
+    const int result = writeAlone(prepared, *step, call, {Beginning::kept, 0, true}, &size, few);
+    return result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
+}
+
+} // namespace kelto
 
 int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, UCS2 *out,
                      const KTArgument *arguments, size_t count)

@@ -28,6 +28,7 @@ constexpr Sentence sentences[] = {
     {KT_RULE_ARGUMENT_TYPE, "argument $s is $f here, $e in the reference"},
     {KT_RULE_ARGUMENT_MISSING, "argument $s, $e in the reference, is missing here"},
     {KT_RULE_ARGUMENT_EXTRA, "argument $s, $f here, is not in the reference"},
+    {KT_RULE_ENCODING_LOST, "argument $s is not encoded here, as it is in the reference"},
     {KT_RULE_SELECTOR_ALONE,
      "a message that selects another is one conversion such as %101plural[1], and nothing else"},
     {KT_RULE_SELECTOR_ARGUMENT, "argument $s selects and is $f"},

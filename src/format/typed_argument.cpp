@@ -131,6 +131,9 @@ bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept
     const SlotKind &slot = kindOf(slotCode);
     if (slot.type == 0)
         return isAcceptedInteger(argument, slot);
+    if (argument.type == KT_ARGUMENT_CODE_POINT)
+        return argument.length == 1 ? slotCode == KT_SLOT_UNIT || slotCode == KT_SLOT_UCS2
+                                    : argument.length == 2 && slotCode == KT_SLOT_UCS2;
     if (argument.type != slot.type)
         return false;
     switch (slotCode)
@@ -154,6 +157,8 @@ ArgumentText<char> utf8Of(const KTArgument &argument) noexcept
 
 ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept
 {
+    if (argument.type == KT_ARGUMENT_CODE_POINT)
+        return {argument.value.units, lengthOf(argument.value.units, std::min<uint32_t>(argument.length, 2))};
     return textOf(argument, u"");
 }
 

@@ -49,8 +49,15 @@ template <typename Unit> struct ArgumentText
     size_t length;
 };
 
-ArgumentText<char> utf8Of(const KTArgument &argument) noexcept;
+/** The unit of a character's slot. */
+inline UCS2 unitOf(const KTArgument &argument) noexcept
+{
+    return argument.type == KT_ARGUMENT_CODE_POINT ? argument.value.units[0] : static_cast<UCS2>(argument.value.u);
+}
+
+/** Of a code point the units in the argument itself. */
 ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept;
+ArgumentText<char> utf8Of(const KTArgument &argument) noexcept;
 
 } // namespace kelto
 

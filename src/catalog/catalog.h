@@ -1,0 +1,47 @@
+/**
+ * What a catalog holds: its name, its options, its languages in their order, and what is known of its messages. All of it
+ * comes from the C heap, since there is a catalog also where the library could not be started.
+ */
+#ifndef KELTO_CATALOG_CATALOG_H
+#define KELTO_CATALOG_CATALOG_H
+
+#include "catalog/known_messages.h"
+#include "catalog/language.h"
+
+struct KTCatalog
+{
+    mutable kelto::KnownMessages messages;
+    KTCatalogOptions options = {};              /**< as readOptions() gives them */
+    std::unique_ptr<kelto::Language> languages; /**< the user's, then the source language */
+    size_t languageCount = 0;
+    kelto::HeapBlock<char> name;
+    bool isUse = false; /**< whether it holds a use of the library */
+
+    KTCatalog() = default;
+    ~KTCatalog();
+    KTCatalog(const KTCatalog &) = delete;
+    KTCatalog &operator=(const KTCatalog &) = delete;
+
+    /** Appends a language; false where there was no memory for it. */
+    bool add(std::unique_ptr<kelto::Language> language) noexcept;
+
+    const char *nameOrNone() const noexcept { return name != nullptr ? name.get() : ""; }
+};
+
+namespace kelto
+{
+
+constexpr size_t usualMaxSize = size_t{1} << 20;
+
+/** Reads the options of a call, of this version's record or another's; 0 or KT_ERR_INVALID_PARAMETER. */
+int readOptions(const KTCatalogOptions *given, KTCatalogOptions &options) noexcept;
+
+/** The messages of a language, which is loaded where that was not tried yet; null where there are none. */
+MessageTable *tableOf(const KTCatalog &catalog, Language &language) noexcept;
+
+/** Loads a language, and tells what was of no use. */
+int loadLanguage(const KTCatalog &catalog, Language &language) noexcept;
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,3 @@
+#include "catalog/store.h"
+
+INSTANTIATE_TYPED_TEST_SUITE_P(C, Ladder, CatalogStore);
