@@ -86,7 +86,7 @@ void *takeArgument(int type, va_list *arguments, int flags)
     }
 }
 
-/** Fills slots one after the other, and remembers whether each could be filled. */
+/** Fills slots one after the other. One that cannot be filled is null, and so ends them. */
 class SlotWriter
 {
 public:
@@ -153,9 +153,10 @@ ArgumentCells::~ArgumentCells()
 
 bool ArgumentCells::collect(const KTParameter *parameters, size_t slotCount, va_list *arguments) noexcept
 {
-    m_slots = allocateZeroed<void *>(glbResHandle, slotCount + 1);
+    m_slots = allocate<void *>(glbResHandle, slotCount + 1);
     if (m_slots == nullptr)
         return false;
+    m_slots[slotCount] = nullptr;
     if (parameters == nullptr)
         return true;
     SlotWriter writer(m_slots.get(), arguments);

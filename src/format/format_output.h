@@ -260,11 +260,14 @@ private:
         const char *const end = cursor + text.length;
         for (uint64_t left = text.count; cursor != end && left > 0;)
         {
-            const size_t run = appendAscii(cursor, std::min<uint64_t>(left, static_cast<uint64_t>(end - cursor)));
-            cursor += run;
-            left -= run;
-            if (cursor == end || left == 0)
-                break;
+            if (isAsciiByte(*cursor))
+            {
+                const size_t run = appendAscii(cursor, std::min<uint64_t>(left, static_cast<uint64_t>(end - cursor)));
+                cursor += run;
+                left -= run;
+                if (cursor == end || left == 0)
+                    break;
+            }
             const UChar32 codePoint = takeCodePoint(cursor, end);
             if (codePoint <= 0xFFFF || left >= 2)
                 putCodePoint(codePoint);
@@ -280,7 +283,7 @@ private:
         if (m_isTruncated)
         {
             size_t run = 0;
-            while (run < limit && static_cast<signed char>(text[run]) >= 0)
+            while (run < limit && isAsciiByte(text[run]))
                 ++run;
             if (goOn(run))
                 addToTotal(run);

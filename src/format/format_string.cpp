@@ -1,6 +1,7 @@
 #include "format/format_string.h"
 
 #include "format/conversion_spec.h"
+#include "format/find_percent.h"
 #include "format/form_table.h"
 #include "lifecycle/global_state.h"
 #include "strconv/utf8_text.h"
@@ -74,8 +75,7 @@ private:
     {
         if (m_few != nullptr && position <= kelto::FewParameters::count)
         {
-            std::memset(static_cast<void *>(m_records + m_capacity + 1), 0,
-                        (position - m_capacity) * sizeof(KTParameter));
+            std::fill_n(m_records + m_capacity + 1, position - m_capacity, KTParameter{});
             m_capacity = position;
             return true;
         }
@@ -102,39 +102,6 @@ private:
 constexpr kelto::FormatVerdict accepted = {0, KT_RULE_NONE, 0, 0, 0};
 constexpr kelto::FormatVerdict outOfMemory = {KT_ERR_NO_MEMORY, KT_RULE_NONE, 0, 0, 0};
 
-/* The first '%' in [from, end), or end: the C library looks at many bytes at a time. */
-
-const char *findFarPercent(const char *from, const char *end)
-{
-    const void *const hit = std::memchr(from, '%', static_cast<size_t>(end - from));
-    return hit != nullptr ? static_cast<const char *>(hit) : end;
-}
-
-// A byte of another unit may look like a '%' too.
-const UCS2 *findFarPercent(const UCS2 *from, const UCS2 *end)
-{
-    while (from != end)
-    {
-        const auto *const begin = reinterpret_cast<const char *>(from);
-        const char *const hit = findFarPercent(begin, reinterpret_cast<const char *>(end));
-        from += (hit - begin) / static_cast<ptrdiff_t>(sizeof(UCS2));
-        if (from == end || *from == u'%')
-            break;
-        ++from;
-    }
-    return from;
-}
-
-/** The same where it may be near: most literal texts are a few units long, which are looked at one by one. */
-template <typename Unit> const Unit *findPercent(const Unit *from, const Unit *end)
-{
-    constexpr ptrdiff_t fewUnits = 8;
-    for (const Unit *const soon = end - from > fewUnits ? from + fewUnits : end; from != soon; ++from)
-        if (*from == '%')
-            return from;
-    return from != end ? findFarPercent(from, end) : end;
-}
-
 /** The UCS-2 units of a text. */
 size_t countUnits(const UCS2 * /*text*/, size_t length)
 {
@@ -159,8 +126,11 @@ public:
     {
         const Unit *const end = m_format + m_length;
         size_t specifications = 0;
-        for (const Unit *percent = findPercent(m_format, end); percent != end;)
+        for (const Unit *from = m_format;;)
         {
+            const Unit *const percent = kelto::findPercent(m_format, from, end);
+            if (percent == end)
+                break;
             kelto::PercentPlace<Unit> place = {percent, percent + 2, 0};
             if (percent[1] != '%')
             {
@@ -174,7 +144,7 @@ public:
                 place = {percent, spec.end, spec.position};
             }
             places.note(place);
-            percent = findPercent(place.end, end);
+            from = place.end;
         }
         places.note({end, end, 0});
         const size_t missing = m_array.firstMissing(specifications);
@@ -258,7 +228,7 @@ namespace kelto
 
 template <typename Unit> PercentPlace<Unit> PercentPlaces<Unit>::find(const Unit *from, const Unit *end) noexcept
 {
-    const Unit *const percent = findPercent(from, end);
+    const Unit *const percent = findPercent(from, from, end);
     if (percent == end)
         return {end, end, 0};
     if (percent[1] == '%')

@@ -97,8 +97,17 @@ private:
     /** @return the length of the ASCII at the start of the text, as far as there is room. */
     size_t appendAscii(const char *text, size_t length)
     {
-        const size_t run = kelto::widenAscii(text, std::min(length, m_unitsLeft), m_units);
-        kelto::copyAsciiBytes(text, run, m_bytes);
+        constexpr size_t fewUnits = 4; // for which the steps of an ASCII run do not pay
+        const size_t limit = std::min(length, m_unitsLeft);
+        size_t run = 0;
+        if (limit < fewUnits)
+            for (; run < limit && kelto::isAsciiByte(text[run]); ++run)
+                m_units[run] = static_cast<unsigned char>(m_bytes[run] = text[run]);
+        else
+        {
+            run = kelto::widenAscii(text, limit, m_units);
+            kelto::copyAsciiBytes(text, run, m_bytes);
+        }
         advance(run, run);
         return run;
     }
@@ -218,7 +227,8 @@ private:
             bytesDone = literals.bytesEnd();
             step->formatter = parameter != nullptr ? parameter->formatter : nullptr;
             step->writer = parameter != nullptr ? writerOf(*parameter->formatter) : Writer::none;
-            step->utf8Format = step->writer == Writer::called ? kelto::findUTF8Format(parameter->formatter) : nullptr;
+            if (step->writer == Writer::called)
+                step->utf8Format = kelto::findUTF8Format(parameter->formatter);
             if (parameter != nullptr)
             {
                 step->layout = {parameter->width, parameter->precision, parameter->flags};

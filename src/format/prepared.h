@@ -38,7 +38,7 @@ struct PreparedStep
 {
     size_t literalBytes, literalUnits; /**< of the text before the conversion */
     const KTFormatter *formatter;
-    KTUTF8FormatFunction utf8Format; /**< of a called one that writes UTF-8 itself, or null */
+    KTUTF8FormatFunction utf8Format; /**< of a called one: what writes UTF-8 itself, or null; else not set */
     Layout layout;                   /**< KT_FROM_ARGUMENTS where a slot holds the width or precision */
     uint32_t firstSlot;              /**< of the conversion, a '*' included */
     Writer writer;

@@ -46,9 +46,10 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
     return argument;
 }
 
-/** Makes the slots of a formatter and has `append` append what it writes there. */
+/** Makes the slots of a formatter and has `append` append what it writes there. Its buffers are no others' business. */
 template <typename Append>
-int callFormatter(const KTFormatter &formatter, const KTArgument *values, const Call &call, Append append)
+[[gnu::noinline]] int callFormatter(const KTFormatter &formatter, const KTArgument *values, const Call &call,
+                                    Append append)
 {
     const auto count = static_cast<size_t>(formatter.argCount);
     kelto::CalledArguments arguments;

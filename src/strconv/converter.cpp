@@ -2,10 +2,12 @@
 
 #include "strconv/ascii_run.h"
 #include "strconv/system_locale.h"
+#include "strconv/utf8_text.h"
 
 #include <algorithm>
 #include <cstring>
 #include <unicode/ustring.h>
+#include <unicode/utf16.h>
 
 namespace
 {
@@ -36,6 +38,38 @@ int resultOf(UErrorCode status)
     }
 }
 
+// ICU is called for long texts, in which it is faster than a loop over code points, and its call for short ones is not.
+constexpr size_t shortLength = 64;
+
+/* Short texts, code point by code point. The result is the length; more than the capacity where that is too little. */
+
+size_t widenShort(const char *source, size_t length, size_t capacity, UCS2 *destination)
+{
+    size_t written = 0;
+    for (const char *const end = source + length; source != end;)
+    {
+        const UChar32 codePoint = kelto::takeCodePoint(source, end);
+        if (static_cast<size_t>(U16_LENGTH(codePoint)) > capacity - written)
+            return capacity + 1;
+        U16_APPEND_UNSAFE(destination, written, codePoint);
+    }
+    return written;
+}
+
+size_t narrowShort(const UCS2 *source, size_t length, size_t capacity, char *destination)
+{
+    size_t written = 0;
+    for (size_t next = 0; next != length;)
+    {
+        UChar32 codePoint;
+        U16_NEXT_OR_FFFD(source, next, length, codePoint);
+        if (kelto::utf8Length(codePoint) > capacity - written)
+            return capacity + 1;
+        U8_APPEND_UNSAFE(destination, written, codePoint);
+    }
+    return written;
+}
+
 /** What every conversion ends with, given ICU's status and the length of the complete output. */
 template <typename Unit> int finish(UErrorCode status, size_t written, size_t *size, Unit *destination)
 {
@@ -44,7 +78,7 @@ template <typename Unit> int finish(UErrorCode status, size_t written, size_t *s
     {
         if (capacity > 0)
             destination[0] = 0;
-        return resultOf(status);
+        return U_FAILURE(status) ? resultOf(status) : KT_ERR_BUFFER_TOO_SMALL;
     }
     if (written < capacity)
         destination[written] = 0;
@@ -95,8 +129,9 @@ int utf8ToUCS2(const char *source, size_t length, size_t *size, UCS2 *destinatio
 
     // ASCII is whole characters, and ICU keeps no state from one to the next: it may begin behind any of them.
     const size_t run = widenAscii(source, std::min(length, capacity), destination);
-    if (run == length)
-        return finish(U_ZERO_ERROR, run, size, destination);
+    if (length - run <= shortLength)
+        return finish(U_ZERO_ERROR, run + widenShort(source + run, length - run, capacity - run, destination + run),
+                      size, destination);
     int32_t rest = 0;
     u_strFromUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
                          static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
@@ -111,13 +146,13 @@ int ucs2ToUTF8(const UCS2 *source, size_t length, size_t *size, char *destinatio
         return finish(status, 0, size, destination);
 
     const size_t run = narrowAscii(source, std::min(length, capacity), destination);
+    if (length - run <= shortLength)
+        return finish(U_ZERO_ERROR, run + narrowShort(source + run, length - run, capacity - run, destination + run),
+                      size, destination);
     int32_t rest = 0;
-    if (run < length)
-    {
-        status = checkSizes(length - run, capacity, maxBytesPerUnit);
-        u_strToUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
-                           static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
-    }
+    status = checkSizes(length - run, capacity, maxBytesPerUnit);
+    u_strToUTF8WithSub(destination + run, static_cast<int32_t>(capacity - run), &rest, source + run,
+                       static_cast<int32_t>(length - run), replacementCharacter, nullptr, &status);
     return finish(status, run + static_cast<size_t>(rest), size, destination);
 }
 

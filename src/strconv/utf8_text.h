@@ -12,6 +12,11 @@
 namespace kelto
 {
 
+inline bool isAsciiByte(char byte) noexcept
+{
+    return static_cast<signed char>(byte) >= 0;
+}
+
 /** Takes the code point at the cursor, which is before `end`. */
 inline UChar32 takeCodePoint(const char *&cursor, const char *end) noexcept
 {
@@ -35,8 +40,11 @@ constexpr size_t utf8Length(UChar32 codePoint) noexcept
 inline size_t countUnits(const char *text, size_t length) noexcept
 {
     size_t units = 0;
-    for (const char *const end = text + length; text != end;)
-        units += takeCodePoint(text, end) > 0xFFFF ? 2 : 1;
+    for (const char *const end = text + length; text != end; ++units)
+        if (isAsciiByte(*text))
+            ++text;
+        else
+            units += takeCodePoint(text, end) > 0xFFFF ? 1 : 0;
     return units;
 }
 

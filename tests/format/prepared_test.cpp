@@ -62,6 +62,30 @@ TEST_F(Prepared, IsOneBlockAndKeepsNothingOfTheCaller)
     EXPECT_EQ(FakeZel::count(Operation::Malloc), 0U) << "formatting takes no memory";
 }
 
+TEST_F(Prepared, FindsAConversionWhereverItStands)
+{
+    for (size_t before = 0; before < 90; ++before)
+        for (size_t behind = 0; behind < 20; ++behind)
+            for (const std::string filler : {"x", "\u2525"}) // whose bytes in UCS-2 look like '%'
+            {
+                std::string head, tail;
+                for (size_t i = 0; i < before; ++i)
+                    head += filler;
+                for (size_t i = 0; i < behind; ++i)
+                    tail += filler;
+                std::string format = head + "%d[1]" + tail + "%%";
+                UCS2 wide[200];
+                unsigned long units = std::size(wide);
+                ASSERT_EQ(KTFormatString(nullptr, false, &units, wide, format.data(), 7), 0);
+                EXPECT_EQ(toUCS2(head + "7" + tail + "%"), wide);
+                char text[400];
+                size_t size = sizeof text;
+                const KTArgument seven = KT_INT(7);
+                ASSERT_EQ(KTFormatPreparedUTF8(prepare(format).get(), 0, nullptr, &size, text, &seven, 1), 0);
+                EXPECT_EQ(head + "7" + tail + "%", text);
+            }
+}
+
 TEST_F(Prepared, KeepsToItsBlockWhereTheFormatChangesMeanwhile)
 {
     const struct
