@@ -20,6 +20,18 @@
 #include <type_traits>
 #include <vector>
 
+/** A va_list whose arguments are all in memory, none in registers. */
+struct ListInMemory
+{
+#ifdef __aarch64__
+    const void *onStack = nullptr, *integerRegisters = nullptr, *otherRegisters = nullptr;
+    int integerBytesLeft = 0, otherBytesLeft = 0;
+#else
+    unsigned integerBytesUsed = 48, bytesUsed = 176; // all of them
+    const void *onStack = nullptr, *registers = nullptr;
+#endif
+};
+
 class Arguments
 {
 public:
@@ -89,19 +101,8 @@ public:
     /** Has the function called with the arguments as a list; its result. */
     template <typename Call> auto withList(Call call)
     {
-#ifdef __aarch64__
-        const struct
-        {
-            const void *onStack, *behindIntegerRegisters, *behindRegisters;
-            int toIntegerRegisters, toRegisters; // none is left
-        } layout = {m_list.data(), nullptr, nullptr, 0, 0};
-#else
-        const struct
-        {
-            unsigned usedIntegerRegisters, usedRegisters; // in bytes: all
-            const void *onStack, *inRegisters;
-        } layout = {48, 176, m_list.data(), nullptr};
-#endif
+        ListInMemory layout;
+        layout.onStack = m_list.data();
         va_list list;
         static_assert(sizeof layout == sizeof list, "the calling convention of another machine");
         std::memcpy(&list, &layout, sizeof list);
