@@ -11,6 +11,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 
 set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET kelto-locale)
+  list(APPEND CPACK_COMPONENTS_ALL locale)
+endif()
 if(TARGET kelto-cli)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
@@ -38,36 +41,56 @@ set(multi_arch "\nMulti-Arch: same")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkelto${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION "libs${multi_arch}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-# A trigger calls ldconfig. cpack would add scripts that do, unless others are named here; these do not exist.
-file(WRITE "${PROJECT_BINARY_DIR}/packaging/triggers" "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/packaging/triggers"
-    "${PROJECT_BINARY_DIR}/packaging/symbols"
-    "${PROJECT_BINARY_DIR}/packaging/no/postinst" "${PROJECT_BINARY_DIR}/packaging/no/postrm")
-# The version that each name needs, so that a program depends on no later one than it uses.
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
-  "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names.txt")
-file(STRINGS "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names.txt" names)
-set(symbols)
-foreach(line IN LISTS names)
-  string(REGEX MATCH "^([^ ]+) [a-z]+ ?(.*)$" line "${line}")
-  set(node "${CMAKE_MATCH_2}")
-  if(NOT node)
-    set(node 1.0)
-  endif()
-  list(APPEND symbols " ${CMAKE_MATCH_1}@KELTO_${node} ${node}" " KELTO_${node}@KELTO_${node} ${node}")
-endforeach()
-list(REMOVE_DUPLICATES symbols)
-list(SORT symbols)
-list(PREPEND symbols "libkelto.so.${PROJECT_VERSION_MAJOR} libkelto${PROJECT_VERSION_MAJOR} #MINVER#")
-list(JOIN symbols "\n" symbols)
-file(WRITE "${PROJECT_BINARY_DIR}/packaging/symbols" "${symbols}\n")
+# kelto_package_library(<component> <library> <list> <node>): what the package of a shared library has beside its files.
+# A trigger calls ldconfig; cpack would add scripts that do, unless others are named here, and these do not exist. The
+# version that each name of the list needs is told, so that a program depends on no later one than it uses.
+function(kelto_package_library component library list node)
+  set(folder "${PROJECT_BINARY_DIR}/packaging/${component}")
+  file(WRITE "${folder}/triggers" "activate-noawait ldconfig\n")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
+  file(STRINGS "${list}" names)
+  set(symbols)
+  foreach(line IN LISTS names)
+    string(REGEX MATCH "^([^ ]+) [a-z]+ ?(.*)$" line "${line}")
+    set(version "${CMAKE_MATCH_2}")
+    if(NOT version)
+      set(version 1.0)
+    endif()
+    list(APPEND symbols " ${CMAKE_MATCH_1}@${node}_${version} ${version}"
+      " ${node}_${version}@${node}_${version} ${version}")
+  endforeach()
+  list(REMOVE_DUPLICATES symbols)
+  list(SORT symbols)
+  list(PREPEND symbols "${library}.so.${PROJECT_VERSION_MAJOR} ${library}${PROJECT_VERSION_MAJOR} #MINVER#")
+  list(JOIN symbols "\n" symbols)
+  file(WRITE "${folder}/symbols" "${symbols}\n")
+  string(TOUPPER "${component}" component)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA "${folder}/triggers" "${folder}/symbols"
+      "${PROJECT_BINARY_DIR}/packaging/no/postinst" "${PROJECT_BINARY_DIR}/packaging/no/postrm" PARENT_SCOPE)
+endfunction()
+kelto_package_library(runtime libkelto "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names.txt" KELTO)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${what}This package has the shared library.")
+
+# The add-on.
+set(add_on)
+if(TARGET kelto-locale)
+  set(CPACK_DEBIAN_LOCALE_PACKAGE_NAME libkelto-locale${PROJECT_VERSION_MAJOR})
+  set(CPACK_DEBIAN_LOCALE_PACKAGE_SECTION "libs${multi_arch}")
+  set(CPACK_DEBIAN_LOCALE_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_LOCALE_PACKAGE_DEPENDS "libkelto${PROJECT_VERSION_MAJOR} (>= ${PROJECT_VERSION})")
+  kelto_package_library(locale libkelto-locale "${PROJECT_SOURCE_DIR}/tests/linkage/exported_names_locale.txt"
+    KELTO_LOCALE)
+  set(CPACK_DEBIAN_LOCALE_DESCRIPTION
+    "${what}This package has the add-on that writes numbers, dates, amounts and lists as
+the readers of a language do.")
+  set(add_on "libkelto-locale${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), ")
+endif()
 
 # The headers. pkg-config looks at the packages of the libraries that the library itself uses.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkelto-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION "libdevel${multi_arch}")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-  "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), libicu-dev, libexpat1-dev (>= 2.4)")
+  "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION}), ${add_on}libicu-dev, libexpat1-dev (>= 2.4)")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "kelto-tools, pkg-config")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
   "${what}This package has the header, the manual, the guides and example programs.")
@@ -81,7 +104,7 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${what}This package has the program kelto fo
 
 # What Debian wants beside each package's files.
 set(KELTO_PACKAGES "runtime=${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}" "development=${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}"
-    "tools=${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
+    "locale=${CPACK_DEBIAN_LOCALE_PACKAGE_NAME}" "tools=${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
 configure_file("${PROJECT_SOURCE_DIR}/packaging/finish.cmake.in" "${PROJECT_BINARY_DIR}/packaging/finish.cmake" @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_BINARY_DIR}/packaging/finish.cmake")
 

@@ -107,7 +107,7 @@ def comment_text(body):
     return "\n".join(text)
 
 
-def header(text):
+def header(text, prefix, what):
     chapters = []
 
     def replaced(found):
@@ -115,11 +115,11 @@ def header(text):
         chapter = re.search(r"^(?: \*)? ?## (\d+)\. (.*)$", body, re.MULTILINE)
         if chapter:
             body = comment_text(body[chapter.end():])
-            end = "/** @} */\n" if chapters else "/** @file\nThe whole C interface. */\n"
+            end = "/** @} */\n" if chapters else f"/** @file\n{what} */\n"
             chapters.append(chapter[1])
-            return f"{end}/** @defgroup chapter{chapter[1]} {chapter[1]}. {chapter[2].strip()}\n{body}\n@{{ */"
+            return f"{end}/** @defgroup {prefix}{chapter[1]} {chapter[1]}. {chapter[2].strip()}\n{body}\n@{{ */"
         if not kind and body.startswith(" ") and "\n" in body:
-            return f"/** @}} */\n/** @addtogroup chapter{chapters[-1]}\n@details {comment_text(body)}\n@{{ */"
+            return f"/** @}} */\n/** @addtogroup {prefix}{chapters[-1]}\n@details {comment_text(body)}\n@{{ */"
         return f"/*{kind}{comment_text(body)}*/" if kind else found[0]
 
     text = COMMENT.sub(replaced, text)
@@ -156,7 +156,9 @@ def main(path):
     if path.endswith(".md"):
         text = page(path, text)
     elif path.endswith("kelto.h"):
-        text = header(text)
+        text = header(text, "chapter", "The whole C interface.")
+    elif path.endswith("kelto-locale.h"):
+        text = header(text, "locale", "The C interface of the add-on.")
     else:
         text = COMMENT.sub(lambda found: f"/*{found[1]}{comment_text(found[2])}*/" if found[1] else found[0], text)
         text += "/** @namespace kelto\nThe layer for C++; @ref page-docs-cpp-md is its guide. */\n"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the manual page kelto.3 of the header, whose comments are the reference.
+"""Makes the manual page of a header, kelto.3 or kelto-locale.3; its comments are the reference.
 
     make_man_page.py HEADER >kelto.3         writes the page
     make_man_page.py --check HEADER PAGE     fails where the page is not what the header gives
@@ -14,7 +14,14 @@ import sys
 
 DATE = "2026-11-25"
 CODE_COLUMNS = 80 - 7 - 4  # without the indentation of the text, and of code in it
-TITLE = "message catalogs, formatting with positions, and character sets"
+# By the name of the header: the title of its page, and what to read besides.
+PAGES = {
+    "kelto": ("message catalogs, formatting with positions, and character sets",
+              ("kelto (1)", "kelto.hpp (3)", "printf (3)", "setlocale (3)", "kelto\\-messages (5)",
+               "kelto\\-format (7)")),
+    "kelto-locale": ("numbers, dates, amounts and lists of a language",
+                     ("kelto (3)", "kelto.hpp (3)", "kelto\\-messages (5)", "kelto\\-format (7)")),
+}
 
 # A comment, or code up to the end of its declaration. Braces belong to the declaration.
 TOKEN = re.compile(r"/\*.*?\*/|[^/;{]+(?:\{[^}]*\}[^;]*)?;", re.DOTALL)
@@ -35,7 +42,7 @@ class Page:
         self.request(".nh")
         self.request(".ad l")
         self.request(".SH NAME")
-        self.request(f"{name.lower() if name == 'KELTO' else name} \\- {escape(title)}")
+        self.request(f"{escape_code(name.lower() if name.isupper() else name)} \\- {escape(title)}")
         self.request(".SH SYNOPSIS")
 
     def finished(self, *others):
@@ -201,14 +208,15 @@ def write_documented(page, declaration, comment):
         page.text(meaning)
 
 
-def make_page(header):
+def make_page(name, version, header):
+    title, others = PAGES[name]
     page = Page()
-    page.request('.\\" Made by make_man_page.py of kelto.h; change the comments there.')
-    page.begin("KELTO", version_of(header), TITLE)
+    page.request(f'.\\" Made by make_man_page.py of {name}.h; change the comments there.')
+    page.begin(name.upper(), version, title)
     page.request(".nf")
-    page.request(".B #include <kelto.h>")
+    page.request(f".B #include <{escape_code(name)}.h>")
     page.request(".PP")
-    page.request("Compile and link with \\fIpkg\\-config \\-\\-cflags \\-\\-libs kelto\\fR.")
+    page.request(f"Compile and link with \\fIpkg\\-config \\-\\-cflags \\-\\-libs {escape_code(name)}\\fR.")
     page.request(".fi")
 
     documented = []  # name, declaration and comment
@@ -235,17 +243,16 @@ def make_page(header):
             continue
         names = names_of(token)
         if comment is None:
-            raise SystemExit(f"kelto.h: {', '.join(names)} has no comment")
+            raise SystemExit(f"{name}.h: {', '.join(names)} has no comment")
         page.request(f".SS {', '.join(names)}")
         write_documented(page, token, comment)
         documented.append((names[0], token, comment))
         comment = None
 
-    others = ("kelto (1)", "kelto.hpp (3)", "printf (3)", "setlocale (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
     return page.finished(*others), documented
 
 
-def function_page(version, name, declaration, comment):
+def function_page(header, version, name, declaration, comment):
     """A page of one function; its title is the first sentence of the comment."""
     page = Page()
     sentence = re.split(r"[.;:](?:\s|$)|@", " ".join(comment))[0].strip() or "a function of the library Kelto"
@@ -253,33 +260,38 @@ def function_page(version, name, declaration, comment):
         sentence = sentence[0].lower() + sentence[1:]
     page.begin(name, version, sentence)
     page.request(".nf")
-    page.request(".B #include <kelto.h>")
+    page.request(f".B #include <{escape_code(header)}.h>")
     page.request(".fi")
     page.code(fitted(declaration))
     page.request(".SH DESCRIPTION")
     write_comment(page, comment)
     page.request(".PP")
+    if header != "kelto":
+        page.text(f"{header}(3) explains it all.")
     page.text("kelto(3) explains texts, sizes, ownership and threads, which are the same for all functions.")
     return page.finished("kelto (3)", "kelto\\-messages (5)", "kelto\\-format (7)")
 
 
-def write_functions(version, documented, folder):
+def write_functions(header, version, documented, folder):
     os.makedirs(folder, exist_ok=True)
     for name, declaration, comment in documented:
         if name.startswith("KT") and "{" not in declaration and not declaration.startswith("typedef"):
             with open(f"{folder}/{name}.3", "w", encoding="utf-8") as file:
-                file.write(function_page(version, name, declaration, comment))
+                file.write(function_page(header, version, name, declaration, comment))
 
 
 def main(arguments):
     option = arguments.pop(0) if arguments and arguments[0].startswith("--") else ""
     if len(arguments) != {"": 1, "--check": 2, "--functions": 2}.get(option):
         raise SystemExit(__doc__)
+    name, _ = os.path.splitext(os.path.basename(arguments[0]))
     with open(arguments[0], encoding="utf-8") as file:
         header = file.read()
-    page, documented = make_page(header)
+    with open(os.path.join(os.path.dirname(arguments[0]), "kelto.h"), encoding="utf-8") as file:
+        version = version_of(file.read())
+    page, documented = make_page(name, version, header)
     if option == "--functions":
-        write_functions(version_of(header), documented, arguments[1])
+        write_functions(name, version, documented, arguments[1])
     elif option == "--check":
         with open(arguments[1], encoding="utf-8") as file:
             if file.read() != page:

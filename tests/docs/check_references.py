@@ -36,13 +36,14 @@ for path in pages:
             faults.append(f"{name}: no file {target}")
         elif anchor and anchor not in anchors(read(linked)):
             faults.append(f"{name}: no heading {target}")
-    for file in re.findall(r"`((?:docs|examples|src|tests|scripts|include|tools)/[\w./-]+)`", page):
+    for file in re.findall(r"`((?:docs|examples|src|locale|tests|scripts|include|tools)/[\w./-]+)`", page):
         if not os.path.exists(os.path.join(root, file)):
             faults.append(f"{name}: no file {file}")
 
-headers = [f"{root}/include/kelto.h"] + glob.glob(f"{root}/src/**/*.h", recursive=True)
+headers = glob.glob(f"{root}/include/*.h") + glob.glob(f"{root}/src/**/*.h", recursive=True)
 declared = set(re.findall(r"\w+", "\n".join(read(header) for header in headers)))
-for line in read(f"{root}/tests/linkage/exported_names.txt").splitlines():
+lists = glob.glob(f"{root}/tests/linkage/exported_names*.txt")
+for line in "".join(map(read, lists)).splitlines():
     symbol = line.split()[0]
     member = re.match(r"_ZN12MsgTableList(\d+)(\w+)", symbol)
     plain = re.sub(r"^_ZN12MsgTableList.*", "MsgTableList", symbol)

@@ -14,15 +14,16 @@ struct Heap
     bool isWatched = false;
     unsigned untilFailure = 0, failures = 0;
     long outstanding = 0;
+    const char *library = nullptr;
 };
 
 thread_local Heap heap;
 
 } // namespace
 
-void HeapFaults::arm(unsigned n)
+void HeapFaults::arm(unsigned n, const char *library)
 {
-    heap = {true, n, 0, 0};
+    heap = {true, n, 0, 0, library};
 }
 
 unsigned HeapFaults::disarm()
@@ -46,6 +47,8 @@ bool isLibrary(const void *caller)
     Dl_info code;
     const bool isKnown = dladdr(caller, &code) != 0;
     const auto isIn = [&](const char *name) { return isKnown && std::strstr(code.dli_fname, name) != nullptr; };
+    if (heap.library != nullptr)
+        return isIn(heap.library);
     return isIn("/libkelto.") || isIn("/libexpat.") || isIn("/libicuuc.") || isIn("/libc.");
 }
 

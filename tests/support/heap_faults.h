@@ -15,8 +15,8 @@ constexpr bool arePossible = true;
 constexpr bool arePossible = false;
 #endif
 
-/** Lets the n-th allocation of this thread from here on fail. */
-void arm(unsigned n);
+/** Lets the n-th allocation of this thread from here on fail; only those of one library count, where it is named. */
+void arm(unsigned n, const char *library = nullptr);
 /** Takes that back; how many allocations failed. */
 unsigned disarm();
 /** The blocks that this thread took and did not free between arm() and disarm(). */
