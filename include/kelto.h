@@ -1387,7 +1387,8 @@ typedef void (*KTProblemFunction)(void *context, const KTCatalogProblem *problem
 typedef bool (*KTStopFunction)(void *context);
 
 /**
- * Writes an argument of type KT_ARGUMENT_POINTER for the last rung and for reports, as UTF-8.
+ * Writes an argument of type KT_ARGUMENT_POINTER for reports, and for the last rung where no conversion of the table's own
+ * writes it by itself, as UTF-8.
  * @param size  in: the capacity of out in bytes, the terminator counted; out: the bytes of the text, the terminator not
  *              counted, also after KT_ERR_BUFFER_TOO_SMALL.
  * @return 0, KT_ERR_BUFFER_TOO_SMALL, or any other failure: then "(pointer)" is written.

@@ -1,6 +1,7 @@
 #include "catalog/last_resort.h"
 
 #include "catalog/plain_text.h"
+#include "format/called_arguments.h"
 #include "format/finished_text.h"
 #include "format/form_table.h"
 
@@ -8,6 +9,43 @@ namespace
 {
 
 using kelto::FormatOutput;
+
+constexpr kelto::Layout noLayout = {KT_ABSENT, KT_ABSENT, 0};
+
+bool takesOnePointer(const KTFormatter &record)
+{
+    return record.argCount == 1 && record.argTypes != nullptr && record.argTypes[0] == KT_ARG_POINTER &&
+           record.format != nullptr;
+}
+
+/** Writes an object by the first conversion of the table's own that takes it alone; false where none does. */
+template <typename Unit>
+bool writeConverted(FormatOutput<Unit> &out, const KTArgument &object, const KTCatalogOptions &options)
+{
+    if (object.type != KT_ARGUMENT_POINTER || options.table == nullptr)
+        return false;
+    const void *pointer = object.value.p;
+    void *slots[] = {&pointer, nullptr};
+    const kelto::RunningSlots running(slots, &object, 1);
+    const KTFormatter *record = options.table->formList;
+    for (; record != nullptr && record->name != nullptr; ++record)
+    {
+        const auto convert = [&](const kelto::Layout &layout, unsigned long *units, UCS2 *text) {
+            return record->format(record->name, layout.width, layout.precision, layout.flags, nullptr, options.passThru,
+                                  slots, units, text);
+        };
+        if (takesOnePointer(*record) && out.appendCalled(convert, noLayout) == 0)
+            return true;
+    }
+    return false;
+}
+
+template <typename Unit>
+void writeArgument(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options)
+{
+    if (!writeConverted(out, argument, options))
+        kelto::writePlainly(out, argument, options);
+}
 
 template <typename Unit>
 void writeEncoded(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options,
@@ -17,14 +55,14 @@ void writeEncoded(FormatOutput<Unit> &out, const KTArgument &argument, const KTC
     int result = plain.make(
         [&](unsigned long *units, UCS2 *text) {
             FormatOutput<UCS2> written(text, units);
-            kelto::writePlainly(written, argument, options);
+            writeArgument(written, argument, options);
             return written.finish(units);
         },
         ~0UL);
     if (result == 0)
         result = out.appendCalled([&](const kelto::Layout &, unsigned long *units,
                                       UCS2 *encoded) { return encoder(plain.units(), KT_ENCODE_UCS2, units, encoded); },
-                                  {KT_ABSENT, KT_ABSENT, 0});
+                                  noLayout);
     if (result != 0)
         kelto::writeUTF8(out, "?");
 }
@@ -54,7 +92,7 @@ void writeLastResort(const KTCatalog &catalog, const KTCatalogRequest &request, 
         else if (encoder != nullptr)
             writeEncoded(text, request.arguments[i], catalog.options, encoder);
         else
-            writePlainly(text, request.arguments[i], catalog.options);
+            writeArgument(text, request.arguments[i], catalog.options);
     }
     writeUTF8(text, "]");
     text.finish(size);
