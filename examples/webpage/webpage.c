@@ -2,12 +2,16 @@
  * Writes a web page about some documents, in a language:
  *     webpage LANGUAGE >page.html
  *
- * Shows an encoder. The titles come from anywhere, and the messages put them between the markers %N and %O, so that
- * they go through the encoder of the form table, which escapes what HTML gives a meaning to.
+ * Shows an encoder, which escapes what HTML gives a meaning to. The titles come from anywhere and the messages from
+ * translators, so every argument goes through it: no translation can leave that out.
  */
-#include "catalog.h"
-#include "formatted.h"
+#include <kelto.h>
 #include <stdio.h>
+#include <stdlib.h>
+
+#ifndef CATALOGS
+#define CATALOGS "catalogs" /* the build tells the folder */
+#endif
 
 enum
 {
@@ -68,33 +72,57 @@ static int escapeHtml(const void *value, int dataType, unsigned long *sizeInOut,
     return 0;
 }
 
-static void print(const char *before, char *text, const char *after)
+/* A message with its arguments, as long as it may be; the text in the source is what is printed without a catalog. */
+static void print(const KTCatalog *catalog, int message, const char *source, const KTArgument *arguments, size_t count)
 {
-    printf("%s%s%s", before, text != NULL ? text : "?", after);
-    free(text);
+    char usual[200], *text = usual, *whole = NULL;
+    size_t size = sizeof usual;
+
+    if (KTCatalogFormatUTF8(catalog, message, source, &size, usual, arguments, count) == KT_ERR_BUFFER_TOO_SMALL)
+    {
+        /* What fits is cut, perhaps between '&' and ';', where a page must not be. */
+        text = whole = malloc(++size);
+        if (whole == NULL || KTCatalogFormatUTF8(catalog, message, source, &size, whole, arguments, count) != 0)
+            text = "?";
+    }
+    fputs(text, stdout);
+    free(whole);
 }
 
 int main(int argc, char **argv)
 {
     formTable html = {false, {0}, NULL, escapeHtml, &builtInFormTable};
-    MessageTable *catalog = NULL;
-    int result = KTInit();
+    const KTArgument department = KT_UTF8("R&D");
+    KTCatalogOptions options = {.structSize = sizeof options};
+    KTCatalog *catalog = NULL;
+    int result;
 
-    if (result == 0)
-        result = openCatalog(argc > 1 ? argv[1] : NULL, &catalog);
+    options.languages = argc > 1 ? argv[1] : NULL;
+    options.table = &html;
+    options.formatOptions = KT_ENCODE_ALL;
+    result = KTOpenCatalog(CATALOGS, "examples", &options, &catalog);
     if (result != 0)
     {
         fprintf(stderr, "webpage: %s\n", KTResultText(result));
+        KTCloseCatalog(catalog);
         return 1;
     }
-    print("<!DOCTYPE html>\n<html lang=\"", formatted("UTF-8", NULL, NULL, messageOf(catalog, LANGUAGE)), "\"");
-    print(" dir=\"", formatted("UTF-8", NULL, NULL, messageOf(catalog, DIRECTION)), "\">\n<meta charset=\"utf-8\">\n");
-    print("<title>", formatted("UTF-8", &html, NULL, messageOf(catalog, TITLE), "R&D"), "</title>\n<ul>\n");
+    fputs("<!DOCTYPE html>\n<html lang=\"", stdout);
+    print(catalog, LANGUAGE, "en", NULL, 0);
+    fputs("\" dir=\"", stdout);
+    print(catalog, DIRECTION, "ltr", NULL, 0);
+    fputs("\">\n<meta charset=\"utf-8\">\n<title>", stdout);
+    print(catalog, TITLE, "Documents of the department %s[1]", &department, 1);
+    puts("</title>\n<ul>");
     for (size_t i = 0; i < sizeof documents / sizeof documents[0]; ++i)
-        print("<li>",
-              formatted("UTF-8", &html, NULL, messageOf(catalog, DOCUMENT), documents[i].title, documents[i].pages),
-              "\n");
+    {
+        const KTArgument arguments[] = {KT_UTF8(documents[i].title), KT_INT(documents[i].pages)};
+
+        fputs("<li>", stdout);
+        print(catalog, DOCUMENT, "%s[1], pages: %d[2]", arguments, 2);
+        puts("");
+    }
     puts("</ul>");
-    KTClean();
+    KTCloseCatalog(catalog);
     return 0;
 }
