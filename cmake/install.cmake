@@ -19,6 +19,8 @@ else()
   list(FILTER headers EXCLUDE REGEX "/kelto-locale[.]h")
 endif()
 install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/kelto" DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.hpp")
 
 # find_package(Kelto)
 install(EXPORT KeltoTargets NAMESPACE Kelto:: DESTINATION ${KELTO_CMAKE_DIR})

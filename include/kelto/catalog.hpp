@@ -1,0 +1,398 @@
+/**
+ * @file catalog.hpp
+ * Messages by number, in all the languages that a user may be given. Include kelto.hpp.
+ */
+#ifndef KELTO_CATALOG_HPP
+#define KELTO_CATALOG_HPP
+
+#include "default_text.hpp"
+#include "format.hpp"
+
+namespace kelto
+{
+
+/**
+ * The number of a message: an integer, or an enumerator of the program's. One below 0 or above 4294967295 is that of a
+ * message that is not there.
+ */
+class message_id
+{
+public:
+    template <class Number, class = std::enable_if_t<std::is_integral_v<Number> || std::is_enum_v<Number>>>
+    constexpr message_id(Number number) noexcept
+        : bits_(static_cast<std::uint64_t>(number)), isNegative_(number < Number())
+    {
+        static_assert(!std::is_same_v<Number, bool>, "kelto: a bool is no message number");
+        static_assert(sizeof(Number) <= sizeof bits_, "kelto: a message number has at most 64 bits");
+    }
+
+    /** The number; 4294967295, which no message has, for one that does not fit. */
+    constexpr std::uint32_t value() const noexcept { return fits() ? static_cast<std::uint32_t>(bits_) : UINT32_MAX; }
+
+    /** Whether the number is one of 32 bits. */
+    constexpr bool fits() const noexcept { return !isNegative_ && bits_ <= UINT32_MAX; }
+
+    /** The number as it was given, in decimal. */
+    std::string to_string() const
+    {
+        return isNegative_ ? std::to_string(static_cast<std::int64_t>(bits_)) : std::to_string(bits_);
+    }
+
+private:
+    friend class catalog;
+    std::uint64_t bits_;
+    bool isNegative_;
+};
+
+/** Why something was passed over on the way to a text. The texts live during the call that is told of it. */
+struct problem
+{
+    std::string_view catalog;  /**< the name of the catalog */
+    std::string_view language; /**< the language that was passed over; empty for the text in the source */
+    std::string_view file;     /**< its file, or the directory without any; empty for the text in the source */
+    std::uint32_t id;          /**< message_id::value(); 0 where the file as a whole is of no use */
+    std::error_code error;     /**< in error_category() */
+    std::string text;          /**< a sentence for the developer, in English */
+};
+
+/** How a catalog is found, and how its messages are formatted. */
+struct catalog_options : format_options
+{
+    std::string languages = {};         /**< as in KTLanguages(); empty for the user's */
+    std::string source_language = "en"; /**< the language that has its turn behind the user's; empty for none */
+    /**
+     * Told once per message and language what was passed over, in the thread that asked for the message. What it
+     * throws comes out of the call.
+     */
+    callback<void(const problem &)> on_problem = {};
+};
+
+namespace detail
+{
+
+/** What the functions that the library calls back know of a catalog; at one place as long as it is open. */
+struct catalog_functions
+{
+    callback<void(const problem &)> on_problem;
+    std::shared_ptr<table_state> table;
+};
+
+template <bool Catches> void tell(void *context, const KTCatalogProblem *told) noexcept
+{
+    running_call *const call = innermost_call();
+    if (call != nullptr)
+        call->thrown = nullptr; // while the sentence was made, after what had been thrown was asked for
+    guarded<Catches>([&] {
+        const bool fits = told->id >= 0 && told->id <= UINT32_MAX;
+        static_cast<const catalog_functions *>(context)->on_problem(
+            {told->catalog, told->language, told->file, fits ? static_cast<std::uint32_t>(told->id) : UINT32_MAX,
+             make_error(told->result), told->text});
+        return 0;
+    });
+}
+
+inline bool has_thrown(void *) noexcept
+{
+    const running_call *const call = innermost_call();
+    return call != nullptr && call->thrown != nullptr;
+}
+
+/** Calls the library; where that stopped because something was thrown, it is thrown again. */
+template <class Call> int with_functions(const catalog_functions *functions, Call call)
+{
+    if (functions == nullptr)
+        return call();
+    running around(functions->table.get());
+    const int result = call();
+    if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+        around.rethrow();
+    return result;
+}
+
+struct close_catalog
+{
+    void operator()(KTCatalog *catalog) const noexcept { KTCloseCatalog(catalog); }
+};
+
+} // namespace detail
+
+/**
+ * Messages by number, in all the languages that a user may be given; chapter "The ladder" of kelto.hpp. There is a text
+ * for each number, at last "[store 3: report.txt, 12]".
+ */
+class catalog
+{
+public:
+    /**
+     * Finds the catalogs of the user's languages and of the source language: the files that KTFindCatalog() finds. A
+     * file that is missing, malformed or unreadable is passed over; a catalog without any file gives the texts in the
+     * source.
+     * @param name       the name of the catalog, without a '/'.
+     * @param directory  the folder that holds a folder per language.
+     * @param failure    set where the library cannot be started, or where name or directory are impossible.
+     */
+    static catalog find(const std::string &name, const std::string &directory, const catalog_options &options,
+                        std::error_code &failure)
+    {
+        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
+            return KTOpenCatalog(directory.c_str(), name.c_str(), &given, opened);
+        });
+    }
+    static catalog find(const std::string &name, const std::string &directory, std::error_code &failure)
+    {
+        return find(name, directory, {}, failure);
+    }
+
+    /**
+     * One file, "….ktc" or "….xlf", as the only language; failure is set where it cannot be loaded, and the catalog
+     * then gives the texts in the source.
+     */
+    static catalog load(const std::string &path, const catalog_options &options, std::error_code &failure)
+    {
+        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
+            return KTOpenCatalogFile(path.c_str(), &given, opened);
+        });
+    }
+    static catalog load(const std::string &path, std::error_code &failure) { return load(path, {}, failure); }
+
+    /**
+     * A compiled catalog that is a part of the program, as the only language: see KTLoadCompiledData(). The data is
+     * read during the call.
+     */
+    static catalog embedded(const std::string &name, const void *data, std::size_t size, const catalog_options &options,
+                            std::error_code &failure)
+    {
+        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
+            return KTOpenCatalogData(name.c_str(), data, size, &given, opened);
+        });
+    }
+    static catalog embedded(const std::string &name, const void *data, std::size_t size, std::error_code &failure)
+    {
+        return embedded(name, data, size, {}, failure);
+    }
+
+#if KELTO_HAS_EXCEPTIONS
+    static catalog find(const std::string &name, const std::string &directory, const catalog_options &options = {})
+    {
+        std::error_code failure;
+        catalog found = find(name, directory, options, failure);
+        const bool isName = !name.empty() && name.find('/') == std::string::npos;
+        if (failure)
+            detail::throw_told(failure.value(), {"kelto::catalog::find(\"", name, "\", \"", directory, "\"): ",
+                                                 !isName ? "the name of a catalog has no '/' and is not empty"
+                                                 : directory.empty() ? "the directory is not empty"
+                                                                     : KTResultText(failure.value())});
+        return found;
+    }
+    static catalog load(const std::string &path, const catalog_options &options = {})
+    {
+        std::error_code failure;
+        catalog loaded = load(path, options, failure);
+        if (failure)
+            detail::throw_told(failure.value(),
+                               {"kelto::catalog::load(\"", path, "\"): ", KTResultText(failure.value())});
+        return loaded;
+    }
+    static catalog embedded(const std::string &name, const void *data, std::size_t size,
+                            const catalog_options &options = {})
+    {
+        std::error_code failure;
+        catalog loaded = embedded(name, data, size, options, failure);
+        if (failure)
+            detail::throw_told(failure.value(),
+                               {"kelto::catalog::embedded(\"", name, "\"): ", KTResultText(failure.value())});
+        return loaded;
+    }
+#endif
+
+    /* In front of the arguments a text in the source may stand: KELTO_DEFAULT("…") or unchecked("…"). */
+
+    /** The text of a message. */
+    std::string format(message_id id) const
+    {
+        return make(id, {}, {nullptr, 0});
+    }
+    template <class First, class... Others>
+    __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
+        KELTO_WARN_OF_FORGOTTEN(first)
+    {
+        detail::look_at_first(first, others...);
+        if constexpr (detail::is_source_text<First>)
+            return make_of<detail::passed<Others>...>(id, detail::source_of(first, others...), others...);
+        else
+            return make_of<detail::passed<First>, detail::passed<Others>...>(id, {}, first, others...);
+    }
+
+    /** The text of a message in UTF-16. */
+    template <class... Arguments> std::u16string format_utf16(message_id id, const Arguments &...arguments) const
+    {
+        return make_utf16(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
+    }
+
+    /**
+     * Writes the text of a message to a stream, or behind an output iterator; without the heap up to 1,024 bytes. Into
+     * an array of chars it writes as much as fits, terminated, and gives a cut_text, which is a std::string_view.
+     */
+    template <class Output, class... Arguments>
+    decltype(auto) format_to(Output &&out, message_id id, const Arguments &...arguments) const
+    {
+        return put(std::forward<Output>(out), id, detail::source_of(arguments...),
+                   detail::list(detail::hold(arguments)...));
+    }
+
+    /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
+    template <class Output, class... Arguments>
+    format_to_n_result<Output> format_to_n(Output out, std::size_t most, message_id id,
+                                           const Arguments &...arguments) const
+    {
+        detail::text_buffer text;
+        fill(text, id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
+        return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
+    }
+
+    /** The bytes of the text. */
+    template <class... Arguments> std::size_t formatted_size(message_id id, const Arguments &...arguments) const
+    {
+        std::size_t size = 0;
+        write(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...), &size,
+              static_cast<char *>(nullptr));
+        return size;
+    }
+
+    /** A message as it stands in the first language that has it; empty where none has. It lives as long as the catalog.
+     */
+    std::string_view text(message_id id) const KELTO_POINTED_INTO
+    {
+        const char *const found =
+            id.fits() ? KTCatalogText(catalog_.get(), static_cast<std::int64_t>(id.bits_)) : nullptr;
+        return found != nullptr ? found : std::string_view();
+    }
+
+    /** The first language of which there are messages, as "de" or "de_AT"; empty where there is none. */
+    std::string language() const
+    {
+        return KTCatalogLanguage(catalog_.get());
+    }
+
+    /** For calls of the C interface, as long as this object lives; null of one that was moved from. */
+    const KTCatalog *get() const noexcept
+    {
+        return catalog_.get();
+    }
+
+private:
+    catalog() = default;
+
+    template <class Open, bool Catches = KELTO_HAS_EXCEPTIONS>
+    static catalog open(const catalog_options &options, std::error_code &failure, Open call)
+    {
+        const detail::call_options shared(options, options.table != nullptr ? options.table->state_ : nullptr);
+        catalog opened;
+        KTCatalogOptions given = detail::c_options(shared);
+        given.languages = options.languages.empty() ? nullptr : options.languages.c_str();
+        given.sourceLanguage = options.source_language.c_str();
+        if (options.on_problem || shared.table != nullptr)
+        {
+            opened.functions_.reset(new detail::catalog_functions{options.on_problem, shared.table});
+            given.context = opened.functions_.get();
+            given.onProblem = options.on_problem ? detail::tell<Catches> : nullptr;
+            given.isStopped = detail::has_thrown;
+        }
+        detail::running around(shared.table.get());
+        KTCatalog *there = nullptr;
+        failure = make_error(call(given, &there));
+        opened.catalog_.reset(there);
+        around.rethrow();
+        return opened;
+    }
+
+    /** Has the library write a text. */
+    KELTO_OUT_OF_LINE int write(message_id id, std::string_view source, const detail::argument_view &view,
+                                std::size_t *size, char *out) const
+    {
+        const KTCatalogRequest request = request_of(id, source, view);
+        return detail::with_functions(functions_.get(),
+                                      [&] { return KTCatalogFormatRequestUTF8(catalog_.get(), &request, size, out); });
+    }
+    template <class Unit>
+    int write(message_id id, std::string_view source, const detail::argument_view &view, std::size_t *size,
+              Unit *out) const
+    {
+        const KTCatalogRequest request = request_of(id, source, view);
+        return detail::with_functions(functions_.get(),
+                                      [&] { return KTCatalogFormatRequest(catalog_.get(), &request, size, out); });
+    }
+
+    KTCatalogRequest request_of(message_id id, std::string_view source,
+                                const detail::argument_view &view) const noexcept
+    {
+        KTCatalogRequest request = {};
+        request.structSize = sizeof request;
+        request.id = static_cast<std::int64_t>(id.bits_);
+        request.isUnsigned = !id.isNegative_;
+        request.source = source.data();
+        request.sourceLength = source.size();
+        request.arguments = view.arguments;
+        request.count = view.count;
+        return request;
+    }
+
+    void fill(detail::text_buffer &text, message_id id, std::string_view source,
+              const detail::argument_view &view) const
+    {
+        std::size_t size = 0;
+        char *room = text.few(size);
+        while (write(id, source, view, &size, room) == KT_ERR_BUFFER_TOO_SMALL)
+            room = text.many(size);
+        text.end(size);
+    }
+
+    KELTO_OUT_OF_LINE std::string make(message_id id, std::string_view source, const detail::argument_view &view) const
+    {
+        detail::text_buffer text;
+        fill(text, id, source, view);
+        return text.take();
+    }
+
+    /** One function for all calls with arguments of the same types, which so compile to little. */
+    template <class... Arguments>
+    KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
+    {
+        return make(id, source, detail::list(detail::hold(arguments)...));
+    }
+
+    template <class Text = std::u16string>
+    Text make_utf16(message_id id, std::string_view source, const detail::argument_view &view) const
+    {
+        Text text(detail::few_bytes, u'\0');
+        std::size_t size = text.size() + 1;
+        while (write(id, source, view, &size, text.data()) == KT_ERR_BUFFER_TOO_SMALL)
+            text.resize(size++);
+        text.resize(size);
+        return text;
+    }
+
+    template <class Output>
+    decltype(auto) put(Output &&out, message_id id, std::string_view source, const detail::argument_view &view) const
+    {
+        if constexpr (detail::is_line<Output>)
+        {
+            std::size_t size = sizeof out;
+            const bool isCut = write(id, source, view, &size, out) == KT_ERR_BUFFER_TOO_SMALL;
+            return cut_text{{out, isCut ? std::strlen(out) : size}, size};
+        }
+        else
+        {
+            detail::text_buffer text;
+            fill(text, id, source, view);
+            return detail::hand_over(std::forward<Output>(out), text.view());
+        }
+    }
+
+    std::unique_ptr<detail::catalog_functions> functions_; // outlive what calls them
+    std::unique_ptr<KTCatalog, detail::close_catalog> catalog_;
+};
+
+} // namespace kelto
+
+#endif

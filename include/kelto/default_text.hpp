@@ -1,0 +1,515 @@
+/**
+ * @file default_text.hpp
+ * Texts in the source, checked while they are compiled. Include kelto.hpp.
+ */
+#ifndef KELTO_DEFAULT_TEXT_HPP
+#define KELTO_DEFAULT_TEXT_HPP
+
+#include "argument.hpp"
+
+#include <climits>
+
+namespace kelto
+{
+
+namespace detail
+{
+
+/** The units that a text has as UCS-2; a malformed sequence is one, and ends where no well-formed one could go on. */
+constexpr std::size_t units_of(std::string_view text) noexcept
+{
+    std::size_t units = 0, taken = 0;
+    for (; !text.empty(); text.remove_prefix(taken), units += taken == 4 ? 2 : 1)
+    {
+        const auto lead = static_cast<unsigned char>(text[0]);
+        const std::size_t length = lead < 0xC2 || lead > 0xF4 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        unsigned least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+        unsigned most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+        for (taken = 1; taken < length && taken < text.size(); ++taken, least = 0x80, most = 0xBF)
+            if (static_cast<unsigned char>(text[taken]) < least || static_cast<unsigned char>(text[taken]) > most)
+                break;
+    }
+    return units;
+}
+
+struct slot
+{
+    unsigned code; // KTSlotCode
+    unsigned position;
+};
+
+/** Conversions of the built-in table, and the slot that they take: for 16, 32 and 64 bits, or behind 'l' or 'L'. */
+struct built_in
+{
+    std::string_view names;
+    unsigned with_h, plain, with_bang, with_l, with_capital_l;
+};
+constexpr built_in built_ins[] = {
+    {" d ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32},
+    {" s D T DT E IP ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
+    {" u o x X EID ", KT_SLOT_UINT16, KT_SLOT_UINT32, KT_SLOT_UINT64, KT_SLOT_UINT32, KT_SLOT_UINT32},
+    {" f ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE},
+    {" c ", KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_UNIT, KT_SLOT_CHAR},
+    {" U DND DNS ", KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2},
+    {" l ", KT_SLOT_INT16, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64}, // the empty name behind 'l'
+    {" ul ", KT_SLOT_UINT16, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64},
+    {" N O ", 0, 0, 0, 0, 0}, // the markers take nothing
+};
+
+/** Whether a name is one of some, each between blanks. */
+constexpr bool is_among(std::string_view names, std::string_view name) noexcept
+{
+    for (std::size_t at = 1; !name.empty() && at + name.size() < names.size(); ++at)
+        if (names[at] == name[0] && names[at - 1] == ' ' && names[at + name.size()] == ' ' &&
+            names.substr(at, name.size()) == name)
+            return true;
+    return false;
+}
+
+/** One conversion specification of a text, or why there is none. */
+struct specification
+{
+    int rule = KT_RULE_NONE;
+    unsigned position = 0;
+    unsigned code = 0; // of the value's slot; 0 for a marker
+    bool width_from_arguments = false, precision_from_arguments = false;
+    std::size_t begin = 0, end = 0;
+};
+
+/** Reads specifications as the library does; every text is safe to read, up to its first zero. */
+class specification_reader
+{
+public:
+    constexpr explicit specification_reader(std::string_view text) noexcept : text_(text.substr(0, text.find('\0'))) {}
+
+    /** Goes on to the next specification; false where there is none. */
+    constexpr bool next() noexcept
+    {
+        for (; at_ < text_.size(); ++at_)
+        {
+            if (text_[at_] != '%')
+                continue;
+            if (peek(1) != '%')
+                return true;
+            ++at_;
+        }
+        return false;
+    }
+
+    /** Reads the specification that next() found. */
+    constexpr specification read() noexcept
+    {
+        specification spec;
+        spec.begin = at_++;
+        spec.rule = read_parts(spec);
+        spec.end = at_;
+        if (spec.rule != KT_RULE_NONE && spec.rule != KT_RULE_NUMBER_TOO_LARGE && !has_bracket(spec.begin))
+            spec.rule = KT_RULE_POSITION_MISSING;
+        return spec;
+    }
+
+    constexpr std::string_view text() const noexcept { return text_; }
+
+private:
+    static constexpr std::uint64_t too_large = std::uint64_t(INT_MAX) + 1;
+
+    constexpr char peek(std::size_t ahead = 0) const noexcept
+    {
+        return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
+    }
+
+    constexpr bool take(char c) noexcept
+    {
+        if (peek() != c || c == '\0')
+            return false;
+        ++at_;
+        return true;
+    }
+
+    /** Whether a refused specification has a '[' before the place where its author will have meant it to end. */
+    constexpr bool has_bracket(std::size_t percent) const noexcept
+    {
+        std::size_t at = percent + 1;
+        while (at < text_.size() && std::string_view("-+ #0").find(text_[at]) != std::string_view::npos)
+            ++at;
+        while (at < text_.size() && std::string_view("% \t\r\n[]").find(text_[at]) == std::string_view::npos)
+            ++at;
+        return at < text_.size() && text_[at] == '[';
+    }
+
+    constexpr std::uint64_t number() noexcept
+    {
+        std::uint64_t value = 0;
+        for (; peek() >= '0' && peek() <= '9'; ++at_)
+            value = value < too_large ? value * 10 + static_cast<unsigned>(peek() - '0') : value;
+        return value;
+    }
+
+    /** Takes '*', a number, or nothing; false for a number that no int holds. */
+    constexpr bool option(bool &fromArguments) noexcept
+    {
+        fromArguments = take('*');
+        return fromArguments || number() < too_large;
+    }
+
+    constexpr int read_parts(specification &spec) noexcept
+    {
+        while (peek() == '-' || peek() == '+' || peek() == ' ' || peek() == '#' || peek() == '0')
+            ++at_;
+        if (!option(spec.width_from_arguments) || (take('.') && !option(spec.precision_from_arguments)))
+            return KT_RULE_NUMBER_TOO_LARGE;
+        const char modifier = take('h') ? 'h' : take('l') ? 'l' : take('L') ? 'L' : take('!') ? '!' : '\0';
+        const std::size_t name = at_;
+        while (peek() != '\0' && peek() != '[' && static_cast<unsigned char>(peek()) < 0x80 && at_ - name < 19)
+            ++at_;
+        const std::size_t length = at_ - name;
+        if (peek() != '[')
+            return peek() == '\0'                               ? KT_RULE_POSITION_MISSING
+                   : static_cast<unsigned char>(peek()) >= 0x80 ? KT_RULE_NAME_NOT_ASCII
+                                                                : KT_RULE_NAME_TOO_LONG;
+        ++at_;
+        const std::uint64_t position = number();
+        if (position >= too_large)
+            return KT_RULE_NUMBER_TOO_LARGE;
+        if (position == 0 || !take(']'))
+            return KT_RULE_POSITION_MALFORMED;
+        spec.position = static_cast<unsigned>(position);
+        return find(text_.substr(name, length), modifier, spec.code) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
+    }
+
+    static constexpr bool find(std::string_view name, char modifier, unsigned &code) noexcept
+    {
+        if (name == "l" || name.find(' ') != std::string_view::npos) // "l" behind another modifier is no name
+            return false;
+        if (name.empty() && modifier == 'l')
+            name = "l";
+        for (const built_in &row : built_ins)
+            if (is_among(row.names, name))
+            {
+                code = modifier == 'h'   ? row.with_h
+                       : modifier == 'l' ? row.with_l
+                       : modifier == 'L' ? row.with_capital_l
+                       : modifier == '!' ? row.with_bang
+                                         : row.plain;
+                return true;
+            }
+        return false;
+    }
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+};
+
+/** A text's slots in the order of the arguments, or the first rule that it breaks. */
+template <std::size_t Capacity> struct parsed_text
+{
+    int rule = KT_RULE_NONE;
+    specification broken = {}; // the specification that breaks it
+    std::size_t slot_count = 0;
+    slot slot_at[3 * Capacity + 1] = {};
+};
+
+constexpr std::size_t percent_signs(std::string_view text) noexcept
+{
+    std::size_t count = 0;
+    for (const char c : text)
+        count += c == '%' ? 1 : 0;
+    return count;
+}
+
+/** Parses a text of at most `Capacity` percent signs with the conversions of the built-in table. */
+template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::string_view text) noexcept
+{
+    parsed_text<Capacity> parsed;
+    specification specs[Capacity + 1] = {};
+    std::size_t count = 0;
+    specification_reader reader(text);
+    while (reader.next())
+    {
+        specification spec = reader.read();
+        if (spec.rule == KT_RULE_NONE && spec.position > 1000 && spec.position > units_of(reader.text()))
+            spec.rule = KT_RULE_NUMBER_TOO_LARGE;
+        if (spec.rule != KT_RULE_NONE && parsed.rule == KT_RULE_NONE)
+        {
+            parsed.rule = spec.rule;
+            parsed.broken = spec;
+        }
+        specs[count++] = spec;
+    }
+    for (std::size_t i = 0; i < count && parsed.rule == KT_RULE_NONE; ++i)
+        for (std::size_t j = 0; j < i && parsed.rule == KT_RULE_NONE; ++j)
+            if (specs[i].position == specs[j].position)
+            {
+                parsed.rule = KT_RULE_POSITION_REPEATED;
+                parsed.broken = specs[i];
+            }
+    for (unsigned position = 1; position <= count && parsed.rule == KT_RULE_NONE; ++position)
+    {
+        std::size_t i = 0;
+        while (i < count && specs[i].position != position)
+            ++i;
+        for (std::size_t j = count; j > 0 && i == count; --j)
+            if (specs[j - 1].position > count)
+            {
+                parsed.rule = KT_RULE_POSITION_GAP;
+                parsed.broken = specs[j - 1];
+            }
+        const specification &spec = specs[i];
+        for (const bool isFromArguments : {spec.width_from_arguments, spec.precision_from_arguments})
+            if (isFromArguments && spec.code != 0)
+                parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
+        if (spec.code != 0)
+            parsed.slot_at[parsed.slot_count++] = {spec.code, position};
+    }
+    if (parsed.rule != KT_RULE_NONE)
+        parsed.slot_count = 0;
+    return parsed;
+}
+
+/** Fails to compile where an argument does not fit; what the compiler prints names position, slot and type. */
+template <unsigned Position, KTSlotCode Slot, class Argument> struct argument_at_position
+{
+    static constexpr shape passed = shape_of<Argument>();
+    static constexpr bool is_right = fits(Slot, passed);
+    static constexpr bool is_right_but_for_the_sign =
+        !is_right && passed.kind == category::integer && fits(Slot, {passed.kind, passed.bytes, !passed.is_signed});
+    static_assert(
+        !is_right_but_for_the_sign || passed.is_signed,
+        "kelto: the conversion at this position takes another type than the argument that is passed for it: it "
+        "is for signed integers, and this one is unsigned");
+    static_assert(
+        !is_right_but_for_the_sign || !passed.is_signed,
+        "kelto: the conversion at this position takes another type than the argument that is passed for it: it "
+        "is for unsigned integers, and this one is signed");
+    static_assert(is_right || is_right_but_for_the_sign,
+                  "kelto: the conversion at this position takes another type than the argument that is passed for it; "
+                  "\"%!d\" and \"%!u\" take 64 bits, \"%hd\" and \"%hu\" 16");
+};
+
+template <class Text> struct parsed_default
+{
+    static constexpr std::string_view text = Text::get();
+    static constexpr auto value = parse_text<percent_signs(Text::get())>(Text::get());
+};
+
+template <class Text, class Indices, class... Arguments> struct checked_arguments;
+template <class Text, std::size_t... Index, class... Arguments>
+struct checked_arguments<Text, std::index_sequence<Index...>, Arguments...>
+{
+    using parsed = parsed_default<Text>;
+    static constexpr std::size_t size = // of all of them, so that each is looked at
+        (sizeof(argument_at_position<parsed::value.slot_at[Index].position,
+                                     static_cast<KTSlotCode>(parsed::value.slot_at[Index].code), Arguments>) +
+         ... + 0);
+};
+
+/** Compares a text with the types of a call's arguments; all faults stop the compilation. */
+template <class Text, class... Arguments> constexpr void check_default() noexcept
+{
+    using parsed = parsed_default<Text>;
+    constexpr int rule = parsed::value.rule;
+    static_assert(rule != KT_RULE_POSITION_MISSING,
+                  "kelto: a conversion of this text lacks its position, as in \"%s[1]\"; a percent sign is \"%%\"");
+    static_assert(rule != KT_RULE_POSITION_MALFORMED,
+                  "kelto: a position of this text is malformed; it is a number from 1 on in brackets, as in \"%s[1]\"");
+    static_assert(rule != KT_RULE_NUMBER_TOO_LARGE, "kelto: a width, precision or position of this text is too large");
+    static_assert(rule != KT_RULE_NAME_TOO_LONG && rule != KT_RULE_NAME_NOT_ASCII && rule != KT_RULE_UNKNOWN_CONVERSION,
+                  "kelto: this text has a conversion that the built-in table does not know; for one of your own pass "
+                  "kelto::unchecked(\"...\") in place of KELTO_DEFAULT");
+    static_assert(rule != KT_RULE_POSITION_REPEATED, "kelto: a position is used twice in this text");
+    static_assert(rule != KT_RULE_POSITION_GAP,
+                  "kelto: the positions of this text are not 1, 2, 3 and so on; one is left out");
+    constexpr bool isFormat = rule == KT_RULE_NONE;
+    constexpr bool isComplete = !isFormat || parsed::value.slot_count <= sizeof...(Arguments);
+    constexpr bool isExhausted = !isFormat || parsed::value.slot_count >= sizeof...(Arguments);
+    static_assert(isComplete, "kelto: this text takes more arguments than the call passes");
+    static_assert(isExhausted, "kelto: the call passes more arguments than this text takes");
+    if constexpr (isFormat && isComplete && isExhausted && sizeof...(Arguments) > 0)
+        static_cast<void>(
+            sizeof(char[checked_arguments<Text, std::index_sequence_for<Arguments...>, Arguments...>::size]));
+}
+
+} // namespace detail
+
+/** The text of a message in the source; made by KELTO_DEFAULT. */
+template <class Text> struct default_text
+{
+};
+
+/** A text of the source that is compared with its arguments when it is used; see unchecked(). */
+struct unchecked_text
+{
+    std::string_view text;
+};
+
+/**
+ * The text of a message in the source, for messages with conversions of the program's own, which are not known while it
+ * is compiled. A text that does not fit is passed over like a translation. The text itself is not copied.
+ */
+[[nodiscard]] constexpr unchecked_text unchecked(std::string_view text KELTO_POINTED_INTO) noexcept
+{
+    return {text};
+}
+
+namespace detail
+{
+
+/** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type: on this one. */
+struct spelt_text
+{
+    /** Whether a text is one, by how it is spelt. */
+    static constexpr bool is_literal(const char *text) noexcept
+    {
+#if !defined(__cpp_char8_t)
+        if (text[0] == 'u' && text[1] == '8') // still of chars
+            text += 2;
+#endif
+        return text[0] == '"' || (text[0] == 'R' && text[1] == '"');
+    }
+
+    static constexpr bool is_variable = false;
+    constexpr std::string_view operator()(spelt_text) const noexcept
+    {
+        return text;
+    }
+    std::string_view text;
+};
+constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) noexcept
+{
+    return {{text, size}};
+}
+
+/** The text in the source of a call with these arguments; the way to it from default_text compares the two. */
+template <class... Arguments> struct source_text
+{
+    template <class Text>
+    __attribute__((always_inline)) constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
+    {
+        check_default<Text, std::decay_t<const Arguments>...>();
+    }
+    constexpr source_text(unchecked_text source) noexcept : text(source) {}
+
+    unchecked_text text;
+};
+
+/** The text in the source that stands in front of the arguments; a view without data where none does. */
+template <class... Arguments> constexpr std::string_view source_of(const Arguments &...) noexcept
+{
+    return {};
+}
+template <class Text, class... Arguments>
+constexpr std::string_view source_of(default_text<Text> source, const Arguments &...) noexcept
+{
+    return source_text<Arguments...>(source).text.text;
+}
+template <class... Arguments>
+constexpr std::string_view source_of(const unchecked_text &source, const Arguments &...) noexcept
+{
+    return source.text;
+}
+template <class... Arguments>
+constexpr std::string_view source_of(const source_text<Arguments...> &source, const Arguments &...) noexcept
+{
+    return source.text.text;
+}
+
+template <class T> constexpr bool is_source_text = std::is_same_v<T, unchecked_text>;
+template <class Text> constexpr bool is_source_text<default_text<Text>> = true;
+template <class... Arguments> constexpr bool is_source_text<source_text<Arguments...>> = true;
+
+template <class Text> no_argument hold(default_text<Text>) noexcept
+{
+    return {};
+}
+inline no_argument hold(const unchecked_text &) noexcept
+{
+    return {};
+}
+template <class... Arguments> no_argument hold(const source_text<Arguments...> &) noexcept
+{
+    return {};
+}
+
+/** Whether a literal that is passed as the first argument is a format, whose author forgot KELTO_DEFAULT. */
+template <std::size_t Size> constexpr bool looks_like_default(const char (&literal)[Size]) noexcept
+{
+    const std::string_view text(literal, Size - 1);
+    return text.find('%') < text.find("[1]") && text.find("[1]") != std::string_view::npos;
+}
+template <class First> constexpr bool looks_like_default(const First &) noexcept
+{
+    return false;
+}
+
+#define KELTO_FORGOTTEN                                                                                                \
+    "kelto: the first argument looks like a text in the source, which stands in KELTO_DEFAULT(\"...\") or "            \
+    "kelto::unchecked(\"...\")"
+#if defined(__clang__)
+#define KELTO_WARN_OF_FORGOTTEN(first)                                                                                 \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")                              \
+        __attribute__((diagnose_if(kelto::detail::looks_like_default(first), KELTO_FORGOTTEN, "warning")))             \
+        _Pragma("clang diagnostic pop")
+#else
+#define KELTO_WARN_OF_FORGOTTEN(first)
+/** The compiler says it of a call of this, in a program that is optimised. */
+__attribute__((noinline, cold, warning(KELTO_FORGOTTEN))) inline void forgotten_default() noexcept
+{
+    asm volatile(""); // so that the call is one
+}
+#endif
+
+/** Looks at the first argument of a call without a text in the source, in the place of the call itself. */
+template <class... Others>
+__attribute__((always_inline, artificial)) inline void look_at_first(const char *text, const Others &...) noexcept
+{
+#if !defined(__clang__)
+    if (__builtin_constant_p(__builtin_strstr(text, "[1]") != nullptr && __builtin_strchr(text, '%') != nullptr) &&
+        __builtin_strstr(text, "[1]") != nullptr && __builtin_strchr(text, '%') != nullptr)
+        forgotten_default();
+#else
+    static_cast<void>(text);
+#endif
+}
+template <class... Arguments> constexpr void look_at_first(const Arguments &...) noexcept
+{
+}
+
+} // namespace detail
+
+/** What KELTO_DEFAULT and unchecked() give, for a call with these arguments; for functions around format(). */
+template <class... Arguments> using source_text_for = std::enable_if_t<true, detail::source_text<Arguments...>>;
+
+/**
+ * The text of a message in the source, which is used where no catalog has a usable one. It is parsed while it is
+ * compiled, and its conversions are compared with the types of the arguments.
+ *
+ *     store.format(3, KELTO_DEFAULT("%s[1] has %d[2] pages"), title, pages)
+ */
+#define KELTO_DEFAULT(literal) KELTO_DEFAULT_OF(literal)
+
+// The name that a variable becomes here is looked up only where the branch is taken, which it is for literals alone; so
+// the compiler has one sentence to say of a variable.
+#define KELTO_DEFAULT_OF(literal)                                                                                      \
+    ([](auto kelto_tag) {                                                                                              \
+        using kelto_spelt = decltype(kelto_tag);                                                                       \
+        using kelto::detail::operator""_kelto_text;                                                                    \
+        if constexpr (kelto_spelt::is_literal(#literal))                                                               \
+        {                                                                                                              \
+            struct kelto_text                                                                                          \
+            {                                                                                                          \
+                static constexpr std::string_view get() noexcept { return literal##_kelto_text(kelto_spelt()); }       \
+            };                                                                                                         \
+            return kelto::default_text<kelto_text>();                                                                  \
+        }                                                                                                              \
+        else                                                                                                           \
+        {                                                                                                              \
+            static_assert(kelto_spelt::is_variable,                                                                    \
+                          "kelto: KELTO_DEFAULT takes a literal, as \"%s[1]\"; for a variable pass "                   \
+                          "kelto::unchecked(variable)");                                                               \
+            return kelto::unchecked({});                                                                               \
+        }                                                                                                              \
+    }(kelto::detail::spelt_text()))
+
+} // namespace kelto
+
+#endif

@@ -1,0 +1,193 @@
+/**
+ * @file error.hpp
+ * What the other headers stand on: errors, functions of the program's, and the use of the library. Include kelto.hpp.
+ */
+#ifndef KELTO_ERROR_HPP
+#define KELTO_ERROR_HPP
+
+#if __cplusplus < 201703L
+#error "kelto.hpp needs C++17: compile with -std=c++17 or later"
+#endif
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wold-style-cast" // C has no other
+#include <kelto.h>
+#pragma GCC diagnostic pop
+
+#include <cstddef>
+#include <initializer_list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+#include <utility>
+
+#if defined(__cpp_exceptions)
+#define KELTO_HAS_EXCEPTIONS true
+#else
+#define KELTO_HAS_EXCEPTIONS false
+#endif
+
+/** Kept out of the calls, so that each of them compiles to little code, and fast. */
+#define KELTO_OUT_OF_LINE __attribute__((noinline))
+
+/** What runs once per message or never; small rather than fast, which also saves its users time to compile. */
+#define KELTO_SELDOM __attribute__((noinline, cold))
+
+/** One in a process, whatever the visibility that the program is compiled with. */
+#define KELTO_SHARED __attribute__((visibility("default")))
+
+/** A parameter that what is returned points into. */
+#if defined(__clang__)
+#define KELTO_POINTED_INTO [[clang::lifetimebound]]
+#else
+#define KELTO_POINTED_INTO
+#endif
+
+namespace kelto
+{
+
+/**
+ * A function of the program's, with its state: what std::function is, without the large header that it comes with.
+ * Copies share the function; one that is empty is false, and must not be called.
+ */
+template <class Signature> class callback;
+template <class Result, class... Arguments> class callback<Result(Arguments...)>
+{
+public:
+    callback() = default;
+    callback(std::nullptr_t) noexcept {}
+    template <class Function, class = std::enable_if_t<!std::is_same_v<Function, callback>>> callback(Function function)
+    {
+        // A pointer or a std::function may be empty; a lambda, which may convert to a bool unasked, is not.
+        if constexpr (std::is_pointer_v<Function> ||
+                      (std::is_constructible_v<bool, Function &> && !std::is_convertible_v<Function &, bool>))
+            if (!static_cast<bool>(function))
+                return;
+        function_ = std::make_shared<Function>(std::move(function));
+        call_ = [](void *of, Arguments... arguments) -> Result {
+            return (*static_cast<Function *>(of))(std::forward<Arguments>(arguments)...);
+        };
+    }
+    explicit operator bool() const noexcept { return call_ != nullptr; }
+    Result operator()(Arguments... arguments) const
+    {
+        return call_(function_.get(), std::forward<Arguments>(arguments)...);
+    }
+
+private:
+    std::shared_ptr<void> function_;
+    Result (*call_)(void *, Arguments...) = nullptr;
+};
+
+namespace detail
+{
+
+class KELTO_SHARED result_category final : public std::error_category
+{
+public:
+    const char *name() const noexcept override { return "kelto"; }
+    std::string message(int result) const override { return KTResultText(result); }
+    std::error_condition default_error_condition(int result) const noexcept override
+    {
+        switch (result)
+        {
+        case KT_ERR_NO_MEMORY:
+            return std::errc::not_enough_memory;
+        case KT_ERR_FILE_UNAVAILABLE:
+            return std::errc::no_such_file_or_directory;
+        case KT_ERR_INVALID_PARAMETER:
+            return std::errc::invalid_argument;
+        default:
+            return {result, *this};
+        }
+    }
+};
+
+} // namespace detail
+
+/** The category of the library's results, which are its values: kelto::make_error(KT_ERR_BAD_MSG_FILE). */
+KELTO_SHARED inline const std::error_category &error_category() noexcept
+{
+    static const detail::result_category category;
+    return category;
+}
+
+/** The error code of a result of the C interface; no error for 0. */
+inline std::error_code make_error(int result) noexcept
+{
+    return {result, error_category()};
+}
+
+/** What the overloads without a std::error_code throw; code() is in error_category(). */
+class KELTO_SHARED error : public std::system_error
+{
+public:
+    using std::system_error::system_error;
+};
+
+namespace detail
+{
+
+#if KELTO_HAS_EXCEPTIONS
+/** An error that says all that there is to say, where the text of its code would only say less. */
+class KELTO_SHARED told_error final : public error
+{
+public:
+    told_error(const std::error_code &failure, const std::string &what) : error{failure}, what_(what) {}
+    const char *what() const noexcept override { return what_.what(); }
+
+private:
+    std::runtime_error what_; // a text whose copies cannot fail
+};
+
+[[noreturn]] KELTO_SELDOM inline void throw_told(int result, std::initializer_list<std::string_view> parts)
+{
+    std::string what;
+    for (const std::string_view part : parts)
+        what.append(part.data(), part.size());
+    throw told_error{make_error(result), what};
+}
+#endif
+
+/** One use of the library, or none. */
+struct end_use
+{
+    void operator()(const char *) const noexcept { KTEndUse(); }
+};
+using use = std::unique_ptr<const char, end_use>;
+
+inline int begin(use &held) noexcept
+{
+    const int result = KTBeginUse();
+    held.reset(result == 0 ? "held" : nullptr);
+    return result;
+}
+
+} // namespace detail
+
+/**
+ * Starts the library, and ends this use of it with the object. The other objects hold uses of their own, so a program
+ * needs this one only to keep the library started while it has none of them, or while it calls the C interface itself.
+ */
+class library
+{
+public:
+    explicit library(std::error_code &failure) noexcept { failure = make_error(detail::begin(use_)); }
+#if KELTO_HAS_EXCEPTIONS
+    library()
+    {
+        if (const int result = detail::begin(use_))
+            detail::throw_told(result, {"kelto::library: ", KTResultText(result)});
+    }
+#endif
+
+private:
+    detail::use use_;
+};
+
+} // namespace kelto
+
+#endif

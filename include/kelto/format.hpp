@@ -1,0 +1,456 @@
+/**
+ * @file format.hpp
+ * Where a text goes, and formats that come from no catalog. Include kelto.hpp.
+ */
+#ifndef KELTO_FORMAT_HPP
+#define KELTO_FORMAT_HPP
+
+#include "form_table.hpp"
+
+#include <iterator>
+
+namespace kelto
+{
+
+/** How texts are made of formats. */
+struct format_options
+{
+    const form_table *table =
+        nullptr;                  /**< the conversions; null for the built-in ones. It is shared, and may end first. */
+    bool tag = false;             /**< wraps dates, names, entry IDs and errors in tags */
+    void *pass_through = nullptr; /**< handed to conversions of the program's own */
+    /**
+     * The bytes that a text may have, beside 8 times those of the text arguments. The text in the source is not
+     * passed over for being longer, unless it needs more than 1 MiB as well.
+     */
+    std::size_t max_size = 1 << 20;
+};
+
+/** As much of a text as an array holds, in whole characters and terminated. */
+struct cut_text : std::string_view
+{
+    std::size_t needed; /**< the bytes of the whole text */
+    bool is_cut() const noexcept { return size() < needed; }
+};
+
+/** What format_to_n() gives. */
+template <class Output> struct format_to_n_result
+{
+    Output out;       /**< behind the last byte that was written */
+    std::size_t size; /**< the bytes of the whole text */
+};
+
+namespace detail
+{
+
+constexpr std::size_t few_bytes = 1024;
+
+/** A text on its way to the caller: up to few_bytes of it without the heap. */
+class text_buffer
+{
+public:
+    text_buffer() noexcept {} // the bytes stay as they are
+    text_buffer(const text_buffer &) = delete;
+    text_buffer &operator=(const text_buffer &) = delete;
+
+    /** Room for a text, under the size protocol. */
+    char *few(std::size_t &size) noexcept
+    {
+        size = few_bytes + 1;
+        return few_;
+    }
+    /** Likewise for a text of this size, and for more where that was told too low. */
+    char *many(std::size_t &size)
+    {
+        isFew_ = false;
+        many_.resize(size > many_.size() ? size : 2 * many_.size());
+        size = many_.size() + 1;
+        return many_.data();
+    }
+    void end(std::size_t size)
+    {
+        if (isFew_)
+            size_ = size;
+        else
+            many_.resize(size);
+    }
+
+    std::string_view view() const noexcept { return isFew_ ? std::string_view(few_, size_) : many_; }
+    std::string take() { return isFew_ ? std::string(few_, size_) : std::move(many_); }
+
+private:
+    char few_[few_bytes + 1];
+    bool isFew_ = true;
+    std::size_t size_ = 0;
+    std::string many_;
+};
+
+/** The beginning of a text, of at most so many bytes and in whole characters. */
+inline std::string_view cut(std::string_view text, std::size_t most) noexcept
+{
+    if (text.size() <= most)
+        return text;
+    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
+        --most;
+    return text.substr(0, most);
+}
+
+template <class Output> using stream_of = decltype(std::declval<Output &>().write("", 1).rdbuf());
+
+template <class Output> constexpr bool is_back_inserter = false;
+template <class Container> constexpr bool is_back_inserter<std::back_insert_iterator<Container>> = true;
+
+/** Reaches the container of a back inserter, whose text then grows once. */
+template <class Container> Container &container_of(std::back_insert_iterator<Container> iterator) noexcept
+{
+    struct access : std::back_insert_iterator<Container>
+    {
+        explicit access(std::back_insert_iterator<Container> from) : std::back_insert_iterator<Container>(from) {}
+        Container &get() const noexcept { return *this->container; }
+    };
+    return access(iterator).get();
+}
+
+template <class Output> using inserted_of = typename Output::container_type::value_type;
+template <class Output> using pointed_of = decltype(sizeof(typename std::iterator_traits<Output>::value_type));
+
+/** Fails to compile where an output cannot take a text. */
+template <class Output> constexpr bool takes_text() noexcept
+{
+    std::size_t bytes = 1; // where it is not known
+    if constexpr (has<inserted_of, Output>)
+        bytes = sizeof(inserted_of<Output>);
+    else if constexpr (has<pointed_of, Output>)
+        bytes = sizeof(typename std::iterator_traits<Output>::value_type);
+    return bytes == 1;
+}
+
+template <class Output> auto copy_to(Output out, std::string_view text)
+{
+    static_assert(takes_text<Output>(), "kelto: a text is UTF-8, of chars, and this output takes larger units; call "
+                                        "format_utf16() for a std::u16string");
+    if constexpr (std::is_same_v<Output, std::back_insert_iterator<std::string>>)
+        container_of(out).append(text.data(), text.size());
+    else if constexpr (is_back_inserter<Output>)
+        container_of(out).insert(container_of(out).end(), text.begin(), text.end());
+    else if constexpr (takes_text<Output>())
+        for (const char c : text)
+            *out++ = c;
+    return out;
+}
+
+/** An array of chars, for a text that is cut. */
+template <class Output> constexpr bool is_line = false;
+template <std::size_t Size> constexpr bool is_line<char (&)[Size]> = true;
+
+/** Hands a text to an output; gives back the stream, the iterator behind the text, or what fits into an array. */
+template <class Output> decltype(auto) hand_over(Output &&out, std::string_view text)
+{
+    using bare = std::remove_cv_t<std::remove_reference_t<Output>>;
+    static_assert(
+        !std::is_pointer_v<bare>,
+        "kelto: a pointer does not tell how much room there is; pass an array of chars, a std::back_inserter, "
+        "or call format_to_n(pointer, room, ...)");
+    if constexpr (is_line<Output>)
+    {
+        const std::size_t size = cut(text, sizeof out - 1).copy(out, sizeof out - 1);
+        out[size] = '\0';
+        return cut_text{{out, size}, text.size()};
+    }
+    else if constexpr (has<stream_of, bare>)
+        return static_cast<bare &>(out.write(text.data(), static_cast<std::ptrdiff_t>(text.size())));
+    else if constexpr (!std::is_pointer_v<bare>)
+        return copy_to(bare(std::forward<Output>(out)), text);
+}
+
+/** The error code that stands in front of the arguments of a call, or null. */
+template <class... Arguments> std::error_code *failure_of(const Arguments &...) noexcept
+{
+    static_assert(KELTO_HAS_EXCEPTIONS || sizeof...(Arguments) == SIZE_MAX,
+                  "kelto: without exceptions a std::error_code stands in front of the arguments");
+    return nullptr;
+}
+template <class... Arguments> std::error_code *failure_of(std::error_code &failure, const Arguments &...) noexcept
+{
+    return &failure;
+}
+inline no_argument hold(const std::error_code &) noexcept
+{
+    return {};
+}
+
+/** The options of a format call, with the table as what keeps it alive. */
+struct call_options
+{
+    call_options(const format_options &options, std::shared_ptr<table_state> shared)
+        : table(std::move(shared)), flags(options.tag ? static_cast<unsigned>(KT_TAG) : 0U),
+          pass_through(options.pass_through), max_size(options.max_size)
+    {
+        if (table != nullptr && table->encodes_everywhere)
+            flags |= static_cast<unsigned>(KT_ENCODE_ALL);
+    }
+    formTable *c_table() const noexcept { return table != nullptr ? &table->table : nullptr; }
+
+    std::shared_ptr<table_state> table;
+    unsigned flags;
+    void *pass_through;
+    std::size_t max_size;
+};
+
+/** Calls the library with a table, and throws again what functions of the program threw. */
+template <class Call> int with_table(const table_state *table, Call call)
+{
+    if (table == nullptr)
+        return call();
+    running around(table);
+    const int result = call();
+    around.rethrow();
+    return result;
+}
+
+/** Writes an object of the program's for the last rung and for errors. */
+inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
+{
+    if (argument->length != identity_kind)
+        return KT_ERR_INVALID_PARAMETER;
+    const auto *const object = static_cast<const identified *>(argument->value.p);
+    return object->type->write(object->object, size, out);
+}
+
+/** The options as the C interface takes them. */
+inline KTCatalogOptions c_options(const call_options &options) noexcept
+{
+    KTCatalogOptions given = {};
+    given.structSize = sizeof given;
+    given.table = options.c_table();
+    given.passThru = options.pass_through;
+    given.formatOptions = options.flags;
+    given.maxSize = options.max_size != 0 ? options.max_size : 1;
+    given.writeArgument = write_argument;
+    return given;
+}
+
+struct free_prepared
+{
+    void operator()(KTPreparedFormat *format) const noexcept { KTFreePrepared(format); }
+};
+
+/** The bytes that a text with these arguments may have. */
+KELTO_SELDOM inline std::size_t limit_of(std::size_t maxSize, const argument_view &view) noexcept
+{
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < view.count; ++i)
+    {
+        const KTArgument &argument = view.arguments[i];
+        const bool isOpen = argument.length == UINT32_MAX;
+        if (argument.type == KT_ARGUMENT_CODE_POINT)
+            bytes += 3 * std::size_t(argument.length);
+        else if (argument.value.p == nullptr)
+            continue;
+        else if (argument.type == KT_ARGUMENT_UTF8)
+            bytes += isOpen ? std::strlen(static_cast<const char *>(argument.value.p)) : argument.length;
+        else if (argument.type == KT_ARGUMENT_UCS2)
+            bytes += 3 * (isOpen ? KTUCS2strlen(static_cast<const char16_t *>(argument.value.p))
+                                 : std::size_t(argument.length));
+    }
+    constexpr std::size_t most = SIZE_MAX / 2;
+    return bytes < most / 8 && maxSize < most ? maxSize + 8 * bytes : most;
+}
+
+} // namespace detail
+
+/**
+ * One format, parsed once, for texts that come from no catalog. Here what does not fit is an error.
+ *
+ * A call with a std::error_code in front of the arguments throws nothing, and gives nothing where that is set. The others
+ * throw where the arguments are not those that the format takes, and where a conversion fails.
+ */
+class prepared_format
+{
+public:
+    prepared_format(const std::string &format, std::error_code &failure) : prepared_format(format, {}, failure) {}
+    prepared_format(const std::string &format, const format_options &options, std::error_code &failure)
+        : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
+    {
+        failure = make_error(open(format));
+    }
+
+#if KELTO_HAS_EXCEPTIONS
+    explicit prepared_format(const std::string &format, const format_options &options = {})
+        : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
+    {
+        if (const int result = open(format))
+            fail(result, {nullptr, 0});
+    }
+#endif
+
+    /** The text. */
+    template <class... Arguments> std::string format(Arguments &&...arguments) const
+    {
+        return make(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+    }
+
+    /** The text in UTF-16. */
+    template <class... Arguments> std::u16string format_utf16(Arguments &&...arguments) const
+    {
+        return make_utf16(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+    }
+
+    /**
+     * Writes the text to a stream, or behind an output iterator; without the heap up to 1,024 bytes. Into an array of
+     * chars it writes as much as fits, terminated, and gives a cut_text.
+     */
+    template <class Output, class... Arguments> decltype(auto) format_to(Output &&out, Arguments &&...arguments) const
+    {
+        detail::text_buffer text;
+        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return detail::hand_over(std::forward<Output>(out), text.view());
+    }
+
+    /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
+    template <class Output, class... Arguments>
+    format_to_n_result<Output> format_to_n(Output out, std::size_t most, Arguments &&...arguments) const
+    {
+        detail::text_buffer text;
+        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
+    }
+
+    /** The bytes of the text. */
+    template <class... Arguments> std::size_t formatted_size(Arguments &&...arguments) const
+    {
+        detail::text_buffer text;
+        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return text.view().size();
+    }
+
+    /** For calls of the C interface, as long as this object lives; null where the format was refused. */
+    const KTPreparedFormat *get() const noexcept
+    {
+        return format_.get();
+    }
+
+    prepared_format(prepared_format &&) noexcept = default;
+    prepared_format &operator=(prepared_format &&other) noexcept
+    {
+        std::swap(use_, other.use_);
+        std::swap(options_, other.options_);
+        std::swap(text_, other.text_);
+        std::swap(format_, other.format_);
+        return *this;
+    }
+
+private:
+    int open(const std::string &format)
+    {
+        text_ = format;
+        if (const int result = detail::begin(use_))
+            return result;
+        KTPreparedFormat *prepared = nullptr;
+        const int result = KTPrepareFormat(text_.c_str(), options_.c_table(), &prepared);
+        format_.reset(prepared);
+        return result;
+    }
+
+    /** Calls the library; throws only what functions of the program throw. */
+    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, char *out) const
+    {
+        return detail::with_table(options_.table.get(), [&] {
+            return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
+                                        view.count);
+        });
+    }
+    template <class Unit> int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
+    {
+        return detail::with_table(options_.table.get(), [&] {
+            return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
+                                    view.count);
+        });
+    }
+
+    /** Whether a text, which is that long, is not longer than it may be. */
+    bool is_within_limit(std::size_t size, const detail::argument_view &view) const noexcept
+    {
+        return size <= options_.max_size || size <= detail::limit_of(options_.max_size, view);
+    }
+
+    /** Fills a buffer where it can; what cannot be is told in `failure`, or thrown where that is null. */
+    KELTO_OUT_OF_LINE bool fill(detail::text_buffer &text, std::error_code *failure,
+                                const detail::argument_view &view) const
+    {
+        std::size_t size = 0;
+        char *room = text.few(size);
+        int result = write(view, &size, room);
+        while (result == KT_ERR_BUFFER_TOO_SMALL && is_within_limit(size, view))
+        {
+            room = text.many(size);
+            result = write(view, &size, room);
+        }
+        if (result == 0 && !is_within_limit(size, view))
+            result = KT_ERR_BUFFER_TOO_SMALL;
+        text.end(result == 0 ? size : 0);
+        return is_done(result, failure, view);
+    }
+
+    bool is_done(int result, std::error_code *failure, const detail::argument_view &view) const
+    {
+        if (failure != nullptr)
+            *failure = make_error(result);
+#if KELTO_HAS_EXCEPTIONS
+        else if (result != 0)
+            fail(result, view);
+#else
+        static_cast<void>(view);
+#endif
+        return result == 0;
+    }
+
+    KELTO_OUT_OF_LINE std::string make(std::error_code *failure, const detail::argument_view &view) const
+    {
+        detail::text_buffer text;
+        fill(text, failure, view);
+        return text.take();
+    }
+
+    template <class Text = std::u16string>
+    Text make_utf16(std::error_code *failure, const detail::argument_view &view) const
+    {
+        Text text(detail::few_bytes, u'\0');
+        std::size_t size = text.size() + 1;
+        int result = write(view, &size, text.data());
+        while (result == KT_ERR_BUFFER_TOO_SMALL && is_within_limit(size, view))
+        {
+            text.resize(size++);
+            result = write(view, &size, text.data());
+        }
+        if (result == 0 && !is_within_limit(size, view))
+            result = KT_ERR_BUFFER_TOO_SMALL;
+        text.resize(is_done(result, failure, view) ? size : 0);
+        return text;
+    }
+
+#if KELTO_HAS_EXCEPTIONS
+    [[noreturn]] KELTO_SELDOM void fail(int result, const detail::argument_view &view) const
+    {
+        if (format_ == nullptr && result == KT_ERR_INVALID_PARAMETER)
+            detail::throw_told(result, {"kelto::prepared_format: it holds no format"});
+        const detail::running call(options_.table.get()); // what is thrown here was thrown before
+        const KTCatalogOptions options = detail::c_options(options_);
+        std::string why(detail::few_bytes, '\0');
+        std::size_t size = why.size() + 1;
+        while (KTExplainFailure(text_.c_str(), result, &options, view.arguments, view.count, &size, why.data()) ==
+               KT_ERR_BUFFER_TOO_SMALL)
+            why.resize(size++);
+        detail::throw_told(result, {{why.data(), size}});
+    }
+#endif
+
+    detail::use use_;
+    detail::call_options options_;
+    std::string text_;
+    std::unique_ptr<KTPreparedFormat, detail::free_prepared> format_;
+};
+
+} // namespace kelto
+
+#endif
