@@ -26,7 +26,7 @@ constexpr double momentMilliseconds = 1795608000e3;
 
 formTable *conversions()
 {
-    formTable *const table = KTLConversions(languageName, const_cast<char *>(zone));
+    formTable *const table = KTLConversions(const_cast<char *>(zone), languageName);
     require(table != nullptr, "a language cannot be opened");
     return table;
 }

@@ -102,13 +102,17 @@ formTable *KTLFormTable(KTLLanguage *language);
 const char *KTLLanguageName(const KTLLanguage *language);
 
 /**
- * The form table of a language by its name, for catalogs, where each language of the ladder has the conversions of its
- * own. The language stays open until the program ends.
- * @param language  as in KTLOpenLanguage().
- * @param timeZone  a zero-terminated text, or null, likewise.
+ * The form table of a language by its name: a KTConversionsFunction for catalogs, where each language of the ladder has
+ * the conversions of its own. The language stays open until the program ends.
+ * @param timeZone  as in KTLOpenLanguage(): a zero-terminated text, or null.
+ * @param language  likewise.
  * @return the table, or null where KTLOpenLanguage() fails.
+ *
+ *     KTCatalogOptions options = {sizeof options};
+ *     options.conversions = KTLConversions;
+ *     options.conversionsContext = "Europe/Warsaw"; // a cast to char * in C++
  */
-formTable *KTLConversions(const char *language, void *timeZone);
+formTable *KTLConversions(void *timeZone, const char *language);
 
 /**
  * Gives back what is kept for languages that nobody has open: for programs that count their memory, or call ICU's

@@ -1396,6 +1396,15 @@ typedef bool (*KTStopFunction)(void *context);
 typedef int (*KTArgumentFunction)(void *context, const KTArgument *argument, size_t *size, char *out);
 
 /**
+ * Gives the conversions of a language, so that each language of a catalog writes with its own: numbers and dates, say.
+ * Asked once for each language that is loaded, and once for the source language, whose conversions are those of the
+ * texts in the source. KTLConversions() of the add-on is one.
+ * @param language  a name as in KTLanguages(), "de_AT"; of a catalog that is a single file what that says of itself.
+ * @return a table that lives as long as the catalog; null for the conversions that all languages have.
+ */
+typedef formTable *(*KTConversionsFunction)(void *context, const char *language);
+
+/**
  * How a catalog is found, and how its messages are formatted. Zeros stand for what is usual. Later versions add members
  * at the end.
  *
@@ -1416,6 +1425,8 @@ typedef struct KTCatalogOptions
     KTProblemFunction onProblem;
     KTStopFunction isStopped;
     KTArgumentFunction writeArgument;
+    KTConversionsFunction conversions; /**< those of each language, behind the ones of table as that is now; or null */
+    void *conversionsContext;          /**< handed to it */
 } KTCatalogOptions;
 
 /**

@@ -152,7 +152,7 @@ const char *KTLLanguageName(const KTLLanguage *language)
     return language != nullptr ? language->name.tag : nullptr;
 }
 
-formTable *KTLConversions(const char *language, void *timeZone)
+formTable *KTLConversions(void *timeZone, const char *language)
 {
     KTLLanguage *opened = nullptr;
     KTLOpenLanguage(language, static_cast<const char *>(timeZone), &opened);

@@ -56,7 +56,7 @@ MessageTable *tableOf(const KTCatalog &catalog, Language &language) noexcept
 int loadLanguage(const KTCatalog &catalog, Language &language) noexcept
 {
     Language::Refusals refusals;
-    const int result = language.load(refusals);
+    const int result = language.load(catalog.options, refusals);
     // Without the lock: who is told may format something.
     for (size_t i = 0; i < refusals.count; ++i)
         reportFile(catalog, language.name(), refusals.files[i].path, refusals.files[i].result);

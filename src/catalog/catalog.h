@@ -12,6 +12,7 @@ struct KTCatalog
 {
     mutable kelto::KnownMessages messages;
     KTCatalogOptions options = {};              /**< as readOptions() gives them */
+    kelto::RungConversions sourceConversions;   /**< of the texts in the source */
     std::unique_ptr<kelto::Language> languages; /**< the user's, then the source language */
     size_t languageCount = 0;
     kelto::HeapBlock<char> name;

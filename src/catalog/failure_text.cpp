@@ -244,7 +244,9 @@ int KTExplainFailure(const char *format, int result, const KTCatalogOptions *opt
     if (format == nullptr || (arguments == nullptr && count != 0) || size == nullptr ||
         (text == nullptr && *size != 0) || kelto::readOptions(options, read) != 0)
         return KT_ERR_INVALID_PARAMETER;
+    kelto::RungConversions conversions;
+    conversions.set(read, read.sourceLanguage);
     Sentence sentence(text, size, kelto::Beginning::kept);
-    kelto::sayWhy(sentence, {format, result, read, arguments, count, nullptr, 0});
+    kelto::sayWhy(sentence, {format, result, read, arguments, count, nullptr, 0, conversions.table()});
     return sentence.finish(size);
 }

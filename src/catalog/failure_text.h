@@ -20,8 +20,9 @@ struct FailedCall
     size_t count;
     const Language *language; /**< whose message it is, or null for a format that is none */
     uint32_t number;          /**< of the message */
+    formTable *sourceTable;   /**< the conversions of a format that is none */
 
-    formTable *conversions() const noexcept { return language != nullptr ? language->conversions() : options.table; }
+    formTable *conversions() const noexcept { return language != nullptr ? language->conversions() : sourceTable; }
 };
 
 /** Says why. */

@@ -155,7 +155,8 @@ private:
             m_source = m_known->findSource(m_request.source, length);
         if (m_source != nullptr)
             return m_source;
-        m_ownSource = SourceText::make(m_request.source, length, m_catalog.options.table, m_catalog.languageCount);
+        m_ownSource =
+            SourceText::make(m_request.source, length, m_catalog.sourceConversions.table(), m_catalog.languageCount);
         if (m_ownSource != nullptr)
             m_source = m_known != nullptr ? m_known->keepSource(m_ownSource) : m_ownSource.get();
         return m_source;
@@ -297,8 +298,8 @@ private:
             KTCatalogOptions options = m_catalog.options;
             options.maxSize = maxSize;
             kelto::report(m_catalog, {"", "", reportedId(m_request), result}, [&](kelto::Sentence &sentence) {
-                kelto::sayWhy(sentence,
-                              {m_source->text(), result, options, m_request.arguments, m_request.count, nullptr, 0});
+                kelto::sayWhy(sentence, {m_source->text(), result, options, m_request.arguments, m_request.count,
+                                         nullptr, 0, m_catalog.sourceConversions.table()});
             });
             askWhetherStopped();
         }
@@ -326,7 +327,7 @@ private:
                 return kelto::sayLostEncoding(sentence, text, lost);
             if (m_number != noNumber || m_request.id == noNumber)
                 return kelto::sayWhy(sentence, {text, result, m_catalog.options, m_request.arguments, m_request.count,
-                                                &language, m_number});
+                                                &language, m_number, nullptr});
             kelto::say(sentence, "no message has the number ");
             kelto::writeNumber(sentence, static_cast<uint64_t>(m_request.id),
                                !m_request.isUnsigned && m_request.id < 0);

@@ -19,18 +19,17 @@ bool isCompiled(std::string_view path)
 namespace kelto
 {
 
-std::unique_ptr<Language> Language::ofFile(const char *name, const char *path, formTable *table) noexcept
+std::unique_ptr<Language> Language::ofFile(const char *name, const char *path) noexcept
 {
     std::unique_ptr<Language> language(new (std::nothrow) Language);
     if (language == nullptr || !language->setTexts(name, path))
         return nullptr;
-    language->m_conversions = table;
     return language;
 }
 
-std::unique_ptr<Language> Language::ofData(const void *data, size_t size, formTable *table) noexcept
+std::unique_ptr<Language> Language::ofData(const void *data, size_t size) noexcept
 {
-    std::unique_ptr<Language> language = ofFile("", "", table);
+    std::unique_ptr<Language> language = ofFile("", "");
     if (language != nullptr)
     {
         language->m_data = data;
@@ -71,7 +70,7 @@ const char *Language::text(uint32_t number) const noexcept
     return KTGetMessage(table(), number, &text) == 0 ? text : nullptr;
 }
 
-int Language::load(Refusals &refusals) noexcept
+int Language::load(const KTCatalogOptions &options, Refusals &refusals) noexcept
 {
     const std::lock_guard<std::mutex> lock(m_loading);
     if (isTried())
@@ -83,6 +82,8 @@ int Language::load(Refusals &refusals) noexcept
         if (m_sourcePath != nullptr && loadSource(refusals) == 0)
             result = 0;
     }
+    if (table() != nullptr)
+        m_conversions.set(options, locale());
     m_data = nullptr; // which may end now
     m_size = 0;
     m_isTried.store(true, std::memory_order_release);

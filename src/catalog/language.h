@@ -5,6 +5,7 @@
 #ifndef KELTO_CATALOG_LANGUAGE_H
 #define KELTO_CATALOG_LANGUAGE_H
 
+#include "catalog/rung_conversions.h"
 #include "kelto.h"
 #include "strconv/heap_block.h"
 
@@ -19,9 +20,9 @@ class Language
 {
 public:
     /** A language with a folder of its own, or one file as the only language (with an empty name); null without memory. */
-    static std::unique_ptr<Language> ofFile(const char *name, const char *path, formTable *table) noexcept;
+    static std::unique_ptr<Language> ofFile(const char *name, const char *path) noexcept;
     /** A compiled catalog in memory as the only language; it has to be loaded while the data is there. */
-    static std::unique_ptr<Language> ofData(const void *data, size_t size, formTable *table) noexcept;
+    static std::unique_ptr<Language> ofData(const void *data, size_t size) noexcept;
     ~Language();
     Language(const Language &) = delete;
     Language &operator=(const Language &) = delete;
@@ -32,8 +33,8 @@ public:
     const char *locale() const noexcept { return *name() != '\0' ? name() : m_ownName; }
     /** The file; once it is loaded, the one that was loaded. */
     const char *path() const noexcept { return m_path; }
-    /** Its conversions; null for the built-in ones. */
-    formTable *conversions() const noexcept { return m_conversions; }
+    /** Its conversions, once it is loaded; null for the built-in ones. */
+    formTable *conversions() const noexcept { return m_conversions.table(); }
 
     /** Whether the file was loaded, or was found to be of no use. */
     bool isTried() const noexcept { return m_isTried.load(std::memory_order_acquire); }
@@ -55,8 +56,8 @@ public:
         void add(const char *path, int result) noexcept { files[count++] = {path, result}; }
     };
 
-    /** Loads the file where that was not tried yet. @return 0, or why there is none. */
-    int load(Refusals &refusals) noexcept;
+    /** Loads the file where that was not tried yet. @param options  of the catalog. @return 0, or why there is none. */
+    int load(const KTCatalogOptions &options, Refusals &refusals) noexcept;
 
     std::unique_ptr<Language> next;
 
@@ -70,7 +71,7 @@ private:
     const char *m_path = nullptr;
     char *m_sourcePath = nullptr; // null where that is not looked for
     char m_ownName[6] = {};
-    formTable *m_conversions = nullptr;
+    RungConversions m_conversions;
     const void *m_data = nullptr; // in place of a file
     size_t m_size = 0;
     std::mutex m_loading;

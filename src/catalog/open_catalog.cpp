@@ -42,6 +42,7 @@ public:
         m_catalog->options = read;
         const int result = KTBeginUse();
         m_catalog->isUse = result == 0;
+        m_catalog->sourceConversions.set(read, read.sourceLanguage);
         return result;
     }
 
@@ -98,7 +99,7 @@ bool addLanguage(KTCatalog &catalog, const char *language, const char *directory
 {
     const int result = kelto::findCatalogOf(language, directory, catalog.name.get(), path);
     if (result == 0)
-        return catalog.add(Language::ofFile(language, path, catalog.options.table));
+        return catalog.add(Language::ofFile(language, path));
     if (result == KT_ERR_FILE_UNAVAILABLE)
         return true;
     std::strcpy(path + std::strlen(directory) + 1 + std::strlen(language) + 1, ""); // the folder, with its '/'
@@ -175,7 +176,7 @@ int KTOpenCatalogFile(const char *path, const KTCatalogOptions *options, KTCatal
         return KT_ERR_INVALID_PARAMETER;
     if (const int result = opening.begin(nameOfFile(path), options))
         return opening.hand(result);
-    return openOnly(opening, Language::ofFile("", path, opening.catalog()->options.table));
+    return openOnly(opening, Language::ofFile("", path));
 }
 
 int KTOpenCatalogData(const char *name, const void *data, size_t size, const KTCatalogOptions *options,
@@ -186,7 +187,7 @@ int KTOpenCatalogData(const char *name, const void *data, size_t size, const KTC
         return KT_ERR_INVALID_PARAMETER;
     if (const int result = opening.begin(name, options))
         return opening.hand(result);
-    return openOnly(opening, Language::ofData(data, size, opening.catalog()->options.table));
+    return openOnly(opening, Language::ofData(data, size));
 }
 
 void KTCloseCatalog(KTCatalog *catalog)

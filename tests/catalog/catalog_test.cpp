@@ -120,7 +120,7 @@ TEST(Catalog, MayBeNullOrStopped)
     KTClean();
     KTCloseCatalog(nullptr);
     EXPECT_EQ(text(nullptr, 3, "%d[1] pages", 12), "[3: 12]"); // a format needs the library
-    for (unsigned n = 1;; ++n) // each step of the start and of finding fails once
+    for (unsigned n = 1;; ++n)                                 // each step of the start and of finding fails once
     {
         FakeZel::failNth(n);
         KTCatalog *catalog = nullptr;
@@ -187,6 +187,84 @@ TEST(Catalog, KeepsEightTextsOfANumber)
         EXPECT_EQ(FakeZel::count(Operation::Malloc), round == 0 ? 10u : 2u);
     }
     KTCloseCatalog(catalog);
+}
+
+/** Writes the first letter of its name. */
+int writeLetter(const char *name, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *out)
+{
+    const unsigned long room = *size;
+    *size = 1;
+    if (room < 2)
+        return KT_ERR_BUFFER_TOO_SMALL;
+    *out = static_cast<unsigned char>(name[0]);
+    return 0;
+}
+
+constexpr int none[] = {8, KT_ARG_END};
+
+/** A table of one conversion without arguments; `name` may be another one than its record is found by. */
+struct LetterTable
+{
+    KTFormatter list[2];
+    formTable table;
+
+    LetterTable(const char *name, formTable *next)
+        : list{{name, nullptr, 0, none, writeLetter}, {nullptr, nullptr, 0, nullptr, nullptr}}, table{false,
+                                                                                                      {},
+                                                                                                      list,
+                                                                                                      nullptr,
+                                                                                                      next}
+    {
+    }
+};
+
+struct Letters
+{
+    LetterTable german{"deutsch", &builtInFormTable}, english{"english", &builtInFormTable};
+    std::string asked;
+};
+
+formTable *lettersOf(void *context, const char *language)
+{
+    auto &letters = *static_cast<Letters *>(context);
+    letters.asked += std::string(language) + ' ';
+    if (std::string_view(language).substr(0, 2) == "de")
+        return &letters.german.table;
+    return *language == 'e' ? &letters.english.table : nullptr;
+}
+
+TEST(Catalog, EachLanguageHasItsOwnConversions)
+{
+    FakeZel::file("l/de/store.xlf",
+                  MessageFile().unit(1, "%deutsch[1]%own[2]%d[3]").unit(2, "%english[1]").unit(3, "").xml());
+    FakeZel::file("l/en/store.xlf", MessageFile().unit(2, "%english[1]-").unit(3, "%deutsch[1]").xml());
+    FakeZel::file("l/de_AT.xlf", MessageFile().unit(1, "%deutsch[1]").xml());
+    LetterTable third("third", &builtInFormTable), own("own", &third.table);
+    for (formTable *table : {&own.table, static_cast<formTable *>(nullptr)})
+    {
+        Letters letters;
+        KTCatalogOptions options = sized();
+        options.table = table;
+        options.conversions = lettersOf;
+        options.conversionsContext = &letters;
+        KTCatalog *catalog = nullptr;
+        ASSERT_EQ(KTOpenCatalog("l", "store", &options, &catalog), 0);
+        for (int round = 0; round < 2; ++round)
+        {
+            EXPECT_EQ(text(catalog, 1, nullptr, 7), table != nullptr ? "do7" : "[store 1: 7]");
+            EXPECT_EQ(text(catalog, 2, nullptr), "e-");
+            EXPECT_EQ(text(catalog, 3, "%english[1]%third[2]"), table != nullptr ? "et" : "[store 3]");
+            EXPECT_EQ(text(catalog, 3, "%english[1]"), "e") << "the text in the source is English";
+        }
+        EXPECT_EQ(letters.asked, "en de en ") << "for the texts in the source, and when a file is loaded";
+        KTCloseCatalog(catalog);
+        letters.asked.clear();
+        EXPECT_EQ(KTOpenCatalogFile("l/de_AT.xlf", &options, &catalog), 0);
+        EXPECT_EQ(letters.asked, "en en_US ") << "what the file says of itself";
+        EXPECT_EQ(text(catalog, 1, nullptr), "[de_AT 1]");
+        KTCloseCatalog(catalog);
+    }
+    EXPECT_EQ(own.table.nextTable, &third.table);
 }
 
 /** What a program's functions do that throw. */

@@ -252,8 +252,8 @@ TEST_F(Locale, LanguagesAreNamedAndFoundAgain)
         EXPECT_EQ(language, again);
         EXPECT_NE(formatOnce(language, "%number[1]", {KT_INT(1)}), "") << row.locale;
     }
-    EXPECT_EQ(KTLConversions("pl", const_cast<char *>(zone)), KTLFormTable(open("pl").get()));
-    EXPECT_EQ(KTLConversions("pl", const_cast<char *>("none")), nullptr);
+    EXPECT_EQ(KTLConversions(const_cast<char *>(zone), "pl"), KTLFormTable(open("pl").get()));
+    EXPECT_EQ(KTLConversions(const_cast<char *>("none"), "pl"), nullptr);
     EXPECT_EQ(KTLFormTable(nullptr), nullptr);
     EXPECT_EQ(KTLLanguageName(nullptr), nullptr);
     KTLCloseLanguage(nullptr);
