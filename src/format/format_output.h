@@ -174,14 +174,18 @@ private:
         return out + count;
     }
 
-    /** Counts units, and tells how many of them are to be written: all or none, or as many as fit. */
-    uint64_t claim(uint64_t units) noexcept
+    /** Counts units that fit as a whole; else false, and nothing is counted. */
+    bool claim(uint64_t units) noexcept
     {
-        if (canHold(units))
-        {
-            m_total += units;
-            return units;
-        }
+        if (!canHold(units))
+            return false;
+        m_total += units;
+        return true;
+    }
+
+    /** Counts units that do not fit as a whole, and tells how many of them are to be written. */
+    [[gnu::noinline, gnu::cold]] uint64_t cut(uint64_t units) noexcept
+    {
         const uint64_t beginning = roomForBeginning();
         m_isTruncated = true;
         addToTotal(units);
@@ -195,7 +199,7 @@ private:
     }
 
     /** Drops the part of a character with which a text ends that was cut. */
-    void dropHalfCharacter() noexcept
+    [[gnu::noinline, gnu::cold]] void dropHalfCharacter() noexcept
     {
         if constexpr (isUTF8)
         {
@@ -216,7 +220,14 @@ private:
     void append(const Fill &fill) noexcept
     {
         if (fill.count > 0 && goOn(fill.count))
-            m_next = std::fill_n(m_next, claim(fill.count), static_cast<Unit>(fill.unit)); // ASCII in every conversion
+            appendFill(fill.unit, fill.count);
+    }
+
+    // By value like what follows: most pieces are none of these, and then need not be in memory.
+    [[gnu::noinline]] void appendFill(UCS2 unit, uint64_t count) noexcept
+    {
+        const uint64_t written = claim(count) ? count : cut(count);
+        m_next = std::fill_n(m_next, written, static_cast<Unit>(unit)); // ASCII in every conversion
     }
 
     void append(const NarrowText &text) noexcept
@@ -225,19 +236,32 @@ private:
             return;
         if (text.characters == nullptr) // only counted: the number as a whole does not fit
             m_isTruncated = true;
-        uint64_t written = claim(isUTF8 ? text.count + text.beyondAscii : text.count);
         if (isUTF8 && text.beyondAscii > 0)
-            for (const char *next = text.characters; written > 0; ++next)
-            {
-                const auto character = static_cast<unsigned char>(*next);
-                if (utf8Length(character) > written)
-                    break;
-                putWritable(character);
-                written -= utf8Length(character);
-            }
-        else
-            m_next = std::transform(text.characters, text.characters + written, m_next,
-                                    [](unsigned char character) { return static_cast<Unit>(character); });
+            return appendBeyondAscii(text.characters, text.count + text.beyondAscii);
+        if (!claim(text.count))
+            return appendBeginning(text.characters, text.count);
+        m_next = std::transform(text.characters, text.characters + text.count, m_next,
+                                [](unsigned char character) { return static_cast<Unit>(character); });
+    }
+
+    [[gnu::noinline, gnu::cold]] void appendBeginning(const char *characters, uint64_t count) noexcept
+    {
+        for (uint64_t left = cut(count); left > 0; --left)
+            *m_next++ = static_cast<unsigned char>(*characters++);
+    }
+
+    /** A number with the decimal mark of some locale, in UTF-8. */
+    [[gnu::noinline, gnu::cold]] void appendBeyondAscii(const char *characters, uint64_t bytes) noexcept
+    {
+        uint64_t left = claim(bytes) ? bytes : cut(bytes);
+        for (const char *next = characters; left > 0; ++next)
+        {
+            const auto character = static_cast<unsigned char>(*next);
+            if (utf8Length(character) > left)
+                return;
+            putWritable(character);
+            left -= utf8Length(character);
+        }
     }
 
     void append(const Text &text) noexcept
@@ -246,7 +270,7 @@ private:
             for (const UCS2 *next = text.units; next != text.units + text.count; ++next)
                 putUnit(*next);
         else
-            m_next = std::copy_n(text.units, claim(text.count), m_next);
+            m_next = std::copy_n(text.units, claim(text.count) ? text.count : cut(text.count), m_next);
     }
 
     void append(const NameText &name) noexcept
@@ -306,8 +330,12 @@ private:
     void putCodePoint(UChar32 codePoint) noexcept
     {
         const size_t units = isUTF8 ? utf8Length(codePoint) : U16_LENGTH(codePoint);
-        if (goOn(units) && claim(units) == units)
+        if (!goOn(units))
+            return;
+        if (claim(units))
             putWritable(codePoint);
+        else
+            cut(units);
     }
 
     /** Writes a code point for which there is room. */
@@ -327,6 +355,8 @@ private:
         {
             if (claim(1))
                 *m_next++ = unit;
+            else
+                cut(1);
         }
         else if (m_surrogates.hasEnded())
             return;
@@ -347,8 +377,11 @@ private:
     void putJoined(UChar32 codePoint) noexcept
     {
         constexpr size_t replaced = utf8Length(replacementCharacter);
+        const size_t more = utf8Length(codePoint) - replaced;
         const bool isWritten = !m_isTruncated;
-        const bool hasRoom = claim(utf8Length(codePoint) - replaced) > 0;
+        const bool hasRoom = claim(more);
+        if (!hasRoom)
+            cut(more);
         if (hasRoom || (isWritten && m_keepsBeginning))
             m_next -= replaced;
         if (hasRoom)
@@ -382,11 +415,11 @@ private:
      * Writes as much as fits of what a formatter has asked room for, unless that is a lot. Without room some formatters
      * do not tell that they fail; so they are asked even where nothing of the text fits.
      */
-    template <typename Call> int keepBeginning(const Call &call, const Layout &layout, unsigned long units) noexcept
+    template <typename Call>
+    [[gnu::noinline, gnu::cold]] int keepBeginning(const Call &call, const Layout &layout, unsigned long units) noexcept
     {
         const unsigned long asked = units + 1;
-        const TagBlock<Unit> buffer =
-            units < CalledText::alwaysAllowed ? allocate<Unit>(glbResHandle, asked) : nullptr;
+        const TagBlock<Unit> buffer = units < CalledText::alwaysAllowed ? allocate<Unit>(glbResHandle, asked) : nullptr;
         if (buffer == nullptr)
             return 0;
         unsigned long written = asked;

@@ -67,14 +67,15 @@ int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, co
                    const KTArgument *values, const Call &call)
 {
     const auto called = [&](const Layout &own, size_t *bytes, char *out) {
-        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.typed.passThru,
-                               values, bytes, out);
+        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder,
+                               call.typed.passThru, values, bytes, out);
     };
     return text.appendCalledUTF8(called, layout);
 }
 
 template <typename Unit>
-int writeUTF8(kelto::FormatOutput<Unit> &text, const Layout &layout, const KTArgument &argument)
+[[gnu::always_inline]] inline int writeUTF8(kelto::FormatOutput<Unit> &text, const Layout &layout,
+                                            const KTArgument &argument)
 {
     const auto value = kelto::utf8Of(argument);
     if (value.length >= INT_MAX)
@@ -115,30 +116,43 @@ int writeName(kelto::FormatOutput<Unit> &text, const char *convName, int flags, 
     return kelto::writeName(text, flags, kelto::NameText(name, kelto::nameKindOf(convName)));
 }
 
-/** How a format is written. */
-struct Manner
+/** The slots of a conversion. */
+uint32_t slotsOf(const PreparedStep &step)
 {
-    Beginning beginning;
-    int withoutFlags; /**< of the call and of the steps */
-    bool isAccepted;  /**< whether the arguments were compared with the format before */
-};
-
-template <typename Unit>
-int writeFormat(const KTPreparedFormat &given, const TypedCall &typed, const Manner &manner, size_t *size, Unit *out);
-
-/** Writes one conversion by itself. */
-template <typename Unit>
-int writeAlone(const KTPreparedFormat &prepared, const PreparedStep &step, const TypedCall &call, const Manner &manner,
-               size_t *size, Unit *out)
-{
-    PreparedStep alone = step;
-    alone.literalBytes = alone.literalUnits = 0;
-    alone.layout.flags &= ~manner.withoutFlags;
-    KTPreparedFormat one = prepared;
-    one.steps = &alone;
-    one.stepCount = 1;
-    return writeFormat(one, call, manner, size, out);
+    const auto values = static_cast<uint32_t>(step.formatter->argCount);
+    return values + (step.layout.width == KT_FROM_ARGUMENTS ? 1 : 0) +
+           (step.layout.precision == KT_FROM_ARGUMENTS ? 1 : 0);
 }
+
+/** One conversion of a format, as a format. */
+class AloneFormat
+{
+public:
+    AloneFormat(const KTPreparedFormat &prepared, const PreparedStep &step) : m_step(step), m_format(prepared)
+    {
+        m_step.literalBytes = m_step.literalUnits = 0;
+        m_step.firstSlot = 0;
+        m_format.steps = &m_step;
+        m_format.stepCount = 1;
+        m_format.slots += step.firstSlot;
+        m_format.slotCount = slotsOf(step);
+    }
+    AloneFormat(const AloneFormat &) = delete;
+    AloneFormat &operator=(const AloneFormat &) = delete;
+
+    /** Takes it out of its region. */
+    void leaveUnencoded()
+    {
+        m_step.layout.flags &= ~FLAG_ENCODE;
+        m_format.table = nullptr; // which is needed for the encoder alone
+    }
+
+    const KTPreparedFormat &get() const { return m_format; }
+
+private:
+    PreparedStep m_step;
+    KTPreparedFormat m_format;
+};
 
 /** How the text of a conversion is taken apart that is encoded as a whole. */
 struct FinishedParts
@@ -169,22 +183,24 @@ FinishedParts finishedParts(Writer writer, bool isTagged)
 
 /** Writes a conversion's finished text through the encoder. */
 template <typename Unit>
-int writeFinished(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const FinishedParts &parts,
-                  const Call &call)
+[[gnu::noinline, gnu::cold]] int writeFinished(kelto::FormatOutput<Unit> &text, const PreparedStep &step,
+                                               const FinishedParts &parts, const Call &call)
 {
-    const int withoutFlags = *parts.open != 0 ? FLAG_ENCODE | FLAG_TAG : FLAG_ENCODE;
+    AloneFormat alone(call.prepared, step);
+    alone.leaveUnencoded();
+    const unsigned options = *parts.open != 0 ? 0U : call.typed.options & KT_TAG;
     kelto::FinishedText finished;
     const auto write = [&](unsigned long *units, UCS2 *out) {
-        return writeAlone(call.prepared, step, call.typed, {Beginning::ofNoUse, withoutFlags, true}, units, out);
+        return KTFormatPrepared(&alone.get(), options, call.typed.passThru, units, out,
+                                call.typed.arguments + step.firstSlot, alone.get().slotCount);
     };
     if (const int made = finished.make(write, parts.most))
         return made;
     text.write(kelto::Ending::open, kelto::Text{parts.open, KTUCS2strlen(parts.open)});
-    const int result = text.appendCalled(
-        [&](const Layout &, unsigned long *units, UCS2 *out) {
-            return call.encoder(finished.units(), KT_ENCODE_UCS2, units, out);
-        },
-        {KT_ABSENT, KT_ABSENT, 0});
+    const int result =
+        text.appendCalled([&](const Layout &, unsigned long *units,
+                              UCS2 *out) { return call.encoder(finished.units(), KT_ENCODE_UCS2, units, out); },
+                          {KT_ABSENT, KT_ABSENT, 0});
     text.write(kelto::Ending::open, kelto::Text{parts.close, KTUCS2strlen(parts.close)});
     return result;
 }
@@ -195,7 +211,8 @@ bool isEncodedText(Writer writer)
 }
 
 template <typename Unit>
-int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const Call &call)
+[[gnu::always_inline]] inline int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step,
+                                                  const Call &call)
 {
     Layout layout = step.layout;
     layout.flags |= call.addedFlags;
@@ -296,23 +313,26 @@ bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, 
 
 /** Writes a format, or the variant that it selects, once it is known to take the arguments. */
 template <typename Unit>
-int writeFormat(const KTPreparedFormat &given, const TypedCall &typed, const Manner &manner, size_t *size, Unit *out)
+[[gnu::always_inline]] inline int writeFormat(const KTPreparedFormat *prepared, const TypedCall &typed, size_t *size,
+                                              Unit *out, Beginning beginning)
 {
-    const KTPreparedFormat *prepared = &given;
-    if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL}) != 0)
-        return KT_ERR_INVALID_PARAMETER;
-    // A format that selects another never accepts any.
-    if (!manner.isAccepted && !areAccepted(*prepared, typed.arguments, typed.count))
+    int flags = 0;
+    bool encodesAll = false;
+    if (typed.options != 0)
+    {
+        if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL}) != 0)
+            return KT_ERR_INVALID_PARAMETER;
+        encodesAll = (typed.options & KT_ENCODE_ALL) != 0;
+        flags = ((typed.options & KT_TAG) != 0 ? FLAG_TAG : 0) | (encodesAll ? FLAG_ENCODE : 0);
+    }
+    if (!areAccepted(*prepared, typed.arguments, typed.count)) // a format that selects another never accepts any
         if (const int result = chooseAccepted(prepared, typed.arguments, typed.count))
             return result;
-    const bool encodesAll = (typed.options & KT_ENCODE_ALL) != 0;
     const KTEncoder encoder = prepared->table != nullptr ? kelto::findEncoder(prepared->table) : nullptr;
     if (encodesAll && encoder == nullptr)
         return KT_ERR_INVALID_PARAMETER;
-    const int flags = ((typed.options & KT_TAG) != 0 ? FLAG_TAG : 0) | (encodesAll ? FLAG_ENCODE : 0);
-    const Call call = {*prepared, typed, (manner.withoutFlags & FLAG_ENCODE) != 0 ? nullptr : encoder,
-                       flags & ~manner.withoutFlags, encodesAll};
-    kelto::FormatOutput<Unit> text(out, size, manner.beginning);
+    const Call call = {*prepared, typed, encoder, flags, encodesAll};
+    kelto::FormatOutput<Unit> text(out, size, beginning);
     const Unit *literal = literalsOf(*prepared, out);
     const PreparedStep *const end = prepared->steps + prepared->stepCount;
     for (const PreparedStep *step = prepared->steps; step != end; ++step)
@@ -327,22 +347,25 @@ int writeFormat(const KTPreparedFormat &given, const TypedCall &typed, const Man
         // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
         // next. Who keeps the beginning wants to know now.
         const int result = writeConversion(text, *step, call);
-        if (result != 0 && (!text.isTruncated() || manner.beginning == Beginning::kept))
+        if (result != 0 && (!text.isTruncated() || beginning == Beginning::kept))
             return text.fail(size, result);
     }
     return text.finish(size);
 }
 
-template <typename Unit>
-int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, Unit *out,
-                   const KTArgument *arguments, size_t count)
+// The text of most messages is UTF-8: only there each way to write it is compiled by itself.
+[[gnu::noinline]] int writeUCS2(const KTPreparedFormat *prepared, const TypedCall &typed, size_t *size, UCS2 *out,
+                                Beginning beginning)
+{
+    return writeFormat(prepared, typed, size, out, beginning);
+}
+
+/** Whether a call can be answered. */
+template <typename Unit> int checkCall(const KTPreparedFormat *prepared, const size_t *size, const Unit *out)
 {
     if (!kelto::isStarted())
         return KT_ERR_NOT_INITIALIZED;
-    if (prepared == nullptr || size == nullptr || (out == nullptr && *size != 0))
-        return KT_ERR_INVALID_PARAMETER;
-    static constexpr Manner whole = {Beginning::ofNoUse, 0, false};
-    return writeFormat(*prepared, {options, passThru, arguments, count}, whole, size, out);
+    return prepared == nullptr || size == nullptr || (out == nullptr && *size != 0) ? int{KT_ERR_INVALID_PARAMETER} : 0;
 }
 
 } // namespace
@@ -350,34 +373,30 @@ int formatPrepared(const KTPreparedFormat *prepared, unsigned options, void *pas
 namespace kelto
 {
 
-template <typename Unit>
-int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, Unit *out) noexcept
+template <>
+int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, UCS2 *out) noexcept
 {
-    static constexpr Manner withBeginning = {Beginning::kept, 0, false};
-    return writeFormat(prepared, call, withBeginning, size, out);
+    return writeUCS2(&prepared, call, size, out, Beginning::kept);
 }
 
-template int formatWithBeginning(const KTPreparedFormat &, const TypedCall &, size_t *, UCS2 *) noexcept;
-template int formatWithBeginning(const KTPreparedFormat &, const TypedCall &, size_t *, char *) noexcept;
+template <>
+int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, char *out) noexcept
+{
+    return writeFormat(&prepared, call, size, out, Beginning::kept);
+}
 
 bool canWrite(const KTPreparedFormat &prepared, unsigned position, const TypedCall &call) noexcept
 {
-    for (uint32_t i = 0; i < prepared.slotCount; ++i)
-        if (prepared.slots[i].position == position && !isAccepted(call.arguments[i], prepared.slots[i].code))
-            return false;
-    const auto isThatOf = [&](const PreparedStep &step) {
-        const bool takesSlots = step.formatter->argCount > 0 || step.layout.width == KT_FROM_ARGUMENTS ||
-                                step.layout.precision == KT_FROM_ARGUMENTS;
-        return takesSlots && prepared.slots[step.firstSlot].position == position;
-    };
     const PreparedStep *step = prepared.steps;
-    while (step->formatter != nullptr && !isThatOf(*step))
+    while (step->formatter != nullptr && (slotsOf(*step) == 0 || prepared.slots[step->firstSlot].position != position))
         ++step;
     if (step->formatter == nullptr)
         return true;
+    const AloneFormat alone(prepared, *step);
     char few[256];
     size_t size = sizeof few;
-    const int result = writeAlone(prepared, *step, call, {Beginning::kept, 0, true}, &size, few);
+    const TypedCall one = {call.options, call.passThru, call.arguments + step->firstSlot, alone.get().slotCount};
+    const int result = formatWithBeginning(alone.get(), one, &size, few);
     return result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
 }
 
@@ -386,11 +405,16 @@ bool canWrite(const KTPreparedFormat &prepared, unsigned position, const TypedCa
 int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, UCS2 *out,
                      const KTArgument *arguments, size_t count)
 {
-    return formatPrepared(prepared, options, passThru, size, out, arguments, count);
+    if (const int result = checkCall(prepared, size, out))
+        return result;
+    return writeUCS2(prepared, {options, passThru, arguments, count}, size, out, Beginning::ofNoUse);
 }
 
 int KTFormatPreparedUTF8(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, char *out,
                          const KTArgument *arguments, size_t count)
 {
-    return formatPrepared(prepared, options, passThru, size, out, arguments, count);
+    if (const int result = checkCall(prepared, size, out))
+        return result;
+    const TypedCall typed = {options, passThru, arguments, count};
+    return writeFormat(prepared, typed, size, out, Beginning::ofNoUse);
 }

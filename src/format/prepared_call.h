@@ -27,6 +27,10 @@ struct TypedCall
  */
 template <typename Unit>
 int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, Unit *out) noexcept;
+template <>
+int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, UCS2 *out) noexcept;
+template <>
+int formatWithBeginning(const KTPreparedFormat &prepared, const TypedCall &call, size_t *size, char *out) noexcept;
 
 /** Whether the conversion of a position takes its arguments and can write them, by itself. The call's count is that of
  * the format's slots. */

@@ -66,7 +66,8 @@ int writeInteger(Out &out, const Layout &layout, const NarrowText &prefix, char 
 }
 
 /** "d". */
-template <typename Out> int writeSigned(Out &out, const Layout &layout, int64_t value) noexcept
+template <typename Out>
+[[gnu::always_inline]] inline int writeSigned(Out &out, const Layout &layout, int64_t value) noexcept
 {
     IntegerText text(value);
     const size_t minus = value < 0 ? 1 : 0;

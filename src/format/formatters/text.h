@@ -20,7 +20,8 @@ inline uint64_t cutTo(int precision, uint64_t length) noexcept
 }
 
 /** "s" and "U". @param text  a piece, whose count is that of the whole text. */
-template <typename Out, typename Piece> int writeText(Out &out, const Layout &layout, Piece text) noexcept
+template <typename Out, typename Piece>
+[[gnu::always_inline]] inline int writeText(Out &out, const Layout &layout, Piece text) noexcept
 {
     text.count = cutTo(layout.precision, text.count);
     const Fill padding = {padUnit(layout.flags), paddingTo(layout.width, text.count)};
