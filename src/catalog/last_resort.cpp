@@ -18,11 +18,15 @@ bool takesOnePointer(const KTFormatter &record)
            record.format != nullptr;
 }
 
-/** Writes an object by the first conversion of the table's own that takes it alone; false where none does. */
+/**
+ * Writes an object by the first conversion of the table's own that takes it alone; false where none does. A conversion
+ * that does not ask for the kind of its pointer would take any: only a program that writes arguments itself has said
+ * that its own ask.
+ */
 template <typename Unit>
 bool writeConverted(FormatOutput<Unit> &out, const KTArgument &object, const KTCatalogOptions &options)
 {
-    if (object.type != KT_ARGUMENT_POINTER || options.table == nullptr)
+    if (object.type != KT_ARGUMENT_POINTER || options.table == nullptr || options.writeArgument == nullptr)
         return false;
     const void *pointer = object.value.p;
     void *slots[] = {&pointer, nullptr};
