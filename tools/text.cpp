@@ -1,12 +1,9 @@
 #include "text.h"
 
-#include "prepared_format.h"
-
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <iterator>
-#include <optional>
 #include <string_view>
 
 namespace tool
@@ -43,51 +40,43 @@ std::string messagesFolder()
     return (std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / KELTO_MESSAGES).string();
 }
 
-/** The path of the message file in the language of the user; empty where there is none. */
-std::string usersCatalog()
-{
-    size_t room = 0;
-    const std::string folder = messagesFolder();
-    if (KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, nullptr) != KT_ERR_BUFFER_TOO_SMALL)
-        return "";
-    std::string path(++room, '\0');
-    const bool isFound = KTFindCatalog(folder.c_str(), "kelto", nullptr, &room, path.data()) == 0;
-    return isFound ? path.c_str() : "";
-}
-
-/**
- * The message file in the language of the user; without a message where there is none. It lives as long as the library.
- */
-class UsersTexts
+/** A catalog of this program's own. */
+class OwnCatalog
 {
 public:
-    explicit UsersTexts(std::string path)
+    /** @param languages  null for the user's. */
+    OwnCatalog(const char *name, const char *languages)
     {
-        if (!path.empty())
-            KTLoadMessages(path.data(), &m_table);
+        KTCatalogOptions options = {};
+        options.structSize = sizeof options;
+        options.languages = languages;
+        options.sourceLanguage = ""; // the English is compiled in
+        m_isUsable = KTOpenCatalog(messagesFolder().c_str(), name, &options, &m_catalog) == 0;
     }
+    ~OwnCatalog() { KTCloseCatalog(m_catalog); }
+    OwnCatalog(const OwnCatalog &) = delete;
+    OwnCatalog &operator=(const OwnCatalog &) = delete;
 
-    const char *message(unsigned id) const
-    {
-        char *text = nullptr;
-        return m_table != nullptr && KTGetMessage(m_table, id, &text) == 0 ? text : nullptr;
-    }
+    /** Not where the library does not start. */
+    bool isUsable() const { return m_isUsable; }
+    const KTCatalog *get() const { return m_catalog; }
 
 private:
-    MessageTable *m_table = nullptr;
+    KTCatalog *m_catalog = nullptr;
+    bool m_isUsable = false;
 };
 
-const char *usersMessage(unsigned id)
+const OwnCatalog &ownTexts()
 {
-    static const UsersTexts theTexts(usersCatalog());
-    return theTexts.message(id);
+    static const OwnCatalog theTexts("kelto", nullptr);
+    return theTexts;
 }
 
 /** A text of the help, which lies beside the other texts where it is translated. */
 const char *usersHelp(unsigned id)
 {
-    static const UsersTexts theTexts(std::filesystem::path(usersCatalog()).replace_filename("help.xlf").string());
-    return theTexts.message(id);
+    static const OwnCatalog theHelp("help", KTCatalogLanguage(ownTexts().get()));
+    return KTCatalogText(theHelp.get(), id);
 }
 
 struct HelpText
@@ -102,19 +91,22 @@ constexpr HelpText helpTexts[] = {
 #undef KELTO_HELP
 };
 
-/** Nothing where there is no such format, or it asks for other values: that is how a bad translation shows. */
-std::optional<std::string> formatted(const char *format, const std::vector<Shown> &values)
+/** The text of a message, or of its English where that is of no use: the ladder of catalogs. */
+std::string formatted(Text text, const char *english, const std::vector<Shown> &values)
 {
-    if (format == nullptr)
-        return std::nullopt;
     std::vector<KTArgument> arguments;
     arguments.reserve(values.size());
     for (const Shown &value : values)
         arguments.push_back(value.isNumber ? KT_UINT64(value.number)
                                            : KT_UTF8N(value.words.data(), value.words.size()));
-    const PreparedFormat prepared(format);
-    std::string text;
-    return prepared.result() == 0 && prepared.format(0, arguments, text) == 0 ? std::optional(text) : std::nullopt;
+    constexpr size_t usual = 200;
+    std::string result(usual, '\0');
+    size_t size = result.size() + 1;
+    while (KTCatalogFormatUTF8(ownTexts().get(), static_cast<unsigned>(text), english, &size, result.data(),
+                               arguments.data(), arguments.size()) == KT_ERR_BUFFER_TOO_SMALL)
+        result.resize(size++);
+    result.resize(size);
+    return result;
 }
 
 /** A format of ours, which has no flags and no widths, without the library. */
@@ -156,11 +148,7 @@ std::string say(const Phrase &phrase)
 {
     const std::vector<Shown> values = inWords(phrase.values, say);
     const char *const english = englishOf(phrase.text);
-    if (auto result = formatted(usersMessage(static_cast<unsigned>(phrase.text)), values))
-        return *result;
-    if (auto result = formatted(english, values))
-        return *result;
-    return formattedPlainly(english, values);
+    return ownTexts().isUsable() ? formatted(phrase.text, english, values) : formattedPlainly(english, values);
 }
 
 std::string say(Text text, const std::vector<Shown> &values)
