@@ -93,8 +93,8 @@ ExitStatus run(CommandLine &line)
     return ExitStatus::done;
 }
 
-constexpr const char *details = R"(Writes a header with a function for each message of FILE, for C++ and kelto.hpp,
-and constants for C. The name of a message is the attribute "resname" of its
+constexpr const char *details = R"(Writes a header with a function for each message of FILE, for C++ and for C, and
+constants for both. The name of a message is the attribute "resname" of its
 unit, or else "message_" with its number. Where FILE has errors, they are told
 as by `kelto check`, nothing is written, and the exit status is 1.
 

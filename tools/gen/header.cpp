@@ -1,6 +1,7 @@
 #include "gen/header.h"
 
 #include "check/utf8.h"
+#include "gen/c_function.h"
 #include "gen/names.h"
 
 #include <algorithm>
@@ -155,6 +156,7 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
     const std::string prefix = prefixOf(options.nameSpace);
     std::string constants;
     std::string functions;
+    std::string cFunctions;
     for (size_t i = 0; i < names.size(); ++i)
     {
         const Message &message = catalog.messages()[i];
@@ -167,16 +169,24 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
         functions += fmt::format("\n/** {} */\n{}", commentOf(text),
                                  format.isAccepted ? formattingFunction(message, names[i], text, format)
                                                    : fetchingFunction(message, names[i], text));
+        std::string cName = fmt::format("{}_{}", options.nameSpace, names[i]);
+        if (cName == constant)
+            cName += "_format"; // which no constant ends with
+        const CFunction inC = {cName, fmt::format("{}", message.id), std::string(text), literalOf(text)};
+        cFunctions += fmt::format("\n/** {} */\n{}", commentOf(text),
+                                  format.isAccepted ? formattingCFunction(inC, parametersOf(format), table)
+                                                    : fetchingCFunction(inC));
     }
     std::string guard = guardOf(options.fileName);
     if (constants.find(fmt::format("#define {} ", guard)) != std::string::npos) // a message has its name
         guard += fmt::format("_{:X}", fingerprintOf(guard));
-    return fmt::format("/* Made by `kelto gen` from {0}; changes made here are lost. */\n"
-                       "#ifndef {1}\n#define {1}\n\n"
-                       "/* The numbers of the messages, and their texts in the source language. */\n\n{2}\n"
-                       "#ifdef __cplusplus\n\n#include <kelto.hpp>\n\n#include <string>\n#include <string_view>\n\n"
-                       "namespace {3}\n{{\n{4}\n}} // namespace {3}\n\n#endif\n\n#endif\n",
-                       commentOf(options.catalogName), guard, constants, options.nameSpace, functions);
+    return fmt::format(
+        "/* Made by `kelto gen` from {0}; changes made here are lost. */\n"
+        "#ifndef {1}\n#define {1}\n\n"
+        "/* The numbers of the messages, and their texts in the source language. */\n\n{2}\n"
+        "#ifdef __cplusplus\n\n#include <kelto.hpp>\n\n#include <string>\n#include <string_view>\n\n"
+        "namespace {3}\n{{\n{4}\n}} // namespace {3}\n\n#else\n\n#include <kelto.h>\n{5}\n#endif\n\n#endif\n",
+        commentOf(options.catalogName), guard, constants, options.nameSpace, functions, cFunctions);
 }
 
 } // namespace tool::gen

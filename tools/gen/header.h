@@ -1,4 +1,4 @@
-/** A catalog as a header: constants for C, and a function per message for C++, each with the text of the source. */
+/** A catalog as a header: constants, and a function per message for C++ and for C, each with the text of the source. */
 #ifndef KELTO_TOOLS_GEN_HEADER_H
 #define KELTO_TOOLS_GEN_HEADER_H
 

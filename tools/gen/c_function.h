@@ -1,0 +1,31 @@
+/** A message as a function for C, whose arguments the compiler compares with their parameters. */
+#ifndef KELTO_TOOLS_GEN_C_FUNCTION_H
+#define KELTO_TOOLS_GEN_C_FUNCTION_H
+
+#include "kelto.h"
+
+#include <string>
+#include <vector>
+
+namespace tool::gen
+{
+
+/** What a function is made of. */
+struct CFunction
+{
+    std::string name;    // with the prefix that stands for the namespace
+    std::string id;      // of the message
+    std::string text;    // of the source, as it is
+    std::string literal; // likewise, in quotation marks
+};
+
+/** A message that is formatted: its parameters have these names, in the order in which arguments are passed. */
+std::string formattingCFunction(const CFunction &function, const std::vector<std::string> &parameters,
+                                formTable *table);
+
+/** A message that no call can format. */
+std::string fetchingCFunction(const CFunction &function);
+
+} // namespace tool::gen
+
+#endif
