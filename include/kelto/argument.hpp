@@ -33,6 +33,8 @@ namespace kelto
  *
  *     template <> struct kelto::argument_of<money> : kelto::by_identity<money> {};
  *
+ * A function that makes a std::pair gives both to a conversion of two arguments, as "%money[1]" of the add-on.
+ *
  * Where no text can be formatted, such an object is written by the first conversion that takes it alone, by a function
  * `convert` as above if there is one too, or as the name of its type.
  *
@@ -81,6 +83,17 @@ template <template <class> class Of, class T> constexpr bool has<Of, T, std::voi
 template <class T> using missing_of = decltype(argument_of<T>::is_missing);
 template <class T> using identity_of = typename argument_of<T>::identity;
 template <class T> using converted_of = decltype(argument_of<T>::convert(std::declval<const T &>()));
+/** Whether a type goes over as two arguments. */
+template <class T> constexpr bool is_pair = false;
+template <class First, class Second> constexpr bool is_pair<std::pair<First, Second>> = true;
+template <class T> constexpr bool is_pair_argument() noexcept
+{
+    if constexpr (std::is_class_v<T> && !has<missing_of, T> && !has<identity_of, T>)
+        return is_pair<converted_of<T>>;
+    else
+        return false;
+}
+
 template <class T>
 using path_of = decltype(T::preferred_separator, std::string_view(std::declval<const T &>().native()));
 template <class T> using duration_of = decltype(T::period::num, typename T::rep(std::declval<const T &>().count()));
@@ -325,6 +338,20 @@ template <class T> struct converted
     decltype(hold(value)) inner;
 };
 
+/** The same of a value that goes over as two arguments. */
+template <class T> struct converted_pair
+{
+    explicit converted_pair(const T &from)
+        : value(argument_of<T>::convert(from)), first(hold(value.first)), second(hold(value.second))
+    {
+    }
+    converted_pair(const converted_pair &) = delete;
+    converted_pair &operator=(const converted_pair &) = delete;
+    converted_of<T> value;
+    decltype(hold(value.first)) first;
+    decltype(hold(value.second)) second;
+};
+
 template <class T> constexpr bool is_argument = category_of<T>() != category::none;
 
 template <class T> auto hold(const T &value)
@@ -335,7 +362,9 @@ template <class T> auto hold(const T &value)
         "kelto: a value of this type cannot be formatted; pass an integer, an enum, a bool, a char, a char16_t, "
         "a char32_t, a floating-point number, a UTF-8 or UTF-16 text, a path, a duration or a time of the system "
         "clock, or specialise kelto::argument_of for it");
-    if constexpr (kind == category::converted)
+    if constexpr (is_pair_argument<T>())
+        return converted_pair<T>(value);
+    else if constexpr (kind == category::converted)
         return converted<T>(value);
     else if constexpr (kind == category::identity)
         return identified{&type_tag<T>, linker_name<T>(), &value};
@@ -419,14 +448,36 @@ struct no_argument
 {
 };
 
-/** The arguments that lie in what hold() gave. */
-template <class... Held> argument_list<sizeof...(Held)> list(const Held &...held) noexcept
+template <class Held> constexpr std::size_t arguments_in = 1;
+template <class T> constexpr std::size_t arguments_in<converted_pair<T>> = 2;
+
+template <class Held> KTArgument *append_argument(KTArgument *at, const Held &held) noexcept
 {
-    return {{argument_from(held)...}};
+    *at = argument_from(held);
+    return at + 1;
 }
-template <class... Held> argument_list<sizeof...(Held)> list(no_argument, const Held &...held) noexcept
+template <class T> KTArgument *append_argument(KTArgument *at, const converted_pair<T> &held) noexcept
 {
-    return {{argument_from(held)...}};
+    return append_argument(append_argument(at, held.first), held.second);
+}
+
+/** The arguments that lie in what hold() gave. */
+template <class... Held> argument_list<(arguments_in<Held> + ... + 0)> list(const Held &...held) noexcept
+{
+    constexpr std::size_t count = (arguments_in<Held> + ... + 0);
+    if constexpr (count == sizeof...(Held))
+        return {{argument_from(held)...}};
+    else
+    {
+        argument_list<count> made = {};
+        KTArgument *at = made.arguments;
+        ((at = append_argument(at, held)), ...);
+        return made;
+    }
+}
+template <class... Held> auto list(no_argument, const Held &...held) noexcept
+{
+    return list(held...);
 }
 
 /** The name of a type, as the compiler spells it behind "T = ". */

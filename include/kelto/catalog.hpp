@@ -55,6 +55,13 @@ struct problem
     std::string text;          /**< a sentence for the developer, in English */
 };
 
+/** Gives each language of a catalog conversions of its own; kelto-locale.hpp makes one. */
+struct language_conversions
+{
+    KTConversionsFunction function = nullptr;
+    std::shared_ptr<void> context = {}; /**< handed to it; catalogs keep it for as long as they are open */
+};
+
 /** How a catalog is found, and how its messages are formatted. */
 struct catalog_options : format_options
 {
@@ -65,6 +72,7 @@ struct catalog_options : format_options
      * throws comes out of the call.
      */
     callback<void(const problem &)> on_problem = {};
+    language_conversions conversions = {}; /**< behind those of `table` */
 };
 
 namespace detail
@@ -291,6 +299,9 @@ private:
         KTCatalogOptions given = detail::c_options(shared);
         given.languages = options.languages.empty() ? nullptr : options.languages.c_str();
         given.sourceLanguage = options.source_language.c_str();
+        given.conversions = options.conversions.function;
+        given.conversionsContext = options.conversions.context.get();
+        opened.conversions_ = options.conversions.context;
         if (options.on_problem || shared.table != nullptr)
         {
             opened.functions_.reset(new detail::catalog_functions{options.on_problem, shared.table});
@@ -389,6 +400,7 @@ private:
         }
     }
 
+    std::shared_ptr<void> conversions_;
     std::unique_ptr<detail::catalog_functions> functions_; // outlive what calls them
     std::unique_ptr<KTCatalog, detail::close_catalog> catalog_;
 };

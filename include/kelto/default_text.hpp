@@ -38,21 +38,28 @@ struct slot
     unsigned position;
 };
 
-/** Conversions of the built-in table, and the slot that they take: for 16, 32 and 64 bits, or behind 'l' or 'L'. */
+/**
+ * Conversions of the built-in table and of the add-on's, and the slot that they take: for 16, 32 and 64 bits, or behind
+ * 'l' or 'L'; and a slot that follows it. Those of the add-on are known to all programs, since a header that brought
+ * them would make two texts of one.
+ */
 struct built_in
 {
     std::string_view names;
     unsigned with_h, plain, with_bang, with_l, with_capital_l;
+    unsigned then = 0;
 };
 constexpr built_in built_ins[] = {
-    {" d ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32},
-    {" s D T DT E IP ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
-    {" u o x X EID ", KT_SLOT_UINT16, KT_SLOT_UINT32, KT_SLOT_UINT64, KT_SLOT_UINT32, KT_SLOT_UINT32},
-    {" f ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE},
+    {" d number ago ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32},
+    {" s D T DT E IP date time datetime and or ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
+    {" u o x X EID unumber ", KT_SLOT_UINT16, KT_SLOT_UINT32, KT_SLOT_UINT64, KT_SLOT_UINT32, KT_SLOT_UINT32},
+    {" f decimal percent ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE},
     {" c ", KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_UNIT, KT_SLOT_CHAR},
     {" U DND DNS ", KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2},
     {" l ", KT_SLOT_INT16, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64}, // the empty name behind 'l'
     {" ul ", KT_SLOT_UINT16, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64},
+    {" money ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
+    {" unit ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE, KT_SLOT_UTF8},
     {" N O ", 0, 0, 0, 0, 0}, // the markers take nothing
 };
 
@@ -72,6 +79,7 @@ struct specification
     int rule = KT_RULE_NONE;
     unsigned position = 0;
     unsigned code = 0; // of the value's slot; 0 for a marker
+    unsigned then = 0; // of a second one, or 0
     bool width_from_arguments = false, precision_from_arguments = false;
     std::size_t begin = 0, end = 0;
 };
@@ -174,10 +182,10 @@ private:
         if (position == 0 || !take(']'))
             return KT_RULE_POSITION_MALFORMED;
         spec.position = static_cast<unsigned>(position);
-        return find(text_.substr(name, length), modifier, spec.code) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
+        return find(text_.substr(name, length), modifier, spec) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
     }
 
-    static constexpr bool find(std::string_view name, char modifier, unsigned &code) noexcept
+    static constexpr bool find(std::string_view name, char modifier, specification &spec) noexcept
     {
         if (name == "l" || name.find(' ') != std::string_view::npos) // "l" behind another modifier is no name
             return false;
@@ -186,11 +194,12 @@ private:
         for (const built_in &row : built_ins)
             if (is_among(row.names, name))
             {
-                code = modifier == 'h'   ? row.with_h
-                       : modifier == 'l' ? row.with_l
-                       : modifier == 'L' ? row.with_capital_l
-                       : modifier == '!' ? row.with_bang
-                                         : row.plain;
+                spec.then = row.then;
+                spec.code = modifier == 'h'   ? row.with_h
+                            : modifier == 'l' ? row.with_l
+                            : modifier == 'L' ? row.with_capital_l
+                            : modifier == '!' ? row.with_bang
+                                              : row.plain;
                 return true;
             }
         return false;
@@ -206,7 +215,7 @@ template <std::size_t Capacity> struct parsed_text
     int rule = KT_RULE_NONE;
     specification broken = {}; // the specification that breaks it
     std::size_t slot_count = 0;
-    slot slot_at[3 * Capacity + 1] = {};
+    slot slot_at[4 * Capacity + 1] = {};
 };
 
 constexpr std::size_t percent_signs(std::string_view text) noexcept
@@ -260,6 +269,8 @@ template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::
                 parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
         if (spec.code != 0)
             parsed.slot_at[parsed.slot_count++] = {spec.code, position};
+        if (spec.then != 0)
+            parsed.slot_at[parsed.slot_count++] = {spec.then, position};
     }
     if (parsed.rule != KT_RULE_NONE)
         parsed.slot_count = 0;
@@ -329,6 +340,30 @@ template <class Text, class... Arguments> constexpr void check_default() noexcep
             sizeof(char[checked_arguments<Text, std::index_sequence_for<Arguments...>, Arguments...>::size]));
 }
 
+/* Of arguments that go over as two. */
+
+template <class...> struct types
+{
+};
+template <class... First, class... Second>
+constexpr types<First..., Second...> operator+(types<First...>, types<Second...>) noexcept
+{
+    return {};
+}
+
+template <class T> constexpr auto types_of() noexcept
+{
+    if constexpr (is_pair_argument<T>())
+        return types<typename converted_of<T>::first_type, typename converted_of<T>::second_type>();
+    else
+        return types<T>();
+}
+
+template <class Text, class... Arguments> constexpr void check_default(types<Arguments...>) noexcept
+{
+    check_default<Text, Arguments...>();
+}
+
 } // namespace detail
 
 /** The text of a message in the source; made by KELTO_DEFAULT. */
@@ -385,7 +420,10 @@ template <class... Arguments> struct source_text
     template <class Text>
     __attribute__((always_inline)) constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
     {
-        check_default<Text, std::decay_t<const Arguments>...>();
+        if constexpr ((is_pair_argument<Arguments>() || ...))
+            check_default<Text>((types_of<std::decay_t<const Arguments>>() + ...));
+        else
+            check_default<Text, std::decay_t<const Arguments>...>();
     }
     constexpr source_text(unchecked_text source) noexcept : text(source) {}
 

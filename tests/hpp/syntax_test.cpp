@@ -2,6 +2,10 @@
 
 #include <random>
 
+#if KELTO_HAS_LOCALE
+#include "kelto-locale.h"
+#endif
+
 namespace
 {
 
@@ -18,16 +22,29 @@ std::string byCompiler(const std::string &format)
     return parsed.rule == 0 ? line : line + " at " + std::to_string(parsed.broken.begin);
 }
 
+/** The conversions that the compiler knows: the built-in ones, and the add-on's where it is built. */
+formTable *conversions()
+{
+#if KELTO_HAS_LOCALE
+    return KTLConversions(nullptr, "root");
+#else
+    return nullptr;
+#endif
+}
+
 std::string byLibrary(const std::string &format)
 {
     KTProblem problem = {};
     problem.structSize = sizeof problem;
-    const int result = KTExplainFormat(format.c_str(), nullptr, &problem);
+    const int result = KTExplainFormat(format.c_str(), conversions(), &problem);
     std::string line = std::to_string(result == 0 ? 0 : problem.rule);
     if (result != 0)
         return line + " at " + std::to_string(problem.offset);
     std::error_code failure;
-    const kelto::prepared_format prepared(format, failure);
+    const kelto::form_table table = kelto::form_table::builder().in_front_of(conversions()).build();
+    kelto::format_options options;
+    options.table = &table;
+    const kelto::prepared_format prepared(format, options, failure);
     const KTSlot *slots = nullptr;
     const size_t count = KTPreparedSlots(prepared.get(), &slots);
     for (size_t i = 0; i < count; ++i)
@@ -56,6 +73,9 @@ TEST_F(Syntax, IsTheSameForRandomFormats)
 {
     std::vector<std::string> names = {"ul", "l", "N", "O"};
     for (const KTFormatter *record = builtInFormList; record->name != nullptr; ++record)
+        names.emplace_back(record->name);
+    for (const KTFormatter *record = KELTO_HAS_LOCALE != 0 ? conversions()->formList : nullptr;
+         record != nullptr && record->name != nullptr; ++record)
         names.emplace_back(record->name);
     const char *const pieces[] = {"%",
                                   "%%",

@@ -26,7 +26,8 @@ void misuse(const kelto::catalog &c, std::size_t size, wchar_t wide, void *point
     c.format(1, KELTO_DEFAULT("%d[1] %d[1]"), 1, 2);    // a position is used twice
     c.format(1, KELTO_DEFAULT("%d[1] %d[3]"), 1, 2);    // one is left out
     c.format(1, KELTO_DEFAULT("%2147483648d[1]"), 1);   // is too large
-    c.format(1, KELTO_DEFAULT("%money[1]"), 1);         // for one of your own pass kelto::unchecked
+    c.format(1, KELTO_DEFAULT("%price[1]"), 1);         // for one of your own pass kelto::unchecked
+    c.format(1, KELTO_DEFAULT("%money[1]"), 1);         // more arguments than the call passes
     c.format_to(std::back_inserter(*new std::string), 1, KELTO_DEFAULT("%c[1]"), 1); // takes another type
     c.format(1, KELTO_DEFAULT("%d[1]"), 1U);                                         // one: this one is unsigned
     c.format(1, KELTO_DEFAULT("%!u[1]"), 1);                                         // one: this one is signed
