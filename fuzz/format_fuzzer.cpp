@@ -8,6 +8,7 @@
 #include "support/ucs2.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
+#include <map>
 
 namespace
 {
@@ -265,6 +266,7 @@ public:
     void check(FuzzedDataProvider &source)
     {
         checkExplanation();
+        checkWalk();
         if (m_syntax != 0)
         {
             require(byList(20).result == m_syntax, "a format call refuses what checkSyntax refuses");
@@ -280,6 +282,33 @@ public:
     }
 
 private:
+    /** The walk stays in the format and comes to its end; of a right one it finds the slots, by positions. */
+    void checkWalk()
+    {
+        std::map<unsigned, std::vector<KTSlot>> byPosition;
+        std::vector<KTSlot> slots(3 * m_format.size() + 3);
+        KTConversion found{};
+        found.structSize = sizeof found;
+        found.slots = slots.data();
+        found.slotRoom = slots.size();
+        for (size_t behind = 0; KTNextConversion(m_format.c_str(), m_table.get(), &found);)
+        {
+            require(found.offset >= behind && m_format[found.offset] == '%' && found.length > 0, "a walk goes on");
+            behind = found.offset + found.length;
+            require(behind <= m_format.size(), "a walk stays in the format");
+            require(found.rule == KT_RULE_NONE || m_syntax != 0, "a right format has no conversion that is not");
+            if (found.rule == KT_RULE_NONE)
+                byPosition[found.position].assign(slots.begin(),
+                                                  slots.begin() + static_cast<ptrdiff_t>(found.slotCount));
+        }
+        const KTSlot *slot = nullptr;
+        size_t left = KTPreparedSlots(m_prepared, &slot);
+        for (const auto &[position, own] : byPosition)
+            for (size_t i = 0; m_syntax == 0 && i < own.size(); ++i, ++slot, --left)
+                require(left > 0 && std::memcmp(&own[i], slot, sizeof *slot) == 0, "both tell the same slots");
+        require(m_syntax != 0 || left == 0, "both tell all of them");
+    }
+
     void checkExplanation()
     {
         KTProblem problem = {sizeof problem, -1, 0, 0, 0, 0, nullptr, nullptr, 0};

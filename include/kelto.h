@@ -690,7 +690,8 @@ typedef int (*KTEncoder)(const void *value, int dataType, unsigned long *sizeInO
  * Renders one conversion.
  *
  * @param convName   the name in the table's record; a formatter of several conversions branches on it.
- * @param width      the least units to write; -1 when the specification has none, and whatever int a '*' was given.
+ * @param width      the least units to write; -1 when the conversion specification has none, and whatever int a '*' was
+ *                   given.
  * @param precision  -1 when absent, 0 for a '.' alone, and whatever int a '*' was given.
  * @param flags      bits of KTFlag.
  * @param passThru1  the encoder of the call, or null.
@@ -806,7 +807,7 @@ int checkSyntax(const UCS2 *format, formTable *table, KTParameter **parameters);
 int ZEL_free(void *block);
 
 /**
- * Parses one specification.
+ * Parses one conversion specification.
  * @param cursor  in: at its '%'; out, on success: behind its ']'.
  * @param table   where the name is looked up, or null for the built-in table.
  * @param type    out, like those after it, as in KTParameter: CONV_UNKNOWN, with a null formatter, for a name that no
@@ -816,7 +817,7 @@ int ZEL_free(void *block);
 int parseConvSpec(const UCS2 **cursor, formTable *table, Flag_t *type, int *width, int *precision, int *flags,
                   KTFormatter **formatter);
 
-/** The position of a specification that checkSyntax() accepted; moves the cursor from its '%' behind its ']'. */
+/** The position of a conversion specification that checkSyntax() accepted; moves the cursor from '%' behind ']'. */
 int getConvSpecOrder(const UCS2 **cursor);
 
 /**
@@ -1304,6 +1305,45 @@ typedef struct KTProblem
  *     // KT_RULE_UNKNOWN_CONVERSION, offset 9, length 5
  */
 int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
+
+/**
+ * What stands at a '%' of a format. A conversion that is wrong by itself has a rule, KT_RULE_UNKNOWN_CONVERSION at most.
+ * It ends where it will have been meant to end, and nothing but its place is told of it, and the position of an unknown
+ * one.
+ */
+typedef struct KTConversion
+{
+    size_t structSize;            /**< in: sizeof(KTConversion); a library of another version fills no more than this */
+    size_t offset;                /**< where the '%' stands, in bytes of the format; in: 0 before the first */
+    size_t length;                /**< how far the conversion goes, in bytes; in: 0 before the first */
+    int rule;                     /**< KT_RULE_NONE, or what is wrong */
+    unsigned int position;        /**< from 1; 0 where there is none */
+    Flag_t type;                  /**< CONV_N and CONV_O for the ends of a region; CONV_UNKNOWN where it is wrong */
+    int width;                    /**< KT_ABSENT, KT_FROM_ARGUMENTS or a number */
+    int precision;                /**< likewise */
+    int flags;                    /**< bits of KTFlag */
+    const KTFormatter *formatter; /**< the record in its table; null for the ends of a region, and where it is wrong */
+    KTSlot *slots;                /**< in: room for the arguments that the conversion takes; or null */
+    size_t slotRoom;              /**< in: for how many of them */
+    size_t slotCount;             /**< how many there are, in the order of passing; the first slotRoom are in slots */
+} KTConversion;
+
+/**
+ * Walks over the conversions of a format, right or not, in the order of the text: for checkers, editors and whoever
+ * shows a format, which so need no parser of their own. What the format as a whole breaks (a position that is repeated,
+ * missing, or higher than a format of this length can have) KTExplainFormat() tells. Needs no started library and takes
+ * no memory; a walk takes time in proportion to the format.
+ * @param format      UTF-8, zero-terminated.
+ * @param table       its conversions, or null for the built-in ones.
+ * @param conversion  in: structSize, slots and slotRoom, and in offset and length the conversion before, behind which
+ *                    the walk goes on; out: the next one. A caller may change length to go on elsewhere in the format.
+ * @return whether there is one; false, with nothing changed, also for null and for too small a structSize.
+ *
+ *     KTConversion found = {sizeof found};
+ *     while (KTNextConversion("%s[2] of %q[1]", NULL, &found))
+ *         printf("%zu+%zu: %d\n", found.offset, found.length, found.rule); // 0+5: 0, then 9+5: 6
+ */
+bool KTNextConversion(const char *format, formTable *table, KTConversion *conversion);
 
 /**
  * Tells whether the arguments of one format may be passed to another, as a translation of it: as many, and each of the

@@ -4,7 +4,6 @@
 #include "syntax_fault.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace tool
 {
@@ -16,20 +15,12 @@ ParsedMessage::ParsedMessage(const std::string &text) : m_format(text)
     if (m_format.result() != 0)
         throw Failure(meaningOf(m_format.result()));
 
-    for (size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at))
+    KTConversion found{};
+    found.structSize = sizeof found;
+    while (KTNextConversion(text.c_str(), nullptr, &found))
     {
-        if (text[at + 1] == '%')
-        {
-            at += 2;
-            continue;
-        }
-        const size_t open = text.find('[', at);
-        const size_t close = text.find(']', open);
-        size_t position = 0;
-        std::from_chars(text.data() + open + 1, text.data() + close, position);
-        m_specifications.resize(std::max(m_specifications.size(), position));
-        m_specifications[position - 1] = text.substr(at, close + 1 - at);
-        at = close;
+        m_specifications.resize(std::max<size_t>(m_specifications.size(), found.position));
+        m_specifications[found.position - 1] = text.substr(found.offset, found.length);
     }
 }
 

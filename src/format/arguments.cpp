@@ -1,5 +1,6 @@
 #include "format/arguments.h"
 
+#include "format/slot_value.h"
 #include "lifecycle/global_state.h"
 
 #include <cstdint>
@@ -8,6 +9,8 @@
 
 namespace
 {
+
+using kelto::IntegerSize;
 
 /** A cell that holds a copy of a value; null when memory ran out. */
 template <typename Value> void *cellOf(Value value)
@@ -50,14 +53,17 @@ void *takeUCS2(va_list *arguments)
     return cell;
 }
 
-// 'h' wins where a name brings its own '!'.
 void *takeInteger(va_list *arguments, int flags)
 {
-    if ((flags & FLAG_h) != 0)
+    switch (kelto::integerSize(flags))
+    {
+    case IntegerSize::bits16:
         return cellOf(static_cast<int16_t>(va_arg(*arguments, int)));
-    if ((flags & FLAG_BANG) != 0)
+    case IntegerSize::bits64:
         return cellOf(va_arg(*arguments, int64_t));
-    return cellOf(va_arg(*arguments, int32_t));
+    default:
+        return cellOf(va_arg(*arguments, int32_t));
+    }
 }
 
 void *takeFloatingPoint(va_list *arguments, int flags)
@@ -120,11 +126,11 @@ private:
 namespace kelto
 {
 
-NumberedSlots numberSlots(KTParameter *parameters, bool tag) noexcept
+ConversionCounts completeParameters(KTParameter *parameters, bool tag) noexcept
 {
     if (parameters == nullptr)
         return {0, 0};
-    NumberedSlots count = {0, 0};
+    ConversionCounts count = {0, 0};
     int added = tag ? FLAG_TAG : 0;
     for (KTParameter *parameter = parameters; parameter->formatter != nullptr; ++parameter)
     {
@@ -140,6 +146,14 @@ NumberedSlots numberSlots(KTParameter *parameters, bool tag) noexcept
         count.slots += static_cast<size_t>(parameter->formatter->argCount);
         ++count.conversions;
     }
+    return count;
+}
+
+size_t countPointers(void *const *pointers) noexcept
+{
+    size_t count = 0;
+    while (pointers[count] != nullptr)
+        ++count;
     return count;
 }
 

@@ -15,7 +15,7 @@ namespace kelto
 {
 
 /** How many conversions there are, the markers left out, and how many slots they take. */
-struct NumberedSlots
+struct ConversionCounts
 {
     size_t conversions, slots;
 };
@@ -25,7 +25,10 @@ struct NumberedSlots
  * not of the text.
  * @param parameters  ended by a null formatter; null is an empty array.
  */
-NumberedSlots numberSlots(KTParameter *parameters, bool tag) noexcept;
+ConversionCounts completeParameters(KTParameter *parameters, bool tag) noexcept;
+
+/** How many pointers an array holds that ends with null. */
+size_t countPointers(void *const *pointers) noexcept;
 
 /** The slots of a variable argument list, each a copy of its value in a cell of its own. */
 class ArgumentCells

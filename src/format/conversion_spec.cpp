@@ -2,6 +2,7 @@
 
 #include "format/form_table.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <type_traits>
@@ -154,6 +155,18 @@ kelto::FoundConversion resolveName(const kelto::ConversionName<Unit> &name, int 
     return kelto::findConversion(name, flags, table);
 }
 
+/** Where a refused conversion specification ends: behind its ']', else at the next white space or '%'. */
+template <typename Unit> const Unit *guessEnd(const Unit *percent)
+{
+    const Unit *next = percent + 1;
+    while (flagCharacters[*next] != 0)
+        ++next;
+    for (; *next != 0 && *next != '%' && *next != ' ' && *next != '\t' && *next != '\r' && *next != '\n'; ++next)
+        if (*next == ']')
+            return next + 1;
+    return next;
+}
+
 template <typename Unit> kelto::ConversionSpec<Unit> malformed(KTRule fault)
 {
     return {0, fault, {CONV_UNKNOWN, 0, 0, 0, 0, nullptr}, nullptr};
@@ -185,6 +198,18 @@ template <typename Unit> ConversionSpec<Unit> parseSpecification(const Unit *per
 
 template ConversionSpec<UCS2> parseSpecification(const UCS2 *, formTable &) noexcept;
 template ConversionSpec<char> parseSpecification(const char *, formTable &) noexcept;
+
+template <typename Unit> SpecFault<Unit> explainFault(const Unit *percent, const ConversionSpec<Unit> &spec) noexcept
+{
+    const KTRule rule = spec.position != 0 ? KT_RULE_UNKNOWN_CONVERSION : spec.fault;
+    const Unit *const end = guessEnd(percent);
+    // A name may run on through the text as far as the '[' of the next conversion.
+    const bool hasBracket = std::find(percent, end, '[') != end;
+    return {hasBracket || rule == KT_RULE_NUMBER_TOO_LARGE ? rule : KT_RULE_POSITION_MISSING, end};
+}
+
+template SpecFault<UCS2> explainFault(const UCS2 *, const ConversionSpec<UCS2> &) noexcept;
+template SpecFault<char> explainFault(const char *, const ConversionSpec<char> &) noexcept;
 
 // The string was accepted, so the first bracket is the position's, and its digits fit.
 template <typename Unit> int takeAcceptedPosition(const Unit *&cursor) noexcept

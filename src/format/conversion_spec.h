@@ -1,8 +1,8 @@
 /**
  * One conversion specification, from its '%' to its ']': flags, width, precision, modifier, name, position. The parser
- * reads UCS-2 and UTF-8 alike, since all that it knows is ASCII, and returns a value, which for a malformed
- * specification says why; parseConvSpec() and getConvSpecOrder() are its exported faces. It stops at the terminator
- * wherever that stands, so any zero-terminated text is safe to parse.
+ * reads UCS-2 and UTF-8 alike, since all that it knows is ASCII. It returns a value, which tells the reason where the
+ * conversion specification is malformed; parseConvSpec() and getConvSpecOrder() are its exported faces. It stops at the
+ * terminator wherever that stands, so any zero-terminated text is safe to parse.
  */
 #ifndef KELTO_FORMAT_CONVERSION_SPEC_H
 #define KELTO_FORMAT_CONVERSION_SPEC_H
@@ -22,6 +22,16 @@ template <typename Unit> struct ConversionSpec
 
 /** Parses the conversion specification that begins at `percent`. */
 template <typename Unit> ConversionSpec<Unit> parseSpecification(const Unit *percent, formTable &table) noexcept;
+
+/** What is wrong with a conversion specification by itself, and how far its author will have meant it to go. */
+template <typename Unit> struct SpecFault
+{
+    KTRule rule;
+    const Unit *end;
+};
+
+/** Explains a conversion specification that is malformed, or whose name no table has. */
+template <typename Unit> SpecFault<Unit> explainFault(const Unit *percent, const ConversionSpec<Unit> &spec) noexcept;
 
 /** getConvSpecOrder() in either encoding. */
 template <typename Unit> int takeAcceptedPosition(const Unit *&cursor) noexcept;

@@ -83,7 +83,7 @@ public:
             return result;
         const int result = kelto::checkFormat(m_text.units(), m_text.length(), table, m_parameters, m_places).result;
         if (result == 0)
-            m_slotCount = kelto::numberSlots(m_parameters.get(), tag).slots;
+            m_slotCount = kelto::completeParameters(m_parameters.get(), tag).slots;
         return result;
     }
 
@@ -101,14 +101,6 @@ private:
     kelto::TagBlock<KTParameter> m_parameters;
     size_t m_slotCount = 0;
 };
-
-size_t countPointers(void *const *pointers)
-{
-    size_t count = 0;
-    while (pointers[count] != nullptr)
-        ++count;
-    return count;
-}
 
 } // namespace
 
@@ -146,7 +138,7 @@ int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsi
     CheckedFormat checked;
     if (const int result = checked.check(format, table, tag))
         return result;
-    if (countPointers(arguments) != checked.slotCount())
+    if (kelto::countPointers(arguments) != checked.slotCount())
         return KT_ERR_INVALID_PARAMETER;
     return checked.write(arguments, {kelto::findEncoder(table), passThru, size, out});
 }

@@ -168,30 +168,13 @@ private:
     }
 
     /** Of one conversion specification by itself. */
-    [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, kelto::ConversionSpec<Unit> spec) const
+    [[gnu::cold]] kelto::FormatVerdict refuse(const Unit *percent, const kelto::ConversionSpec<Unit> &spec) const
     {
         const bool isKnown = spec.position != 0 && spec.record.type != CONV_UNKNOWN;
         if (isKnown)
             return refuse(KT_RULE_NUMBER_TOO_LARGE, percent, spec.end);
-        const KTRule rule = spec.position != 0 ? KT_RULE_UNKNOWN_CONVERSION : spec.fault;
-        const Unit *const end = guessEnd(percent);
-        // A name may run on through the text as far as the '[' of the next conversion.
-        const bool hasBracket = std::find(percent, end, '[') != end;
-        return refuse(hasBracket || rule == KT_RULE_NUMBER_TOO_LARGE ? rule : KT_RULE_POSITION_MISSING, percent, end);
-    }
-
-    /** Where the author will have meant a refused one to end: at its ']', else at the next white space or '%'. */
-    const Unit *guessEnd(const Unit *percent) const
-    {
-        constexpr char flagsAndBreaks[] = "-+ #0";
-        const Unit *const end = m_format + m_length;
-        const Unit *next = percent + 1;
-        while (next != end && *next > 0 && *next < 128 && std::strchr(flagsAndBreaks, *next) != nullptr)
-            ++next;
-        for (; next != end && *next != '%' && *next != ' ' && *next != '\t' && *next != '\r' && *next != '\n'; ++next)
-            if (*next == ']')
-                return next + 1;
-        return next;
+        const kelto::SpecFault<Unit> fault = kelto::explainFault(percent, spec);
+        return refuse(fault.rule, percent, fault.end);
     }
 
     /** Of the positions together: the first that is used twice, or else what stands beyond the number of them. */

@@ -151,7 +151,7 @@ public:
             return verdict;
         if (m_many != nullptr)
             m_parameters = m_many.get();
-        m_count = kelto::numberSlots(m_parameters, false);
+        m_count = kelto::completeParameters(m_parameters, false);
         verdict.result = build(format, length, table);
         return verdict;
     }
@@ -174,8 +174,15 @@ private:
         auto *const slots = take<KTSlot>(at, m_count.slots);
         auto *const units = take<UCS2>(at, sizes.units);
         auto *const encodings = reinterpret_cast<uint8_t *>(at + sizes.bytes);
-        *prepared = {table, static_cast<uint32_t>(stepCount), static_cast<uint32_t>(m_count.slots), steps, slots,
-                     units, at, nullptr, encodings};
+        *prepared = {table,
+                     static_cast<uint32_t>(stepCount),
+                     static_cast<uint32_t>(m_count.slots),
+                     steps,
+                     slots,
+                     units,
+                     at,
+                     nullptr,
+                     encodings};
         listSlots(slots);
         fill(format, length, steps, LiteralText(units, at, sizes));
         noteEncodings(steps, stepCount, encodings);
@@ -200,18 +207,7 @@ private:
     void listSlots(KTSlot *slot) const
     {
         for (uint32_t position = 1; m_parameters[position - 1].formatter != nullptr; ++position)
-        {
-            const KTParameter &parameter = m_parameters[position - 1];
-            if (kelto::isMarker(parameter))
-                continue;
-            if (parameter.width == KT_FROM_ARGUMENTS)
-                *slot++ = {KT_SLOT_INT32, position, KT_SLOT_WIDTH};
-            if (parameter.precision == KT_FROM_ARGUMENTS)
-                *slot++ = {KT_SLOT_INT32, position, KT_SLOT_PRECISION};
-            for (const int *type = parameter.formatter->argTypes; *type != KT_ARG_END; ++type)
-                if (kelto::takesSlot(*type))
-                    *slot++ = {kelto::slotCodeOf(*type, parameter.flags), position, KT_SLOT_VALUE};
-        }
+            kelto::listSlots(m_parameters[position - 1], position, [&slot](const KTSlot &next) { *slot++ = next; });
     }
 
     /** Fills in the steps, the literal text of each in both encodings. */
@@ -263,7 +259,7 @@ private:
     kelto::FewParameters m_few;
     kelto::TagBlock<KTParameter> m_many;
     KTParameter *m_parameters = m_few.records; // or those in m_many
-    kelto::NumberedSlots m_count = {0, 0};
+    kelto::ConversionCounts m_count = {0, 0};
     kelto::TagBlock<char> m_block;
 };
 

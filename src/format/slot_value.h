@@ -19,19 +19,45 @@ template <typename Value> Value readSlot(const void *slot) noexcept
     return value;
 }
 
-// 'h' wins where a name brings its own '!'.
-inline int64_t readSigned(const void *slot, int flags) noexcept
+enum class IntegerSize
+{
+    bits16,
+    bits32,
+    bits64
+};
+
+/** The size of an integer. 'h' wins where the name of a conversion brings its own '!'. */
+constexpr IntegerSize integerSize(int flags) noexcept
 {
     if ((flags & FLAG_h) != 0)
+        return IntegerSize::bits16;
+    return (flags & FLAG_BANG) != 0 ? IntegerSize::bits64 : IntegerSize::bits32;
+}
+
+inline int64_t readSigned(const void *slot, int flags) noexcept
+{
+    switch (integerSize(flags))
+    {
+    case IntegerSize::bits16:
         return readSlot<int16_t>(slot);
-    return (flags & FLAG_BANG) != 0 ? readSlot<int64_t>(slot) : readSlot<int32_t>(slot);
+    case IntegerSize::bits64:
+        return readSlot<int64_t>(slot);
+    default:
+        return readSlot<int32_t>(slot);
+    }
 }
 
 inline uint64_t readUnsigned(const void *slot, int flags) noexcept
 {
-    if ((flags & FLAG_h) != 0)
+    switch (integerSize(flags))
+    {
+    case IntegerSize::bits16:
         return readSlot<uint16_t>(slot);
-    return (flags & FLAG_BANG) != 0 ? readSlot<uint64_t>(slot) : readSlot<uint32_t>(slot);
+    case IntegerSize::bits64:
+        return readSlot<uint64_t>(slot);
+    default:
+        return readSlot<uint32_t>(slot);
+    }
 }
 
 /** The unit that a "c" shows: of an 8-bit character the one of the same number. */

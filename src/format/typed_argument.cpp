@@ -108,10 +108,15 @@ uint32_t slotCodeOf(int argumentCode, int flags) noexcept
     case KT_ARG_POINTER:
         return KT_SLOT_POINTER;
     default:
-        if ((flags & FLAG_h) != 0)
-            return isSigned ? KT_SLOT_INT16 : KT_SLOT_UINT16;
-        if ((flags & FLAG_BANG) != 0)
-            return isSigned ? KT_SLOT_INT64 : KT_SLOT_UINT64;
+        break;
+    }
+    switch (integerSize(flags))
+    {
+    case IntegerSize::bits16:
+        return isSigned ? KT_SLOT_INT16 : KT_SLOT_UINT16;
+    case IntegerSize::bits64:
+        return isSigned ? KT_SLOT_INT64 : KT_SLOT_UINT64;
+    default:
         return isSigned ? KT_SLOT_INT32 : KT_SLOT_UINT32;
     }
 }

@@ -5,7 +5,8 @@
 #ifndef KELTO_FORMAT_TYPED_ARGUMENT_H
 #define KELTO_FORMAT_TYPED_ARGUMENT_H
 
-#include "kelto.h"
+#include "format/conversion_record.h"
+#include "format/slot_value.h"
 
 #include <cstddef>
 
@@ -14,6 +15,20 @@ namespace kelto
 
 /** The KTSlotCode of an argument code (KTArgumentCode, one that takes a slot) under the flags of its conversion. */
 uint32_t slotCodeOf(int argumentCode, int flags) noexcept;
+
+/** Lists the arguments of a conversion in the order of passing: `take(slot)` for each, none for a marker. */
+template <typename Take> void listSlots(const KTParameter &conversion, uint32_t position, Take take)
+{
+    if (isMarker(conversion))
+        return;
+    if (conversion.width == KT_FROM_ARGUMENTS)
+        take(KTSlot{KT_SLOT_INT32, position, KT_SLOT_WIDTH});
+    if (conversion.precision == KT_FROM_ARGUMENTS)
+        take(KTSlot{KT_SLOT_INT32, position, KT_SLOT_PRECISION});
+    for (const int *type = conversion.formatter->argTypes; *type != KT_ARG_END; ++type)
+        if (takesSlot(*type))
+            take(KTSlot{slotCodeOf(*type, conversion.flags), position, KT_SLOT_VALUE});
+}
 
 /** What a person calls such an argument, as "a 32-bit integer". */
 const char *slotName(uint32_t slotCode) noexcept;
@@ -37,9 +52,15 @@ inline bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
 
 inline uint64_t unsignedValue(const KTArgument &argument, int flags) noexcept
 {
-    if ((flags & FLAG_h) != 0)
+    switch (integerSize(flags))
+    {
+    case IntegerSize::bits16:
         return static_cast<uint16_t>(argument.value.u);
-    return (flags & FLAG_BANG) != 0 ? argument.value.u : static_cast<uint32_t>(argument.value.u);
+    case IntegerSize::bits64:
+        return argument.value.u;
+    default:
+        return static_cast<uint32_t>(argument.value.u);
+    }
 }
 
 /** A text of an argument: null is the empty one, and a zero inside ends it. */

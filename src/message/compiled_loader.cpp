@@ -2,7 +2,7 @@
 #include "lifecycle/global_state.h"
 #include "message/compiled_form.h"
 #include "message/file_reader.h"
-#include "message/message_length_copy.h"
+#include "message/stored_message.h"
 #include "message/table_owner.h"
 #include "platform/zero_fill.h"
 
@@ -29,12 +29,12 @@ public:
     Source &operator=(const Source &) = delete;
 
     /**
-     * Takes bytes from a place: the beginning, or where it was asked before whether the end lies behind it.
+     * Takes bytes from a place: the beginning, or where checkEnd() has found the end behind it.
      * @return 0; KT_ERR_BAD_MSG_FILE where not all are there; a read failure unchanged.
      */
     virtual int take(uint64_t offset, void *to, uint64_t bytes) = 0;
-    /** Whether this is the end: 0, or as take(). */
-    virtual int endsAt(uint64_t offset) = 0;
+    /** Checks that the bytes end here: 0, or as take(). */
+    virtual int checkEnd(uint64_t offset) = 0;
 
 protected:
     ~Source() = default;
@@ -53,7 +53,7 @@ public:
         return 0;
     }
 
-    int endsAt(uint64_t offset) override { return offset == m_size ? 0 : KT_ERR_BAD_MSG_FILE; }
+    int checkEnd(uint64_t offset) override { return offset == m_size ? 0 : KT_ERR_BAD_MSG_FILE; }
 
 private:
     const char *m_data;
@@ -72,7 +72,7 @@ public:
         return result != 0 || taken == bytes ? result : KT_ERR_BAD_MSG_FILE;
     }
 
-    int endsAt(uint64_t offset) override
+    int checkEnd(uint64_t offset) override
     {
         char lastAndNext[2];
         uint64_t taken;
@@ -239,7 +239,7 @@ int loadFrom(Source &source, MessageTable **loaded)
     if (result != 0 || !isAccepted(header))
         return result != 0 ? result : KT_ERR_BAD_MSG_FILE;
     const CompiledLayout layout(header);
-    result = source.endsAt(layout.end);
+    result = source.checkEnd(layout.end);
     if (result == 0)
         result = checkHighestId(source, header, layout);
     if (result != 0)

@@ -1,7 +1,7 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/compiled_form.h"
-#include "message/message_length_copy.h"
+#include "message/stored_message.h"
 #include "message/table_walk.h"
 #include "platform/scoped.h"
 

@@ -29,7 +29,7 @@ struct kelto::EntityNesting::Entity
     unsigned depth = 0; // 0: refers to no other, or was not declared yet
     unsigned members = 1;
     Entity *lastMember = this;
-    const Entity *leadsTo = nullptr; // the entity for which findReferrers() came here last
+    const Entity *leadsTo = nullptr; // for whose declaration findReferrers() came here last
     Entity *nextWaiting = nullptr;
     bool isWaiting = false;
 };
@@ -43,7 +43,8 @@ constexpr unsigned deepestAnywhere = 100;
 constexpr size_t stackForLevel = 512;
 constexpr size_t stackForRest = 4096;
 
-// A declaration deepens all that referred to it before. From the bottom up, no reference needs to be followed.
+// A declaration makes deeper what referred to the entity before, which is found by following references. Where entities
+// are declared before others refer to them, no reference is followed.
 constexpr size_t oftenFollowed = 8;
 
 unsigned deepestOnThisStack()
@@ -55,7 +56,7 @@ unsigned deepestOnThisStack()
 
 constexpr std::string_view predefined[] = {"lt", "gt", "amp", "apos", "quot"};
 
-/** What the parser passes over in the text of an entity: nothing in there refers to another. */
+/** A part of an entity's text in which the parser expands no reference. */
 struct Passage
 {
     std::string_view begin, end;
@@ -63,7 +64,7 @@ struct Passage
 
 constexpr Passage passages[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
 
-/** Takes the '<' at the front of a value, and the passage that it begins. */
+/** Takes the '<' at the front of a value, and the whole passage if it begins one. */
 void takeMarkup(std::string_view &value)
 {
     for (const Passage &passage : passages)
@@ -134,7 +135,7 @@ bool kelto::EntityNesting::add(std::string_view name, std::string_view value) no
     return deepen(entity);
 }
 
-/** The entity of this name, noted where it was not; null when there is no memory for it. */
+/** The entity of a name, which is noted if it was not before; null when there is no memory for it. */
 kelto::EntityNesting::Entity *kelto::EntityNesting::find(std::string_view name) noexcept
 {
     const auto compare = [](const void *a, const void *b) {
@@ -239,7 +240,7 @@ void kelto::EntityNesting::join(Entity *ring, Entity *joined) noexcept
         member->ring = ring;
 }
 
-/** Carries the depth of a ring to those that refer to it; false when one becomes too deep. */
+/** Makes deeper all rings that refer to this one, in any number of steps; false when one becomes too deep. */
 bool kelto::EntityNesting::deepen(Entity *ring) noexcept
 {
     ring->nextWaiting = nullptr;

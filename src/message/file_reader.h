@@ -15,6 +15,9 @@
 namespace kelto
 {
 
+/** What is read at once; a step of the parser is a whole number of chunks. */
+constexpr unsigned long chunkBytes = 300;
+
 /** Opens a message file. @return 0, KT_ERR_FILE_NOT_OPENED, KT_ERR_FILE_UNAVAILABLE, or the platform's own value. */
 int openMessageFile(File &file, const char *path) noexcept;
 

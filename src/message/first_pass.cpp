@@ -2,6 +2,7 @@
 
 #include "kelto.h"
 #include "message/attributes.h"
+#include "message/stored_message.h"
 
 // A row for each element says what must hold at its start and at its end.
 
@@ -61,8 +62,7 @@ bool endMessage(FirstPassState &pass)
 
 bool endText(FirstPassState &pass)
 {
-    constexpr size_t zeroBytes = 2;
-    pass.textSize += zeroBytes;
+    pass.textSize += kelto::terminatorBytes;
     return true;
 }
 

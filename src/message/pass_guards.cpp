@@ -59,10 +59,11 @@ bool isDone1(const void *state)
 
 // The second pass: whether there is a place for everything.
 
-class IsInPlace
+/** Takes the place of what starts, an open message above all; false where there is none. */
+class TakePlace
 {
 public:
-    explicit IsInPlace(SecondPassGuard &guard) : m_guard(guard) {}
+    explicit TakePlace(SecondPassGuard &guard) : m_guard(guard) {}
 
     bool operator()(const kelto::FileAttributes &file) const
     {
@@ -95,7 +96,7 @@ void guardStart2(void *state, const char *name, const char **attrs)
         return;
     const ElementMapRow &element = kelto::findElement(name);
     if (guard.limits.addElement(element, attrs))
-        kelto::startInSecondPass(guard.pass, element, attrs, IsInPlace(guard));
+        kelto::startInSecondPass(guard.pass, element, attrs, TakePlace(guard));
 }
 
 bool mayEndMessage(const SecondPassGuard &guard)

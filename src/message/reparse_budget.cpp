@@ -1,5 +1,7 @@
 #include "message/reparse_budget.h"
 
+#include "message/file_reader.h"
+
 #include <algorithm>
 
 namespace

@@ -12,9 +12,6 @@
 namespace kelto
 {
 
-/** What is read at once; a step is a whole number of chunks. */
-constexpr unsigned long chunkBytes = 300;
-
 class ReparseBudget
 {
 public:

@@ -25,8 +25,8 @@ char *copyText(const char *text)
     return copy.release();
 }
 
-/** What a handler asks for that knows of no bounds: that there is something to write, and a place for it. */
-struct Present
+/** A handler by itself knows of no bounds: it writes what is there. */
+struct IsPresent
 {
     bool operator()(const kelto::FileAttributes &file) const { return file.areThere(); }
     bool operator()(int id) const { return id != 0; }
@@ -101,7 +101,7 @@ void startElement2(void *state, const char *name, const char **attrs)
 {
     auto &pass = *static_cast<SecondPassState *>(state);
     if (pass.error == 0)
-        kelto::startInSecondPass(pass, kelto::findElement(name), attrs, Present());
+        kelto::startInSecondPass(pass, kelto::findElement(name), attrs, IsPresent());
 }
 
 void endElement2(void *state, const char *name)

@@ -9,7 +9,7 @@
 #include "kelto.h"
 #include "message/attributes.h"
 #include "message/element_names.h"
-#include "message/message_length_copy.h"
+#include "message/stored_message.h"
 #include "message/table_list.h"
 
 struct SecondPassState
@@ -58,24 +58,25 @@ void endInSecondPass(SecondPassState &pass, const ElementMapRow &element) noexce
 
 /**
  * The start of an element, for handler and guard.
- * @param accepts  asked with the element's FileAttributes, message ID or WrittenPlaceholder; false refuses the file.
+ * @param takePlace  given the element's FileAttributes, message ID or WrittenPlaceholder before it is written; false
+ *                   refuses the file.
  */
-template <typename Accepts>
+template <typename TakePlace>
 void startInSecondPass(SecondPassState &pass, const ElementMapRow &element, const char **attrs,
-                       Accepts accepts) noexcept
+                       TakePlace takePlace) noexcept
 {
     switch (element.id)
     {
     case ELM_FILE:
-        if (const FileAttributes file = readFileAttributes(attrs); accepts(file))
+        if (const FileAttributes file = readFileAttributes(attrs); takePlace(file))
             return fillFile(pass, file);
         break;
     case ELM_TRANS_UNIT:
-        if (const int id = readMessageId(attrs); accepts(id))
+        if (const int id = readMessageId(attrs); takePlace(id))
             return openMessage(pass, id);
         break;
     case ELM_X:
-        if (const WrittenPlaceholder placeholder = measurePlaceholder(attrs, pass.raw); accepts(placeholder))
+        if (const WrittenPlaceholder placeholder = measurePlaceholder(attrs, pass.raw); takePlace(placeholder))
             return appendPlaceholder(pass, placeholder);
         break;
     default:

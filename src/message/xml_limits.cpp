@@ -7,8 +7,9 @@
 namespace
 {
 
-// Work is counted in attributes that a parser hands out by default, of which each costs some twenty instructions. It
-// compares a default with all that were declared before for the same element, at a quarter of that.
+// The unit of work is one default attribute that the parser hands out, which costs it some twenty instructions. When a
+// default is declared, the parser compares it with all earlier declarations for the element; each comparison costs a
+// quarter of a unit.
 constexpr uint64_t comparisonsForOne = 4;
 
 size_t rowOf(const ElementMapRow &element)

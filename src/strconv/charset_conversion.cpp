@@ -10,8 +10,8 @@ namespace
 
 /**
  * Converts by way of UCS-2, with the two steps as functions of (size, UCS-2 buffer) and of (UCS-2 text).
- * @param room, capacity  units of the text between them, and what of it the first step is offered, its terminator
- *                        counted; no source needs more than capacity - 1.
+ * @param room      the units of the buffer for the UCS-2 text.
+ * @param capacity  what the first step is offered of them, the terminator counted; no source needs more than one less.
  */
 template <typename ToUCS2, typename FromUCS2>
 int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fromUCS2, const size_t *sizeInOut,
@@ -21,7 +21,7 @@ int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fro
     if (text == nullptr)
         return KT_ERR_NO_MEMORY;
 
-    // A capacity that ICU does not take is that of a source which it does not take either, and is refused for that.
+    // ICU takes no larger capacity. A source that needs it is too long for ICU as well, and is refused by it.
     size_t length = std::min<size_t>(capacity, INT32_MAX);
     int result = toUCS2(&length, text.get());
     text[room - 1] = 0;

@@ -76,6 +76,58 @@ TEST_F(FormatString, AcceptsEveryPermutation)
     }
 }
 
+/** What a walk finds: the text of each conversion with its position, its slots as "code/role", or the rule it breaks. */
+std::string walk(const std::string &format, formTable *table = nullptr)
+{
+    KTSlot slots[2];
+    KTConversion found{};
+    found.structSize = sizeof found;
+    found.slots = slots;
+    found.slotRoom = std::size(slots);
+    std::string text;
+    while (KTNextConversion(format.c_str(), table, &found))
+    {
+        text += format.substr(found.offset, found.length) + " is " + std::to_string(found.position);
+        if (found.rule != KT_RULE_NONE)
+            text += " breaks " + std::to_string(found.rule);
+        else if (found.formatter != nullptr)
+            text += std::string(" ") + found.formatter->name + " of " + std::to_string(found.slotCount);
+        for (size_t i = 0; i < std::min(found.slotCount, found.slotRoom); ++i)
+            text += " " + std::to_string(slots[i].code) + "/" + std::to_string(slots[i].role);
+        text += "\n";
+    }
+    return text;
+}
+
+TEST_F(FormatString, IsWalkedOverWhetherItIsRightOrNot)
+{
+    static const int types[] = {KT_ARG_POINTER, 9, KT_ARG_UNSIGNED, KT_ARG_END};
+    KTFormatter list[] = {{"two", nullptr, 2, types, formatIP}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable table = {false, {}, list, nullptr, &builtInFormTable};
+    const std::pair<std::string, std::string> rows[] = {
+        {"100%% \u00E9", ""},
+        {"\u00E9%s[2] of %-5!d[1]%%", "%s[2] is 2 s of 1 11/0\n%-5!d[1] is 1 d of 1 5/0\n"},
+        {"%*.*f[7]%d[7]", "%*.*f[7] is 7 f of 3 3/1 3/2\n%d[7] is 7 d of 1 3/0\n"},
+        {"%N[1]%c[2]%O[3]", "%N[1] is 1\n%c[2] is 2 c of 1 7/0\n%O[3] is 3\n"},
+        {"%!two[1]", "%!two[1] is 1 two of 2 13/0 6/0\n"},
+        {"%q[2] %d[0]%d[1", "%q[2] is 2 breaks 6\n%d[0] is 0 breaks 2\n%d[1 is 0 breaks 2\n"},
+        {"50% off, %d of %d[2]", "% off, is 0 breaks 1\n%d is 0 breaks 1\n%d[2] is 2 d of 1 3/0\n"},
+        {"%99999999999d[1]%d[2000000000]%",
+         "%99999999999d[1] is 0 breaks 3\n%d[2000000000] is 2000000000 d of 1 3/0\n% is 0 breaks 1\n"},
+    };
+    for (const auto &[format, expected] : rows)
+        EXPECT_EQ(walk(format, &table), expected) << format;
+    KTConversion found{};
+    EXPECT_FALSE(KTNextConversion("%d[1]", nullptr, &found)) << "without its size";
+    EXPECT_FALSE(KTNextConversion("%d[1]", nullptr, nullptr));
+    found.structSize = sizeof found;
+    EXPECT_FALSE(KTNextConversion(nullptr, nullptr, &found));
+    KTClean();
+    EXPECT_TRUE(KTNextConversion("%*d[3]", nullptr, &found)) << "also while the library is stopped";
+    EXPECT_TRUE(found.slotCount == 2 && found.width == KT_FROM_ARGUMENTS && found.precision == KT_ABSENT);
+    ASSERT_EQ(KTInit(), 0);
+}
+
 TEST_F(FormatString, AHugePositionCostsNoMemory)
 {
     FakeZel::record();

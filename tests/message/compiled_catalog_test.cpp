@@ -1,6 +1,6 @@
 #include "message/compiled_form.h"
 #include "message/loading.h"
-#include "message/message_length_copy.h"
+#include "message/stored_message.h"
 #include "support/guarded.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+#include "message/stored_message.h"
+
 #include "kelto.h"
 
 #include <cstring>
@@ -26,6 +28,6 @@ const char *KTMsgCpy(const char *source, char *destination)
     const char *const end = terminatingPair(source);
     const size_t length = static_cast<size_t>(end - source);
     std::memmove(destination, source, length);
-    std::memset(destination + length, 0, 2);
+    std::memset(destination + length, 0, kelto::terminatorBytes);
     return end;
 }
