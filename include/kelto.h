@@ -1307,9 +1307,9 @@ typedef struct KTProblem
 int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
 
 /**
- * What stands at a '%' of a format. A conversion that is wrong by itself has a rule, KT_RULE_UNKNOWN_CONVERSION at most.
- * It ends where it will have been meant to end, and nothing but its place is told of it, and the position of an unknown
- * one.
+ * What stands at a '%' of a format. A conversion that is wrong by itself has a rule, up to KT_RULE_UNKNOWN_CONVERSION.
+ * It ends where it will have been meant to end. Nothing but its place is told of it, and of an unknown one the
+ * position.
  */
 typedef struct KTConversion
 {

@@ -1,6 +1,6 @@
 /**
- * What a formatter of the caller's writes, in a buffer: of a few units, or on its word in one as large as it asks for,
- * as long as that is not more than may be taken.
+ * The text that a formatter of the caller's writes, in a buffer. The buffer has a few units. Where the formatter asks
+ * for more, it is called again with a buffer as large as that, unless that is more than may be taken.
  */
 #ifndef KELTO_FORMAT_CALLED_TEXT_H
 #define KELTO_FORMAT_CALLED_TEXT_H

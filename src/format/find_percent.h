@@ -1,6 +1,6 @@
 /**
- * The next '%' of a format. Most literal texts are short: they are looked at by eight units at a step, and only behind
- * some steps the C library, which is faster in the long run, is called.
+ * The next '%' of a format. Most literal texts are short, so the search takes eight units at a step. Behind some steps
+ * it calls the C library, which is faster in the long run.
  */
 #ifndef KELTO_FORMAT_FIND_PERCENT_H
 #define KELTO_FORMAT_FIND_PERCENT_H

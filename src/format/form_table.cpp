@@ -5,6 +5,10 @@
 
 #include <cstring>
 
+// A name is looked up in one table after the other. In an indexed table the search begins at the first record of the
+// name's letter and ends with the last one; in others it covers the whole list. The first record of the name decides,
+// also where it is unusable.
+
 namespace
 {
 

@@ -10,6 +10,10 @@
 #include <cstring>
 #include <utility>
 
+// The check goes from '%' to '%' once and stores the record of each conversion specification at its position. Then as
+// many positions as there are conversion specifications must have a record, from 1 on: a repetition or a gap leaves one
+// without. Only a format that is refused is walked over again, for the reason.
+
 namespace
 {
 

@@ -16,6 +16,10 @@
 #include <cstring>
 #include <unicode/utf16.h>
 
+// A format is checked as by any other call. What the check found is then laid out in one block: a step for each
+// conversion in the order of the text, which has the length of the literal text before it; the slots in the order of
+// passing; and the literal text of all steps in a row, in UCS-2 and in UTF-8.
+
 namespace
 {
 

@@ -9,6 +9,11 @@
 #include <search.h>
 #include <utility>
 
+// Entities are the nodes of a graph, references its edges. The depth of a ring is the number of its members and the
+// depth of the deepest ring that they refer to. A declaration adds the edges of one entity: it may close a ring, which
+// consists of what it reaches among the rings that reach it; and it makes deeper what reaches it, which is followed
+// backwards as long as depths grow. They are at most 100, so each edge is followed as often at most.
+
 /** "from" has "to" in its value: one of the references of the former and of the referrers of the latter. */
 struct kelto::EntityNesting::Reference
 {

@@ -4,6 +4,10 @@
 
 #include <algorithm>
 
+// The parser's last event tells where the token begins that it could not finish. The bytes from there on are read again
+// with the next step. Their sum may grow with the file; where it grows faster, the next step is as long as what the
+// parser holds of the token, so that the bytes held double with each step and their sum stays linear.
+
 namespace
 {
 

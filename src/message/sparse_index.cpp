@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <new>
 
+// IDs are noted as they come and sorted once, when their table enters the list. A binary search finds the next one.
+// The indexes of all tables form a list: a new one is pushed to its front without a lock, and the holder of the lock on
+// the tables takes one out.
+
 namespace
 {
 

@@ -1,12 +1,10 @@
 #include "check/formats.h"
 
-#include "charset.h"
 #include "check/finding.h"
 #include "check/utf8.h"
 
 #include <algorithm>
 #include <fmt/core.h>
-#include <unicode/utf16.h>
 
 namespace tool::check
 {
@@ -41,27 +39,14 @@ constexpr Kind kindsOfSlots[] = {{},
                                  Kind::pointer};
 constexpr Slot::Role rolesOfSlots[] = {Slot::Role::value, Slot::Role::width, Slot::Role::precision};
 
-/** A walk over the units of a text that knows how many bytes of UTF-8 lie behind it. */
-class Walk
+/** The UCS-2 units of UTF-8. */
+size_t unitsOf(std::string_view text)
 {
-public:
-    explicit Walk(const std::u16string &text) : m_text(text) {}
-
-    size_t bytesTo(size_t unit)
-    {
-        for (; m_unit < unit; ++m_unit)
-        {
-            const char16_t character = m_text[m_unit];
-            m_bytes += character < 0x80 ? 1 : character < 0x800 ? 2 : U16_IS_SURROGATE(character) ? 2 : 3;
-        }
-        return m_bytes;
-    }
-
-private:
-    const std::u16string &m_text;
-    size_t m_unit = 0;
-    size_t m_bytes = 0;
-};
+    size_t units = 0;
+    for (const char byte : text)
+        units += isContinuation(byte) ? 0 : static_cast<unsigned char>(byte) < 0xF0 ? 1 : 2;
+    return units;
+}
 
 } // namespace
 
@@ -99,18 +84,14 @@ void Format::sortPositions()
 namespace
 {
 
-/** The problem of a malformed conversion, of which this is the beginning of a text. */
-KTProblem problemAt(std::string_view rest, formTable *table)
+/** How much is shown of a malformed conversion that goes on for so many bytes of a text. */
+size_t shownLength(std::string_view rest, size_t length)
 {
     constexpr size_t enough = 200; // for what a conversion can be meant to be
-    size_t length = std::min(rest.size(), enough);
+    length = std::min(length, enough);
     while (length < rest.size() && isContinuation(rest[length]))
         --length;
-    KTProblem problem{};
-    problem.structSize = sizeof problem;
-    isAccepted(std::string(rest.substr(0, length)).c_str(), table, &problem);
-    problem.length = std::clamp<size_t>(problem.length, 1, length);
-    return problem;
+    return length;
 }
 
 /** Whether a malformed conversion looks like a percent sign that was never meant as one. */
@@ -132,73 +113,102 @@ bool isLone(std::string_view specification, formTable *table)
            !isAccepted(fmt::format("%{}[1]", specification.substr(begin, end - begin)).c_str(), table, nullptr);
 }
 
-/** The arguments of a conversion that is one, as "%*d[7]". */
-std::vector<Slot> slotsOf(std::string_view conversion, formTable *table)
+/** A walk over the conversions of a text that has room for the arguments of each. */
+class Walk
 {
-    const std::string alone = fmt::format("{}[1]", conversion.substr(0, conversion.rfind('[')));
-    KTPreparedFormat *made = nullptr;
-    if (KTPrepareFormat(alone.c_str(), table, &made) == KT_ERR_NO_MEMORY)
-        throw std::bad_alloc();
-    const std::unique_ptr<KTPreparedFormat, decltype(&KTFreePrepared)> prepared(made, KTFreePrepared);
-    std::vector<Slot> slots;
-    const KTSlot *slot = nullptr;
-    for (size_t count = made != nullptr ? KTPreparedSlots(made, &slot) : 0; count > 0; --count, ++slot)
-        slots.push_back({rolesOfSlots[slot->role], kindsOfSlots[slot->code]});
-    return slots;
+public:
+    Walk(std::string_view text, formTable *table) : m_text(text), m_table(table), m_slots(8)
+    {
+        m_found.structSize = sizeof m_found;
+    }
+
+    /** The next conversion, or null. */
+    const KTConversion *next()
+    {
+        for (;;)
+        {
+            m_found.slots = m_slots.data();
+            m_found.slotRoom = m_slots.size();
+            if (!KTNextConversion(m_text.data(), m_table, &m_found))
+                return nullptr;
+            if (m_found.slotCount <= m_slots.size())
+                return &m_found;
+            m_slots.resize(m_found.slotCount);
+            m_found.length = 0; // the same once more
+        }
+    }
+
+    /** Lets the conversion found last end here, and the walk go on. */
+    void cutTo(size_t length) { m_found.length = length; }
+
+private:
+    std::string_view m_text;
+    formTable *m_table;
+    KTConversion m_found{};
+    std::vector<KTSlot> m_slots;
+};
+
+Conversion conversionOf(const KTConversion &found, std::string_view message)
+{
+    Conversion conversion;
+    conversion.position = static_cast<int>(found.position);
+    conversion.place = {found.offset, found.offset + found.length};
+    conversion.written = quotation(message.substr(found.offset, found.length));
+    conversion.name = found.type == CONV_N ? "N" : found.type == CONV_O ? "O" : found.formatter->name;
+    for (size_t i = 0; i < found.slotCount; ++i)
+        conversion.slots.push_back({rolesOfSlots[found.slots[i].role], kindsOfSlots[found.slots[i].code]});
+    return conversion;
 }
+
+/** The length of a format in UCS-2 units, counted when it is asked for. */
+class LazyLength
+{
+public:
+    explicit LazyLength(std::string_view text) : m_text(text) {}
+
+    size_t units()
+    {
+        if (m_units == 0)
+            m_units = unitsOf(m_text);
+        return m_units;
+    }
+
+private:
+    std::string_view m_text;
+    size_t m_units = 0;
+};
 
 } // namespace
 
 Format parseFormat(std::string_view message, formTable *table)
 {
-    const std::u16string text = ucs2FromUtf8(std::string(message));
     Format format;
     format.isAccepted = isAccepted(message.data(), table, nullptr);
-    Walk walk(text);
-    const auto addFault = [&format](size_t begin, const KTProblem &problem, int position, bool isLone) {
-        format.faults.push_back({{begin, begin + (isLone ? 1 : problem.length)}, problem, position, isLone});
-    };
-    for (size_t at = text.find(u'%'); at < text.size(); at = text.find(u'%', at))
+    LazyLength length(message);
+    Walk walk(message, table);
+    while (const KTConversion *const found = walk.next())
     {
-        if (text[at + 1] == u'%')
-        {
-            at += 2;
-            continue;
-        }
-        const UCS2 *cursor = text.c_str() + at;
-        Flag_t type = CONV_UNKNOWN;
-        int width = 0;
-        int precision = 0;
-        int flags = 0;
-        KTFormatter *formatter = nullptr;
-        const int position = parseConvSpec(&cursor, table, &type, &width, &precision, &flags, &formatter);
-        const size_t begin = walk.bytesTo(at);
+        const std::string_view rest = message.substr(found->offset);
+        const auto position = static_cast<int>(found->position);
         KTProblem problem{};
-        if (position == 0 || type == CONV_UNKNOWN)
-            problem = problemAt(message.substr(begin), table);
-        const bool ranOn = problem.rule == KT_RULE_POSITION_MISSING; // as far as the position of the next one
-        if (position == 0 || ranOn)
+        problem.structSize = sizeof problem;
+        problem.rule = found->rule;
+        problem.length = found->length;
+        if (found->rule == KT_RULE_NONE && position > believedPosition && found->position > length.units())
+            problem.rule = KT_RULE_NUMBER_TOO_LARGE;
+        if (problem.rule == KT_RULE_NONE)
         {
-            const bool isLonePercent = isLone(message.substr(begin, problem.length), table);
-            addFault(begin, problem, 0, isLonePercent);
-            do
-                ++at;
-            while (at < text.size() && walk.bytesTo(at) < format.faults.back().place.end);
+            format.conversions.push_back(conversionOf(*found, message));
             continue;
         }
-        at = static_cast<size_t>(cursor - text.c_str());
-        const Range place{begin, walk.bytesTo(at)};
-        problem.length = place.end - begin;
-        if (position > believedPosition && static_cast<size_t>(position) > text.size() && type != CONV_UNKNOWN)
-            problem.rule = KT_RULE_NUMBER_TOO_LARGE;
-        if (problem.rule != KT_RULE_NONE)
-            addFault(begin, problem, position, false);
-        else
-            format.conversions.push_back({position, place, quotation(message.substr(begin, place.end - begin)),
-                                          type == CONV_N   ? "N"
-                                          : type == CONV_O ? "O"
-                                                           : formatter->name,
-                                          slotsOf(message.substr(begin, place.end - begin), table)});
+        bool isLonePercent = false;
+        if (position == 0)
+        {
+            problem.length = shownLength(rest, found->length);
+            isLonePercent = isLone(rest.substr(0, problem.length), table);
+            walk.cutTo(isLonePercent ? 1 : problem.length);
+        }
+        format.faults.push_back({{found->offset, found->offset + found->length}, problem, position, isLonePercent});
     }
     format.sortPositions();
     return format;

@@ -6,6 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
+// A text of at most 20 characters is a number of seconds since 1970; a longer one is a time stamp. Seconds become a day
+// number, and that a date in constant time: every fourth year is a leap year here, so any four years are equally long.
+// Both kinds of text fill the same six fields, which _formatDateTime() alone writes.
+
 namespace
 {
 

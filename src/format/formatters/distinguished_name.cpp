@@ -6,6 +6,9 @@
 #include <functional>
 #include <string.h>
 
+// The first delimiter of a name ('.', '/' or '=') decides how the name is divided. Components are taken one at a time,
+// from the beginning or from the end, and written as parts. No list of them is kept, so a name may have any number.
+
 namespace
 {
 

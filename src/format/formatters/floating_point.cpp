@@ -12,6 +12,10 @@
 #include <cstring>
 #include <langinfo.h>
 
+// A double of usual size with at most 19 decimal places is multiplied by a power of ten in 128 bits, which is exact,
+// and rounded to nearest, ties to even. The parts before and behind the point are then written as integers. All else is
+// printed by the C library: a long double, a larger value, more places, '#', another rounding mode or decimal mark.
+
 namespace
 {
 
