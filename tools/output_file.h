@@ -1,7 +1,7 @@
 /**
  * A file of the user's that is whole or stays what it was: it is written beside its place and put there when it is
- * complete, so that a full disk costs nothing, and nobody sees half of it. It keeps its mode and owner, and a link to it
- * stays one. Written straight are a device, a pipe and what /dev/stdout leads to; and a file in a folder where no other
+ * complete, so that a full disk costs nothing, and nobody sees half of it. It keeps its mode and owner, and a link to
+ * it stays one. Written straight are a device, a pipe and what /dev/stdout leads to; and a file in a folder where no other
  * can be made, or whose owner could not be kept.
  */
 #ifndef KELTO_TOOLS_OUTPUT_FILE_H

@@ -76,7 +76,7 @@ TEST_F(FormatString, AcceptsEveryPermutation)
     }
 }
 
-/** What a walk finds: the text of each conversion with its position, its slots as "code/role", or the rule it breaks. */
+/** What a walk finds: of each conversion its text and position, its slots as "code/role", or the rule it breaks. */
 std::string walk(const std::string &format, formTable *table = nullptr)
 {
     KTSlot slots[2];
