@@ -105,16 +105,13 @@ inline bool has_thrown(void *) noexcept
     return call != nullptr && call->thrown != nullptr;
 }
 
-/** Calls the library; where that stopped because something was thrown, it is thrown again. */
-template <class Call> int with_functions(const catalog_functions *functions, Call call)
+inline int format_request(const KTCatalog *catalog, const KTCatalogRequest *request, std::size_t *size, char *out)
 {
-    if (functions == nullptr)
-        return call();
-    running around(functions->table.get());
-    const int result = call();
-    if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-        around.rethrow();
-    return result;
+    return KTCatalogFormatRequestUTF8(catalog, request, size, out);
+}
+inline int format_request(const KTCatalog *catalog, const KTCatalogRequest *request, std::size_t *size, UCS2 *out)
+{
+    return KTCatalogFormatRequest(catalog, request, size, out);
 }
 
 struct close_catalog
@@ -318,20 +315,24 @@ private:
     }
 
     /** Has the library write a text. */
-    KELTO_OUT_OF_LINE int write(message_id id, std::string_view source, const detail::argument_view &view,
-                                std::size_t *size, char *out) const
-    {
-        const KTCatalogRequest request = request_of(id, source, view);
-        return detail::with_functions(functions_.get(),
-                                      [&] { return KTCatalogFormatRequestUTF8(catalog_.get(), &request, size, out); });
-    }
     template <class Unit>
     int write(message_id id, std::string_view source, const detail::argument_view &view, std::size_t *size,
               Unit *out) const
     {
         const KTCatalogRequest request = request_of(id, source, view);
-        return detail::with_functions(functions_.get(),
-                                      [&] { return KTCatalogFormatRequest(catalog_.get(), &request, size, out); });
+        return functions_ == nullptr ? detail::format_request(catalog_.get(), &request, size, out)
+                                     : write_running(request, size, out);
+    }
+
+    /** Likewise with functions of the program's: where the library stopped since one threw, that is thrown again. */
+    template <class Unit>
+    KELTO_OUT_OF_LINE int write_running(const KTCatalogRequest &request, std::size_t *size, Unit *out) const
+    {
+        detail::running around(functions_->table.get());
+        const int result = detail::format_request(catalog_.get(), &request, size, out);
+        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
+            around.rethrow();
+        return result;
     }
 
     KTCatalogRequest request_of(message_id id, std::string_view source,
