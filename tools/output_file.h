@@ -1,8 +1,8 @@
 /**
- * A file of the user's that is whole or stays what it was: it is written beside its place and put there when it is
- * complete, so that a full disk costs nothing, and nobody sees half of it. It keeps its mode and owner, and a link to
- * it stays one. Written straight are a device, a pipe and what /dev/stdout leads to; and a file in a folder where no other
- * can be made, or whose owner could not be kept.
+ * A file of the user's that is whole or stays what it was. It is written beside its place and put there when it is
+ * complete, so that a full disk costs nothing and nobody sees half of it. It keeps its mode and its owner, and a link
+ * to it stays a link. A device, a pipe and what /dev/stdout leads to are written straight; so is a file in a folder
+ * where no other can be made, and one whose owner could not be kept.
  */
 #ifndef KELTO_TOOLS_OUTPUT_FILE_H
 #define KELTO_TOOLS_OUTPUT_FILE_H
