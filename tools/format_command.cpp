@@ -4,8 +4,11 @@
 #include "message_file.h"
 #include "output.h"
 #include "parsed_message.h"
+#include "selector.h"
+#include "syntax_fault.h"
 #include "terminal.h"
 #include "text.h"
+#include "variant_labels.h"
 
 #include <charconv>
 
@@ -25,6 +28,43 @@ unsigned readId(const CommandLine &line, const std::string &word)
     if (stop != end || error != std::errc())
         throw line.misuse(say(Text::badMessageId, {terminal().quote(word), highestPossibleId}));
     return id;
+}
+
+/** The message that the words select, and what it is called. */
+struct Chosen
+{
+    unsigned id;
+    std::string label; // as "12[few]"; empty of a message that was asked for itself
+};
+
+/** Follows a message to the one that it selects with these words. */
+Chosen choose(const MessageFile &file, unsigned id, const std::string &language, const Words &words)
+{
+    if (!readSelector(file.message(id)).has_value())
+        return {id, ""};
+    const PreparedFormat prepared(file.table(), id, language);
+    if (prepared.result() != 0)
+        throw Failure(describeMessageFault(file, id));
+    // All variants take the same kinds of arguments, so the words can be read before it is known which one it is.
+    unsigned first = id;
+    while (const auto selector = readSelector(file.message(first)))
+        for (unsigned place = 0; place < selector->rowLength(); ++place)
+            if (file.find(selector->messageAt(place)) != nullptr)
+            {
+                first = selector->messageAt(place);
+                break;
+            }
+    const ParsedMessage parsed(file.message(first));
+    const Arguments arguments(parsed, words);
+    unsigned chosen = id;
+    char *text = nullptr;
+    const int result = KTSelectMessage(file.table(), &chosen, language.c_str(), arguments.values().data(),
+                                       arguments.values().size(), &text);
+    if (result != 0)
+        throw Failure(meaningOf(result));
+    if (text == nullptr)
+        throw Failure(say(Text::noVariant, {id}) + nameOf(KT_ERR_INVALID_MSG_ID));
+    return {chosen, VariantLabels(file).of(chosen)};
 }
 
 std::u16string formatLine(const std::string &message, bool tag, const Words &words)
@@ -52,9 +92,13 @@ void printIn(const std::string &charset, const std::u16string &text)
 ExitStatus run(CommandLine &line)
 {
     bool tag = false;
+    bool isNumbered = false;
+    std::string language;
     std::string charset = terminal().charset();
     line.flag("-t,--tag", tag, "Wrap dates, names, entry IDs and errors in tags, as <date>");
     line.option("-c,--charset", "NAME", charset, "The charset of the output; without it, that of the terminal");
+    line.option("-l,--language", "NAME", language, "The language whose plural forms count; without it, the file's");
+    line.flag("-n,--number", isNumbered, "Print the number of the message that is selected, and what it is for");
     const Words operands = line.operandsBehindOptions(fileAndId);
     if (operands.size() < fileAndId)
         throw line.misuse(say(operands.empty() ? Text::noFile : Text::noMessageId));
@@ -63,11 +107,18 @@ ExitStatus run(CommandLine &line)
     const unsigned id = readId(line, operands[1]);
     const Words words(operands.begin() + fileAndId, operands.end());
     const MessageFile file(operands[0]);
-    const std::string message = file.message(id);
-    const std::string subject = inputName(operands[0]) + ": " + say(Text::messageSubject, {id});
+    const std::string subject = inputName(operands[0]) + ": ";
+    file.message(id); // which says what numbers there are, if not this one
+    std::string message = say(Text::messageSubject, {id});
     try
     {
-        printIn(charset, formatLine(message, tag, words));
+        const Chosen chosen = choose(file, id, language.empty() ? file.language() : language, words);
+        if (!chosen.label.empty())
+            message = say(Text::variantSubject, {chosen.id, chosen.label});
+        const std::u16string text = formatLine(file.message(chosen.id), tag, words);
+        if (isNumbered)
+            print(std::to_string(chosen.id) + "\t" + chosen.label + "\t");
+        printIn(charset, text);
     }
     catch (const OutputFailure &)
     {
@@ -75,7 +126,7 @@ ExitStatus run(CommandLine &line)
     }
     catch (const Failure &failure)
     {
-        throw Failure(subject + ": " + failure.what());
+        throw Failure(subject + message + ": " + failure.what());
     }
     return ExitStatus::done;
 }
@@ -92,13 +143,15 @@ FILE '-' is standard input.
   DND DNS        a name, as alice.staff.corp, corp/staff/alice, CN=alice,O=corp
   DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
 
+A message that selects another by its arguments gives that one's text.
+
 Example: message 1 is "Hello %s[1], you have %u[2] new messages."
   kelto format en.xlf 1 Ada 7
 )";
 
 } // namespace
 
-const Subcommand formatSubcommand = {"format", "[-t] [-c NAME] FILE ID [ARG...]", "Format a message with arguments",
-                                     details, run};
+const Subcommand formatSubcommand = {"format", "[-t] [-n] [-l NAME] [-c NAME] FILE ID [ARG...]",
+                                     "Format a message with arguments", details, run};
 
 } // namespace tool

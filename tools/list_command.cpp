@@ -3,6 +3,7 @@
 #include "message_file.h"
 #include "output.h"
 #include "terminal.h"
+#include "variant_labels.h"
 
 namespace tool
 {
@@ -19,17 +20,22 @@ std::u16string withDoubledBackslashes(const std::u16string &text)
     return doubled;
 }
 
-void listMessages(const MessageFile &file)
+void listMessages(const MessageFile &file, const std::string &language)
 {
-    file.forEachMessage([](unsigned id, const std::string &message) {
-        print(std::to_string(id) + "\t" + terminal().show(withDoubledBackslashes(ucs2FromUtf8(message))) + "\n");
+    const VariantLabels labels(file);
+    file.forEachMessage([&](unsigned id, const std::string &message) {
+        const std::string label = labels.withNumbers(id, language.empty() ? file.language() : language);
+        print(std::to_string(id) + "\t" + terminal().show(withDoubledBackslashes(ucs2FromUtf8(message))) +
+              (label.empty() ? "" : "\t" + label) + "\n");
     });
 }
 
 ExitStatus run(CommandLine &line)
 {
     bool raw = false;
+    std::string language;
     line.flag("-r,--raw", raw, "Show placeholders as the file has them, without positions");
+    line.option("-l,--language", "NAME", language, "The language whose plural forms count; without it, the file's");
     const Words files = line.files();
     bool first = true;
     return forEachFile(files, [&](const std::string &path) {
@@ -37,13 +43,14 @@ ExitStatus run(CommandLine &line)
         if (files.size() > 1)
             printText((first ? "" : "\n") + inputName(path) + ":\n");
         first = false;
-        listMessages(file);
+        listMessages(file, language);
     });
 }
 
 constexpr const char *details = R"(Prints number and text of every message, a tab between them. Line breaks, other
 control characters and what the terminal cannot show appear as \n, \t, \u001B,
-and a backslash as \\. For FILE '-' is standard input.
+and a backslash as \\. Behind a message that another selects stand one more tab and
+what it is for, as 12[few 2-4, 22-24]. For FILE '-' is standard input.
 
 Example:
   kelto list -r de.xlf
@@ -51,6 +58,6 @@ Example:
 
 } // namespace
 
-const Subcommand listSubcommand = {"list", "[-r] FILE...", "List the messages of files", details, run};
+const Subcommand listSubcommand = {"list", "[-r] [-l NAME] FILE...", "List the messages of files", details, run};
 
 } // namespace tool

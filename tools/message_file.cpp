@@ -104,6 +104,18 @@ std::string MessageFile::message(unsigned id) const
     return text;
 }
 
+const char *MessageFile::find(unsigned id) const
+{
+    char *text = nullptr;
+    return KTGetMessage(m_table, id, &text) == 0 ? text : nullptr;
+}
+
+std::string MessageFile::language() const
+{
+    const KTTableFacts said = facts();
+    return std::string(said.language) + (*said.country != '\0' ? "_" : "") + said.country;
+}
+
 Failure MessageFile::noSuchMessage(unsigned id) const
 {
     unsigned lowest = 0;

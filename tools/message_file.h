@@ -75,6 +75,14 @@ public:
     /** The message of this number. */
     std::string message(unsigned id) const;
 
+    /** The same; null where there is none. */
+    const char *find(unsigned id) const;
+
+    /** The language that the file names, as "de_AT". */
+    std::string language() const;
+
+    MessageTable *table() const { return m_table; }
+
     /** Hands every message to the work, with its number, in the order of the numbers. */
     template <typename Work> void forEachMessage(Work work) const
     {

@@ -7,6 +7,19 @@
 namespace tool
 {
 
+PreparedFormat::PreparedFormat(const std::string &format)
+{
+    formTable *forms = nullptr;
+    m_result = KTGetVariantFormTable(&forms);
+    if (m_result == 0)
+        m_result = KTPrepareFormat(format.c_str(), forms, &m_prepared);
+}
+
+PreparedFormat::PreparedFormat(MessageTable *table, unsigned id, const std::string &language)
+    : m_result(KTPrepareMessage(table, id, language.c_str(), nullptr, &m_prepared))
+{
+}
+
 std::vector<KTSlot> PreparedFormat::slots() const
 {
     const KTSlot *first = nullptr;

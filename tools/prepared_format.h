@@ -1,5 +1,5 @@
 /**
- * A prepared format that releases itself, and writes into texts that grow.
+ * A prepared format that releases itself, and writes into texts that grow. It knows "nil", as variants have it.
  */
 #ifndef KELTO_TOOLS_PREPARED_FORMAT_H
 #define KELTO_TOOLS_PREPARED_FORMAT_H
@@ -16,9 +16,9 @@ class PreparedFormat
 {
 public:
     /** Of UTF-8 text; see result() before anything else. */
-    explicit PreparedFormat(const std::string &format) : m_result(KTPrepareFormat(format.c_str(), nullptr, &m_prepared))
-    {
-    }
+    explicit PreparedFormat(const std::string &format);
+    /** Of a message with all that it selects, by the rules of a language. */
+    PreparedFormat(MessageTable *table, unsigned id, const std::string &language);
     ~PreparedFormat() { KTFreePrepared(m_prepared); }
     PreparedFormat(const PreparedFormat &) = delete;
     PreparedFormat &operator=(const PreparedFormat &) = delete;

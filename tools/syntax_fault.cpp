@@ -33,13 +33,13 @@ std::u16string firstPart(const std::u16string &text, size_t most)
     return text.substr(0, U16_IS_LEAD(text[most - 1]) ? most - 1 : most) + u"...";
 }
 
-} // namespace
-
-std::string describeSyntaxFault(const std::string &format)
+std::string inWords(const Shown &shown)
 {
-    KTProblem problem = {};
-    problem.structSize = sizeof problem;
-    const int result = KTExplainFormat(format.c_str(), nullptr, &problem);
+    return shown.phrase.empty() ? shown.words : say(shown.phrase[0]);
+}
+
+std::string describe(const std::string &format, const KTProblem &problem, int result)
+{
     const std::u16string before = ucs2FromUtf8(format.substr(0, problem.offset));
     const std::u16string place = ucs2FromUtf8(format.substr(problem.offset, problem.length));
     const std::u16string behind = ucs2FromUtf8(format.substr(problem.offset + problem.length));
@@ -52,6 +52,30 @@ std::string describeSyntaxFault(const std::string &format)
     const std::u16string shown = shownBefore + marked + terminal().escaped(firstPart(behind, mostBehind));
     const std::string carets = "^" + std::string(std::max<size_t>(columns(marked), 1) - 1, '~');
     return what + nameOf(result) + "\n  " + utf8(shown) + "\n  " + std::string(columns(shownBefore), ' ') + carets;
+}
+
+} // namespace
+
+std::string describeSyntaxFault(const std::string &format)
+{
+    formTable *forms = nullptr;
+    KTProblem problem = {};
+    problem.structSize = sizeof problem;
+    KTGetVariantFormTable(&forms);
+    const int result = KTExplainFormat(format.c_str(), forms, &problem);
+    return describe(format, problem, result);
+}
+
+std::string describeMessageFault(const MessageFile &file, unsigned id)
+{
+    KTProblem problem = {};
+    problem.structSize = sizeof problem;
+    const int result = KTExplainMessage(file.table(), id, nullptr, &problem);
+    const char *const text = problem.message != 0 ? file.find(problem.message) : nullptr;
+    if (problem.rule == KT_RULE_NONE || text == nullptr || problem.length == 0)
+        return inWords(problemShown(problem)) + nameOf(result);
+    const std::string fault = describe(text, problem, result);
+    return problem.message != id ? say(Text::messageSubject, {problem.message}) + ": " + fault : fault;
 }
 
 } // namespace tool

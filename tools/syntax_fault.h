@@ -5,6 +5,8 @@
 #ifndef KELTO_TOOLS_SYNTAX_FAULT_H
 #define KELTO_TOOLS_SYNTAX_FAULT_H
 
+#include "message_file.h"
+
 #include <string>
 
 namespace tool
@@ -12,6 +14,9 @@ namespace tool
 
 /** The first fault of a refused format string, UTF-8, in three lines: what and where, the text, and carets below. */
 std::string describeSyntaxFault(const std::string &format);
+
+/** The fault of a message that cannot be prepared, or of one that it leads to, in the same way. */
+std::string describeMessageFault(const MessageFile &file, unsigned id);
 
 } // namespace tool
 

@@ -193,16 +193,47 @@ std::string resultText(int result)
     return shown.phrase.empty() ? shown.words : say(shown.phrase[0]);
 }
 
+namespace
+{
+
+/** The number of the text that says what a rule of the library says. */
+unsigned textOfRule(int rule)
+{
+    constexpr int firstOfSelectors = KT_RULE_SELECTOR_ALONE;
+    constexpr int selectorsAbove = 730 - firstOfSelectors;
+    constexpr int othersAbove = 120;
+    return static_cast<unsigned>(rule + (rule < firstOfSelectors ? othersAbove : selectorsAbove));
+}
+
+/** What that text shows. */
+std::vector<Shown> valuesOf(const KTProblem &problem)
+{
+    switch (problem.rule)
+    {
+    case KT_RULE_POSITION_REPEATED:
+    case KT_RULE_POSITION_GAP:
+        return {problem.position};
+    case KT_RULE_SELECTOR_ARGUMENT:
+        return {problem.slot, problem.found};
+    case KT_RULE_VARIANT_ARGUMENTS:
+        return {problem.slot, problem.message};
+    case KT_RULE_SELECTOR_DEPTH:
+    case KT_RULE_VARIANT_MISSING:
+        return {problem.message};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
 Shown problemShown(const KTProblem &problem)
 {
-    constexpr unsigned rulesAbove = 120;
     constexpr size_t longestSentence = 400;
     char sentence[longestSentence];
     size_t size = sizeof sentence;
     KTProblemText(&problem, &size, sentence);
-    const bool hasPosition = problem.rule == KT_RULE_POSITION_REPEATED || problem.rule == KT_RULE_POSITION_GAP;
-    return textNumbered(rulesAbove + static_cast<unsigned>(problem.rule), sentence,
-                        hasPosition ? std::vector<Shown>{problem.position} : std::vector<Shown>{});
+    return textNumbered(textOfRule(problem.rule), sentence, valuesOf(problem));
 }
 
 } // namespace tool

@@ -3,8 +3,8 @@
 # The options of a subcommand; those that end with '=' take a value.
 _kelto_options() {
     case $1 in
-    format) echo '--tag --charset= --help' ;;
-    list) echo '--raw --help' ;;
+    format) echo '--tag --charset= --language= --number --help' ;;
+    list) echo '--raw --language= --help' ;;
     version) echo '--help' ;;
     compile) echo '--output= --raw --help' ;;
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
@@ -35,6 +35,7 @@ _kelto_kind() {
     export:--to) echo bilingual ;;
     import:--format) echo form ;;
     pseudo:--expand | pseudo:--form | export:--language | export:--form | import:--language | import:--form) echo other ;;
+    format:-l | format:--language | list:-l | list:--language) echo other ;;
     gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
