@@ -1090,11 +1090,16 @@ void KTFreePrepared(KTPreparedFormat *prepared);
  * the format marks it or not. "c", "s" and "U" are then written as in an encoded region; of all other conversions, the
  * caller's own included, the finished text is encoded, without the tags that KT_TAG adds. A call for whose table there
  * is no encoder is refused.
+ *
+ * Under KT_ISOLATE every "s", "U" and "E" and every text of a conversion of the caller's own stands between U+2068 and
+ * U+2069, so that a name that is written from right to left does not turn around the number beside it. These two stand
+ * outside of the padding, count nothing in a width, and are not given to an encoder. A text cut to nothing has none.
  */
 enum KTFormatOption
 {
-    KT_TAG = 1,       /**< dates, names, entry IDs and errors are wrapped in tags */
-    KT_ENCODE_ALL = 2 /**< every argument is encoded */
+    KT_TAG = 1,        /**< dates, names, entry IDs and errors are wrapped in tags */
+    KT_ENCODE_ALL = 2, /**< every argument is encoded */
+    KT_ISOLATE = 4     /**< texts keep their direction from what stands beside them */
 };
 
 /**

@@ -41,7 +41,7 @@ int readOptions(const KTCatalogOptions *given, KTCatalogOptions &options) noexce
         options.sourceLanguage = "en";
     if (options.maxSize == 0)
         options.maxSize = usualMaxSize;
-    const bool isKnown = (options.formatOptions & ~unsigned{KT_TAG | KT_ENCODE_ALL}) == 0;
+    const bool isKnown = (options.formatOptions & ~unsigned{KT_TAG | KT_ENCODE_ALL | KT_ISOLATE}) == 0;
     const bool isEncodable = (options.formatOptions & KT_ENCODE_ALL) == 0 || findEncoder(options.table) != nullptr;
     return isKnown && isEncodable ? 0 : KT_ERR_INVALID_PARAMETER;
 }

@@ -271,6 +271,22 @@ template <typename Unit>
                          [&](const auto &called) { return text.appendCalled(called, layout); });
 }
 
+/** Whether a conversion writes a text of somebody's own, which may run from right to left. */
+bool isForeign(const PreparedStep &step)
+{
+    const bool isText = step.writer == Writer::utf8Text || step.writer == Writer::ucs2Text;
+    return (isText && step.layout.precision != 0) || step.writer == Writer::error || step.writer == Writer::called;
+}
+
+/* What keeps the direction of a text from what stands around it. */
+constexpr UCS2 firstStrongIsolate = 0x2068;
+constexpr UCS2 popDirectionalIsolate = 0x2069;
+
+template <typename Unit> [[gnu::noinline, gnu::cold]] void writeIsolate(kelto::FormatOutput<Unit> &text, UCS2 unit)
+{
+    text.write(kelto::Ending::open, kelto::Text{&unit, 1});
+}
+
 const UCS2 *literalsOf(const KTPreparedFormat &prepared, const UCS2 *)
 {
     return prepared.units;
@@ -318,11 +334,13 @@ template <typename Unit>
 {
     int flags = 0;
     bool encodesAll = false;
+    bool isolates = false;
     if (typed.options != 0)
     {
-        if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL}) != 0)
+        if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL | KT_ISOLATE}) != 0)
             return KT_ERR_INVALID_PARAMETER;
         encodesAll = (typed.options & KT_ENCODE_ALL) != 0;
+        isolates = (typed.options & KT_ISOLATE) != 0;
         flags = ((typed.options & KT_TAG) != 0 ? FLAG_TAG : 0) | (encodesAll ? FLAG_ENCODE : 0);
     }
     if (!areAccepted(*prepared, typed.arguments, typed.count)) // a format that selects another never accepts any
@@ -346,7 +364,12 @@ template <typename Unit>
             continue;
         // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
         // next. Who keeps the beginning wants to know now.
+        const bool isIsolated = isolates && isForeign(*step);
+        if (isIsolated)
+            writeIsolate(text, firstStrongIsolate);
         const int result = writeConversion(text, *step, call);
+        if (isIsolated)
+            writeIsolate(text, popDirectionalIsolate);
         if (result != 0 && (!text.isTruncated() || beginning == Beginning::kept))
             return text.fail(size, result);
     }

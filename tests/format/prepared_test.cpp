@@ -216,6 +216,49 @@ TEST_F(Prepared, WritesNothingOfALongNumberThatDoesNotFitAsAWhole)
     EXPECT_EQ(formatted(prepare("a%c[1]%.2500f[2]"), {KT_CHAR(0), KT_DOUBLE(1.5)}), "a") << "ended before it";
 }
 
+int bracket(const void *value, int, unsigned long *size, UCS2 *out)
+{
+    const std::u16string text = u"<" + std::u16string(static_cast<const UCS2 *>(value)) + u">";
+    text.copy(out, std::min<size_t>(*size, text.size()));
+    *size = text.size();
+    return 0;
+}
+
+TEST_F(Prepared, IsolatesTheDirectionOfTextsAndOfNothingElse)
+{
+    static const int types[] = {KT_ARG_SIGNED, KT_ARG_END};
+    KTFormatter list[] = {{"own", nullptr, 1, types, formatInteger}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    KTFormatter other[] = {{"mine", nullptr, 1, utf8StrList, formatError}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    formTable mine = {false, {}, other, bracket, &builtInFormTable}, table = {false, {}, list, bracket, &mine};
+    const std::string open = "\u2068", close = "\u2069";
+    const struct
+    {
+        const char *format;
+        std::vector<KTArgument> arguments;
+        unsigned options;
+        std::string text;
+    } rows[] = {
+        {"%s[1]:%d[2]", {KT_UTF8("a"), KT_INT(7)}, 0, open + "a" + close + ":7"},
+        {"%3U[1]|%-3s[2]|", {KT_UCS2(u"a"), KT_UTF8("b")}, 0, open + "  a" + close + "|" + open + "b  " + close + "|"},
+        {"%E[1]%D[2]",
+         {KT_UTF8("e"), KT_UTF8("0")},
+         KT_TAG,
+         open + "<error>e</error>" + close + "<date><year>1970</year><month>1</month><day>1</day></date>"},
+        {"%N[1]%3s[2]%O[3]", {KT_UTF8("a")}, 0, open + "<a>" + close},
+        {"%E[1]", {KT_UTF8("e")}, KT_ENCODE_ALL, open + "<e>" + close},
+        {"%mine[1]", {KT_UTF8("e")}, KT_ENCODE_ALL, open + "<e>" + close},
+        {"%.0s[1]%.1s[2]", {KT_UTF8("a"), KT_UTF8("bc")}, 0, open + "b" + close},
+        {"%lc[1]%DNS[2]", {KT_UNIT(u'c'), KT_UCS2(u"n")}, 0, "cn"},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(formatted(prepare(row.format, &table), row.arguments, row.options | KT_ISOLATE), row.text);
+    UCS2 wide[8];
+    size_t size = 8;
+    const KTArgument argument = KT_UTF8("a");
+    EXPECT_EQ(KTFormatPrepared(prepare("%s[1]").get(), KT_ISOLATE, nullptr, &size, wide, &argument, 1), 0);
+    EXPECT_EQ(std::u16string(wide), u"\u2068a\u2069");
+}
+
 TEST_F(Prepared, TellsItsSlotsInTheOrderOfPassing)
 {
     static const int types[] = {KT_ARG_POINTER, 9, KT_ARG_UNSIGNED, KT_ARG_END};
