@@ -371,6 +371,11 @@ template <class Text> struct default_text
 {
 };
 
+/** The two texts of a message in the source, for exactly 1 and for any other number; made by KELTO_PLURAL. */
+template <unsigned Position, class One, class Other> struct plural_text
+{
+};
+
 /** A text of the source that is compared with its arguments when it is used; see unchecked(). */
 struct unchecked_text
 {
@@ -414,9 +419,43 @@ constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) n
     return {{text, size}};
 }
 
+/** Fails to compile where what chooses between the texts of KELTO_PLURAL is no integer. */
+template <unsigned Position, class... Arguments> constexpr void check_chooser() noexcept
+{
+    constexpr bool isThere = Position >= 1 && Position <= sizeof...(Arguments);
+    static_assert(isThere, "kelto: KELTO_PLURAL chooses by an argument that the call does not pass");
+    if constexpr (isThere)
+    {
+        using chooser = std::tuple_element_t<Position - 1, std::tuple<Arguments...>>;
+        static_assert(std::is_integral_v<chooser> || std::is_enum_v<chooser>,
+                      "kelto: KELTO_PLURAL chooses by an argument that is no integer");
+    }
+}
+
+/** Whether the argument of a position is exactly 1. */
+template <unsigned Position, class... Arguments> constexpr bool is_one(const Arguments &...arguments) noexcept
+{
+    if constexpr (Position >= 1 && Position <= sizeof...(Arguments))
+    {
+        const auto &chooser = std::get<Position - 1>(std::tie(arguments...));
+        using type = std::decay_t<decltype(chooser)>;
+        if constexpr (std::is_integral_v<type> || std::is_enum_v<type>)
+            return chooser == static_cast<type>(1);
+    }
+    return false;
+}
+
 /** The text in the source of a call with these arguments; the way to it from default_text compares the two. */
 template <class... Arguments> struct source_text
 {
+    template <unsigned Position, class One, class Other>
+    __attribute__((always_inline)) constexpr source_text(plural_text<Position, One, Other>) noexcept
+        : text{parsed_default<Other>::text}, one{parsed_default<One>::text}, takes_one(is_one<Position, Arguments...>)
+    {
+        check_default<One, std::decay_t<const Arguments>...>();
+        check_default<Other, std::decay_t<const Arguments>...>();
+        check_chooser<Position, std::decay_t<const Arguments>...>();
+    }
     template <class Text>
     __attribute__((always_inline)) constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
     {
@@ -427,7 +466,15 @@ template <class... Arguments> struct source_text
     }
     constexpr source_text(unchecked_text source) noexcept : text(source) {}
 
+    /** The text for these values. */
+    constexpr std::string_view chosen(const Arguments &...arguments) const noexcept
+    {
+        return takes_one != nullptr && takes_one(arguments...) ? one.text : text.text;
+    }
+
     unchecked_text text;
+    unchecked_text one = {};                                    // of two texts the one for exactly 1
+    bool (*takes_one)(const Arguments &...) noexcept = nullptr; // whether these values take it
 };
 
 /** The text in the source that stands in front of the arguments; a view without data where none does. */
@@ -440,22 +487,33 @@ constexpr std::string_view source_of(default_text<Text> source, const Arguments 
 {
     return source_text<Arguments...>(source).text.text;
 }
+template <unsigned Position, class One, class Other, class... Arguments>
+constexpr std::string_view source_of(plural_text<Position, One, Other> source, const Arguments &...arguments) noexcept
+{
+    return source_text<Arguments...>(source).chosen(arguments...);
+}
 template <class... Arguments>
 constexpr std::string_view source_of(const unchecked_text &source, const Arguments &...) noexcept
 {
     return source.text;
 }
 template <class... Arguments>
-constexpr std::string_view source_of(const source_text<Arguments...> &source, const Arguments &...) noexcept
+constexpr std::string_view source_of(const source_text<Arguments...> &source, const Arguments &...arguments) noexcept
 {
-    return source.text.text;
+    return source.chosen(arguments...);
 }
 
 template <class T> constexpr bool is_source_text = std::is_same_v<T, unchecked_text>;
 template <class Text> constexpr bool is_source_text<default_text<Text>> = true;
+template <unsigned Position, class One, class Other>
+constexpr bool is_source_text<plural_text<Position, One, Other>> = true;
 template <class... Arguments> constexpr bool is_source_text<source_text<Arguments...>> = true;
 
 template <class Text> no_argument hold(default_text<Text>) noexcept
+{
+    return {};
+}
+template <unsigned Position, class One, class Other> no_argument hold(plural_text<Position, One, Other>) noexcept
 {
     return {};
 }
@@ -514,7 +572,7 @@ template <class... Arguments> constexpr void look_at_first(const Arguments &...)
 
 } // namespace detail
 
-/** What KELTO_DEFAULT and unchecked() give, for a call with these arguments; for functions around format(). */
+/** What KELTO_DEFAULT, KELTO_PLURAL and unchecked() give, for a call with these arguments; for functions around format(). */
 template <class... Arguments> using source_text_for = std::enable_if_t<true, detail::source_text<Arguments...>>;
 
 /**
@@ -547,6 +605,22 @@ template <class... Arguments> using source_text_for = std::enable_if_t<true, det
             return kelto::unchecked({});                                                                               \
         }                                                                                                              \
     }(kelto::detail::spelt_text()))
+
+/** Two texts in the source as one; see KELTO_PLURAL. */
+template <unsigned Position, class One, class Other>
+constexpr plural_text<Position, One, Other> choose_by(default_text<One>, default_text<Other>) noexcept
+{
+    return {};
+}
+
+/**
+ * Two texts in the source in place of one, for programs without a file: the first where the argument of this number, an
+ * integer, is exactly 1, the second for any other. Both are looked at while they are compiled. What a message file says
+ * of a number follows the rules of its language; these two follow the program's.
+ *
+ *     store.format(12, KELTO_PLURAL(1, "%d[1] file", "%d[1] files"), count)
+ */
+#define KELTO_PLURAL(position, one, other) kelto::choose_by<position>(KELTO_DEFAULT(one), KELTO_DEFAULT(other))
 
 } // namespace kelto
 

@@ -24,6 +24,7 @@ struct format_options
      * passed over for being longer, unless it needs more than 1 MiB as well.
      */
     std::size_t max_size = 1 << 20;
+    bool isolate = false; /**< keeps the direction of texts from what stands beside them: KT_ISOLATE */
 };
 
 /** As much of a text as an array holds, in whole characters and terminated. */
@@ -188,6 +189,8 @@ struct call_options
     {
         if (table != nullptr && table->encodes_everywhere)
             flags |= static_cast<unsigned>(KT_ENCODE_ALL);
+        if (options.isolate)
+            flags |= static_cast<unsigned>(KT_ISOLATE);
     }
     formTable *c_table() const noexcept { return table != nullptr ? &table->table : nullptr; }
 

@@ -41,6 +41,40 @@ kelto::catalog store(const MessageFile &file, const kelto::catalog_options &opti
 
 const std::string text = "Zürich: 😀"; // 14 bytes, whole characters end at 1, 3, 4, … 9, 13
 
+enum class Count : unsigned char
+{
+    one = 1,
+    several = 9
+};
+
+template <class... Arguments>
+std::string through(const kelto::catalog &catalog, kelto::source_text_for<Arguments...> text,
+                    const Arguments &...arguments)
+{
+    return catalog.format(2, text, arguments...);
+}
+
+TEST(Outputs, CountByTheFileAndElseByTheTwoTextsOfTheProgram)
+{
+    const kelto::catalog catalog = store(MessageFile()
+                                             .attribute("source-language", "pl") // the folder's language counts
+                                             .unit(1, "%10plural[1]")
+                                             .unit(11, "%!d[1] Datei%.0s[2]")
+                                             .unit(15, "%!d[1] Dateien in %s[2]"));
+    const auto both = KELTO_PLURAL(1, "%!d[1] file in %s[2]", "%!d[1] files in %s[2]");
+    EXPECT_EQ(catalog.format(1, both, 1L, "a"), "1 Datei");
+    EXPECT_EQ(catalog.format(1, both, 22L, "a"), "22 Dateien in a");
+    EXPECT_EQ(catalog.format(2, both, 1L, "a"), "1 file in a");
+    EXPECT_EQ(catalog.format(2, both, -1L, "a"), "-1 files in a");
+    EXPECT_EQ(catalog.format(2, KELTO_PLURAL(2, "%s[1] %hu[2]", "%s[1]s %hu[2]"), "a", uint16_t{1}), "a 1");
+    EXPECT_EQ(catalog.format(2, KELTO_PLURAL(1, "one%u[1]", "many%u[1]"), Count::several), "many9");
+    EXPECT_EQ(through(catalog, KELTO_PLURAL(1, "one%u[1]", "many%u[1]"), Count::one), "one1");
+    EXPECT_EQ(catalog.formatted_size(2, both, 1L, "a"), 11U);
+    kelto::catalog_options isolating;
+    isolating.isolate = true;
+    EXPECT_EQ(store(MessageFile().unit(1, "%s[1]."), isolating).format(1, "a"), "\u2068a\u2069.");
+}
+
 TEST(Outputs, AreCutAtWholeCharacters)
 {
     const kelto::catalog catalog = store(MessageFile().unit(1, "%s[1]: %s[2]"));

@@ -29,11 +29,15 @@ void misuse(const kelto::catalog &c, std::size_t size, wchar_t wide, void *point
     c.format(1, KELTO_DEFAULT("%price[1]"), 1);         // for one of your own pass kelto::unchecked
     c.format(1, KELTO_DEFAULT("%money[1]"), 1);         // more arguments than the call passes
     c.format_to(std::back_inserter(*new std::string), 1, KELTO_DEFAULT("%c[1]"), 1); // takes another type
-    c.format(1, KELTO_DEFAULT("%d[1]"), 1U);                                         // one: this one is unsigned
-    c.format(1, KELTO_DEFAULT("%!u[1]"), 1);                                         // one: this one is signed
-    c.format_to(const_cast<char *>(text), 1, 2);                // one: does not tell how much room there is
-    c.format_to(std::back_inserter(*new std::u16string), 1);    // one: takes larger units
-    c.format_to_n(std::back_inserter(*new std::wstring), 9, 1); // takes larger units
+    c.format(1, KELTO_PLURAL(1, "%s[1] file", "%s[1] files"), "a"); // one: by an argument that is no integer
+    c.format(1, KELTO_PLURAL(1, "%s[1] file", "%d[1] files"), 1);   // takes another type than the argument
+    c.format(1, KELTO_PLURAL(1, "%d[1] file", "%s[1] files"), 1);   // takes another type than the argument
+    c.format(1, KELTO_PLURAL(2, "%d[1] file", "%d[1] files"), 1);   // one: that the call does not pass
+    c.format(1, KELTO_DEFAULT("%d[1]"), 1U);                        // one: this one is unsigned
+    c.format(1, KELTO_DEFAULT("%!u[1]"), 1);                        // one: this one is signed
+    c.format_to(const_cast<char *>(text), 1, 2);                    // one: does not tell how much room there is
+    c.format_to(std::back_inserter(*new std::u16string), 1);        // one: takes larger units
+    c.format_to_n(std::back_inserter(*new std::wstring), 9, 1);     // takes larger units
     kelto::form_table::builder b;
     b.add<Unknown>("own", [](const Unknown &) { return ""; }); // derives from kelto::by_identity
     b.add<int>("own", [] { return ""; });                      // takes its values
