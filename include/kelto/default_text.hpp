@@ -60,7 +60,8 @@ constexpr built_in built_ins[] = {
     {" ul ", KT_SLOT_UINT16, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64},
     {" money ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
     {" unit ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE, KT_SLOT_UTF8},
-    {" N O ", 0, 0, 0, 0, 0}, // the markers take nothing
+    {" nil ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32}, // of variants
+    {" N O ", 0, 0, 0, 0, 0},                                                             // the markers take nothing
 };
 
 /** Whether a name is one of some, each between blanks. */
