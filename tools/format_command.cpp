@@ -40,11 +40,11 @@ struct Chosen
 /** Follows a message to the one that it selects with these words. */
 Chosen choose(const MessageFile &file, unsigned id, const std::string &language, const Words &words)
 {
-    if (!readSelector(file.message(id)).has_value())
-        return {id, ""};
     const PreparedFormat prepared(file.table(), id, language);
     if (prepared.result() != 0)
         throw Failure(describeMessageFault(file, id));
+    if (!readSelector(file.message(id)).has_value())
+        return {id, ""};
     // All variants take the same kinds of arguments, so the words can be read before it is known which one it is.
     unsigned first = id;
     while (const auto selector = readSelector(file.message(first)))
@@ -63,7 +63,7 @@ Chosen choose(const MessageFile &file, unsigned id, const std::string &language,
     if (result != 0)
         throw Failure(meaningOf(result));
     if (text == nullptr)
-        throw Failure(say(Text::noVariant, {id}) + nameOf(KT_ERR_INVALID_MSG_ID));
+        throw Failure(say(Text::noVariant) + nameOf(KT_ERR_INVALID_MSG_ID));
     return {chosen, VariantLabels(file).of(chosen)};
 }
 

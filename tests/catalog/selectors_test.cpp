@@ -12,8 +12,9 @@ std::string told;
 void note(void *, const KTCatalogProblem *problem)
 {
     const std::string text = problem->text;
+    const size_t quoted = text.find("\": ");
     told += std::string(problem->language) + " " + std::to_string(problem->id) + ": " +
-            text.substr(text.find(": ") + 2) + "\n";
+            text.substr(quoted != std::string::npos ? quoted + 3 : 0) + "\n";
 }
 
 TEST(Selectors, FollowTheRulesOfEachLanguage)
