@@ -29,7 +29,7 @@ constexpr unsigned orderOf(const char *letters)
     return letterOf(letters[0]) * letterCount + letterOf(letters[1]);
 }
 
-/** The rules of every language of two letters, by its letters; what is no language has those that know "other" alone. */
+/** The rules of every language of two letters, by its letters; what is none has those that know "other" alone. */
 struct TwoLetterRules
 {
     LanguageRules of[letterCount * letterCount] = {};

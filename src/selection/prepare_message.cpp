@@ -1,5 +1,5 @@
-// The messages that a selector leads to are visited depth first. A message that is met again is known by its number, and
-// how many selectors stand below it is known too, so that each is prepared once and the work is bounded by their number.
+// The messages that a selector leads to are visited depth first. A message that is met again is known by its number,
+// and so is how many selectors stand below it: each is prepared once, and the work is bounded by their number.
 
 #include "selection/prepare_message.h"
 
