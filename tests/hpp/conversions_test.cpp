@@ -156,6 +156,7 @@ TEST(OwnConversions, AndAllElseSayWhatIsWrong)
         {"\"%money[1]\": %money[1] cannot write argument 1: (Weight)", formatted("%money[1]", Weight{5})},
         {"\"%hd[1] at %T[2]\\n\": %T[2] cannot write argument 2: \"no\\n \"",
          formatted("%hd[1] at %T[2]\n", 12, "no\n\xC2\x9B")},
+        {"\"%T[1]\": %T[1] cannot write argument 1: \"a b c\"", formatted("%T[1]", "a\u202Eb\u2028c")},
         {"\"%lc[1] %*hd[2]\": %*hd[2] cannot write argument 2: 7, argument 3: 32768",
          formatted("%lc[1] %*hd[2]", U'a', 7, 32768)},
         {"\"%D[1]\": %D[1] cannot write argument 1: \"" + std::string(59, 'x') + "...\"",

@@ -222,7 +222,7 @@ TEST_F(Ladder, PrefersCompiledCatalogs)
     std::error_code failure;
     EXPECT_EQ(kelto::catalog::load("d/de/store.ktc", failure).format(1, 7), "[store 1: 7]");
     EXPECT_EQ(failure, kelto::make_error(KT_ERR_BAD_MSG_FILE));
-    EXPECT_EQ(kelto::catalog::embedded("x", "", 0, {}, failure).format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
+    EXPECT_EQ(kelto::catalog::embedded("x", "", 0, failure).format(1, KELTO_DEFAULT("%d[1]"), 7), "7");
     EXPECT_EQ(failure, kelto::make_error(KT_ERR_BAD_MSG_FILE));
 }
 
