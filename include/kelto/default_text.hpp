@@ -573,7 +573,7 @@ template <class... Arguments> constexpr void look_at_first(const Arguments &...)
 
 } // namespace detail
 
-/** What KELTO_DEFAULT, KELTO_PLURAL and unchecked() give, for a call with these arguments; for functions around format(). */
+/** What KELTO_DEFAULT, KELTO_PLURAL and unchecked() give, for functions around format() with these arguments. */
 template <class... Arguments> using source_text_for = std::enable_if_t<true, detail::source_text<Arguments...>>;
 
 /**

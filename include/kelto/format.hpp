@@ -265,8 +265,8 @@ KELTO_SELDOM inline std::size_t limit_of(std::size_t maxSize, const argument_vie
 /**
  * One format, parsed once, for texts that come from no catalog. Here what does not fit is an error.
  *
- * A call with a std::error_code in front of the arguments throws nothing, and gives nothing where that is set. The others
- * throw where the arguments are not those that the format takes, and where a conversion fails.
+ * A call with a std::error_code in front of the arguments throws nothing, and gives nothing where that is set. The
+ * others throw where the arguments are not those that the format takes, and where a conversion fails.
  */
 class prepared_format
 {

@@ -1,5 +1,5 @@
-"""Builds sharing.cpp as two shared objects with hidden visibility, a third that is loaded with RTLD_LOCAL, and a program
-over them, and runs that.
+"""Builds sharing.cpp as two shared objects with hidden visibility, a third that is loaded with RTLD_LOCAL, and a
+program over them, and runs that.
 
     sharing.py SOURCE FOLDER LIBRARY_FOLDER COMPILER [ARGUMENT...]
 """
