@@ -279,7 +279,7 @@ template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::
 }
 
 /** Fails to compile where an argument does not fit; what the compiler prints names position, slot and type. */
-template <unsigned Position, KTSlotCode Slot, class Argument> struct argument_at_position
+template <unsigned Position, KTSlotCode Slot, class Argument, class Text> struct argument_at_position
 {
     static constexpr shape passed = shape_of<Argument>();
     static constexpr bool is_right = fits(Slot, passed);
@@ -309,10 +309,15 @@ template <class Text, std::size_t... Index, class... Arguments>
 struct checked_arguments<Text, std::index_sequence<Index...>, Arguments...>
 {
     using parsed = parsed_default<Text>;
-    static constexpr std::size_t size = // of all of them, so that each is looked at
-        (sizeof(argument_at_position<parsed::value.slot_at[Index].position,
-                                     static_cast<KTSlotCode>(parsed::value.slot_at[Index].code), Arguments>) +
-         ... + 0);
+    static constexpr bool fit = (fits(parsed::value.slot_at[Index].code, shape_of<Arguments>()) && ...);
+
+    static constexpr std::size_t look_at_each() noexcept
+    {
+        return (
+            sizeof(argument_at_position<parsed::value.slot_at[Index].position,
+                                        static_cast<KTSlotCode>(parsed::value.slot_at[Index].code), Arguments, Text>) +
+            ... + 0);
+    }
 };
 
 /** Compares a text with the types of a call's arguments; all faults stop the compilation. */
@@ -336,9 +341,12 @@ template <class Text, class... Arguments> constexpr void check_default() noexcep
     constexpr bool isExhausted = !isFormat || parsed::value.slot_count >= sizeof...(Arguments);
     static_assert(isComplete, "kelto: this text takes more arguments than the call passes");
     static_assert(isExhausted, "kelto: the call passes more arguments than this text takes");
-    if constexpr (isFormat && isComplete && isExhausted && sizeof...(Arguments) > 0)
-        static_cast<void>(
-            sizeof(char[checked_arguments<Text, std::index_sequence_for<Arguments...>, Arguments...>::size]));
+    if constexpr (isFormat && isComplete && isExhausted)
+    {
+        using checked = checked_arguments<Text, std::index_sequence_for<Arguments...>, Arguments...>;
+        if constexpr (!checked::fit)
+            checked::look_at_each();
+    }
 }
 
 /* Of arguments that go over as two. */
