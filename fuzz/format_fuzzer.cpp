@@ -289,7 +289,7 @@ private:
         std::vector<KTSlot> slots(3 * m_format.size() + 3);
         KTConversion found{};
         found.structSize = sizeof found;
-        found.slots = slots.data();
+        found.slotList = slots.data();
         found.slotRoom = slots.size();
         for (size_t behind = 0; KTNextConversion(m_format.c_str(), m_table.get(), &found);)
         {

@@ -1328,9 +1328,9 @@ typedef struct KTConversion
     int precision;                /**< likewise */
     int flags;                    /**< bits of KTFlag */
     const KTFormatter *formatter; /**< the record in its table; null for the ends of a region, and where it is wrong */
-    KTSlot *slots;                /**< in: room for the arguments that the conversion takes; or null */
+    KTSlot *slotList;             /**< in: room for the arguments that the conversion takes; or null */
     size_t slotRoom;              /**< in: for how many of them */
-    size_t slotCount;             /**< how many there are, in the order of passing; the first slotRoom are in slots */
+    size_t slotCount;             /**< how many there are, in the order of passing; the first slotRoom in slotList */
 } KTConversion;
 
 /**

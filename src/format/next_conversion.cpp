@@ -57,8 +57,8 @@ bool KTNextConversion(const char *format, formTable *table, KTConversion *conver
     conversion->flags = record.flags;
     conversion->formatter = kelto::isMarker(record) ? nullptr : record.formatter;
     kelto::listSlots(record, conversion->position, [conversion](const KTSlot &slot) {
-        if (conversion->slots != nullptr && conversion->slotCount < conversion->slotRoom)
-            conversion->slots[conversion->slotCount] = slot;
+        if (conversion->slotList != nullptr && conversion->slotCount < conversion->slotRoom)
+            conversion->slotList[conversion->slotCount] = slot;
         ++conversion->slotCount;
     });
     return true;

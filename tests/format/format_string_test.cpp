@@ -82,7 +82,7 @@ std::string walk(const std::string &format, formTable *table = nullptr)
     KTSlot slots[2];
     KTConversion found{};
     found.structSize = sizeof found;
-    found.slots = slots;
+    found.slotList = slots;
     found.slotRoom = std::size(slots);
     std::string text;
     while (KTNextConversion(format.c_str(), table, &found))

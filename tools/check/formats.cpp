@@ -127,7 +127,7 @@ public:
     {
         for (;;)
         {
-            m_found.slots = m_slots.data();
+            m_found.slotList = m_slots.data();
             m_found.slotRoom = m_slots.size();
             if (!KTNextConversion(m_text.data(), m_table, &m_found))
                 return nullptr;
@@ -156,7 +156,7 @@ Conversion conversionOf(const KTConversion &found, std::string_view message)
     conversion.written = quotation(message.substr(found.offset, found.length));
     conversion.name = found.type == CONV_N ? "N" : found.type == CONV_O ? "O" : found.formatter->name;
     for (size_t i = 0; i < found.slotCount; ++i)
-        conversion.slots.push_back({rolesOfSlots[found.slots[i].role], kindsOfSlots[found.slots[i].code]});
+        conversion.slots.push_back({rolesOfSlots[found.slotList[i].role], kindsOfSlots[found.slotList[i].code]});
     return conversion;
 }
 
