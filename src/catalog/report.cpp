@@ -1,5 +1,8 @@
 #include "catalog/report.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace
 {
 
@@ -13,10 +16,8 @@ constexpr CodePoints blanked[] = {{0, 0x1F}, {0x7F, 0x9F}, {0x2028, 0x202E}, {0x
 
 bool isBlanked(UChar32 codePoint)
 {
-    for (const CodePoints &row : blanked)
-        if (codePoint >= row.first && codePoint <= row.last)
-            return true;
-    return false;
+    return std::any_of(std::begin(blanked), std::end(blanked),
+                       [=](const CodePoints &row) { return codePoint >= row.first && codePoint <= row.last; });
 }
 
 } // namespace

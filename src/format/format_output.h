@@ -247,7 +247,7 @@ private:
     [[gnu::noinline, gnu::cold]] void appendBeginning(const char *characters, uint64_t count) noexcept
     {
         for (uint64_t left = cut(count); left > 0; --left)
-            *m_next++ = static_cast<unsigned char>(*characters++);
+            *m_next++ = static_cast<Unit>(static_cast<unsigned char>(*characters++));
     }
 
     /** A number with the decimal mark of some locale, in UTF-8. */

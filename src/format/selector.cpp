@@ -74,10 +74,10 @@ const char *skipLayout(const char *cursor)
 }
 
 /** Whether a number in a text, as of a width, is larger than 32 bits hold. */
-bool isTooLarge(const char *begin, const char *end)
+bool isTooLarge(const char *begin, const char *behind)
 {
     uint64_t number = 0;
-    for (; begin != end && number <= largest; ++begin)
+    for (; begin != behind && number <= largest; ++begin)
         number = isDigit(*begin) ? number * 10 + static_cast<uint64_t>(*begin - '0') : 0;
     return number > largest;
 }

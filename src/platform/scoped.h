@@ -26,9 +26,10 @@ template <typename T> using TagBlock = std::unique_ptr<T[], TagFree>;
 /** Room for `count` objects from the tag, not initialised; empty when there is none, or when the size overflows. */
 template <typename T> TagBlock<T> allocate(void *tag, size_t count) noexcept
 {
-    if (count > std::numeric_limits<size_t>::max() / sizeof(T))
+    constexpr size_t size = sizeof(T); // NOLINT(bugprone-sizeof-expression): pointers too are kept in blocks
+    if (count > std::numeric_limits<size_t>::max() / size)
         return nullptr;
-    return TagBlock<T>(static_cast<T *>(ZEL_malloc(tag, count * sizeof(T))));
+    return TagBlock<T>(static_cast<T *>(ZEL_malloc(tag, count * size)));
 }
 
 /** As allocate(), every byte zero. */

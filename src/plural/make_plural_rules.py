@@ -130,7 +130,8 @@ def write_rules(tables):
     print('enum class PluralRule : uint8_t\n{')
     print(',\n'.join(f'    {name}' for name in tables.names.values()))
     print('};\n\ninline int categoryBy(PluralRule rule, uint64_t integer, uint64_t shown, uint64_t fraction, uint64_t trimmed)')
-    print('{\n    const PluralOperand n{integer, trimmed == 0}, i{integer}, v{shown}, f{fraction}, t{trimmed};')
+    print('{\n    // NOLINTNEXTLINE(readability-isolate-declaration): the names that the rules have')
+    print('    const PluralOperand n{integer, trimmed == 0}, i{integer}, v{shown}, f{fraction}, t{trimmed};')
     print('    switch (rule)\n    {')
     for rule, name in tables.names.items():
         print(f'    case PluralRule::{name}:')

@@ -80,6 +80,7 @@ enum class PluralRule : uint8_t
 
 inline int categoryBy(PluralRule rule, uint64_t integer, uint64_t shown, uint64_t fraction, uint64_t trimmed)
 {
+    // NOLINTNEXTLINE(readability-isolate-declaration): the names that the rules have
     const PluralOperand n{integer, trimmed == 0}, i{integer}, v{shown}, f{fraction}, t{trimmed};
     switch (rule)
     {

@@ -234,7 +234,7 @@ private:
             return result;
         if (!m_messages.insert(message))
             return KT_ERR_NO_MEMORY;
-        owner.release();
+        static_cast<void>(owner.release()); // the messages free it now
         return 0;
     }
 

@@ -66,8 +66,7 @@ public:
     template <class... Arguments> std::string formatOr(const char *source, const Arguments &...arguments) const
     {
         const KTArgument list[] = {typed(arguments)..., KTArgument()};
-        return textOf(m_catalog,
-                      {sizeof(KTCatalogRequest), 1, false, source, SIZE_MAX, list, sizeof...(arguments)});
+        return textOf(m_catalog, {sizeof(KTCatalogRequest), 1, false, source, SIZE_MAX, list, sizeof...(arguments)});
     }
 
     std::vector<std::string> stories;
