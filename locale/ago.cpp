@@ -42,7 +42,8 @@ int writeAgo(KTLLanguage &language, const Kind & /*kind*/, const Spec &spec, con
     const TimeUnit *unit = timeUnits;
     while (unit->seconds > distance && unit->seconds > 1)
         ++unit;
-    const auto count = static_cast<double>(distance / unit->seconds);
+    const uint64_t units = distance / unit->seconds; // whole ones
+    const auto count = static_cast<double>(units);
     if (const int asked = askForMemory(false))
         return asked;
     IcuText text;

@@ -75,8 +75,9 @@ bool readStamp(std::string_view text, int64_t &seconds)
             fields[i] > field.most || text[field.begin + field.length] != field.after)
             return false;
     }
-    const auto year = static_cast<int>(fields[0]), month = static_cast<int>(fields[1]),
-               day = static_cast<int>(fields[2]);
+    const auto year = static_cast<int>(fields[0]);
+    const auto month = static_cast<int>(fields[1]);
+    const auto day = static_cast<int>(fields[2]);
     if (text[11] != 'T' || day > daysInMonth(year, month))
         return false;
     seconds = daysTo(year, month, day) * secondsPerDay + fields[3] * 3600 + fields[4] * 60 + fields[5];
@@ -199,7 +200,8 @@ int writeDate(KTLLanguage &language, const Kind &kind, const Spec &spec, const V
 {
     if (spec.has(FLAG_TAG))
         return writeTagged(kind, spec, values[0].text, output);
-    constexpr int mostDetailed = 3, usual = 1;
+    constexpr int mostDetailed = 3;
+    constexpr int usual = 1;
     UDate moment = 0;
     if (const int result = readMoment(values[0].text, moment))
         return result;

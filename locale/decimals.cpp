@@ -75,7 +75,9 @@ private:
 bool roundExactly(double number, int decimals, Decimal &decimal)
 {
     constexpr uint64_t powers[] = {1, 10, 100, 1000}; // times a mantissa they are below 2^63
-    constexpr int mantissaBits = 52, bias = 1075, longestShift = 63;
+    constexpr int mantissaBits = 52;
+    constexpr int bias = 1075;
+    constexpr int longestShift = 63;
     if (decimals >= static_cast<int>(std::size(powers)) || std::fegetround() != FE_TONEAREST)
         return false;
     uint64_t bits = 0;
@@ -90,7 +92,9 @@ bool roundExactly(double number, int decimals, Decimal &decimal)
         return false;
     constexpr uint64_t one = 1;
     const uint64_t product = ((bits & ((one << mantissaBits) - 1)) | one << mantissaBits) * powers[decimals];
-    const uint64_t whole = product >> shift, rest = product & ((one << shift) - 1), half = one << (shift - 1);
+    const uint64_t whole = product >> shift;
+    const uint64_t rest = product & ((one << shift) - 1);
+    const uint64_t half = one << (shift - 1);
     const bool isUp = rest > half || (rest == half && (whole & 1) != 0);
     decimal = {isNegative, decimals, whole + (isUp ? 1 : 0), {}};
     return true;

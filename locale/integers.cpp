@@ -54,10 +54,13 @@ template <typename Unit>
 {
     constexpr size_t mostUnits = maxDigits * (sizeof Digit::bytes + sizeof Separator::bytes);
     Unit text[mostUnits];
-    Unit *const end = text + mostUnits, *begin = end;
+    Unit *const end = text + mostUnits;
+    Unit *begin = end;
     Unit *out = nullptr;
-    const size_t digitLength = m_digits[0].length(out), separatorLength = m_separator.length(out);
-    size_t separators = 0, untilSeparator = magnitude >= m_groupedFrom ? m_primary : maxDigits;
+    const size_t digitLength = m_digits[0].length(out);
+    const size_t separatorLength = m_separator.length(out);
+    size_t separators = 0;
+    size_t untilSeparator = magnitude >= m_groupedFrom ? m_primary : maxDigits;
     do
     {
         if (untilSeparator-- == 0)
@@ -78,7 +81,8 @@ template <typename Unit>
 
     const Around &around = this->around(isNegative, spec);
     const auto bodyLength = static_cast<size_t>(end - begin);
-    uint64_t missing = 0, zeros = 0;
+    uint64_t missing = 0;
+    uint64_t zeros = 0;
     if (spec.width > 0)
     {
         const size_t digits = (bodyLength - separators * separatorLength) / digitLength;
@@ -120,7 +124,8 @@ bool IntegerRules::learnDigits(KTLLanguage &language, int &result) noexcept
 {
     const auto learnAround = [](const IcuNumber &number, Around &around) {
         const Units text = number.text();
-        const size_t begin = number.digitsBegin(), end = number.digitsEnd();
+        const size_t begin = number.digitsBegin();
+        const size_t end = number.digitsEnd();
         return begin < end && around.prefix.set({text.begin, begin}) &&
                around.suffix.set({text.begin + end, text.length - end});
     };
@@ -142,7 +147,8 @@ bool IntegerRules::learnDigits(KTLLanguage &language, int &result) noexcept
     UChar blankPrefix[sizeof m_blank.prefix.units / sizeof(UChar) + 1] = {u' '};
     const std::u16string_view prefix = m_positive.prefix.text();
     prefix.copy(blankPrefix + 1, prefix.size());
-    IcuNumber negative, plus;
+    IcuNumber negative;
+    IcuNumber plus;
     return m_blank.prefix.set({blankPrefix, prefix.size() + 1}) && format(-1, false, negative) &&
            learnAround(negative, m_negative) && format(1, true, plus) && learnAround(plus, m_plus);
 }
@@ -150,7 +156,8 @@ bool IntegerRules::learnDigits(KTLLanguage &language, int &result) noexcept
 /** The lengths of the runs of digits in a number of ASCII-like shape; their number, or 0 for another shape. */
 int IntegerRules::groupsOf(std::u16string_view text, int (&runs)[20]) noexcept
 {
-    const std::u16string_view prefix = m_positive.prefix.text(), suffix = m_positive.suffix.text();
+    const std::u16string_view prefix = m_positive.prefix.text();
+    const std::u16string_view suffix = m_positive.suffix.text();
     if (text.size() < prefix.size() + suffix.size())
         return 0;
     text = text.substr(prefix.size(), text.size() - prefix.size() - suffix.size());

@@ -117,7 +117,7 @@ HeapBlock<char> textOf(const Decimal &decimal, int32_t &length)
     const size_t whole = digits.size() - decimals;
     at += digits.copy(at, whole);
     *at++ = '.';
-    at += digits.copy(at, std::string_view::npos, whole);
+    at += digits.substr(whole).copy(at, decimals);
     length = static_cast<int32_t>(at - text.get());
     return text;
 }
@@ -157,7 +157,8 @@ int writeNumber(KTLLanguage &language, const IcuNumber &number, bool isNegative,
 
 bool NumberKey::operator==(const NumberKey &other) const noexcept
 {
-    uint64_t shape = 0, otherShape = 0;
+    uint64_t shape = 0;
+    uint64_t otherShape = 0;
     static_assert(offsetof(NumberKey, what) == sizeof shape);
     std::memcpy(&shape, this, sizeof shape);
     std::memcpy(&otherShape, &other, sizeof otherShape);
