@@ -39,7 +39,7 @@ kelto::catalog store(const MessageFile &file, const kelto::catalog_options &opti
     return kelto::catalog::find("store", "d", german);
 }
 
-const std::string text = "Zürich: 😀"; // 14 bytes, whole characters end at 1, 3, 4, … 9, 13
+const std::string wholeText = "Zürich: 😀"; // 14 bytes, whole characters end at 1, 3, 4, … 9, 13
 
 enum class Count : unsigned char
 {
@@ -86,8 +86,8 @@ TEST(Outputs, AreCutAtWholeCharacters)
         const auto end = catalog.format_to_n(std::back_inserter(shortened), room, 1, "Zürich", "😀");
         std::error_code failure;
         prepared.format_to_n(std::back_inserter(same), room, failure, "Zürich", "😀");
-        EXPECT_EQ(shortened, text.substr(0, ends[room])) << room;
-        EXPECT_EQ(same, text.substr(0, ends[room])) << room;
+        EXPECT_EQ(shortened, wholeText.substr(0, ends[room])) << room;
+        EXPECT_EQ(same, wholeText.substr(0, ends[room])) << room;
         EXPECT_EQ(end.size, catalog.formatted_size(1, "Zürich", "😀"));
     }
 }
@@ -100,10 +100,10 @@ TEST(Outputs, NeverGoBeyondAnArray)
     const kelto::cut_text cut = catalog.format_to(line, 1, "Zürich", "😀");
     EXPECT_EQ(cut, "Zürich: ");
     EXPECT_TRUE(cut.is_cut());
-    EXPECT_EQ(cut.needed, text.size());
+    EXPECT_EQ(cut.needed, wholeText.size());
     EXPECT_STREQ(line, "Zürich: ");
     EXPECT_EQ(prepared.format_to(line, "Zürich", "😀"), cut);
-    EXPECT_EQ(catalog.format_to(all, 1, KELTO_DEFAULT("%s[1] %s[2]"), "Zürich", "😀"), text);
+    EXPECT_EQ(catalog.format_to(all, 1, KELTO_DEFAULT("%s[1] %s[2]"), "Zürich", "😀"), wholeText);
     EXPECT_EQ(catalog.format_to(line, 3, KELTO_DEFAULT("%s[1]"), "never beyond"), "never beyon");
     EXPECT_EQ(catalog.format_to(line, 4, "never beyond"), "[store 4: n");
     EXPECT_EQ(catalog.format_to(line, 2, "a").needed, 2000);
@@ -120,9 +120,9 @@ TEST(Outputs, AreOfManyKinds)
     catalog.format_to(std::back_inserter(vector), 1, "Zürich", "😀");
     catalog.format_to(stream, 1, "Zürich", "😀") << "!";
     kelto::prepared_format("%d[1]").format_to(stream, 7) << "!";
-    EXPECT_EQ(std::string(list.begin(), list.end()), text);
-    EXPECT_EQ(std::string(vector.begin(), vector.end()), text);
-    EXPECT_EQ(stream.str(), text + "!7!");
+    EXPECT_EQ(std::string(list.begin(), list.end()), wholeText);
+    EXPECT_EQ(std::string(vector.begin(), vector.end()), wholeText);
+    EXPECT_EQ(stream.str(), wholeText + "!7!");
     EXPECT_EQ(catalog.format_utf16(1, "Zürich", "😀"), u"Zürich: 😀");
     EXPECT_EQ(catalog.format_utf16(2, "x"), std::u16string(1499, u' ') + u'x');
     EXPECT_EQ(kelto::prepared_format("%1500s[1]").format_utf16("x"), catalog.format_utf16(2, "x"));
