@@ -99,7 +99,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME kelto-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${add_on}libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION})")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${what}This package has the program kelto for message files and character sets.")
 
 # What Debian wants beside each package's files.

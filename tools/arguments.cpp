@@ -64,7 +64,7 @@ bool Arguments::isRefused(unsigned position) const
         if (m_slots[i].position == position)
             own.push_back(m_arguments[i]);
     const std::string &specification = m_message.specification(position);
-    const PreparedFormat alone(specification.substr(0, specification.find('[')) + "[1]");
+    const PreparedFormat alone(specification.substr(0, specification.find('[')) + "[1]", m_message.format().forms());
     std::string text;
     return alone.format(0, own, text) != 0;
 }

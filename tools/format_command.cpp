@@ -1,6 +1,7 @@
 #include "arguments.h"
 #include "charset.h"
 #include "command_line.h"
+#include "language_conversions.h"
 #include "message_file.h"
 #include "output.h"
 #include "parsed_message.h"
@@ -54,7 +55,7 @@ Chosen choose(const MessageFile &file, unsigned id, const std::string &language,
                 first = selector->messageAt(place);
                 break;
             }
-    const ParsedMessage parsed(file.message(first));
+    const ParsedMessage parsed(file.message(first), conversionsOf(language));
     const Arguments arguments(parsed, words);
     unsigned chosen = id;
     char *text = nullptr;
@@ -67,9 +68,19 @@ Chosen choose(const MessageFile &file, unsigned id, const std::string &language,
     return {chosen, VariantLabels(file).of(chosen)};
 }
 
-std::u16string formatLine(const std::string &message, bool tag, const Words &words)
+/** Whether a message needs the add-on, which is not there. */
+bool lacksAddOn(const std::string &message)
 {
-    const ParsedMessage parsed(message);
+    formTable *forms = nullptr;
+    return !hasLanguageConversions() && KTGetVariantFormTable(&forms) == 0 &&
+           PreparedFormat(message, forms).result() != 0;
+}
+
+std::u16string formatLine(const std::string &message, const std::string &language, bool tag, const Words &words)
+{
+    const ParsedMessage parsed(message, conversionsOf(language));
+    if (lacksAddOn(message))
+        throw Failure(say(Text::noAddOn));
     const Arguments arguments(parsed, words);
     std::string text;
     if (const int result = parsed.format().format(tag ? KT_TAG : 0, arguments.values(), text))
@@ -112,10 +123,12 @@ ExitStatus run(CommandLine &line)
     std::string message = say(Text::messageSubject, {id});
     try
     {
-        const Chosen chosen = choose(file, id, language.empty() ? file.language() : language, words);
+        if (language.empty())
+            language = file.language();
+        const Chosen chosen = choose(file, id, language, words);
         if (!chosen.label.empty())
             message = say(Text::variantSubject, {chosen.id, chosen.label});
-        const std::u16string text = formatLine(file.message(chosen.id), tag, words);
+        const std::u16string text = formatLine(file.message(chosen.id), language, tag, words);
         if (isNumbered)
             print(std::to_string(chosen.id) + "\t" + chosen.label + "\t");
         printIn(charset, text);
@@ -143,7 +156,9 @@ FILE '-' is standard input.
   DND DNS        a name, as alice.staff.corp, corp/staff/alice, CN=alice,O=corp
   DT D T         seconds since 1970, or a time stamp as 2006-05-17'T08:09:10Z
 
-A message that selects another by its arguments gives that one's text.
+A message that selects another by its arguments gives that one's text. number,
+decimal, money, date and the others of libkelto-locale write as the language
+does, dates in UTC; money and unit take two arguments.
 
 Example: message 1 is "Hello %s[1], you have %u[2] new messages."
   kelto format en.xlf 1 Ada 7

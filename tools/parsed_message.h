@@ -15,8 +15,11 @@ namespace tool
 class ParsedMessage
 {
 public:
-    /** Throws a Failure that shows the fault where the text, UTF-8, is no format string. */
-    explicit ParsedMessage(const std::string &text);
+    /**
+     * Throws a Failure that shows the fault where the text, UTF-8, is no format string.
+     * @param table  its conversions.
+     */
+    ParsedMessage(const std::string &text, formTable *table);
 
     const PreparedFormat &format() const { return m_format; }
 

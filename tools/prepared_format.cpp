@@ -2,21 +2,19 @@
 
 #include "charset.h"
 #include "failure.h"
+#include "language_conversions.h"
 #include "text.h"
 
 namespace tool
 {
 
-PreparedFormat::PreparedFormat(const std::string &format)
+PreparedFormat::PreparedFormat(const std::string &format, formTable *forms)
+    : m_forms(forms), m_result(KTPrepareFormat(format.c_str(), forms, &m_prepared))
 {
-    formTable *forms = nullptr;
-    m_result = KTGetVariantFormTable(&forms);
-    if (m_result == 0)
-        m_result = KTPrepareFormat(format.c_str(), forms, &m_prepared);
 }
 
 PreparedFormat::PreparedFormat(MessageTable *table, unsigned id, const std::string &language)
-    : m_result(KTPrepareMessage(table, id, language.c_str(), nullptr, &m_prepared))
+    : m_forms(conversionsOf(language)), m_result(KTPrepareMessage(table, id, language.c_str(), m_forms, &m_prepared))
 {
 }
 

@@ -16,14 +16,17 @@ class PreparedFormat
 {
 public:
     /** Of UTF-8 text; see result() before anything else. */
-    explicit PreparedFormat(const std::string &format);
-    /** Of a message with all that it selects, by the rules of a language. */
+    PreparedFormat(const std::string &format, formTable *forms);
+    /** Of a message with all that it selects, by the rules of a language and with its conversions. */
     PreparedFormat(MessageTable *table, unsigned id, const std::string &language);
     ~PreparedFormat() { KTFreePrepared(m_prepared); }
     PreparedFormat(const PreparedFormat &) = delete;
     PreparedFormat &operator=(const PreparedFormat &) = delete;
 
     int result() const { return m_result; }
+
+    /** Its conversions. */
+    formTable *forms() const { return m_forms; }
 
     std::vector<KTSlot> slots() const;
 
@@ -32,6 +35,7 @@ public:
 
 private:
     KTPreparedFormat *m_prepared = nullptr;
+    formTable *m_forms;
     int m_result;
 };
 

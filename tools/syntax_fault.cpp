@@ -2,6 +2,7 @@
 
 #include "charset.h"
 #include "failure.h"
+#include "language_conversions.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -56,12 +57,10 @@ std::string describe(const std::string &format, const KTProblem &problem, int re
 
 } // namespace
 
-std::string describeSyntaxFault(const std::string &format)
+std::string describeSyntaxFault(const std::string &format, formTable *forms)
 {
-    formTable *forms = nullptr;
     KTProblem problem = {};
     problem.structSize = sizeof problem;
-    KTGetVariantFormTable(&forms);
     const int result = KTExplainFormat(format.c_str(), forms, &problem);
     return describe(format, problem, result);
 }
@@ -70,7 +69,7 @@ std::string describeMessageFault(const MessageFile &file, unsigned id)
 {
     KTProblem problem = {};
     problem.structSize = sizeof problem;
-    const int result = KTExplainMessage(file.table(), id, nullptr, &problem);
+    const int result = KTExplainMessage(file.table(), id, namedConversions(), &problem);
     const char *const text = problem.message != 0 ? file.find(problem.message) : nullptr;
     if (problem.rule == KT_RULE_NONE || text == nullptr || problem.length == 0)
         return inWords(problemShown(problem)) + nameOf(result);

@@ -13,7 +13,7 @@ namespace tool
 {
 
 /** The first fault of a refused format string, UTF-8, in three lines: what and where, the text, and carets below. */
-std::string describeSyntaxFault(const std::string &format);
+std::string describeSyntaxFault(const std::string &format, formTable *forms);
 
 /** The fault of a message that cannot be prepared, or of one that it leads to, in the same way. */
 std::string describeMessageFault(const MessageFile &file, unsigned id);

@@ -7,6 +7,9 @@
 #include "support/heap_faults.h"
 #include "support/literals.h"
 #include "support/page.h"
+#if KELTO_HAS_TOOLS
+#include "language_conversions.h"
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -258,6 +261,22 @@ TEST_F(Locale, LanguagesAreNamedAndFoundAgain)
     EXPECT_EQ(KTLLanguageName(nullptr), nullptr);
     KTLCloseLanguage(nullptr);
 }
+
+#if KELTO_HAS_TOOLS
+TEST_F(Locale, TheProgramKnowsTheConversionsByNameAndArguments)
+{
+    const Language root = open("root");
+    const KTFormatter *own = KTLFormTable(root.get())->formList, *named = tool::namedConversions()->formList;
+    for (; own->name != nullptr && named->name != nullptr; ++own, ++named)
+    {
+        EXPECT_STREQ(own->name, named->name);
+        EXPECT_EQ(own->argCount, named->argCount) << own->name;
+        for (int i = 0; i < own->argCount; ++i)
+            EXPECT_EQ(own->argTypes[i], named->argTypes[i]) << own->name;
+    }
+    EXPECT_EQ(own->name, named->name) << "one has more";
+}
+#endif
 
 TEST_F(Locale, BadInputIsAResult)
 {

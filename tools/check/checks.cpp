@@ -3,6 +3,7 @@
 #include "check/directions.h"
 #include "check/placeholders.h"
 #include "check/utf8.h"
+#include "language_conversions.h"
 
 #include <algorithm>
 #include <cctype>
@@ -414,7 +415,8 @@ void MessageCheck::compareArguments(const Format &format)
     for (const Conversion &there : original.conversions)
         if (const Conversion *const here = format.find(there.position))
         {
-            if (here->slots == there.slots && here->name != there.name)
+            if (here->slots == there.slots && here->name != there.name &&
+                !differInLanguageAlone(here->name, there.name))
                 find(Rule::conversionChanged, placeOf(here->place),
                      {Text::conversionChanged, {here->written, there.written}}, noteOn(there));
             else if (!agrees)

@@ -2,6 +2,7 @@
 
 #include "check/finding.h"
 #include "check/utf8.h"
+#include "language_conversions.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -232,7 +233,7 @@ int formatNothing(const char *, int, int, int, KTEncoder, void *, void **, unsig
 
 } // namespace
 
-FormTable::FormTable() : m_list(1), m_table{false, {}, m_list.data(), nullptr, &builtInFormTable}
+FormTable::FormTable() : m_list(1), m_table{false, {}, m_list.data(), nullptr, namedConversions()}
 {
 }
 

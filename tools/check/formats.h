@@ -86,7 +86,10 @@ struct Format
 /** @param message  UTF-8, followed by a zero byte. */
 Format parseFormat(std::string_view message, formTable *table);
 
-/** The conversions that a check knows: the built-in ones, and those of the caller's that --form names. */
+/**
+ * The conversions that a check knows: the built-in ones, those of the add-on, and in front of both those of the caller's
+ * that --form names.
+ */
 class FormTable
 {
 public:
