@@ -118,6 +118,8 @@ const Row rows[] = {
     {unit(x("%d", 1) + x("%d", 1) + x("%d", 4)), "3:20-39 position-repeat, 3:39-58 position-gap"},
     {unit("%d[3000000000]"), "3:1-15 bad-conversion"},
     {unit(x("%N", 2) + x("%O", 1)), "3:1-20 region-open"},
+    {unit(x("%d", 2) + x("%s", 1)), "3:20-39 encoding-lost", unit(x("%N", 1) + x("%s", 2) + x("%O", 3) + x("%d", 4))},
+    {unit(x("%N", 1) + x("%-9s", 2)), "3:1-20 region-open", unit(x("%N", 1) + x("%s", 2) + x("%O", 3))},
     // Placeholders that are none, of which no other finding follows.
     {unit(x("%s[1]", 1) + x("s", 2) + x("％s", 3) + x("%%", 4)),
      "3:8-13 bad-placeholder, 3:30-31 bad-placeholder, 3:48-50 bad-placeholder, 3:67-69 bad-placeholder",

@@ -134,6 +134,7 @@ private:
     void checkRegion(const Format &format);
     void compareArguments(const Format &format);
     void compareConversions(const Conversion &here, const Conversion &there);
+    void compareEncoding(const Format &format);
     bool isArgument(int position) const;
     void findMissing(const Conversion &there, bool leavesGap);
 
@@ -425,7 +426,7 @@ void MessageCheck::compareArguments(const Format &format)
         else if (!agrees && known.count(0) == 0 && known.count(there.position) == 0 && !there.slots.empty())
             findMissing(there, there.position < highest);
     if (agrees)
-        return;
+        return compareEncoding(format);
     for (const Conversion &here : format.conversions)
         if (original.find(here.position) == nullptr && !here.slots.empty())
             find(Rule::argumentExtra, placeOf(here.place),
@@ -445,6 +446,36 @@ Phrase describe(const Conversion &conversion, const Slot &slot, size_t value, si
     if (values > 1)
         return {Text::valueOfArgument, {value + 1, position}};
     return {Text::argumentNumber, {position}};
+}
+
+/** The conversion that takes a slot, counted from 1 in the order in which arguments are passed; null behind the last. */
+const Conversion *conversionOf(const Format &format, size_t slot)
+{
+    for (const size_t index : format.byPosition)
+    {
+        const Conversion &conversion = format.conversions[index];
+        if (slot <= conversion.slots.size())
+            return &conversion;
+        slot -= conversion.slots.size();
+    }
+    return nullptr;
+}
+
+/** Finds the first argument that the original puts through an encoder and this message does not. */
+void MessageCheck::compareEncoding(const Format &format)
+{
+    const std::vector<Conversion> &originals = m_pair.originalFormat->conversions;
+    const auto opensRegion = [](const Conversion &conversion) { return conversion.name == "N"; };
+    if (std::none_of(originals.begin(), originals.end(), opensRegion))
+        return;
+    KTProblem problem{};
+    problem.structSize = sizeof problem;
+    if (KTCompareFormats(m_text.text().data(), m_original.text().data(), m_table, &problem) == KT_ERR_NO_MEMORY)
+        throw std::bad_alloc();
+    const Conversion *const here = conversionOf(format, problem.slot);
+    const Conversion *const there = conversionOf(*m_pair.originalFormat, problem.slot);
+    if (problem.rule == KT_RULE_ENCODING_LOST && here != nullptr && there != nullptr)
+        find(Rule::encodingLost, placeOf(here->place), {Text::encodingLost, {here->written}}, noteOn(*there));
 }
 
 std::vector<Slot> slotsIn(const Conversion &conversion, Slot::Role role)

@@ -36,6 +36,8 @@ constexpr RuleRow rows[] = {
      Text::argumentMissingWrong, Text::argumentMissingRight},
     {"argument-extra", Severity::error, Text::argumentExtraRule, Text::argumentExtraPage, Text::argumentExtraWrong,
      Text::argumentExtraRight},
+    {"encoding-lost", Severity::error, Text::encodingLostRule, Text::encodingLostPage, Text::encodingLostWrong,
+     Text::encodingLostRight},
     {"region-open", Severity::warning, Text::regionOpenRule, Text::regionOpenPage, Text::regionOpenWrong,
      Text::regionOpenRight},
     {"message-missing", Severity::warning, Text::messageMissingRule, Text::messageMissingPage,

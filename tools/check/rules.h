@@ -32,6 +32,7 @@ enum class Rule
     argumentType,
     argumentMissing,
     argumentExtra,
+    encodingLost,
     regionOpen,
     messageMissing,
     messageExtra,
