@@ -1,11 +1,13 @@
 // An input is a compiled catalog. It is loaded from memory and as a file, with the same answer; every text of one that
-// is accepted lies in its block, and the table compiled again is what it was.
+// is accepted lies in its block, and the table compiled again is what it was. Whatever it is, it gives a text for each
+// number.
 
 #include "kelto.h"
 #include "message/table_list.h"
 #include "support/fake_zel.h"
 #include "support/require.h"
 
+#include <cstring>
 #include <vector>
 
 namespace
@@ -76,6 +78,32 @@ Answer load(const std::vector<char> *data)
     return answer;
 }
 
+/** A catalog of these bytes gives a text for each number, the same in every room, or the beginning of it. */
+void formatMessages(const std::vector<char> &data)
+{
+    const Outstanding before = FakeZel::outstanding();
+    KTCatalog *catalog = nullptr;
+    KTOpenCatalogData("store", data.empty() ? path : data.data(), data.size(), nullptr, &catalog);
+    const KTArgument arguments[] = {KT_INT(7), KT_UTF8("\xC3\xA9<\xF0\x9F\x98\x80"), KT_DOUBLE(1.5)};
+    for (const int64_t id : {1, 2, 3, 4, 5, 70000, -1})
+        for (size_t count = 0; count <= 3; ++count)
+        {
+            size_t need = 0;
+            KTCatalogFormatUTF8(catalog, id, "%d[1]", &need, nullptr, arguments, count);
+            std::string whole(need + 1, '?');
+            size_t size = whole.size();
+            require(KTCatalogFormatUTF8(catalog, id, "%d[1]", &size, whole.data(), arguments, count) == 0 &&
+                        size == need && whole[need] == '\0',
+                    "a text fits where it says so");
+            char few[9];
+            size = sizeof few;
+            KTCatalogFormatUTF8(catalog, id, "%d[1]", &size, few, arguments, count);
+            require(size == need && whole.compare(0, std::strlen(few), few) == 0, "what is cut is the beginning");
+        }
+    KTCloseCatalog(catalog);
+    require(FakeZel::outstanding() == before, "a catalog leaves nothing over");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -85,6 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FakeZel::refuseAbove(largestBlock);
     const std::vector<char> input(data, data + size); // a block of just this size
     FakeZel::file(path, {input.begin(), input.end()});
+    formatMessages(input);
     const Answer answer = load(&input), fromFile = load(nullptr);
     require(fromFile.result == answer.result && fromFile.messages == answer.messages, "a file is what its bytes are");
     if (answer.result == 0)

@@ -335,6 +335,59 @@ TEST_P(Faults, OfTheHeapAreReportedAndUndone)
     EXPECT_EQ(n == 1, GetParam().heapFailures == std::set<int>{0}) << "only what needs none is never refused";
 }
 
+/** Opens the catalog of a compiled file and of one that has to be parsed, and formats; the text. */
+std::string catalogText()
+{
+    KTCatalogOptions options = {};
+    options.structSize = sizeof options;
+    options.languages = "de";
+    options.onProblem = [](void *, const KTCatalogProblem *problem) { EXPECT_NE(*problem->text, '\0'); };
+    KTCatalog *catalog = nullptr;
+    const int result = KTOpenCatalog("d", "store", &options, &catalog);
+    EXPECT_TRUE(result == 0 || (result == KT_ERR_NO_MEMORY && catalog == nullptr) || result == KT_ERR_NOT_INITIALIZED);
+    std::string texts;
+    for (const int64_t id : {2, 3, 4, 2}) // of German, of English, of the source, and known
+    {
+        const KTArgument argument = KT_UTF8("x");
+        char text[40];
+        size_t size = sizeof text;
+        EXPECT_EQ(KTCatalogFormatUTF8(catalog, id, "source %s[1]", &size, text, &argument, 1), 0);
+        texts += text + std::string("|");
+    }
+    KTCloseCatalog(catalog);
+    return texts;
+}
+
+TEST(CatalogFaults, LeaveATextAndNothingElse)
+{
+    FakeZel::file("d/de/store.xlf", MessageFile().unit(2, "zwei %s[1]").xml());
+    FakeZel::file("d/en/store.xlf", MessageFile().unit(3, "three %s[1]").xml());
+    ASSERT_EQ(catalogText(), "zwei x|three x|source x|zwei x|"); // and fills caches
+    const auto expectTexts = [](unsigned n) {
+        const std::string texts = catalogText();
+        EXPECT_EQ(std::count(texts.begin(), texts.end(), 'x'), 4) << n << texts;
+    };
+    const Outstanding before = FakeZel::outstanding();
+    unsigned n = 0;
+    do
+    {
+        FakeZel::failNth(++n);
+        expectTexts(n);
+        EXPECT_EQ(FakeZel::outstanding(), before) << n;
+    } while (FakeZel::clearFaults() > 0 && n < 1000);
+    EXPECT_GT(n, 30u);
+    if (!HeapFaults::arePossible)
+        return;
+    n = 0;
+    do
+    {
+        HeapFaults::arm(++n);
+        expectTexts(n);
+        EXPECT_EQ(HeapFaults::outstanding(), 0) << n;
+    } while (HeapFaults::disarm() > 0 && n < 1000);
+    EXPECT_GT(n, 20u);
+}
+
 INSTANTIATE_TEST_SUITE_P(, Faults, testing::ValuesIn(rows), [](const auto &row) {
     std::string name = row.param.label;
     name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return std::isalnum(c) == 0; }), name.end());
