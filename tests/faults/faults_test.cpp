@@ -325,11 +325,12 @@ TEST_P(Faults, OfTheHeapAreReportedAndUndone)
 {
     if (!HeapFaults::arePossible || GetParam().heapFailures.empty())
         return;
+    const auto armHeap = [](unsigned step) { HeapFaults::arm(step); };
     unsigned n = 0;
-    runOnce(1000, n, HeapFaults::arm, HeapFaults::disarm, [] { return GetParam().heapFailures; }); // fills caches
+    runOnce(1000, n, armHeap, HeapFaults::disarm, [] { return GetParam().heapFailures; }); // fills caches
     for (unsigned failures = 1; failures > 0 && n < 1000;)
     {
-        runOnce(++n, failures, HeapFaults::arm, HeapFaults::disarm, [] { return GetParam().heapFailures; });
+        runOnce(++n, failures, armHeap, HeapFaults::disarm, [] { return GetParam().heapFailures; });
         EXPECT_EQ(HeapFaults::outstanding(), 0) << n;
     }
     EXPECT_EQ(n == 1, GetParam().heapFailures == std::set<int>{0}) << "only what needs none is never refused";
@@ -349,10 +350,10 @@ std::string catalogText()
     for (const int64_t id : {2, 3, 4, 2}) // of German, of English, of the source, and known
     {
         const KTArgument argument = KT_UTF8("x");
-        char text[40];
-        size_t size = sizeof text;
-        EXPECT_EQ(KTCatalogFormatUTF8(catalog, id, "source %s[1]", &size, text, &argument, 1), 0);
-        texts += text + std::string("|");
+        char line[40];
+        size_t size = sizeof line;
+        EXPECT_EQ(KTCatalogFormatUTF8(catalog, id, "source %s[1]", &size, line, &argument, 1), 0);
+        texts += line + std::string("|");
     }
     KTCloseCatalog(catalog);
     return texts;
