@@ -555,12 +555,11 @@ void Reader::endUnit()
     m_entry.source = unescaped(m_source.raw);
     m_entry.target = unescaped(m_entry.written.raw);
     const bool isEmpty = m_entry.written.raw.empty();
-    if (!m_entry.hasTarget || m_lacksTarget)
+    const bool isFinished = m_approved == "yes" || (m_state && *m_state == State::finished && !m_isUnsure);
+    if (!m_entry.hasTarget || m_lacksTarget || (isEmpty && !isFinished))
         m_entry.state = State::untranslated;
-    else if (m_approved == "yes" || (m_state && *m_state == State::finished && !m_isUnsure))
+    else if (isFinished)
         m_entry.state = State::finished;
-    else if (isEmpty)
-        m_entry.state = State::untranslated;
     else if (m_state || m_isUnsure || m_approved == "no")
         m_entry.state = State::fuzzy;
     else

@@ -62,7 +62,7 @@ std::string takeLeading(std::string &text)
     size_t end = 0;
     for (size_t next = 0; next < text.size() && isWhiteSpace(check::takeUtf8(text, next));)
         end = next;
-    const std::string taken = text.substr(0, end);
+    std::string taken = text.substr(0, end);
     text.erase(0, end);
     return taken;
 }
@@ -73,7 +73,7 @@ std::string takeTrailing(std::string &text)
     for (size_t next = 0; next < text.size();)
         if (!isWhiteSpace(check::takeUtf8(text, next)))
             begin = next;
-    const std::string taken = text.substr(begin);
+    std::string taken = text.substr(begin);
     text.erase(begin);
     return taken;
 }

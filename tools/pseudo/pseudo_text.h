@@ -23,7 +23,7 @@ enum class Style
  * they were. One without a character to be seen stays as it is.
  * @param percent  by how much of its words' characters it gets longer.
  */
-std::string pseudoOf(const bilingual::Parts &parts, Style style, unsigned percent);
+std::string pseudoOf(const bilingual::Parts &original, Style style, unsigned percent);
 
 } // namespace tool::pseudo
 
