@@ -34,6 +34,14 @@ void CatalogBuilder::add(Message message, std::string_view rawText, const std::v
     m_catalog.m_messages.push_back(std::move(message));
 }
 
+void CatalogBuilder::addCopy(const Catalog &catalog, const Message &message, int id)
+{
+    Message copy = message;
+    copy.id = id;
+    const Catalog::Pieces pieces = catalog.piecesOf(message);
+    add(std::move(copy), catalog.rawText(message), std::vector<Piece>(pieces.begin(), pieces.end()));
+}
+
 Catalog CatalogBuilder::take()
 {
     std::stable_sort(m_catalog.m_messages.begin(), m_catalog.m_messages.end(),

@@ -30,6 +30,9 @@ public:
      */
     void add(Message message, std::string_view rawText, const std::vector<Piece> &pieces);
 
+    /** Adds a message of another catalog, whose file is the same, under a number. */
+    void addCopy(const Catalog &catalog, const Message &message, int id);
+
     /** The catalog, its messages in the order of their numbers. None counts as missing. */
     Catalog take();
 

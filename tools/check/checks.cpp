@@ -1,5 +1,6 @@
 #include "check/checks.h"
 
+#include "check/digest.h"
 #include "check/directions.h"
 #include "check/placeholders.h"
 #include "check/utf8.h"
@@ -79,7 +80,10 @@ public:
         if (m_table != nullptr)
             checkFormat();
         if (m_pair.original != nullptr)
+        {
             compareWhiteSpace();
+            compareAge();
+        }
         for (const auto &[rule, found] : m_found)
             if (found.count > mostPerRule)
                 add(rule, found.lastPlace, counted(Text::oneMore, Text::manyMore, found.count - mostPerRule),
@@ -126,6 +130,7 @@ private:
     void checkDirections();
     void compareDirections(const std::vector<DirectionControl> &here);
     void compareWhiteSpace();
+    void compareAge();
     void checkFormat();
     void checkPlaceholders(bool isUnexplained);
     void checkFaults(const Format &format);
@@ -248,6 +253,14 @@ void MessageCheck::compareWhiteSpace()
     if (here.substr(edges.end) != there.substr(originals.end))
         find(Rule::whiteSpace, placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
              noteAt({originals.end, there.size()}));
+}
+
+void MessageCheck::compareAge()
+{
+    const std::string &madeFrom = m_pair.message.madeFrom;
+    if (!madeFrom.empty() && madeFrom != digestOf(m_original.text()))
+        find(Rule::outdated, m_catalog.locateAttribute(m_pair.message.unit, sourceDigest), {Text::madeFromOther},
+             Note{true, m_pair.original->source, {Text::referenceIsHere}});
 }
 
 void MessageCheck::checkFormat()

@@ -12,7 +12,7 @@ namespace
 
 Place locate(const SourceText &source, Range range)
 {
-    return {source.name(), source.position(range.begin), source.position(range.end), range};
+    return {source.name(), source.position(range.begin), source.position(range.end), range, false};
 }
 
 } // namespace

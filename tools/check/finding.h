@@ -47,6 +47,7 @@ struct Place
     std::string file;
     Position begin, end; // the end is behind the last code point
     Range bytes;
+    bool isLine = false; // nothing is known of where in the line
 };
 
 struct Diagnostic

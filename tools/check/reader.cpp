@@ -1,4 +1,5 @@
 #include "check/catalog.h"
+#include "check/digest.h"
 #include "kelto.h"
 #include "memory_file.h"
 
@@ -365,6 +366,8 @@ void Reader::startUnit(const char **attributes, Range tag)
         find(Rule::attributeMissing, tag, {Text::numberMissing});
     else if (!m_hasMessage)
         find(Rule::badId, m_catalog.locateAttribute(tag, name), {Text::badNumber, {quotation(text)}});
+    if (const char *const digest = findAttribute(attributes, sourceDigest))
+        m_message.madeFrom = digest;
     if (const char *const resname = findAttribute(attributes, "resname"))
     {
         m_message.name = resname;

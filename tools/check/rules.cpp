@@ -67,6 +67,7 @@ constexpr RuleRow rows[] = {
     {"bidi-controls", Severity::warning, Text::bidiControlsRule, Text::bidiControlsPage, Text::bidiControlsWrong,
      Text::bidiControlsRight},
     {"doctype", Severity::warning, Text::doctypeRule, Text::doctypePage, Text::doctypeWrong, Text::doctypeRight},
+    {"outdated", Severity::warning, Text::outdatedRule, Text::outdatedPage, Text::outdatedWrong, Text::outdatedRight},
     {"bad-name", Severity::error, Text::badNameRule, Text::badNamePage, Text::badNameWrong, Text::badNameRight},
 };
 static_assert(sizeof rows == ruleCount * sizeof(RuleRow));

@@ -48,6 +48,7 @@ enum class Rule
     sameLanguage,
     bidiControls,
     doctype,
+    outdated,
     badName, // of `kelto gen` alone
 };
 constexpr size_t ruleCount = static_cast<size_t>(Rule::badName) + 1;

@@ -68,6 +68,8 @@ private:
         const auto [shown, isNew] = m_shownNames.try_emplace(place.file);
         if (isNew)
             shown->second = terminal().showBytes(place.file);
+        if (place.isLine)
+            return coloured(bold, fmt::format("{}:{}:", shown->second, place.begin.line));
         return coloured(bold, fmt::format("{}:{}:{}:", shown->second, place.begin.line, place.begin.column));
     }
 
@@ -75,7 +77,7 @@ private:
     static bool showsLine(const Diagnostic &diagnostic)
     {
         const bool isMissing = diagnostic.rule == Rule::argumentMissing || diagnostic.rule == Rule::messageMissing;
-        return !isMissing && diagnostic.text.text != Text::compiledCatalog;
+        return !isMissing && !diagnostic.place.isLine && diagnostic.text.text != Text::compiledCatalog;
     }
 
     std::string linesOf(const Diagnostic &diagnostic) const
