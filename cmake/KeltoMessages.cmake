@@ -56,6 +56,42 @@ function(kelto_check_messages)
   add_test(NAME ${check_NAME} COMMAND ${command} WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
 endfunction()
 
+# kelto_import_messages([NAME <name>] REFERENCE <file> FILES <file>... [OPTIONS <option>...])
+#
+# Makes message files of bilingual ones, po/de.po or de.xliff to de.xlf in the binary directory, as `kelto import` does,
+# whenever they or the reference have changed, in a target <name>, or else import_messages; what is refused stops the
+# build. The variable <name>_FILES has the paths, for kelto_compile_messages.
+function(kelto_import_messages)
+  cmake_parse_arguments(PARSE_ARGV 0 import "" "NAME;REFERENCE" "FILES;OPTIONS")
+  if(import_UNPARSED_ARGUMENTS OR NOT import_FILES OR NOT import_REFERENCE)
+    message(FATAL_ERROR "kelto_import_messages([NAME name] REFERENCE file FILES file... [OPTIONS option...])")
+  endif()
+  if(NOT import_NAME)
+    set(import_NAME import_messages)
+  endif()
+  _kelto_require_name(kelto_import_messages "${import_NAME}")
+  _kelto_find_program(program)
+  get_filename_component(reference "${import_REFERENCE}" ABSOLUTE)
+  set(outputs)
+  foreach(file IN LISTS import_FILES)
+    get_filename_component(input "${file}" ABSOLUTE)
+    get_filename_component(name "${input}" NAME_WE)
+    set(output "${CMAKE_CURRENT_BINARY_DIR}/${name}.xlf")
+    if(output IN_LIST outputs)
+      message(FATAL_ERROR "kelto_import_messages: two files would become ${output}")
+    endif()
+    add_custom_command(OUTPUT "${output}"
+      COMMAND ${program} import --quiet --force ${import_OPTIONS} --reference "${reference}" --output "${output}"
+              "${input}"
+      DEPENDS "${input}" "${reference}" ${program}
+      COMMENT "Importing messages: ${file}"
+      VERBATIM)
+    list(APPEND outputs "${output}")
+  endforeach()
+  add_custom_target(${import_NAME} ALL DEPENDS ${outputs})
+  set(${import_NAME}_FILES "${outputs}" PARENT_SCOPE)
+endfunction()
+
 # kelto_compile_messages([NAME <name>] FILES <file>... [BASE <folder>] [RAW] [DESTINATION <folder>])
 #
 # Compiles message files whenever they have changed, de.xlf to de.ktc in the binary directory, in a target <name>, or

@@ -1,5 +1,5 @@
-# What `cmake --install` lays down: library, add-on, headers, package files, program, man pages, guides, examples. Each
-# file belongs to one of four components, which are also the four packages: runtime, locale, development, tools.
+# What `cmake --install` lays down: library, add-on, headers, package files, programs, man pages, guides, examples. Each
+# file belongs to one of five components, which are also the five packages: runtime, locale, development, tools, po.
 
 include(CMakePackageConfigHelpers)
 set(KELTO_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/Kelto")
@@ -130,6 +130,11 @@ if(TARGET kelto-cli)
     set(completions "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
   endif()
   install(FILES "${PROJECT_SOURCE_DIR}/tools/completions/_kelto" DESTINATION ${completions} COMPONENT tools)
+endif()
+
+# What reads and writes PO files, by itself for its licence and its safety.
+if(TARGET kelto-po)
+  install(TARGETS kelto-po RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/kelto" COMPONENT po)
 endif()
 
 # Packages are made of Kelto alone, not of a project that it is a part of.

@@ -17,6 +17,9 @@ endif()
 if(TARGET kelto-cli)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(TARGET kelto-po)
+  list(APPEND CPACK_COMPONENTS_ALL po)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -102,9 +105,19 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${add_on}libkelto${PROJECT_VERSION_MAJOR} (= ${KELTO_DEBIAN_VERSION})")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${what}This package has the program kelto for message files and character sets.")
 
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS kelto-po)
+
+# The helper for PO files.
+set(CPACK_DEBIAN_PO_PACKAGE_NAME kelto-po)
+set(CPACK_DEBIAN_PO_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PO_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PO_DESCRIPTION "${what}This package has what the program kelto reads and writes PO files with.
+It is linked with libgettextpo, whose licence is GPL-3 or later.")
+
 # What Debian wants beside each package's files.
 set(KELTO_PACKAGES "runtime=${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}" "development=${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}"
-    "locale=${CPACK_DEBIAN_LOCALE_PACKAGE_NAME}" "tools=${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}")
+    "locale=${CPACK_DEBIAN_LOCALE_PACKAGE_NAME}" "tools=${CPACK_DEBIAN_TOOLS_PACKAGE_NAME}"
+    "po=${CPACK_DEBIAN_PO_PACKAGE_NAME}")
 configure_file("${PROJECT_SOURCE_DIR}/packaging/finish.cmake.in" "${PROJECT_BINARY_DIR}/packaging/finish.cmake" @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_BINARY_DIR}/packaging/finish.cmake")
 

@@ -1,5 +1,6 @@
 #include "bilingual/bilingual_file.h"
 
+#include "bilingual/po_form.h"
 #include "bilingual/xliff_reader.h"
 #include "bilingual/xliff_writer.h"
 #include "output.h"
@@ -8,7 +9,8 @@ namespace tool::bilingual
 {
 const std::vector<Form> &allForms()
 {
-    static const std::vector<Form> forms = {{"xliff", ".xliff", true, xliff12Of}, {"xliff2", ".xlf2", true, xliff2Of}};
+    static const std::vector<Form> forms = {
+        {"xliff", ".xliff", true, xliff12Of}, {"xliff2", ".xlf2", true, xliff2Of}, {"po", ".po", false, poOf}};
     return forms;
 }
 
@@ -46,7 +48,7 @@ BilingualFile readBilingual(const std::string &path)
 
 BilingualFile readBilingual(check::SourceText source)
 {
-    return readXliff(std::move(source));
+    return isPo(source.bytes()) ? readPo(std::move(source)) : readXliff(std::move(source));
 }
 
 } // namespace tool::bilingual

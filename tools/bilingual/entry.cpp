@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 
 namespace tool::bilingual
 {
@@ -40,6 +41,12 @@ std::optional<Key> readKey(std::string_view text)
         key.label.compare(0, exactly.size(), exactly) == 0)
         key.label = "=" + key.label.substr(exactly.size());
     return key.label.find_first_of("[].") == std::string::npos ? std::optional(key) : std::nullopt;
+}
+
+size_t BilingualFile::lineOf(check::Range place) const
+{
+    const auto behind = std::upper_bound(lines.begin(), lines.end(), std::pair(place.begin, SIZE_MAX));
+    return behind == lines.begin() ? 0 : behind[-1].second;
 }
 
 } // namespace tool::bilingual

@@ -8,6 +8,7 @@
 #include "bilingual/message_document.h"
 #include "check/catalog.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ constexpr const char *obsoleteType = "x-obsolete";
 
 /** Whose notes the hints are, in files that say so. */
 constexpr const char *developer = "developer";
+
+/** The same of notes of ours, which are made anew each time. */
+constexpr const char *ourselves = "kelto";
 
 enum class State
 {
@@ -43,6 +47,24 @@ struct Key
     {
         return number != other.number ? number < other.number : label < other.label;
     }
+};
+
+/** What a message says that stands for one of a row. */
+struct Selector
+{
+    enum class Kind
+    {
+        plural,
+        ordinal,
+        select
+    };
+
+    Kind kind;
+    int row;
+    int digits; // shown behind the mark
+    std::string text;
+
+    int places() const { return kind == Kind::select ? 64 : 8; }
 };
 
 /** "12[few]". */
@@ -73,7 +95,11 @@ struct Entry
     std::vector<Note> hints;                   // of those who wrote the program
     Remarks remarks;                           // of translators
 
-    check::Range place; // of the entry, where it was read
+    check::Range place;       // of the entry, where it was read
+    size_t line = 0;          // the same in the file that kelto-po read
+    int form = -1;            // of a plural entry of a PO file
+    std::string plural;       // of the same, the text for more than one
+    bool hasControls = false; // characters that kelto-po could not hand on
     WrittenText written;
     check::Findings findings; // what is wrong with its translation
 };
@@ -82,9 +108,12 @@ struct Bilingual
 {
     std::string sourceLanguage;
     std::string targetLanguage;
-    std::string original;  // the name of the reference
-    Attributes attributes; // of the reference's "file"
-    std::vector<Entry> entries;
+    std::string original;              // the name of the reference
+    Attributes attributes;             // of the reference's "file"
+    std::string header;                // of a PO file
+    std::string charset;               // of the same
+    std::vector<Entry> entries;        // those of a row together
+    std::map<int, Selector> selectors; // of the entries with labels, by their numbers
 };
 
 /** A bilingual catalog and the file that it was read from. */
@@ -96,7 +125,11 @@ struct BilingualFile
     check::Range body;
     check::Range languagePlace;
     bool isWhole = true;
-    bool hasColumns = true; // else places are lines
+    bool hasColumns = true;                       // else places are lines
+    std::vector<std::pair<size_t, size_t>> lines; // of kelto-po's: where an entry begins, and its line in the PO file
+
+    /** The line of the entry that a place is in. */
+    size_t lineOf(check::Range place) const;
 };
 
 } // namespace tool::bilingual

@@ -82,7 +82,7 @@ ExitStatus run(CommandLine &line)
 {
     Options options;
     line.option("--to", "FORM", options.form,
-                "xliff (1.2), or xliff2 (2.0); if not given, what the name of the output asks for");
+                "po, xliff (1.2) or xliff2 (2.0); if not given, what the name of the output asks for");
     line.option("-r,--reference", "FILE", options.reference, "The message file to translate");
     line.option("--update", "FILE", options.old, "Keep the translations of this bilingual file, by number");
     line.option("-o,--output", "OUT", options.output, "The file to write, which may be the updated one");
@@ -113,23 +113,32 @@ ExitStatus run(CommandLine &line)
     SourceFile reference = SourceFile::read(options.reference);
     if (!isLoadable(teller, reference, levels))
         return ExitStatus::negative;
-    Bilingual catalog = bilingualOf(reference);
-    std::optional<Changes> changes;
+    std::optional<SourceFile> translated;
+    std::optional<BilingualFile> old;
+    std::string language = options.language;
     if (!translation.empty())
     {
-        SourceFile file = SourceFile::read(translation);
-        if (!isLoadable(teller, file, levels))
+        translated.emplace(SourceFile::read(translation));
+        if (!isLoadable(teller, *translated, levels))
             return ExitStatus::negative;
-        tellLosses(translation, addTranslation(catalog, file), !form.knowsEmpty);
+        language = language.empty() ? translated->catalog.language() : language;
     }
     else if (!options.old.empty())
     {
-        BilingualFile old = readBilingual(options.old);
-        teller.tell(errorsIn(report(old.findings, old.source, nullptr, levels)));
+        old.emplace(readBilingual(options.old));
+        teller.tell(errorsIn(report(old->findings, old->source, nullptr, levels)));
         if (teller.errors() > 0)
             return ExitStatus::negative;
+        language = language.empty() ? old->content.targetLanguage : language;
+    }
+    Bilingual catalog = bilingualOf(reference, language);
+    std::optional<Changes> changes;
+    if (translated)
+        tellLosses(translation, addTranslation(catalog, *translated), !form.knowsEmpty);
+    else if (old)
+    {
         dropEmpty(catalog);
-        changes = update(catalog, old.content);
+        changes = update(catalog, old->content);
     }
     if (!options.language.empty())
         catalog.targetLanguage = options.language;

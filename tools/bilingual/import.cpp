@@ -1,10 +1,15 @@
 #include "bilingual/import.h"
 
+#include "bilingual/c_format.h"
 #include "bilingual/message_parts.h"
+#include "bilingual/plural_forms.h"
+#include "bilingual/selectors.h"
 #include "check/catalog_builder.h"
 #include "text.h"
 
 #include <algorithm>
+#include <climits>
+#include <fmt/core.h>
 #include <map>
 #include <set>
 
@@ -22,38 +27,87 @@ bool saysTheSame(const ContextGroup &a, const ContextGroup &b)
                       [](const bilingual::Note &x, const bilingual::Note &y) { return x.text == y.text; });
 }
 
+/** The same text with conversions as a PO file has them. */
+void putInC(Phrase &phrase)
+{
+    for (Shown &shown : phrase.values)
+    {
+        if (!shown.words.empty() && shown.words[0] == '%')
+            shown.words = inC(shown.words).value_or(shown.words);
+        for (Phrase &part : shown.phrase)
+            putInC(part);
+    }
+}
+
+/** Findings in a PO file have a line, and conversions are always typed there. */
+void tellInPo(std::vector<Diagnostic> &diagnostics)
+{
+    diagnostics.erase(std::remove_if(diagnostics.begin(), diagnostics.end(),
+                                     [](const Diagnostic &found) { return found.rule == Rule::typedConversion; }),
+                      diagnostics.end());
+    for (Diagnostic &diagnostic : diagnostics)
+    {
+        putInC(diagnostic.text);
+        diagnostic.place.isLine = true;
+        if (diagnostic.notePlace && diagnostic.notePlace->file == diagnostic.place.file)
+            diagnostic.notePlace->isLine = true;
+    }
+}
+
 class Import
 {
 public:
     Import(BilingualFile file, const SourceFile &source, const Reference &reference, const Levels &levels,
            const ImportOptions &options)
-        : m_file(std::move(file)), m_source(source), m_reference(reference), m_levels(levels), m_options(options)
+        : m_file(std::move(file)), m_source(source), m_reference(reference), m_levels(levels), m_options(options),
+          m_rows(source.catalog)
     {
     }
 
     Imported run();
 
 private:
+    /** What stands for one message of a row, in the translation. */
+    struct Group
+    {
+        Selector selector;
+        std::vector<Entry *> entries;
+        std::vector<int> places; // of the entries, as long as those
+        bool isTaken = false;    // its forms are finished
+    };
+
     void chooseEntries();
+    void addToGroup(Entry &entry);
+    void numberRows();
+    void chooseForms(int number, Group &group);
     void countMessages();
+    void count(int number, const std::vector<const Entry *> &entries, bool isTaken, bool isRefused);
     void checkEntries();
+    Reference makeReference(std::optional<Catalog> &catalog) const;
     void makeDocument();
+    void addUnit(int id, const Key &key, const std::string &name, const Entry &entry);
     std::string chooseLanguage();
+    Selector newSelector(int number, int row) const;
     void find(Rule rule, const Entry &entry, Phrase text, std::optional<check::Note> note = std::nullopt);
     bool isTaken(const Entry &entry) const
     {
         return entry.state == State::finished || (entry.state == State::fuzzy && m_options.takesFuzzy);
     }
+    std::string originalText(const Message &message) const { return unescaped(m_source.catalog.rawText(message)); }
 
     BilingualFile m_file;
     const SourceFile &m_source;
     const Reference &m_reference;
     const Levels &m_levels;
     const ImportOptions &m_options;
-    std::map<int, const Message *> m_originals;
-    std::map<int, Entry *> m_taken;
-    std::map<int, const Entry *> m_entries; // the first with each number
+    Rows m_rows;
+    std::string m_language;
+    std::map<Key, const Entry *> m_entries;     // the first of each key
+    std::map<int, Entry *> m_taken;             // by the number of the message that it becomes
+    std::map<int, const Message *> m_originals; // of those
+    std::map<int, Group> m_groups;              // by the number of the selector
     std::set<int> m_refused;
+    std::map<int, std::vector<std::string>> m_errors; // by message
     Findings m_findings;
     Imported m_result;
 };
@@ -66,47 +120,188 @@ void Import::find(Rule rule, const Entry &entry, Phrase text, std::optional<chec
 /** Which translations are to become messages. */
 void Import::chooseEntries()
 {
-    for (const Message &message : m_source.catalog.messages())
-        m_originals.emplace(message.id, &message);
     for (Entry &entry : m_file.content.entries)
     {
         const int id = entry.key.number;
-        if (entry.isObsolete || !entry.key.label.empty())
+        if (entry.isObsolete)
             continue;
-        const auto [first, isFirst] = m_entries.emplace(id, &entry);
+        const auto [first, isFirst] = m_entries.emplace(entry.key, &entry);
         if (!isFirst)
         {
             find(Rule::duplicateId, entry, {Text::numberRepeated, {static_cast<unsigned>(id)}},
                  check::Note{false, first->second->place, {Text::numberUsedFirst}});
             continue;
         }
-        const auto original = m_originals.find(id);
-        if (original == m_originals.end())
+        const Message *const original = m_rows.message(id);
+        const bool isRow = m_rows.find(id) != nullptr;
+        if (original == nullptr || (entry.key.label.empty() && (isRow || m_rows.keyOf(id) != nullptr)))
         {
             if (isTaken(entry))
                 find(Rule::messageExtra, entry, {Text::messageExtra});
-            continue;
         }
-        if (isTaken(entry))
+        else if (!entry.key.label.empty())
+            addToGroup(entry);
+        else if (isTaken(entry))
+        {
             m_taken.emplace(id, &entry);
+            m_originals.emplace(id, original);
+        }
+    }
+    numberRows();
+    for (auto &[number, group] : m_groups)
+        chooseForms(number, group);
+}
+
+void Import::addToGroup(Entry &entry)
+{
+    const int number = entry.key.number;
+    const Selector *const known = m_rows.find(number);
+    const auto [found, isNew] = m_groups.try_emplace(number, Group{});
+    Group &group = found->second;
+    if (isNew)
+        group.selector = known != nullptr ? *known : Selector{Selector::Kind::plural, 0, 0, ""};
+    const std::optional<int> place = placeOf(group.selector, entry.key.label);
+    if (!place)
+    {
+        find(Rule::badId, entry, {Text::badNumber, {quotation(written(entry.key))}});
+        return;
+    }
+    group.entries.push_back(&entry);
+    group.places.push_back(*place);
+}
+
+/** The selector of a message that has forms in this language only. */
+Selector Import::newSelector(int number, int row) const
+{
+    const Message &original = *m_rows.message(number);
+    const Format format = parseFormat(originalText(original), m_options.table);
+    unsigned argument = 0;
+    unsigned chosen = 0;
+    for (const size_t index : format.byPosition)
+        for (const Slot &slot : format.conversions[index].slots)
+        {
+            ++argument;
+            const bool isInteger = slot.kind == check::Kind::integer16 || slot.kind == check::Kind::integer32 ||
+                                   slot.kind == check::Kind::integer64;
+            if (chosen == 0 && isInteger && slot.role == Slot::Role::value)
+                chosen = argument;
+        }
+    return {Selector::Kind::plural, row, 0, fmt::format("%{}plural[{}]", row, std::max(chosen, 1U))};
+}
+
+/** Rows that the reference lacks stand above its highest number, the same ones every time. */
+void Import::numberRows()
+{
+    const std::vector<Message> &messages = m_source.catalog.messages();
+    int64_t next = messages.empty() ? 1 : int64_t{messages.back().id} + 1;
+    for (const auto &[number, selector] : m_rows.selectors())
+        next = std::max(next, int64_t{selector.row} + selector.places());
+    for (auto &[number, group] : m_groups)
+        if (group.selector.row == 0)
+        {
+            if (next > INT_MAX - mostVariants)
+            {
+                find(Rule::badId, *group.entries.front(), {Text::numbersFull});
+                group.entries.clear();
+                group.places.clear();
+                continue;
+            }
+            group.selector = newSelector(number, static_cast<int>(next));
+            next += mostVariants;
+        }
+}
+
+/** The forms of a row are taken all together: where one is missing that numbers need, none is of use. */
+void Import::chooseForms(int number, Group &group)
+{
+    std::vector<int> missing = neededPlaces(group.selector, m_language);
+    for (size_t i = 0; i < group.entries.size(); ++i)
+        if (isTaken(*group.entries[i]))
+            missing.erase(std::remove(missing.begin(), missing.end(), group.places[i]), missing.end());
+    group.isTaken = missing.empty() && !group.entries.empty();
+    if (!group.isTaken)
+        return;
+    for (size_t i = 0; i < group.entries.size(); ++i)
+        if (isTaken(*group.entries[i]))
+        {
+            const int id = group.selector.row + group.places[i];
+            m_taken.emplace(id, group.entries[i]);
+            m_originals.emplace(id, m_rows.sourceFor(number, group.places[i]));
+        }
+}
+
+/** "de.po:12: argument 2 is missing". */
+std::string shortly(const Diagnostic &diagnostic)
+{
+    const Place &place = diagnostic.place;
+    const std::string column = place.isLine ? "" : std::to_string(place.begin.column) + ":";
+    return fmt::format("{}:{}:{} {}", place.file, place.begin.line, column, say(diagnostic.text));
+}
+
+/** Counts one message, which has several entries where it has forms. */
+void Import::count(int number, const std::vector<const Entry *> &entries, bool isTaken, bool isRefused)
+{
+    using Kind = Unfinished::Kind;
+    Counts &counts = m_result.counts;
+    ++counts.messages;
+    if (isTaken && !isRefused)
+    {
+        ++counts.finished;
+        return;
+    }
+    const auto isTranslated = [](const Entry *entry) { return entry->state != State::untranslated; };
+    const bool hasText = std::any_of(entries.begin(), entries.end(), isTranslated);
+    const Kind kind = isRefused ? Kind::refused : hasText ? Kind::fuzzy : Kind::missing;
+    ++(isRefused ? counts.refused : hasText ? counts.fuzzy : counts.missing);
+    const Message &original = *m_rows.message(number);
+    const Selector *const selector = m_rows.find(number);
+    if (entries.empty())
+    {
+        const Message *const source = selector == nullptr ? &original : m_rows.sourceFor(number, KT_VARIANT_OTHER);
+        m_result.unfinished.push_back(
+            {kind, std::to_string(number), original.name, source != nullptr ? originalText(*source) : "", "", "", {}});
+    }
+    for (const Entry *const entry : entries)
+    {
+        m_result.unfinished.push_back({kind, written(entry->key), original.name, entry->source, entry->target, "", {}});
+        Unfinished &row = m_result.unfinished.back();
+        int id = number;
+        if (const auto group = m_groups.find(number); group != m_groups.end() && !entry->key.label.empty())
+        {
+            const int place = placeOf(group->second.selector, entry->key.label).value_or(0);
+            id = group->second.selector.row + place;
+            row.examples = exampleFor(group->second.selector, place, m_language);
+        }
+        row.findings = m_errors[id];
     }
 }
 
 void Import::countMessages()
 {
-    Counts &counts = m_result.counts;
-    for (const auto &[id, original] : m_originals)
+    for (const Message &message : m_source.catalog.messages())
     {
-        const auto found = m_entries.find(id);
-        if (m_source.catalog.rawText(*original).empty() && found == m_entries.end())
+        const int id = message.id;
+        const auto group = m_groups.find(id);
+        if (group != m_groups.end())
+        {
+            const Group &row = group->second;
+            const bool isRefused =
+                m_refused.count(id) > 0 || std::any_of(row.places.begin(), row.places.end(), [&](int place) {
+                    return m_refused.count(row.selector.row + place) > 0;
+                });
+            count(id, {row.entries.begin(), row.entries.end()}, row.isTaken, isRefused);
             continue;
-        ++counts.messages;
-        if (m_taken.count(id) > 0 && m_refused.count(id) == 0)
-            ++counts.finished;
-        else if (found != m_entries.end() && found->second->state != State::untranslated)
-            ++counts.fuzzy;
-        else
-            ++counts.missing;
+        }
+        const bool isRow = m_rows.find(id) != nullptr;
+        if (!isRow && m_rows.keyOf(id) != nullptr)
+            continue;
+        const auto found = m_entries.find({id, ""});
+        if (found == m_entries.end() && !isRow && m_source.catalog.rawText(message).empty())
+            continue;
+        std::vector<const Entry *> entries;
+        if (found != m_entries.end() && !isRow)
+            entries.push_back(found->second);
+        count(id, entries, m_taken.count(id) > 0, m_refused.count(id) > 0);
     }
 }
 
@@ -126,14 +321,26 @@ std::string Import::chooseLanguage()
     return language;
 }
 
+/** The reference with a message for each form of the translation, to compare one with one. */
+Reference Import::makeReference(std::optional<Catalog> &catalog) const
+{
+    const Catalog &whole = m_source.catalog;
+    CatalogBuilder builder(whole.source(), whole.body());
+    builder.setLanguage(whole.language(), whole.languagePlace());
+    for (const Message &message : whole.messages())
+        if (m_rows.find(message.id) == nullptr && m_originals.count(message.id) == 0)
+            builder.addCopy(whole, message, message.id);
+    for (const auto &[id, original] : m_originals)
+        if (original != nullptr)
+            builder.addCopy(whole, *original, id);
+    catalog.emplace(builder.take());
+    return {*catalog, m_options.table};
+}
+
 void Import::checkEntries()
 {
-    const std::string language = chooseLanguage();
-    const std::string &name = m_file.source.name();
-    CatalogBuilder builder(SourceText(name, std::string(m_file.source.bytes())), m_file.body);
-    if (m_file.source.encoding() == SourceText::Encoding::latin1)
-        builder.source().declareEncoding("ISO-8859-1");
-    builder.setLanguage(language, m_file.languagePlace);
+    CatalogBuilder builder(m_file.source, m_file.body);
+    builder.setLanguage(m_language, m_file.languagePlace);
     for (const auto &[id, entry] : m_taken)
     {
         Message message;
@@ -141,6 +348,7 @@ void Import::checkEntries()
         message.isComplete = entry->written.isComplete;
         message.unit = entry->place;
         message.source = entry->written.tag;
+        message.madeFrom = digestOf(entry->source);
         const auto isPlaceholder = [](const Piece &piece) { return piece.kind == Piece::Kind::placeholder; };
         message.hasPlaceholder = std::any_of(entry->written.pieces.begin(), entry->written.pieces.end(), isPlaceholder);
         builder.add(std::move(message), entry->written.raw, entry->written.pieces);
@@ -148,59 +356,86 @@ void Import::checkEntries()
     }
     Catalog catalog = builder.take();
     m_findings.insert(m_findings.end(), m_file.findings.begin(), m_file.findings.end());
-    Findings found = checkMessages(catalog, m_options.table, &m_reference);
+    std::optional<Catalog> withForms;
+    std::optional<Reference> compared;
+    if (!m_groups.empty() || !m_rows.isEmpty())
+        compared.emplace(makeReference(withForms));
+    Findings found = checkMessages(catalog, m_options.table, compared ? &*compared : &m_reference);
     m_findings.insert(m_findings.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
     for (const Finding &finding : m_findings)
         if (m_levels[finding.rule] == Severity::error)
             m_refused.insert(finding.message);
     m_result.diagnostics = report(std::move(m_findings), catalog.source(), &m_source.catalog.source(), m_levels);
+    if (!m_file.hasColumns)
+        tellInPo(m_result.diagnostics);
+    for (const Diagnostic &diagnostic : m_result.diagnostics)
+        if (diagnostic.message > 0 && diagnostic.severity == Severity::error)
+            m_errors[diagnostic.message].push_back(shortly(diagnostic));
     m_result.document.attributes = m_source.remarks.attributes;
     for (auto &[attribute, value] : m_result.document.attributes)
         if (attribute == "source-language")
-            value = language;
+            value = m_language;
+}
+
+void Import::addUnit(int id, const Key &key, const std::string &name, const Entry &entry)
+{
+    MessageUnit unit;
+    unit.id = id;
+    unit.label = key.label.empty() ? "" : written(key);
+    unit.name = name;
+    unit.text = entry.target;
+    unit.source = digestOf(entry.source);
+    const Message *const original = m_originals[id];
+    const auto remarks = m_source.remarks.units.find(original != nullptr ? original->id : id);
+    const bool hasRemarks = remarks != m_source.remarks.units.end();
+    unit.remarks.notes =
+        notesOfTranslator(entry.remarks.notes, hasRemarks ? remarks->second.notes : std::vector<bilingual::Note>());
+    for (const ContextGroup &group : entry.remarks.contexts)
+    {
+        const auto isSame = [&group](const ContextGroup &other) { return saysTheSame(group, other); };
+        const bool isOriginals =
+            hasRemarks && std::any_of(remarks->second.contexts.begin(), remarks->second.contexts.end(), isSame);
+        if (!isOriginals)
+            unit.remarks.contexts.push_back(group);
+    }
+    m_result.document.units.push_back(std::move(unit));
 }
 
 void Import::makeDocument()
 {
-    for (const auto &[id, original] : m_originals)
+    for (const Message &message : m_source.catalog.messages())
     {
-        MessageUnit unit;
-        unit.id = id;
-        unit.name = original->name;
-        const auto found = m_taken.find(id);
-        const std::string text = unescaped(m_source.catalog.rawText(*original));
-        if (found == m_taken.end())
-        {
-            if (!text.empty())
-                continue;
-        }
-        else if (m_refused.count(id) > 0)
+        const int id = message.id;
+        if (m_rows.find(id) != nullptr || m_rows.keyOf(id) != nullptr || m_groups.count(id) > 0)
             continue;
-        else
+        const auto found = m_taken.find(id);
+        if (found != m_taken.end() && m_refused.count(id) == 0)
+            addUnit(id, {id, ""}, message.name, *found->second);
+        else if (found == m_taken.end() && m_source.catalog.rawText(message).empty())
+            m_result.document.units.push_back({id, "", message.name, "", "", {}});
+    }
+    for (const auto &[number, group] : m_groups)
+    {
+        const auto isRefused = [&, row = group.selector.row](int place) { return m_refused.count(row + place) > 0; };
+        if (!group.isTaken || m_refused.count(number) > 0 ||
+            std::any_of(group.places.begin(), group.places.end(), isRefused))
+            continue;
+        m_result.document.units.push_back({number, "", m_rows.message(number)->name, "", group.selector.text, {}});
+        for (size_t i = 0; i < group.entries.size(); ++i)
         {
-            const Entry &entry = *found->second;
-            unit.text = entry.target;
-            unit.source = digestOf(entry.source);
-            const auto remarks = m_source.remarks.units.find(id);
-            const bool hasRemarks = remarks != m_source.remarks.units.end();
-            unit.remarks.notes = notesOfTranslator(entry.remarks.notes,
-                                                   hasRemarks ? remarks->second.notes : std::vector<bilingual::Note>());
-            for (const ContextGroup &group : entry.remarks.contexts)
-            {
-                const auto isSame = [&group](const ContextGroup &other) { return saysTheSame(group, other); };
-                const bool isOriginals =
-                    hasRemarks && std::any_of(remarks->second.contexts.begin(), remarks->second.contexts.end(), isSame);
-                if (!isOriginals)
-                    unit.remarks.contexts.push_back(group);
-            }
+            const int id = group.selector.row + group.places[i];
+            const Message *const original = m_rows.message(id);
+            if (m_taken.count(id) > 0)
+                addUnit(id, group.entries[i]->key, original != nullptr ? original->name : "", *group.entries[i]);
         }
-        m_result.document.units.push_back(std::move(unit));
     }
 }
 
 Imported Import::run()
 {
     m_result.isWhole = m_file.isWhole;
+    m_result.language = m_file.content.targetLanguage;
+    m_language = chooseLanguage();
     chooseEntries();
     checkEntries();
     countMessages();
@@ -209,6 +444,14 @@ Imported Import::run()
 }
 
 } // namespace
+
+std::string sentenceOf(const Counts &counts)
+{
+    std::string sentence = say(Text::importedCounts, {counts.finished, counts.messages, counts.fuzzy, counts.missing});
+    if (counts.refused > 0)
+        sentence += say(Text::statsRefused, {counts.refused});
+    return sentence;
+}
 
 Imported import(BilingualFile file, const SourceFile &source, const Reference &reference, const Levels &levels,
                 const ImportOptions &options)

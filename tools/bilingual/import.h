@@ -28,6 +28,29 @@ struct Counts
     size_t finished = 0; // translations that are taken; the fuzzy ones too where they are
     size_t fuzzy = 0;
     size_t missing = 0;
+    size_t refused = 0; // by the checker
+};
+
+/** "43 of 45 translated, 2 fuzzy, 0 missing". */
+std::string sentenceOf(const Counts &counts);
+
+/** A message that programs do not get. */
+struct Unfinished
+{
+    enum class Kind
+    {
+        missing,
+        fuzzy,
+        refused
+    };
+
+    Kind kind;
+    std::string key; // "12[few]"
+    std::string name;
+    std::string source;
+    std::string target;
+    std::string examples;              // of a plural form, the numbers that take it
+    std::vector<std::string> findings; // "de.po:12: …", for people
 };
 
 /** What came out of a bilingual file. */
@@ -36,7 +59,9 @@ struct Imported
     std::vector<check::Diagnostic> diagnostics;
     MessageDocument document; // without what was refused
     Counts counts;
-    bool isWhole = true; // the file was read to its end
+    std::vector<Unfinished> unfinished; // in the order of the numbers
+    std::string language;               // as the file names it
+    bool isWhole = true;                // the file was read to its end
 };
 
 /**

@@ -1,5 +1,6 @@
 #include "bilingual/bilingual_file.h"
 #include "bilingual/import.h"
+#include "bilingual/selectors.h"
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
 #include "command_line.h"
@@ -92,7 +93,10 @@ ExitStatus run(CommandLine &line)
     SourceFile source = SourceFile::read(options.reference);
     source.catalog.source().index();
     Findings findings = source.catalog.findings();
-    const Findings others = checkMessages(source.catalog, forms.get(), nullptr);
+    const Rows rows(source.catalog);
+    const Findings others = rows.isEmpty()
+                                ? checkMessages(source.catalog, forms.get(), nullptr)
+                                : checkMessages(withoutSelectors(source.catalog, rows), forms.get(), nullptr);
     findings.insert(findings.end(), others.begin(), others.end());
     teller.tell(errorsIn(report(std::move(findings), source.catalog.source(), nullptr, levels)));
     if (teller.errors() > 0)
@@ -107,9 +111,8 @@ ExitStatus run(CommandLine &line)
     teller.finish(1);
     if (!options.isCheck && imported.isWhole && (teller.errors() == 0 || options.keepsGoing))
         writeOutput(options.output, messageFileOf(std::move(imported.document), forms.get()));
-    const Counts &counts = imported.counts;
     if (!options.isQuiet && imported.isWhole && options.format == "text" && options.output != "-")
-        printText(say(Text::importedCounts, {counts.finished, counts.messages, counts.fuzzy, counts.missing}) + "\n");
+        printText(sentenceOf(imported.counts) + "\n");
     return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
 }
 

@@ -1,6 +1,7 @@
 #include "bilingual/message_document.h"
 
 #include "bilingual/message_parts.h"
+#include "bilingual/selectors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -104,7 +105,8 @@ private:
 std::string partsAsXml(const std::string &message, formTable *table)
 {
     std::string text;
-    for (const Part &part : partsOf(message, table))
+    const Parts parts = readSelector(message) ? Parts{{true, message}} : partsOf(message, table);
+    for (const Part &part : parts)
         if (part.isPlaceholder)
             text += "<x" + xmlAttribute("ts", escaped(part.conversion())) + xmlAttribute("id", part.position()) + "/>";
         else

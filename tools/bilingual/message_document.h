@@ -74,9 +74,6 @@ std::string attributeOf(const Attributes &attributes, std::string_view name);
 /** The document, whose units are put in the order of their numbers, with its digest. */
 std::string messageFileOf(MessageDocument document, formTable *table);
 
-/** The attribute of a unit that holds the digest of the text that it was translated from. */
-constexpr const char *sourceDigest = "source-digest";
-
 /** Whether a message file was made here and is as it was made; one that is none of ours is as it is meant. */
 enum class Origin
 {

@@ -91,14 +91,4 @@ std::string unescaped(std::string_view text)
     return std::string(check::ResolvedText(text).text());
 }
 
-// Fowler, Noll and Vo's hash: what it tells apart is an edit, not an attack.
-std::string digestOf(std::string_view text)
-{
-    constexpr uint64_t prime = 0x100000001B3;
-    uint64_t hash = 0xCBF29CE484222325;
-    for (const char byte : text)
-        hash = (hash ^ static_cast<unsigned char>(byte)) * prime;
-    return fmt::format("{:016x}", hash);
-}
-
 } // namespace tool::bilingual

@@ -5,6 +5,7 @@
 #ifndef KELTO_TOOLS_BILINGUAL_MESSAGE_PARTS_H
 #define KELTO_TOOLS_BILINGUAL_MESSAGE_PARTS_H
 
+#include "check/digest.h"
 #include "kelto.h"
 
 #include <string>
@@ -51,8 +52,8 @@ std::string escaped(std::string_view text);
 /** What an escaped text means. */
 std::string unescaped(std::string_view text);
 
-/** Sixteen digits that differ where texts do. */
-std::string digestOf(std::string_view text);
+using check::digestOf;
+using check::sourceDigest;
 
 } // namespace tool::bilingual
 

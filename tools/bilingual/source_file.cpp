@@ -1,9 +1,11 @@
 #include "bilingual/source_file.h"
 
 #include "bilingual/message_parts.h"
+#include "bilingual/selectors.h"
 #include "output.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace tool::bilingual
@@ -32,27 +34,79 @@ const Remarks *remarksOf(const SourceFile &file, int id)
 
 } // namespace
 
-Bilingual bilingualOf(const SourceFile &reference)
+namespace
 {
-    Bilingual catalog;
-    const std::string &name = reference.catalog.source().name();
-    catalog.original = name.substr(name.rfind('/') + 1);
-    catalog.sourceLanguage = reference.catalog.language();
-    catalog.attributes = reference.remarks.attributes;
-    for (const Message &message : reference.catalog.messages())
+
+class EntryMaker
+{
+public:
+    EntryMaker(const SourceFile &reference, std::string language)
+        : m_reference(reference), m_language(std::move(language)), m_rows(reference.catalog)
+    {
+    }
+
+    Bilingual run()
+    {
+        const std::string &name = m_reference.catalog.source().name();
+        m_catalog.original = name.substr(name.rfind('/') + 1);
+        m_catalog.sourceLanguage = m_reference.catalog.language();
+        m_catalog.targetLanguage = m_language;
+        m_catalog.attributes = m_reference.remarks.attributes;
+        for (const Message &message : m_reference.catalog.messages())
+            if (const Selector *const selector = m_rows.find(message.id))
+                addRow(message, *selector);
+            else if (m_rows.keyOf(message.id) == nullptr)
+                add({message.id, ""}, message, message);
+        return std::move(m_catalog);
+    }
+
+private:
+    /** An entry for each form that the language needs, and for the exact ones that the reference has. */
+    void addRow(const Message &message, const Selector &selector)
+    {
+        const std::string language = m_language.empty() ? m_reference.catalog.language() : m_language;
+        std::vector<int> places = neededPlaces(selector, language);
+        const int first = selector.kind == Selector::Kind::select ? 0 : KT_VARIANT_EXACTLY_0;
+        for (int place = first; place < selector.places(); ++place)
+            if (m_rows.variant(message.id, place) != nullptr)
+                places.push_back(place);
+        for (const int place : places)
+        {
+            const Message *const source = m_rows.sourceFor(message.id, place);
+            if (source == nullptr) // the row has selectors only, which have entries of their own
+                continue;
+            add({message.id, labelAt(selector, place)}, *source, message);
+            if (const std::string example = exampleFor(selector, place, language); !example.empty())
+                m_catalog.entries.back().hints.push_back({{{"from", ourselves}}, example});
+        }
+        m_catalog.selectors.emplace(message.id, selector);
+    }
+
+    void add(Key key, const Message &source, const Message &named)
     {
         Entry entry;
-        entry.key = {message.id, ""};
-        entry.name = message.name;
-        entry.source = unescaped(reference.catalog.rawText(message));
-        if (const Remarks *const remarks = remarksOf(reference, message.id))
+        entry.key = std::move(key);
+        entry.name = named.name;
+        entry.source = unescaped(m_reference.catalog.rawText(source));
+        if (const Remarks *const remarks = remarksOf(m_reference, source.id))
         {
             entry.hints = remarks->notes;
             entry.remarks.contexts = remarks->contexts;
         }
-        catalog.entries.push_back(std::move(entry));
+        m_catalog.entries.push_back(std::move(entry));
     }
-    return catalog;
+
+    const SourceFile &m_reference;
+    std::string m_language;
+    Rows m_rows;
+    Bilingual m_catalog;
+};
+
+} // namespace
+
+Bilingual bilingualOf(const SourceFile &reference, const std::string &language)
+{
+    return EntryMaker(reference, language).run();
 }
 
 std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::vector<Note> &hints)
@@ -60,8 +114,9 @@ std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::v
     std::vector<Note> kept;
     for (const Note &note : notes)
     {
+        const std::string from = attributeOf(note.attributes, "from");
         const bool isHint =
-            attributeOf(note.attributes, "from") == developer ||
+            from == developer || from == ourselves ||
             std::any_of(hints.begin(), hints.end(), [&note](const Note &hint) { return hint.text == note.text; });
         if (!isHint)
             kept.push_back(note);
@@ -69,49 +124,132 @@ std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::v
     return kept;
 }
 
-Losses addTranslation(Bilingual &catalog, const SourceFile &translation)
+namespace
 {
-    Losses losses;
-    catalog.targetLanguage = translation.catalog.language();
-    std::map<int, Entry *> entries;
-    for (Entry &entry : catalog.entries)
-        entries.emplace(entry.key.number, &entry);
-    std::vector<Entry> unknown;
-    for (const Message &message : translation.catalog.messages())
+
+/** Puts a translation beside its reference. */
+class Merger
+{
+public:
+    Merger(Bilingual &catalog, const SourceFile &translation)
+        : m_catalog(catalog), m_translation(translation), m_rows(translation.catalog)
     {
-        const auto found = entries.find(message.id);
-        const bool isKnown = found != entries.end();
-        Entry added;
-        Entry &entry = isKnown ? *found->second : added;
-        entry.key = {message.id, ""};
-        entry.target = unescaped(translation.catalog.rawText(message));
+        for (Entry &entry : m_catalog.entries)
+            m_entries[entry.key.number].push_back(std::move(entry));
+        m_catalog.entries.clear();
+    }
+
+    Losses run()
+    {
+        for (const Message &message : m_translation.catalog.messages())
+            if (m_rows.find(message.id) == nullptr)
+                add(message);
+        for (auto &[number, entries] : m_entries)
+        {
+            std::stable_sort(entries.begin(), entries.end(),
+                             [this](const Entry &a, const Entry &b) { return placeIn(a.key) < placeIn(b.key); });
+            std::move(entries.begin(), entries.end(), std::back_inserter(m_catalog.entries));
+        }
+        std::move(m_unknown.begin(), m_unknown.end(), std::back_inserter(m_catalog.entries));
+        return m_losses;
+    }
+
+private:
+    int placeIn(const Key &key) const
+    {
+        const auto selector = m_catalog.selectors.find(key.number);
+        return selector == m_catalog.selectors.end() ? 0 : placeOf(selector->second, key.label).value_or(0);
+    }
+
+    void add(const Message &message)
+    {
+        const Key *const inRow = m_rows.keyOf(message.id);
+        const Key key = inRow != nullptr ? *inRow : Key{message.id, ""};
+        const auto found = m_entries.find(key.number);
+        if (found == m_entries.end())
+        {
+            addUnknown(key, message);
+            return;
+        }
+        std::vector<Entry> &entries = found->second;
+        const bool isRow = !entries.front().key.label.empty();
+        if (key.label.empty()) // where the reference has a row, one text is for all numbers
+            for (Entry &entry : entries)
+                translate(entry, message);
+        else
+        {
+            const auto isIt = [&key](const Entry &entry) { return entry.key == key; };
+            auto entry = std::find_if(entries.begin(), entries.end(), isIt);
+            if (entry == entries.end())
+                entry = addForm(entries, key, isRow);
+            translate(*entry, message);
+        }
+    }
+
+    /** A form that the reference does not have. */
+    std::vector<Entry>::iterator addForm(std::vector<Entry> &entries, const Key &key, bool isRow)
+    {
+        const auto other =
+            std::find_if(entries.begin(), entries.end(), [](const Entry &entry) { return entry.key.label == "other"; });
+        Entry form;
+        form.key = key;
+        const Entry &like = other != entries.end() ? *other : entries.back();
+        form.name = like.name;
+        form.source = like.source;
+        m_catalog.selectors.emplace(key.number, *m_rows.find(key.number));
+        if (!isRow && entries.front().key.label.empty())
+            entries.clear();
+        entries.push_back(std::move(form));
+        return entries.end() - 1;
+    }
+
+    void translate(Entry &entry, const Message &message)
+    {
+        entry.target = unescaped(m_translation.catalog.rawText(message));
         entry.hasTarget = true;
         entry.state = State::finished;
-        if (const Remarks *const remarks = remarksOf(translation, message.id))
+        if (const Remarks *const remarks = remarksOf(m_translation, message.id))
         {
             entry.remarks.notes = notesOfTranslator(remarks->notes, entry.hints);
             if (!remarks->contexts.empty())
                 entry.remarks.contexts = remarks->contexts;
         }
-        if (!isKnown)
-        {
-            entry.name = message.name;
-            entry.isObsolete = true;
-            unknown.push_back(std::move(added));
-            ++losses.unknown;
-            continue;
-        }
-        losses.leftEmpty += entry.target.empty() && !entry.source.empty() ? 1 : 0;
-        const auto made = translation.remarks.sources.find(message.id);
-        if (made != translation.remarks.sources.end() && made->second != digestOf(entry.source))
+        m_losses.leftEmpty += entry.target.empty() && !entry.source.empty() ? 1 : 0;
+        const auto made = m_translation.remarks.sources.find(message.id);
+        if (made != m_translation.remarks.sources.end() && made->second != digestOf(entry.source))
         {
             entry.state = State::fuzzy;
-            ++losses.outdated;
+            ++m_losses.outdated;
         }
     }
-    catalog.entries.insert(catalog.entries.end(), std::make_move_iterator(unknown.begin()),
-                           std::make_move_iterator(unknown.end()));
-    return losses;
+
+    void addUnknown(const Key &key, const Message &message)
+    {
+        Entry entry;
+        entry.key = key;
+        entry.name = message.name;
+        entry.isObsolete = true;
+        entry.target = unescaped(m_translation.catalog.rawText(message));
+        entry.hasTarget = true;
+        entry.state = State::finished;
+        m_unknown.push_back(std::move(entry));
+        ++m_losses.unknown;
+    }
+
+    Bilingual &m_catalog;
+    const SourceFile &m_translation;
+    Rows m_rows;
+    std::map<int, std::vector<Entry>> m_entries; // by number
+    std::vector<Entry> m_unknown;
+    Losses m_losses;
+};
+
+} // namespace
+
+Losses addTranslation(Bilingual &catalog, const SourceFile &translation)
+{
+    catalog.targetLanguage = translation.catalog.language();
+    return Merger(catalog, translation).run();
 }
 
 } // namespace tool::bilingual

@@ -25,8 +25,11 @@ struct SourceFile
     FileRemarks remarks;
 };
 
-/** The entries of the messages of a reference, in the order of their numbers: none is translated. */
-Bilingual bilingualOf(const SourceFile &reference);
+/**
+ * The entries of the messages of a reference, in the order of their numbers: none is translated.
+ * @param language  the one to translate into, whose forms are wanted; empty where nobody knows it yet.
+ */
+Bilingual bilingualOf(const SourceFile &reference, const std::string &language);
 
 /** What is left behind when a translation is put into a bilingual catalog. */
 struct Losses

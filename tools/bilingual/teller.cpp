@@ -61,6 +61,7 @@ void Teller::finish(size_t files)
 
 void addForms(const CommandLine &line, const Words &words, FormTable &forms)
 {
+    forms.add("nil=int"); // of the messages of rows
     for (const std::string &form : words)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));

@@ -6,14 +6,12 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace tool::bilingual
 {
 namespace
 {
-
-/** Notes of ours, which are made anew each time. */
-constexpr const char *ourselves = "kelto";
 
 bool isOurs(const Note &note)
 {
@@ -40,6 +38,13 @@ void takeOver(Entry &entry, const Entry &old, Changes &changes)
     const bool wasFuzzy = old.state == State::fuzzy && old.previousSource;
     entry.previousSource = wasFuzzy ? old.previousSource : old.source;
     ++changes.changed;
+}
+
+/** Where a message has become a row, the one text that it had; where a row has become a message, its "other". */
+const Entry *formOf(const Key &key, const std::map<Key, const Entry *> &known)
+{
+    const auto found = known.find({key.number, key.label.empty() ? "other" : ""});
+    return found != known.end() ? found->second : nullptr;
 }
 
 void addNotes(Entry &entry, formTable *table)
@@ -70,22 +75,49 @@ Changes update(Bilingual &catalog, const Bilingual &old)
 {
     Changes changes;
     catalog.targetLanguage = old.targetLanguage;
+    catalog.header = old.header;
     std::map<Key, const Entry *> known;
     for (const Entry &entry : old.entries)
         known.emplace(entry.key, &entry);
+    std::map<int, std::vector<const Entry *>> rows;
+    for (const Entry &entry : old.entries)
+        if (!entry.key.label.empty() && !entry.isObsolete)
+            rows[entry.key.number].push_back(&entry);
+    std::set<Key> taken;
+    std::vector<Entry> entries;
+    const auto take = [&](Entry entry, const Entry &from) {
+        takeOver(entry, from, changes);
+        taken.insert(from.key);
+        entries.push_back(std::move(entry));
+    };
     for (Entry &entry : catalog.entries)
     {
         const auto found = known.find(entry.key);
-        if (found == known.end())
+        const Entry *const likely = found != known.end() ? found->second : formOf(entry.key, known);
+        const auto row = entry.key.label.empty() ? rows.find(entry.key.number) : rows.end();
+        if (found == known.end() && row != rows.end()) // the translation alone has one
+        {
+            catalog.selectors.emplace(entry.key.number, Selector{Selector::Kind::plural, 0, 0, ""});
+            for (const Entry *const form : row->second)
+            {
+                Entry copy = entry;
+                copy.key = form->key;
+                take(std::move(copy), *form);
+            }
+        }
+        else if (likely != nullptr)
+            take(std::move(entry), *likely);
+        else
         {
             ++changes.fresh;
-            continue;
+            entries.push_back(std::move(entry));
         }
-        takeOver(entry, *found->second, changes);
-        known.erase(found);
     }
+    catalog.entries = std::move(entries);
     for (const auto &[key, entry] : known)
     {
+        if (taken.count(key) > 0)
+            continue;
         if (entry->state == State::untranslated) // nobody's work is lost
             continue;
         changes.obsolete += entry->isObsolete ? 0 : 1;

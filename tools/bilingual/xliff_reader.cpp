@@ -4,6 +4,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <expat.h>
 #include <map>
@@ -32,6 +33,7 @@ enum class Element : uint8_t
     marked,      // "mrk", which is looked through
     data,
     alternative, // a translation that is not the one
+    finding,     // of kelto-po
     note,
     contextGroup,
     context
@@ -55,7 +57,7 @@ constexpr ElementRow elements[] = {
     {"group", Element::other},        {"body", Element::other},
     {"notes", Element::other},        {"originalData", Element::other},
     {"header", Element::skipped},     {"skeleton", Element::skipped},
-    {"seg-source", Element::skipped},
+    {"seg-source", Element::skipped}, {"finding", Element::finding},
 };
 
 /** What a tag says; the pointers are the parser's. */
@@ -184,7 +186,7 @@ std::optional<State> meaningOf(const std::string &state)
 class Reader
 {
 public:
-    explicit Reader(SourceText source) : m_file{{}, std::move(source), {}, {}, {}, true, true} {}
+    explicit Reader(SourceText source) : m_file{{}, std::move(source), {}, {}, {}, true, true, {}} {}
 
     BilingualFile run();
 
@@ -201,6 +203,7 @@ private:
     void end();
     void addText(std::string_view text);
     void startUnit(const Tag &tag, Range place);
+    void noteLine(const Tag &tag, Range place);
     void startText(const Tag &tag, Range place, bool isTarget);
     void addPlaceholder(const Tag &tag, Range place);
     void refuseInline(const Tag &tag, Range place);
@@ -236,6 +239,7 @@ private:
     bool m_takesWords = false;
     Attributes m_wordsAttributes;
     std::string m_dataId;
+    Range m_place; // of a finding
     bool m_isPrevious = false;
 };
 
@@ -298,6 +302,8 @@ void Reader::start(const Tag &tag)
             m_file.languagePlace = place;
         }
         m_file.content.original = tag.get("original");
+        m_file.content.header = unescaped(tag.ours("header"));
+        m_file.content.charset = tag.ours("charset");
         break;
     case Element::xliff:
         if (tag.find("srcLang") != nullptr)
@@ -338,6 +344,12 @@ void Reader::start(const Tag &tag)
         m_words.clear();
         m_takesWords = true;
         break;
+    case Element::finding:
+        noteLine(tag, place);
+        m_place = place;
+        m_words.clear();
+        m_takesWords = true;
+        break;
     case Element::contextGroup:
         if (m_hasUnit && m_alternatives == 0)
             m_entry.remarks.contexts.push_back({tag.attributes(), {}});
@@ -353,12 +365,29 @@ void Reader::start(const Tag &tag)
     }
 }
 
+/** Takes note of where kelto-po found something. */
+void Reader::noteLine(const Tag &tag, Range place)
+{
+    const std::string line = tag.ours("line");
+    if (line.empty())
+        return;
+    m_entry.line = std::strtoul(line.c_str(), nullptr, 10);
+    m_file.lines.emplace_back(place.begin, m_entry.line);
+}
+
 void Reader::startUnit(const Tag &tag, Range place)
 {
     m_entry = {};
     m_hasUnit = true;
     m_entry.place = place;
     m_entry.name = tag.get(tag.find("resname") != nullptr ? "resname" : "name");
+    if (const std::string form = tag.ours("form"); !form.empty())
+    {
+        m_entry.form = std::atoi(form.c_str());
+        m_entry.plural = unescaped(tag.ours("plural"));
+    }
+    m_entry.hasControls = tag.ours("control") == "yes";
+    noteLine(tag, place);
     m_entry.isObsolete = tag.ours("obsolete") == "yes" || tag.get("restype") == obsoleteType;
     m_approved = tag.get("approved");
     m_state.reset();
@@ -497,6 +526,11 @@ void Reader::end()
     case Element::data:
         m_data[m_dataId] = m_words;
         m_takesWords = false;
+        break;
+    case Element::finding:
+        m_takesWords = false;
+        m_file.findings.push_back(
+            {Rule::structure, 0, m_place.begin, m_place, {Text::poFinding, {unescaped(m_words)}}, std::nullopt});
         break;
     case Element::note:
         m_takesWords = false;

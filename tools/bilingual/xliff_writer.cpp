@@ -185,6 +185,32 @@ std::string unitOf2(const Entry &entry, formTable *table)
     return unit + "      </segment>\n    </unit>\n";
 }
 
+/** Writes all entries, those of a row between what begins and ends it. */
+template <typename Write, typename Begin, typename End>
+void forEachRow(const Bilingual &catalog, Write write, Begin begin, End end)
+{
+    const Entry *open = nullptr;
+    const auto belongs = [&open](const Entry &entry) {
+        return !entry.key.label.empty() && open->key.number == entry.key.number && open->isObsolete == entry.isObsolete;
+    };
+    for (const Entry &entry : catalog.entries)
+    {
+        if (open != nullptr && !belongs(entry))
+        {
+            end();
+            open = nullptr;
+        }
+        if (open == nullptr && !entry.key.label.empty())
+        {
+            begin(entry);
+            open = &entry;
+        }
+        write(entry);
+    }
+    if (open != nullptr)
+        end();
+}
+
 } // namespace
 
 std::string xliff12Of(const Bilingual &catalog, formTable *table)
@@ -197,8 +223,12 @@ std::string xliff12Of(const Bilingual &catalog, formTable *table)
     document += " datatype=\"plaintext\"" +
                 xmlAttributes(only(catalog.attributes, {"product-name", "product-version", "build-num"})) +
                 ">\n    <body>\n";
-    for (const Entry &entry : catalog.entries)
-        document += unitOf12(entry, table);
+    forEachRow(
+        catalog, [&](const Entry &entry) { document += unitOf12(entry, table); },
+        [&](const Entry &first) {
+            document += "      <group" + xmlAttribute("id", std::to_string(first.key.number)) + ">\n";
+        },
+        [&] { document += "      </group>\n"; });
     return document + "    </body>\n  </file>\n</xliff>\n";
 }
 
@@ -215,8 +245,13 @@ std::string xliff2Of(const Bilingual &catalog, formTable *table)
     document += ">\n  <file id=\"messages\"" + xmlAttribute("original", catalog.original) + ">\n";
     if (catalog.entries.empty()) // a file holds a unit at least
         document += "    <group id=\"empty\"/>\n";
-    for (const Entry &entry : catalog.entries)
-        document += unitOf2(entry, table);
+    forEachRow(
+        catalog, [&](const Entry &entry) { document += unitOf2(entry, table); },
+        [&](const Entry &first) {
+            const char *const kind = first.isObsolete ? "obsolete" : "row";
+            document += "    <group" + xmlAttribute("id", fmt::format("{}.{}", kind, first.key.number)) + ">\n";
+        },
+        [&] { document += "    </group>\n"; });
     return document + "  </file>\n</xliff>\n";
 }
 

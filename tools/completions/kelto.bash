@@ -13,6 +13,7 @@ _kelto_options() {
         echo '--reference= --output= --fuzzy --keep-going --check --force --language= --format= --form= --quiet --help
             -Werror'
         ;;
+    stats) echo '--reference= --html= --used --namespace= --form= --help' ;;
     pseudo) echo '--output= --expand= --bidi --form= --help' ;;
     check)
         echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
@@ -32,6 +33,8 @@ _kelto_kind() {
     gen:-o | gen:--output | gen:--depfile | pseudo:-o | pseudo:--output) echo file ;;
     export:-r | export:--reference | export:--update | export:-o | export:--output) echo file ;;
     import:-r | import:--reference | import:-o | import:--output) echo file ;;
+    stats:-r | stats:--reference | stats:--html) echo file ;;
+    stats:--namespace | stats:--form) echo other ;;
     export:--to) echo bilingual ;;
     import:--format) echo form ;;
     pseudo:--expand | pseudo:--form | export:--language | export:--form | import:--language | import:--form) echo other ;;
@@ -59,7 +62,7 @@ _kelto() {
     local -a operands=()
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        local subcommands='format list version check gen export import pseudo compile convert help'
+        local subcommands='format list version check gen export import stats pseudo compile convert help'
         mapfile -t COMPREPLY < <(compgen -W "$subcommands --help --version" -- "$word")
         return
     fi
@@ -81,7 +84,7 @@ _kelto() {
     case $kind in
     charset) words=$(kelto convert --list-charsets 2>/dev/null) ;;
     form) words='text json sarif github' ;;
-    bilingual) words='xliff xliff2' ;;
+    bilingual) words='po xliff xliff2' ;;
     when) words='auto always never' ;;
     rule) words=$(_kelto_rules all '') ;;
     esac

@@ -1,0 +1,65 @@
+/**
+ * Selector messages, which stand for one message of a row: what a selector says, which messages are in its row, and
+ * what they are called. Translators see the messages of a row as "12[few]"; the selector itself is not for them.
+ */
+#ifndef KELTO_TOOLS_BILINGUAL_SELECTORS_H
+#define KELTO_TOOLS_BILINGUAL_SELECTORS_H
+
+#include "bilingual/entry.h"
+#include "check/catalog.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::bilingual
+{
+
+/** Reads "%101plural[1]"; nothing where a message is another one. */
+std::optional<Selector> readSelector(const std::string &message);
+
+/** "few", "=0", or "3" of a "select". */
+std::string labelAt(const Selector &selector, int place);
+std::optional<int> placeOf(const Selector &selector, const std::string &label);
+
+/** The selectors of a catalog and the messages of their rows. */
+class Rows
+{
+public:
+    explicit Rows(const check::Catalog &catalog);
+
+    bool isEmpty() const { return m_selectors.empty(); }
+    const std::map<int, Selector> &selectors() const { return m_selectors; }
+    const Selector *find(int number) const;
+
+    /** What a message of a row is called; nothing for any other. */
+    const Key *keyOf(int id) const;
+
+    /** The message at a place of a row; null where there is none, or it is a selector. */
+    const check::Message *variant(int number, int place) const;
+
+    /** The one that a translator is shown for a place that the row may not have; null where there is none at all. */
+    const check::Message *sourceFor(int number, int place) const;
+
+    const check::Message *message(int id) const;
+
+private:
+    std::map<int, const check::Message *> m_messages;
+    std::map<int, Selector> m_selectors; // by the number of the message
+    std::map<int, Key> m_keys;           // of the messages of rows, by their numbers
+};
+
+/** The places that numbers reach in a language. */
+std::vector<int> neededPlaces(const Selector &selector, const std::string &language);
+
+/** "few: 2, 3, 4, 22" for a place of a row; empty where nothing is to be said. */
+std::string exampleFor(const Selector &selector, int place, const std::string &language);
+
+/** The messages without selectors, as a catalog of the same file. */
+check::Catalog withoutSelectors(const check::Catalog &catalog, const Rows &rows);
+
+} // namespace tool::bilingual
+
+#endif
