@@ -21,8 +21,8 @@ namespace
 {
 
 constexpr const Subcommand *subcommands[] = {
-    &formatSubcommand, &listSubcommand,   &versionSubcommand, &checkSubcommand,   &genSubcommand,
-    &exportSubcommand, &importSubcommand, &pseudoSubcommand,  &compileSubcommand, &convertSubcommand,
+    &formatSubcommand, &listSubcommand,  &versionSubcommand, &checkSubcommand,   &genSubcommand,     &exportSubcommand,
+    &importSubcommand, &statsSubcommand, &pseudoSubcommand,  &compileSubcommand, &convertSubcommand,
 };
 
 constexpr const char *usage = R"(Usage: kelto SUBCOMMAND [OPTION...] [OPERAND...]

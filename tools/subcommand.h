@@ -37,6 +37,7 @@ extern const Subcommand genSubcommand;
 extern const Subcommand pseudoSubcommand;
 extern const Subcommand exportSubcommand;
 extern const Subcommand importSubcommand;
+extern const Subcommand statsSubcommand;
 
 } // namespace tool
 

@@ -1,0 +1,190 @@
+#include "stats/report.h"
+
+#include "bilingual/message_parts.h"
+#include "bilingual/xml.h"
+#include "check/utf8.h"
+#include "text.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <unicode/uchar.h>
+#include <unicode/uloc.h>
+
+namespace tool::stats
+{
+namespace
+{
+
+using namespace bilingual;
+
+constexpr const char *style = R"(
+:root { color-scheme: light dark; --ink: #1c2733; --paper: #fff; --line: #d5dbe1; --soft: #5b6875; --done: #2b7a4b;
+  --fuzzy: #b97a00; --refused: #b3261e; --missing: #e4e8ec; }
+@media (prefers-color-scheme: dark) { :root { --ink: #e3e8ee; --paper: #14181d; --line: #38424c; --soft: #9aa7b4;
+  --done: #5fbf84; --fuzzy: #e0a93a; --refused: #ff8a80; --missing: #2a323a; } }
+* { box-sizing: border-box; }
+body { margin: 0 auto; max-width: 76rem; padding: 1.5rem 1rem 4rem; background: var(--paper); color: var(--ink);
+  font: 1rem/1.5 system-ui, sans-serif; }
+h1 { font-size: 1.5rem; margin: 0 0 1rem; overflow-wrap: anywhere; }
+h2 { font-size: 1.125rem; margin: 2.5rem 0 .5rem; }
+a { color: inherit; }
+.languages { list-style: none; margin: 0; padding: 0; }
+.languages li { padding: .5rem 0; border-bottom: 1px solid var(--line); }
+.numbers { display: flex; flex-wrap: wrap; justify-content: space-between; gap: 0 1rem; }
+.bar { display: flex; height: .5rem; margin: .25rem 0; border-radius: .25rem; overflow: hidden;
+  background: var(--missing); }
+.bar .done { background: var(--done); }
+.bar .fuzzy { background: var(--fuzzy); }
+.bar .refused { background: var(--refused); }
+table { width: 100%; border-collapse: collapse; table-layout: fixed; }
+th, td { text-align: start; vertical-align: top; padding: .5rem; border-bottom: 1px solid var(--line);
+  overflow-wrap: anywhere; }
+th { color: var(--soft); font-weight: normal; }
+th:first-child { width: 8rem; }
+th:nth-child(2) { width: 8rem; }
+td.text { white-space: pre-wrap; }
+td ul { margin: .25rem 0 0; padding: 0; list-style: none; }
+td code { font-size: .875em; color: var(--soft); }
+.state-fuzzy { color: var(--fuzzy); }
+.state-refused { color: var(--refused); }
+.state-missing, .soft { color: var(--soft); }
+@media (max-width: 48rem) {
+  table, tbody, tr, td { display: block; }
+  thead { position: absolute; clip-path: inset(50%); width: 1px; height: 1px; overflow: hidden; }
+  tr { border-bottom: 1px solid var(--line); padding: .5rem 0; }
+  td { border: 0; padding: .125rem 0; }
+  td::before { content: attr(data-label); display: block; color: var(--soft); font-size: .8125rem; }
+}
+)";
+
+/** A text of a file: what a browser would not show, or be moved by, is shown as an escape. */
+std::string shown(const std::string &text)
+{
+    std::string result;
+    const std::string visible = escaped(text);
+    for (size_t at = 0; at < visible.size();)
+    {
+        const size_t begin = at;
+        const char32_t character = check::takeUtf8(visible, at);
+        const int8_t type = u_charType(static_cast<UChar32>(character));
+        const bool isInvisible = type == U_CONTROL_CHAR || type == U_FORMAT_CHAR || type == U_SURROGATE ||
+                                 type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR;
+        const bool joins = character == 0x200C || character == 0x200D || character == 0x00AD;
+        result += isInvisible && !joins ? fmt::format("\\u{:04X}", static_cast<uint32_t>(character))
+                                        : visible.substr(begin, at - begin);
+    }
+    return xmlText(result);
+}
+
+std::string label(Text text)
+{
+    return xmlText(say(text));
+}
+
+/** The attributes of an element whose text is in a language. */
+std::string languageAttributes(const std::string &language)
+{
+    std::string tag = language;
+    std::replace(tag.begin(), tag.end(), '_', '-');
+    const bool isRightToLeft = uloc_isRightToLeft(language.c_str()) != 0;
+    return xmlAttribute("lang", tag) + (isRightToLeft ? " dir=\"rtl\"" : " dir=\"ltr\"");
+}
+
+struct StateRow
+{
+    const char *name;
+    Text text;
+};
+
+StateRow rowOf(Unfinished::Kind kind)
+{
+    switch (kind)
+    {
+    case Unfinished::Kind::fuzzy:
+        return {"fuzzy", Text::stateFuzzy};
+    case Unfinished::Kind::refused:
+        return {"refused", Text::stateRefused};
+    default:
+        return {"missing", Text::stateMissing};
+    }
+}
+
+std::string cell(Text heading, const std::string &attributes, const std::string &content)
+{
+    return fmt::format("<td data-label=\"{}\"{}>{}</td>\n", label(heading), attributes, content);
+}
+
+std::string rowOf(const Unfinished &message, const Progress &progress, const std::string &sourceLanguage)
+{
+    const StateRow state = rowOf(message.kind);
+    std::string name = xmlText(message.key);
+    if (!message.name.empty())
+        name += fmt::format("<br><code>{}</code>", shown(message.name));
+    if (!message.examples.empty())
+        name += fmt::format("<br><span class=\"soft\">{}</span>", xmlText(message.examples));
+    std::string translation = shown(message.target);
+    std::string findings;
+    for (const std::string &finding : message.findings)
+        findings += "<li>" + shown(finding) + "</li>";
+    std::string row = "<tr>\n" + cell(Text::columnMessage, "", name);
+    row += cell(Text::columnState, fmt::format(" class=\"state-{}\"", state.name), label(state.text));
+    row += cell(Text::columnSource, " class=\"text\"" + languageAttributes(sourceLanguage), shown(message.source));
+    row += cell(Text::columnTarget, "",
+                fmt::format("<div class=\"text\"{}>{}</div>{}", languageAttributes(progress.language), translation,
+                            findings.empty() ? "" : "<ul>" + findings + "</ul>"));
+    return row + "</tr>\n";
+}
+
+std::string barOf(const Counts &counts)
+{
+    const auto part = [&counts](const char *name, size_t count) {
+        return count == 0 ? std::string()
+                          : fmt::format("<span class=\"{}\" style=\"width:{:.2f}%\"></span>", name,
+                                        100.0 * static_cast<double>(count) / static_cast<double>(counts.messages));
+    };
+    return "<div class=\"bar\">" + part("done", counts.finished) + part("fuzzy", counts.fuzzy) +
+           part("refused", counts.refused) + "</div>\n";
+}
+
+} // namespace
+
+std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all)
+{
+    const std::string title = xmlText(say(Text::reportTitle, {shown(reference)}));
+    std::string page =
+        fmt::format("<!DOCTYPE html>\n<html lang=\"{}\">\n<head>\n<meta charset=\"utf-8\">\n"
+                    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+                    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+                    "'unsafe-inline'\">\n<title>{}</title>\n<style>{}</style>\n</head>\n<body>\n<h1>{}</h1>\n"
+                    "<ul class=\"languages\">\n",
+                    say(Text::pageLanguage), title, style, title);
+    for (size_t i = 0; i < all.size(); ++i)
+    {
+        const Progress &progress = all[i];
+        page += fmt::format(
+            "<li>\n<div class=\"numbers\"><a href=\"#l{}\"><bdi>{}</bdi></a> <span>{}</span></div>\n{}</li>\n", i,
+            shown(progress.language), xmlText(sentenceOf(progress.counts)), barOf(progress.counts));
+    }
+    page += "</ul>\n";
+    for (size_t i = 0; i < all.size(); ++i)
+    {
+        const Progress &progress = all[i];
+        page += fmt::format("<h2 id=\"l{}\"><bdi>{}</bdi> <code class=\"soft\">{}</code></h2>\n", i,
+                            shown(progress.language), shown(progress.file));
+        if (progress.unfinished.empty())
+        {
+            page += "<p class=\"soft\">" + label(Text::reportDone) + "</p>\n";
+            continue;
+        }
+        page += "<table>\n<thead><tr>";
+        for (const Text heading : {Text::columnMessage, Text::columnState, Text::columnSource, Text::columnTarget})
+            page += "<th>" + label(heading) + "</th>";
+        page += "</tr></thead>\n<tbody>\n";
+        for (const Unfinished &message : progress.unfinished)
+            page += rowOf(message, progress, language);
+        page += "</tbody>\n</table>\n";
+    }
+    return page + "</body>\n</html>\n";
+}
+
+} // namespace tool::stats

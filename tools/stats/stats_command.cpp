@@ -1,0 +1,140 @@
+#include "bilingual/bilingual_file.h"
+#include "bilingual/import.h"
+#include "bilingual/source_file.h"
+#include "bilingual/teller.h"
+#include "command_line.h"
+#include "gen/names.h"
+#include "output.h"
+#include "stats/report.h"
+#include "subcommand.h"
+#include "terminal.h"
+#include "text.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fmt/core.h>
+#include <set>
+
+namespace tool
+{
+namespace
+{
+
+using namespace check;
+using namespace bilingual;
+
+/** The words of sources that can be names. */
+std::set<std::string> wordsIn(const Words &files)
+{
+    std::set<std::string> words;
+    const auto isPart = [](char byte) { return std::isalnum(static_cast<unsigned char>(byte)) != 0 || byte == '_'; };
+    for (const std::string &file : files)
+    {
+        const std::string text = readWhole(file);
+        for (auto at = text.begin(); at != text.end();)
+        {
+            const auto begin = std::find_if(at, text.end(), isPart);
+            at = std::find_if_not(begin, text.end(), isPart);
+            if (begin != at)
+                words.emplace(begin, at);
+        }
+    }
+    return words;
+}
+
+/** Tells which messages no source names, by the names that `kelto gen` makes. */
+ExitStatus tellUnused(const Catalog &catalog, const std::string &nameSpace, const Words &sources)
+{
+    Findings ignored; // a name that cannot be one is for kelto gen to tell
+    const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, ignored);
+    const std::set<std::string> words = wordsIn(sources);
+    std::string unused;
+    size_t count = 0;
+    for (const std::string &name : names)
+    {
+        const std::string constant = gen::prefixOf(nameSpace) + gen::inCapitals(name);
+        const bool isUsed =
+            words.count(name) > 0 || words.count(constant) > 0 || words.count(gen::textConstant(constant)) > 0;
+        if (isUsed || name.empty())
+            continue;
+        unused += (unused.empty() ? "" : ", ") + name;
+        ++count;
+    }
+    if (count > 0)
+        printText(say(counted(Text::unusedOne, Text::unusedMany, count, {unused})) + "\n");
+    return ExitStatus::done;
+}
+
+/** "de", or of a file that names no language how it is called. */
+std::string languageOf(const Imported &imported, const std::string &path)
+{
+    if (!imported.language.empty())
+        return imported.language;
+    const size_t begin = path.rfind('/') + 1;
+    return path.substr(begin, path.find('.', begin) - begin);
+}
+
+ExitStatus run(CommandLine &line)
+{
+    std::string reference;
+    std::string html;
+    std::string nameSpace = "messages";
+    bool isUsed = false;
+    Words formWords;
+    line.option("-r,--reference", "FILE", reference, "The message file that is translated");
+    line.option("--html", "OUT", html, "Write a page with what is not finished or refused");
+    line.flag("--used", isUsed, "The operands are sources: tell which messages none of them names");
+    line.option("--namespace", "NAME", nameSpace, "As given to kelto gen, for the names; \"messages\" if not given");
+    line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
+                 "A conversion of the program's own and its arguments, as for kelto check");
+    const Words files = line.operands();
+    if (files.empty())
+        throw line.misuse(say(Text::noFile));
+    if (reference.empty())
+        throw line.misuse(say(Text::optionMissing, {"--reference"}));
+    if (std::count(files.begin(), files.end(), "-") + (reference == "-" ? 1 : 0) > 1)
+        throw line.misuse(say(Text::standardInputTwice));
+    FormTable forms;
+    addForms(line, formWords, forms);
+    Words inputs = files;
+    inputs.push_back(reference);
+    requireOtherFile(html, inputs);
+
+    const Levels levels;
+    Teller teller(line, "text", true, reference, levels);
+    SourceFile source = SourceFile::read(reference);
+    source.catalog.source().index();
+    teller.tell(errorsIn(report(source.catalog.findings(), source.catalog.source(), nullptr, levels)));
+    if (teller.errors() > 0)
+        return ExitStatus::negative;
+    if (isUsed)
+        return tellUnused(source.catalog, nameSpace, files);
+
+    const Reference compared(source.catalog, forms.get());
+    std::vector<stats::Progress> all;
+    const ExitStatus status = forEachFile(files, [&](const std::string &path) {
+        Imported imported = import(readBilingual(path), source, compared, levels, {forms.get(), false, ""});
+        if (!imported.isWhole)
+            teller.tell(errorsIn(imported.diagnostics));
+        all.push_back({path, languageOf(imported, path), imported.counts, std::move(imported.unfinished)});
+        printText(terminal().showBytes(all.back().language) + "  " + sentenceOf(all.back().counts) + "\n");
+    });
+    if (!html.empty())
+        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all));
+    return status == ExitStatus::done && teller.errors() > 0 ? ExitStatus::negative : status;
+}
+
+constexpr const char *details = R"(Tells for each FILE, a bilingual one, how many messages of the reference are
+translated, fuzzy, missing, or refused by the checker, which `kelto import`
+explains.
+
+Example:
+  kelto stats -r en.xlf de.xliff fr.xliff
+)";
+
+} // namespace
+
+const Subcommand statsSubcommand = {"stats", "[OPTION...] -r FILE FILE...", "Tell how far translations are", details,
+                                    run};
+
+} // namespace tool
