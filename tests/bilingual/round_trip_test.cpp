@@ -31,9 +31,9 @@ SourceFile sourceOf(const std::string &bytes)
     return SourceFile(check::SourceText("file", bytes));
 }
 
-/** Exports and imports a translation; its messages in the end. */
-std::map<unsigned, std::string> sentThrough(const Form &form, const std::string &reference,
-                                            const std::string &translation)
+/** Exports and imports a translation, whose messages in the end are these. */
+void sendThrough(const Form &form, const std::string &reference, const std::string &translation,
+                 const std::map<unsigned, std::string> &expected)
 {
     check::FormTable forms;
     forms.add("nil=int");
@@ -50,7 +50,7 @@ std::map<unsigned, std::string> sentThrough(const Form &form, const std::string 
         EXPECT_NE(found.severity, check::Severity::error) << sayInEnglish(found.text) << "\n" << document;
     const std::string again = messageFileOf(std::move(imported.document), forms.get());
     EXPECT_EQ(originOf(again), Origin::untouched);
-    return loaded(again);
+    ASSERT_EQ(loaded(again), expected) << document;
 }
 
 TEST(RoundTrip, GivesTheSameMessagesToTheByte)
@@ -71,12 +71,17 @@ TEST(RoundTrip, GivesTheSameMessagesToTheByte)
         for (const Form &form : allForms())
         {
             std::map<unsigned, std::string> sayable = expected;
-            for (auto message = sayable.begin(); !form.knowsEmpty && message != sayable.end();)
-            {
-                const bool isLost = message->second.empty() && !loaded(reference)[message->first].empty();
-                message = isLost ? sayable.erase(message) : std::next(message);
-            }
-            ASSERT_EQ(sentThrough(form, reference, translation), sayable) << form.name << ", seed " << seed;
+            const std::map<unsigned, std::string> originals = loaded(reference);
+            for (const auto &[id, source] : originals) // what is empty on one side is nothing to PO
+                if (const auto text = sayable.find(id); !form.knowsEmpty && text != sayable.end())
+                {
+                    if (source.empty())
+                        text->second.clear();
+                    else if (text->second.empty())
+                        sayable.erase(text);
+                }
+            sendThrough(form, reference, translation, sayable);
+            ASSERT_FALSE(HasFatalFailure()) << form.name << ", seed " << seed;
         }
     }
 }

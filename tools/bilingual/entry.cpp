@@ -37,8 +37,8 @@ std::optional<Key> readKey(std::string_view text)
     else
         return std::nullopt;
     constexpr std::string_view exactly = "is"; // brackets and '=' are none of the characters of an XML name
-    if (rest.front() == '.' && key.label.size() == exactly.size() + 1 &&
-        key.label.compare(0, exactly.size(), exactly) == 0)
+    if (rest.front() == '.' && key.label.compare(0, exactly.size(), exactly) == 0 &&
+        key.label.find_first_not_of(digits, exactly.size()) == std::string::npos)
         key.label = "=" + key.label.substr(exactly.size());
     return key.label.find_first_of("[].") == std::string::npos ? std::optional(key) : std::nullopt;
 }

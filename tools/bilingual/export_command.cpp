@@ -134,7 +134,12 @@ ExitStatus run(CommandLine &line)
     Bilingual catalog = bilingualOf(reference, language);
     std::optional<Changes> changes;
     if (translated)
-        tellLosses(translation, addTranslation(catalog, *translated), !form.knowsEmpty);
+    {
+        Losses losses = addTranslation(catalog, *translated);
+        for (const Entry &entry : catalog.entries)
+            losses.leftEmpty += entry.source.empty() && !entry.target.empty() && !entry.isObsolete ? 1 : 0;
+        tellLosses(translation, losses, !form.knowsEmpty);
+    }
     else if (old)
     {
         dropEmpty(catalog);

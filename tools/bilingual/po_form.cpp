@@ -90,8 +90,10 @@ std::string headerOf(const Bilingual &catalog)
     return header;
 }
 
-std::string noteFor(const std::string &text, const char *from)
+/** A comment, which ends with its line: a carriage return in it would be another end. */
+std::string noteFor(std::string text, const char *from)
 {
+    std::replace(text.begin(), text.end(), '\r', ' ');
     return fmt::format("<note from=\"{}\">{}</note>\n", from, xmlText(escaped(text)));
 }
 
@@ -117,6 +119,7 @@ public:
     }
 
     const char *flag() const { return m_flag; }
+    std::string plainSource(size_t row) const { return text(m_rows[row].source); }
     std::string source(size_t row) const { return xmlText(escaped(text(m_rows[row].source))); }
     std::string target(size_t row) const { return xmlText(escaped(text(m_rows[row].target))); }
     std::string previous(size_t row) const { return xmlText(escaped(text(m_rows[row].previous))); }
@@ -184,7 +187,7 @@ std::string unitsOf(const std::vector<const Entry *> &entries, const Entry *plur
         if (*texts.flag() != '\0')
             units += xmlAttribute("kelto:format", texts.flag());
         if (plural != nullptr)
-            units += " kelto:plural=\"" + texts.source(entries.size()) + '"';
+            units += xmlAttribute("kelto:plural", escaped(texts.plainSource(entries.size())));
         units += fmt::format(">\n<source>{}</source>\n<target>{}</target>\n", texts.source(form), texts.target(form));
         if (hasPrevious && isIn(State::fuzzy)) // of a plural entry both or none
             units += fmt::format("<alt-trans><source>{}</source></alt-trans>\n",
@@ -247,6 +250,11 @@ std::string poOf(const Bilingual &catalog, formTable *table)
                            xmlAttribute("kelto:header", escaped(headerOf(catalog))) + ">\n<body>\n";
     for (size_t i = 0; i < catalog.entries.size();)
     {
+        if (catalog.entries[i].source.empty()) // that is the header, whatever its context
+        {
+            ++i;
+            continue;
+        }
         const std::vector<const Entry *> forms = pluralFrom(catalog, i);
         document +=
             forms.empty() ? unitsOf({&catalog.entries[i]}, nullptr, table) : unitsOf(forms, pluralSource(forms), table);

@@ -63,7 +63,7 @@ std::optional<Selector> readSelector(const std::string &message)
 
 std::string labelAt(const Selector &selector, int place)
 {
-    return selector.kind == Selector::Kind::select ? std::to_string(place) : variantLabels[place];
+    return selector.kind == Selector::Kind::select ? "=" + std::to_string(place) : variantLabels[place];
 }
 
 std::optional<int> placeOf(const Selector &selector, const std::string &label)

@@ -20,7 +20,7 @@ namespace tool::bilingual
 /** Reads "%101plural[1]"; nothing where a message is another one. */
 std::optional<Selector> readSelector(const std::string &message);
 
-/** "few", "=0", or "3" of a "select". */
+/** "few", "=0", or "=3" of a "select". */
 std::string labelAt(const Selector &selector, int place);
 std::optional<int> placeOf(const Selector &selector, const std::string &label);
 
