@@ -136,6 +136,8 @@ const Row rows[] = {
     {unit(x("%s", 1)), "3:1-20 argument-type", unit(x("%d", 1))},
     {unit(x("%hd", 1) + x("%lu", 2)), "3:1-21 argument-type, 3:21-41 conversion-changed",
      unit(x("%d", 1) + x("%d", 2))},
+    {unit(x("%number", 1) + x("%f", 2) + x("%and", 3) + x("%money", 4)), "3:44-65 conversion-changed",
+     unit(x("%d", 1) + x("%decimal", 2) + x("%s", 3) + x("%money", 4))},
     {unit(x("%d", 2)), "3:1-20 argument-type, 2:1-20 argument-missing", unit(x("%s", 1) + x("%s", 2))},
     {unit("%d[1"), "3:1-5 bad-conversion", unit(x("%d", 1))},
     {unit("a"), "2:1-20 argument-missing", unit(x("%d", 1))},
