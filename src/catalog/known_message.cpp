@@ -17,7 +17,7 @@ std::unique_ptr<SourceText> SourceText::make(const char *text, size_t length, fo
     if (source == nullptr)
         return nullptr;
     source->m_text = allocateHeap<char>(length + 1);
-    source->m_lost.reset(new (std::nothrow) std::atomic<uint32_t>[languages + 1] {});
+    source->m_lost.reset(new (std::nothrow) std::atomic<uint32_t>[static_cast<uint32_t>(languages) + 1U] {});
     if (source->m_text == nullptr || source->m_lost == nullptr)
         return nullptr;
     std::memcpy(source->m_text.get(), text, length);
@@ -54,7 +54,7 @@ std::unique_ptr<KnownMessage> KnownMessage::make(uint32_t number, size_t languag
     std::unique_ptr<KnownMessage> message(new (std::nothrow) KnownMessage(number));
     if (message == nullptr || languages == 0)
         return message;
-    message->m_inLanguage.reset(new (std::nothrow) MessageInLanguage[languages]);
+    message->m_inLanguage.reset(new (std::nothrow) MessageInLanguage[static_cast<uint32_t>(languages)]);
     return message->m_inLanguage != nullptr ? std::move(message) : nullptr;
 }
 
