@@ -6,6 +6,7 @@
 #include "lookup.h"
 
 #include <array>
+#include <memory>
 
 namespace bench
 {
@@ -113,6 +114,19 @@ std::unique_ptr<Job> lookUpAndFormat()
 
 const Register bytesW9("W9p", kelto, lookUpAndFormat);
 const Register bytesW9c("W9c", "C", lookUpAndFormat);
+
+/** The catalog of the C interface, which the calls of the C++ layer go through. */
+const Register catalogInC("W9c/again", "C", [] {
+    KTCatalog *opened = nullptr;
+    require(KTOpenCatalogFile(catalog("messages-2000.xlf").c_str(), nullptr, &opened) == 0, "a catalog is opened");
+    const std::shared_ptr<KTCatalog> store(opened, KTCloseCatalog);
+    return job([store, out = std::array<char, 100>()]() mutable {
+        size_t size = out.size();
+        const KTArgument arguments[] = {KT_INT(7), KT_UTF8(shortArgument)};
+        KTCatalogFormatUTF8(store.get(), formattedMessage, nullptr, &size, out.data(), arguments, 2);
+        return std::string_view(out.data(), size);
+    });
+});
 
 const Register preparing("prepare", kelto, [] {
     return job([format = std::string(swapped)]() mutable {

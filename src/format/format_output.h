@@ -67,13 +67,10 @@ public:
     {
         if (!goOn(count))
             return;
-        if (!m_isTruncated)
-        {
-            const size_t written = std::min<size_t>(count, m_capacity - m_total - 1);
-            m_next = copyFew(units, written, m_next);
-            m_isTruncated = written < count;
-        }
-        addToTotal(count);
+        if (claim(count))
+            m_next = copyFew(units, count, m_next);
+        else
+            cutLiteral(units, count);
     }
 
     /** Appends pieces, each whole or not at all. @return 0: what does not fit is known in the end. */
@@ -190,6 +187,14 @@ private:
         m_isTruncated = true;
         addToTotal(units);
         return beginning;
+    }
+
+    [[gnu::noinline, gnu::cold]] void cutLiteral(const Unit *units, size_t count) noexcept
+    {
+        if (!m_isTruncated)
+            m_next = std::copy_n(units, std::min<size_t>(count, m_capacity - m_total - 1), m_next);
+        m_isTruncated = true;
+        addToTotal(count);
     }
 
     /** The units that can be written of a text that does not fit as a whole. */

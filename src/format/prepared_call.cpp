@@ -282,9 +282,12 @@ bool isForeign(const PreparedStep &step)
 constexpr UCS2 firstStrongIsolate = 0x2068;
 constexpr UCS2 popDirectionalIsolate = 0x2069;
 
-template <typename Unit> [[gnu::noinline, gnu::cold]] void writeIsolate(kelto::FormatOutput<Unit> &text, UCS2 unit)
+/** Writes one of them, where the conversion between them wants it. */
+template <typename Unit>
+[[gnu::noinline, gnu::cold]] void writeIsolate(kelto::FormatOutput<Unit> &text, const PreparedStep &step, UCS2 unit)
 {
-    text.write(kelto::Ending::open, kelto::Text{&unit, 1});
+    if (isForeign(step))
+        text.write(kelto::Ending::open, kelto::Text{&unit, 1});
 }
 
 const UCS2 *literalsOf(const KTPreparedFormat &prepared, const UCS2 *)
@@ -307,7 +310,8 @@ size_t literalLength(const PreparedStep &step, const char *)
     return step.literalBytes;
 }
 
-bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments, size_t count)
+[[gnu::always_inline]] inline bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments,
+                                               size_t count)
 {
     if (count != prepared.slotCount || (arguments == nullptr && count != 0))
         return false;
@@ -364,12 +368,11 @@ template <typename Unit>
             continue;
         // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
         // next. Who keeps the beginning wants to know now.
-        const bool isIsolated = isolates && isForeign(*step);
-        if (isIsolated)
-            writeIsolate(text, firstStrongIsolate);
+        if (__builtin_expect(isolates, false))
+            writeIsolate(text, *step, firstStrongIsolate);
         const int result = writeConversion(text, *step, call);
-        if (isIsolated)
-            writeIsolate(text, popDirectionalIsolate);
+        if (__builtin_expect(isolates, false))
+            writeIsolate(text, *step, popDirectionalIsolate);
         if (result != 0 && (!text.isTruncated() || beginning == Beginning::kept))
             return text.fail(size, result);
     }
@@ -383,12 +386,17 @@ template <typename Unit>
     return writeFormat(prepared, typed, size, out, beginning);
 }
 
-/** Whether a call can be answered. */
-template <typename Unit> int checkCall(const KTPreparedFormat *prepared, const size_t *size, const Unit *out)
+/** Whether a call can be answered, as most can. */
+[[gnu::always_inline]] inline bool isAnswerable(const KTPreparedFormat *prepared, const size_t *size, const void *out)
 {
-    if (!kelto::isStarted())
-        return KT_ERR_NOT_INITIALIZED;
-    return prepared == nullptr || size == nullptr || (out == nullptr && *size != 0) ? int{KT_ERR_INVALID_PARAMETER} : 0;
+    const bool isOne = kelto::isStarted() && prepared != nullptr && size != nullptr && (out != nullptr || *size == 0);
+    return __builtin_expect(isOne, true);
+}
+
+/** Why one cannot. */
+[[gnu::noinline, gnu::cold]] int refusal()
+{
+    return kelto::isStarted() ? KT_ERR_INVALID_PARAMETER : KT_ERR_NOT_INITIALIZED;
 }
 
 } // namespace
@@ -428,16 +436,16 @@ bool canWrite(const KTPreparedFormat &prepared, unsigned position, const TypedCa
 int KTFormatPrepared(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, UCS2 *out,
                      const KTArgument *arguments, size_t count)
 {
-    if (const int result = checkCall(prepared, size, out))
-        return result;
+    if (!isAnswerable(prepared, size, out))
+        return refusal();
     return writeUCS2(prepared, {options, passThru, arguments, count}, size, out, Beginning::ofNoUse);
 }
 
 int KTFormatPreparedUTF8(const KTPreparedFormat *prepared, unsigned options, void *passThru, size_t *size, char *out,
                          const KTArgument *arguments, size_t count)
 {
-    if (const int result = checkCall(prepared, size, out))
-        return result;
+    if (!isAnswerable(prepared, size, out))
+        return refusal();
     const TypedCall typed = {options, passThru, arguments, count};
     return writeFormat(prepared, typed, size, out, Beginning::ofNoUse);
 }
