@@ -31,6 +31,20 @@ struct LadderLog
     }
 };
 
+/** A message file as a compiled catalog. */
+inline std::string compiled(const MessageFile &file)
+{
+    FakeZel::file("d/source.xlf", file.xml());
+    char path[] = "d/source.xlf";
+    MessageTable *table = nullptr;
+    size_t size = 0;
+    EXPECT_EQ(KTInit() + KTLoadMessages(path, &table), 0);
+    KTCompileMessages(table, &size, nullptr);
+    std::string data(size, '\0');
+    EXPECT_EQ(KTCompileMessages(table, &size, data.data()) + KTClean(), 0);
+    return data;
+}
+
 struct LadderRow
 {
     std::string text, given;
@@ -42,20 +56,6 @@ protected:
     static void language(const std::string &name, const MessageFile &file)
     {
         FakeZel::file("d/" + name + "/store.xlf", file.xml());
-    }
-
-    /** A message file as a compiled catalog. */
-    static std::string compiled(const MessageFile &file)
-    {
-        FakeZel::file("d/source.xlf", file.xml());
-        char path[] = "d/source.xlf";
-        MessageTable *table = nullptr;
-        size_t size = 0;
-        EXPECT_EQ(KTInit() + KTLoadMessages(path, &table), 0);
-        KTCompileMessages(table, &size, nullptr);
-        std::string data(size, '\0');
-        EXPECT_EQ(KTCompileMessages(table, &size, data.data()) + KTClean(), 0);
-        return data;
     }
 
     LadderLog log;
@@ -202,7 +202,7 @@ TYPED_TEST_P(Ladder, TellsWhatIsTooLong)
 
 TYPED_TEST_P(Ladder, PrefersCompiledCatalogs)
 {
-    const std::string data = this->compiled(MessageFile().unit(1, "compiled %d[1]"));
+    const std::string data = compiled(MessageFile().unit(1, "compiled %d[1]"));
     this->language("de", MessageFile().unit(1, "source %d[1]"));
     FakeZel::file("d/de/store.ktc", data);
     EXPECT_EQ(TypeParam(this->log).format(1, 7), "compiled 7");
