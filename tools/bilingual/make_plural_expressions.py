@@ -9,9 +9,11 @@ out. A language is found by what its rules say, so the rows have no names.
 
 import re
 import sys
+import textwrap
 
 ORDER = ["zero", "one", "two", "few", "many", "other"]
-NUMBERS = list(range(1200)) + [n * 1000 for n in range(1, 1200)] + [1000000 * n + k for n in range(1, 4) for k in range(130)]
+NUMBERS = list(range(1200)) + [n * 1000 for n in range(1, 1200)]
+NUMBERS += [1000000 * n + k for n in range(1, 4) for k in range(130)]
 
 
 def relation(text):
@@ -101,7 +103,8 @@ struct PluralExpression
 
 constexpr PluralExpression pluralExpressions[] = {''')
     for categories, expression in rows:
-        print(f'    {{"{categories}", "{expression}"}},')
+        literals = "\n     ".join(f'"{part}"' for part in textwrap.wrap(expression + " ", 100, drop_whitespace=False))
+        print(f'    {{"{categories}",\n     {literals}}},'.replace(' "}', '"}'))
     print('''};
 
 } // namespace tool::bilingual

@@ -37,7 +37,8 @@ _kelto_kind() {
     stats:--namespace | stats:--form) echo other ;;
     export:--to) echo bilingual ;;
     import:--format) echo form ;;
-    pseudo:--expand | pseudo:--form | export:--language | export:--form | import:--language | import:--form) echo other ;;
+    pseudo:--expand | pseudo:--form | export:--language | export:--form) echo other ;;
+    import:--language | import:--form) echo other ;;
     format:-l | format:--language | list:-l | list:--language) echo other ;;
     gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;

@@ -7,8 +7,9 @@
 //
 // The document is XLIFF 1.2 with attributes of ours, of the namespace "urn:kelto:translation": "line" of an entry's
 // msgstr and of a finding, "obsolete", "format" ("c-format", "no-c-format"), "header" and "charset" of the file,
-// "control" where a text has characters that no XML document can hold. Texts are written with \\, \t, \r and \n. A plural
-// entry is a group ("x-gettext-plurals") of units with the same number, a "form" each; "plural" is its msgid_plural.
+// "control" where a text has characters that no XML document can hold. Texts are written with \\, \t, \r and \n. A
+// plural entry is a group ("x-gettext-plurals") of units with the same number, a "form" each; "plural" is its
+// msgid_plural.
 
 #include <algorithm>
 #include <array>
