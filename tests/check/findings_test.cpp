@@ -101,7 +101,7 @@ const Row rows[] = {
      "3:2-4 unknown-escape, 3:15-18 bad-placeholder, 3:16-18 unknown-escape, 3:28-29 trailing-backslash"},
     {document(numbered(1, "") + numbered(2, "<!-- a -->")), "2:20-28 empty-message, 2:69-77 empty-message 2"},
     // Directions: Arabic and Hebrew as they are written, then what is closed wrongly, or not as in the reference.
-    {unit("مرحبا \u200Fשלום “é”"), "", unit("a")},
+    {unit("مرحبا \u200Fשלום “é”"), "3:1-6 wrong-script", unit("a")},
     {unit("\u2068a\u2069"), "", unit("a")},
     {unit("\u202Ea\u2066b\u202Ac\u2069d\u202C e\u2069\u202C\u2067"),
      "3:5-6 bidi-controls, 3:12-13 bidi-controls, 3:13-14 bidi-controls, 3:14-15 bidi-controls"},
@@ -127,7 +127,8 @@ const Row rows[] = {
     {unit("<x id='1' ts='s'/>" + x("%d", 2)), "3:15-16 bad-conversion"},
     {unit(x("s", 2)), "3:8-9 bad-placeholder"},
     {unit("a\\n" + x("%s ", 1) + x("%d of", 2) + x("%d", 4)),
-     "3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, 2:1-20 argument-missing",
+     "2:20-28 line-break, 3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, "
+     "2:1-20 argument-missing",
      unit(x("%d", 1) + x("%d", 2) + x("%d", 3) + x("%s", 4))},
     {unit(x("%d", 1) + x("%d[2] ", 5) + x("%size", 3)), "3:27-33 bad-placeholder"},
     {unit("100 %" + x("%s", 1)), "3:13-15 bad-placeholder", unit("%% " + x("%s", 1))},
@@ -159,6 +160,37 @@ const Row rows[] = {
      document(numbered(1, " a") + numbered(2, "b") + numbered(3, "c"))},
     {document(numbered(1, "")), "", document(numbered(1, ""))},
     {unit(x("%d", 1)), "", unit(x("%s", 1) + "%")},
+    // Damaged on the way; and what only looks so.
+    {unit("GrÃ¶ÃŸe"), "3:3-7 mojibake"},
+    {unit("Ã–ffnen"), "3:1-3 mojibake"},
+    {unit("itâ€™s"), "3:3-6 mojibake"},
+    {unit("IRMÃ… «É» à «CAFÉ…» 5 Â"), ""},
+    {unit("a\u0092b"), "3:2-3 mojibake"},
+    {unit("Gr\uFFFDße, Gr??e, was? http://a?b"), "3:3-4 lost-character, 3:10-12 lost-character"},
+    {unit("a&amp;amp;b"), "3:2-11 double-escape"},
+    {unit("a&amp;amp;b"), "", unit("&amp;amp;")},
+    {unit("a\u200Bb"), "3:2-3 invisible-character"},
+    {unit("Копировать"), "3:1-11 wrong-script"},
+    {unit("5 μm, Русский"), "", unit("μ Я")},
+    {unit("a\n=======\nb"), "4:1-8 stray-text"},
+    {unit("Fertig./n"), "3:8-10 line-break"},
+    {document("<trans-unit id='1'><source>a</source><note from='kelto check'>white-space no-structure, "
+              "no-mojibake: no-reason</note></trans-unit>"),
+     "2:38-63 bad-suppression, 2:38-63 bad-suppression"},
+    // What a translation keeps.
+    {unit("a/nb"), "3:2-4 line-break", unit("a\\nb")},
+    {unit("a b"), "2:20-28 line-break", unit("a\\nb")},
+    {unit("a  b" + x("%s", 1) + "c"), "3:2-4 white-space, 3:5-24 white-space, 3:5-24 white-space",
+     unit("a b " + x("%s", 1) + " c")},
+    {unit("a" + x("%.0s", 1) + "b" + x("%.1f", 2)), "3:24-45 conversion-changed, 3:24-45 white-space",
+     unit("a " + x("%s", 1) + " b " + x("%.2f", 2))},
+    {unit("Nom"), "3:3-4 end-punctuation", unit("Name:")},
+    {unit("“Name：”"), "", unit("“Name:”")},
+    {unit("a (b"), "2:20-28 unbalanced", unit("a (b)")},
+    {unit("„a\""), "", unit("“a”")},
+    {unit("--hilfe 88, 2.000 €"), "2:20-28 literal-changed, 2:20-28 literal-changed", unit("--help 80, €2,000")},
+    {document("<trans-unit id='1' resname='a'><source>a</source></trans-unit>"), "2:29-30 attribute-differs",
+     document("<trans-unit id='1' resname='b'><source>a</source></trans-unit>")},
 };
 
 std::string inUtf16(const std::string &text, bool isBig)

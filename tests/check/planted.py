@@ -35,7 +35,7 @@ PLANTED = [
     ("ja", 'source-language="ja-JP"', 'source-language="‸jpn"', "language", ""),
     ("el", '<x ts="%!u" id="2"/>', '‸<x ts="%u" id="2"/>', "argument-type", ""),
     ("el", '<x ts="%-16s" id="1"/>', '‸<x ts="%-16s"/>', "attribute-missing", ""),
-    ("el", "\\n\\tstore", "‸\\Ν\\tstore", "unknown-escape", ""),
+    ("el", "\\n\\tstore", "‸\\Ν\\tstore", "unknown-escape", "line-break"),
     ("el", '<x ts="%d" id="2"/>', '‸<x ts="%*d" id="2"/>', "argument-extra", ""),
 ]
 

@@ -9,6 +9,7 @@
 
 #include "check/finding.h"
 #include "check/source_text.h"
+#include "check/suppressions.h"
 
 #include <memory>
 #include <string>
@@ -51,6 +52,12 @@ struct Message
     std::string madeFrom; // the digest of the text that it was translated from, or empty
 };
 
+struct Attribute
+{
+    std::string value;
+    Range place; // of its value; of the tag where it is not written there
+};
+
 class Catalog
 {
 public:
@@ -75,11 +82,18 @@ public:
     Range body() const { return m_body; }
 
     /** The attribute "source-language", empty where it is missing or wrong, and where it stands. */
-    const std::string &language() const { return m_language; }
-    Range languagePlace() const { return m_languagePlace; }
+    const std::string &language() const { return m_language.value; }
+    Range languagePlace() const { return m_language.place; }
+
+    /** The attributes "product-name" and "product-version", empty where they are missing. */
+    const Attribute &productName() const { return m_productName; }
+    const Attribute &productVersion() const { return m_productVersion; }
 
     /** What the file could not be loaded for, its document type, and text that is ignored. */
     const Findings &findings() const { return m_findings; }
+
+    /** What the file switches off, in its order. */
+    const std::vector<Suppression> &suppressions() const { return m_suppressions; }
 
     /** Whether it was read to its end: no message is missing for want of reading. */
     bool isWhole() const { return m_isWhole; }
@@ -127,9 +141,11 @@ private:
     std::vector<Piece> m_pieces;
     std::string m_texts;
     Findings m_findings;
+    std::vector<Suppression> m_suppressions;
     Range m_body;
-    std::string m_language;
-    Range m_languagePlace;
+    Attribute m_language;
+    Attribute m_productName;
+    Attribute m_productVersion;
     bool m_isWhole = true;
 };
 

@@ -13,8 +13,7 @@ CatalogBuilder::CatalogBuilder(SourceText source, Range body) : m_catalog(std::m
 
 void CatalogBuilder::setLanguage(const std::string &language, Range place)
 {
-    m_catalog.m_language = language;
-    m_catalog.m_languagePlace = place;
+    m_catalog.m_language = {language, place};
 }
 
 void CatalogBuilder::addFinding(Finding finding)

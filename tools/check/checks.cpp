@@ -1,18 +1,21 @@
 #include "check/checks.h"
 
-#include "check/digest.h"
+#include "check/damage.h"
 #include "check/directions.h"
+#include "check/identity.h"
 #include "check/placeholders.h"
+#include "check/script.h"
+#include "check/subject.h"
 #include "check/utf8.h"
+#include "check/wording.h"
 #include "language_conversions.h"
 
 #include <algorithm>
-#include <cctype>
 #include <climits>
+#include <fmt/core.h>
 #include <map>
 #include <optional>
 #include <set>
-#include <unicode/uchar.h>
 
 namespace tool::check
 {
@@ -50,90 +53,70 @@ std::string partOf(std::string_view text, Range range)
     return quotation(text.substr(range.begin, range.end - range.begin));
 }
 
-/** A message in the file and what it is compared with. */
-struct Pair
+/** A conversion as a file has it: <x ts="%d" id="1"/>. */
+std::string tagOf(const Conversion &conversion)
 {
-    const Message &message;
-    const Message *original;      // null where there is nothing to compare with
-    const Format *originalFormat; // null where that, or its format, is none
-};
+    return fmt::format("<x ts=\"{}\" id=\"{}\"/>", conversion.written.substr(0, conversion.written.rfind('[')),
+                       conversion.position);
+}
+
+/** As ".2", or empty; a width may differ, since words are longer in some languages, but not what is left of a number. */
+std::string_view precisionOf(const Conversion &conversion)
+{
+    const std::string_view written = conversion.written;
+    const size_t begin = std::min(written.find('.'), written.size());
+    return written.substr(begin, std::min(written.find_first_not_of("0123456789*", begin + 1), written.size()) - begin);
+}
+
+/** Whether another precision leaves something else of an argument; "%.0s" is how a language does without a text. */
+bool showsOtherwise(const Conversion &here, const Conversion &there)
+{
+    const std::string_view precision = precisionOf(here);
+    const bool isText =
+        !here.slots.empty() && (here.slots.back().kind == Kind::utf8 || here.slots.back().kind == Kind::ucs2);
+    return precision != precisionOf(there) && !(isText && precision == ".0");
+}
 
 /** The checks of one message. */
 class MessageCheck
 {
 public:
-    MessageCheck(const Catalog &catalog, formTable *table, const Reference *reference, const Pair &pair,
-                 Findings &findings)
-        : m_catalog(catalog), m_table(table), m_reference(reference), m_pair(pair), m_findings(findings),
-          m_text(catalog.rawText(pair.message)),
-          m_original(pair.original != nullptr ? reference->catalog().rawText(*pair.original) : std::string_view())
+    MessageCheck(Subject &subject, formTable *table, const Format *originalFormat)
+        : m_subject(subject), m_table(table), m_originalFormat(originalFormat), m_catalog(subject.catalog()),
+          m_message(subject.message()), m_text(subject.resolved())
     {
     }
 
     void run()
     {
-        if (m_text.text().empty())
+        if (coreOf(m_text.text()).end == 0)
             checkEmpty();
         if (m_text.hasBackslash())
             checkEscapes();
         checkDirections();
         if (m_table != nullptr)
             checkFormat();
-        if (m_pair.original != nullptr)
-        {
-            compareWhiteSpace();
-            compareAge();
-        }
-        for (const auto &[rule, found] : m_found)
-            if (found.count > mostPerRule)
-                add(rule, found.lastPlace, counted(Text::oneMore, Text::manyMore, found.count - mostPerRule),
-                    std::nullopt);
     }
 
 private:
-    /** A message may be megabytes of one mistake. */
-    static constexpr size_t mostPerRule = 100;
-
-    /** What was found against one rule. */
-    struct Found
+    void find(Rule rule, Range place, Phrase text) { m_subject.find(rule, place, std::move(text)); }
+    void find(Rule rule, Range place, Phrase text, Note note)
     {
-        size_t count = 0;
-        Range lastPlace{}; // of those that are told
-    };
-
-    void find(Rule rule, Range place, Phrase text, std::optional<Note> note = std::nullopt)
-    {
-        Found &found = m_found[rule];
-        if (++found.count > mostPerRule)
-            return;
-        found.lastPlace = place;
-        add(rule, place, std::move(text), std::move(note));
+        m_subject.find(rule, place, std::move(text), std::move(note));
     }
 
-    void add(Rule rule, Range place, Phrase text, std::optional<Note> note)
-    {
-        m_findings.push_back(
-            {rule, m_pair.message.id, m_pair.message.unit.begin, place, std::move(text), std::move(note)});
-    }
+    Range placeOf(Range range) const { return m_subject.placeOf(range); }
 
-    Range placeOf(Range range) const { return m_catalog.locate(m_pair.message, m_text.beforeEscapes(range)); }
-
-    Range locateOriginal(Range range) const
-    {
-        return m_reference->catalog().locate(*m_pair.original, m_original.beforeEscapes(range));
-    }
-
-    std::optional<Note> noteOn(const Conversion &conversion) const;
+    Note noteOn(const Conversion &conversion) const;
 
     void checkEmpty();
     void checkEscapes();
     void checkDirections();
     void compareDirections(const std::vector<DirectionControl> &here);
-    void compareWhiteSpace();
-    void compareAge();
     void checkFormat();
     void checkPlaceholders(bool isUnexplained);
     void checkFaults(const Format &format);
+    Phrase sentenceOn(const FormatFault &fault) const;
     void checkPositions(const Format &format);
     void checkTyped(const Format &format);
     void checkRegion(const Format &format);
@@ -143,37 +126,36 @@ private:
     bool isArgument(int position) const;
     void findMissing(const Conversion &there, bool leavesGap);
 
-    const Catalog &m_catalog;
+    Subject &m_subject;
     formTable *m_table;
-    const Reference *m_reference;
-    Pair m_pair;
-    Findings &m_findings;
-    ResolvedText m_text;
-    ResolvedText m_original; // of what it is compared with
+    const Format *m_originalFormat; // null where there is no original, or its format is none
+    const Catalog &m_catalog;
+    const Message &m_message;
+    const ResolvedText &m_text;
     std::vector<BrokenPlaceholder> m_broken;
-    std::map<Rule, Found> m_found;
 };
 
 void MessageCheck::checkEmpty()
 {
-    const bool isMeant = m_pair.original != nullptr && m_original.text().empty();
-    if (!isMeant)
-        find(Rule::emptyMessage, m_pair.message.source, {Text::noText});
+    const bool isMeant = m_subject.hasOriginal() && coreOf(m_subject.originalText()).end == 0;
+    const bool mayBeBlank = !m_text.text().empty() && !m_subject.hasOriginal();
+    if (!isMeant && !mayBeBlank)
+        find(Rule::emptyMessage, m_message.source, {Text::noText});
 }
 
 void MessageCheck::checkEscapes()
 {
-    const std::string_view raw = m_catalog.rawText(m_pair.message);
+    const std::string_view raw = m_catalog.rawText(m_message);
     for (size_t at = raw.find('\\'); at < raw.size(); at = raw.find('\\', at))
     {
         const size_t length = escapeLength(raw.substr(at));
         if (length == 0 && at + 1 == raw.size())
-            find(Rule::trailingBackslash, m_catalog.locate(m_pair.message, {at, at + 1}), {Text::endsInBackslash});
+            find(Rule::trailingBackslash, m_catalog.locate(m_message, {at, at + 1}), {Text::endsInBackslash});
         else if (length == 0)
         {
             size_t end = at + 1;
             takeUtf8(raw, end);
-            find(Rule::unknownEscape, m_catalog.locate(m_pair.message, {at, end}),
+            find(Rule::unknownEscape, m_catalog.locate(m_message, {at, end}),
                  {Text::noEscape, {partOf(raw, {at, end})}});
         }
         at += std::max<size_t>(length, 1);
@@ -187,7 +169,7 @@ void MessageCheck::checkDirections()
     for (const DirectionControl &control : unbalanced)
         find(Rule::bidiControls, placeOf(control.place),
              {closes(control) ? Text::directionClosesNothing : Text::directionNotClosed, {nameOf(control)}});
-    if (unbalanced.empty() && m_pair.original != nullptr)
+    if (unbalanced.empty() && m_subject.hasOriginal())
         compareDirections(controls);
 }
 
@@ -201,7 +183,7 @@ void MessageCheck::compareDirections(const std::vector<DirectionControl> &here)
                 openings[control.character].push_back(control);
     };
     sortInto(ours, here);
-    sortInto(theirs, directionControlsIn(m_original.text()));
+    sortInto(theirs, directionControlsIn(m_subject.originalText()));
     for (const auto &[character, controls] : ours)
         if (isIsolate(character)) // a sentence may need it around a placeholder, and it turns nothing else
             continue;
@@ -209,77 +191,27 @@ void MessageCheck::compareDirections(const std::vector<DirectionControl> &here)
             find(Rule::bidiControls, placeOf(controls[known].place), {Text::directionExtra, {nameOf(controls[known])}});
     for (const auto &[character, controls] : theirs)
         if (const size_t known = ours[character].size(); controls.size() > known)
-            find(Rule::bidiControls, m_pair.message.source, {Text::directionMissing, {nameOf(controls[known])}},
-                 Note{true, locateOriginal(controls[known].place), {Text::referenceHasItHere}});
-}
-
-bool isWhiteSpace(char32_t character)
-{
-    constexpr std::string_view ascii = " \t\n\v\f\r";
-    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
-                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
-}
-
-/** The text between the white space that it begins and ends with. */
-Range coreOf(std::string_view text)
-{
-    Range core{0, text.size()};
-    for (size_t next = 0; core.begin < text.size() && isWhiteSpace(takeUtf8(text, next));)
-        core.begin = next;
-    while (core.end > core.begin)
-    {
-        size_t last = core.end - 1;
-        while (last > core.begin && isContinuation(text[last]))
-            --last;
-        size_t next = last;
-        if (!isWhiteSpace(takeUtf8(text, next)))
-            break;
-        core.end = last;
-    }
-    return core;
-}
-
-void MessageCheck::compareWhiteSpace()
-{
-    const std::string_view here = m_text.text();
-    const std::string_view there = m_original.text();
-    const Range edges = coreOf(here);
-    const Range originals = coreOf(there);
-    if (edges.begin == edges.end || originals.begin == originals.end)
-        return; // nothing but white space
-    const auto noteAt = [&](Range range) { return Note{true, locateOriginal(range), {Text::referenceIsHere}}; };
-    if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
-        find(Rule::whiteSpace, placeOf({0, edges.begin}), {Text::spaceAtBeginning}, noteAt({0, originals.begin}));
-    if (here.substr(edges.end) != there.substr(originals.end))
-        find(Rule::whiteSpace, placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
-             noteAt({originals.end, there.size()}));
-}
-
-void MessageCheck::compareAge()
-{
-    const std::string &madeFrom = m_pair.message.madeFrom;
-    if (!madeFrom.empty() && madeFrom != digestOf(m_original.text()))
-        find(Rule::outdated, m_catalog.locateAttribute(m_pair.message.unit, sourceDigest), {Text::madeFromOther},
-             Note{true, m_pair.original->source, {Text::referenceIsHere}});
+            find(Rule::bidiControls, m_message.source, {Text::directionMissing, {nameOf(controls[known])}},
+                 Note{true, m_subject.placeOfOriginal(controls[known].place), {Text::referenceHasItHere}});
 }
 
 void MessageCheck::checkFormat()
 {
     const bool hasPercent = m_text.text().find('%') != std::string_view::npos;
-    const bool hadConversions = m_pair.originalFormat != nullptr && !m_pair.originalFormat->conversions.empty();
-    if (!hasPercent && !hadConversions && !m_pair.message.hasPlaceholder)
+    const bool hadConversions = m_originalFormat != nullptr && !m_originalFormat->conversions.empty();
+    if (!hasPercent && !hadConversions && !m_message.hasPlaceholder)
         return;
     Format format = parseFormat(m_text.text(), m_table);
-    m_broken = takeBroken(m_catalog, m_pair.message, m_text, format);
-    const size_t before = m_findings.size();
+    m_broken = takeBroken(m_catalog, m_message, m_text, format);
+    const size_t before = m_subject.findings();
     checkFaults(format);
     checkPositions(format);
-    if (m_pair.originalFormat != nullptr && m_pair.originalFormat->isAccepted)
+    if (m_originalFormat != nullptr && m_originalFormat->isAccepted)
         compareArguments(format);
-    const bool isUnexplained = !format.isAccepted && m_findings.size() == before;
+    const bool isUnexplained = !format.isAccepted && m_subject.findings() == before;
     checkPlaceholders(isUnexplained);
     if (isUnexplained && m_broken.empty())
-        find(Rule::badConversion, m_pair.message.source, {Text::noFormat});
+        find(Rule::badConversion, m_message.source, {Text::noFormat});
     checkTyped(format);
     checkRegion(format);
 }
@@ -304,33 +236,49 @@ void MessageCheck::checkPlaceholders(bool isUnexplained)
 {
     for (const auto &[piece, position, isFault, typed] : m_broken)
         find(isFault || isUnexplained ? Rule::badConversion : Rule::badPlaceholder,
-             m_catalog.locateAttribute(piece->place, "ts"), whyBroken(m_catalog.rawText(m_pair.message), *piece));
+             m_catalog.locateAttribute(piece->place, "ts"), whyBroken(m_catalog.rawText(m_message), *piece));
 }
 
 void MessageCheck::checkFaults(const Format &format)
 {
-    const Format *const original = m_pair.originalFormat;
-    const bool hasConversions = m_pair.message.hasPlaceholder || !format.conversions.empty() ||
+    const Format *const original = m_originalFormat;
+    const bool hasConversions = m_message.hasPlaceholder || !format.conversions.empty() ||
                                 (original != nullptr && !original->conversions.empty()) ||
-                                (m_pair.original != nullptr && m_pair.original->hasPlaceholder) ||
-                                m_original.text().find("%%") != std::string_view::npos; // it is formatted
+                                (m_subject.hasOriginal() && m_subject.original().hasPlaceholder) ||
+                                m_subject.originalText().find("%%") != std::string_view::npos; // it is formatted
     for (const FormatFault &fault : format.faults)
     {
         const bool isLone = fault.isLone && !hasConversions;
         if (isLone)
             find(Rule::lonePercent, placeOf(fault.place), {Text::percentAlone});
         else
-            find(Rule::badConversion, placeOf(fault.place),
-                 {Text::badConversion, {partOf(m_text.text(), fault.place), problemShown(fault.problem)}});
+            find(Rule::badConversion, placeOf(fault.place), sentenceOn(fault));
     }
+}
+
+/** What to do about a malformed conversion: where it was a tag once, that is to be copied. */
+Phrase MessageCheck::sentenceOn(const FormatFault &fault) const
+{
+    const std::string_view text = m_text.text();
+    const std::string written = partOf(text, fault.place);
+    const size_t tag = text.substr(0, fault.place.begin).rfind("<x");
+    const bool isInTag =
+        tag != std::string_view::npos && text.substr(tag, fault.place.begin - tag).find('>') == std::string_view::npos;
+    if (isInTag)
+        return {Text::escapedTag};
+    if (m_originalFormat != nullptr && fault.problem.rule == KT_RULE_POSITION_MISSING && written.size() > 1)
+        for (const Conversion &there : m_originalFormat->conversions)
+            if (there.written.substr(0, there.written.find('[')) == written)
+                return {Text::typedPlaceholder, {written, tagOf(there)}};
+    return {Text::badConversion, {written, problemShown(fault.problem)}};
 }
 
 /** Whether the position is one at which the reference takes an argument, and can be compared. */
 bool MessageCheck::isArgument(int position) const
 {
-    if (m_pair.originalFormat == nullptr || !m_pair.originalFormat->isAccepted)
+    if (m_originalFormat == nullptr || !m_originalFormat->isAccepted)
         return false;
-    const Conversion *const there = m_pair.originalFormat->find(position);
+    const Conversion *const there = m_originalFormat->find(position);
     return there != nullptr && !there->slots.empty();
 }
 
@@ -372,7 +320,7 @@ void MessageCheck::checkPositions(const Format &format)
         for (const Conversion &conversion : format.conversions)
             if (conversion.position > gap.last && (behind == nullptr || conversion.position < behind->position))
                 behind = &conversion;
-        const Range place = behind != nullptr ? placeOf(behind->place) : m_pair.message.source;
+        const Range place = behind != nullptr ? placeOf(behind->place) : m_message.source;
         find(Rule::positionGap, place,
              rest.first == rest.last ? Phrase{Text::positionMissing, {countable(rest.first)}}
                                      : Phrase{Text::positionsMissing, {countable(rest.first), countable(rest.last)}});
@@ -382,8 +330,9 @@ void MessageCheck::checkPositions(const Format &format)
 void MessageCheck::checkTyped(const Format &format)
 {
     for (const Conversion &conversion : format.conversions)
-        if (m_catalog.isText(m_pair.message, m_text.beforeEscapes(conversion.place).begin))
-            find(Rule::typedConversion, placeOf(conversion.place), {Text::typedConversion, {conversion.written}});
+        if (m_catalog.isText(m_message, m_text.beforeEscapes(conversion.place).begin))
+            find(Rule::typedConversion, placeOf(conversion.place),
+                 {Text::typedConversion, {conversion.written, tagOf(conversion)}});
 }
 
 void MessageCheck::checkRegion(const Format &format)
@@ -396,9 +345,9 @@ void MessageCheck::checkRegion(const Format &format)
         find(Rule::regionOpen, placeOf(last->place), {Text::regionOpen, {last->written}});
 }
 
-std::optional<Note> MessageCheck::noteOn(const Conversion &conversion) const
+Note MessageCheck::noteOn(const Conversion &conversion) const
 {
-    return Note{true, locateOriginal(conversion.place), {Text::referenceHas, {conversion.written}}};
+    return Note{true, m_subject.placeOfOriginal(conversion.place), {Text::referenceHas, {conversion.written}}};
 }
 
 /** All slots of a format in the order in which arguments are passed. */
@@ -412,13 +361,13 @@ std::vector<Slot> argumentsOf(const Format &format)
 
 void MessageCheck::findMissing(const Conversion &there, bool leavesGap)
 {
-    find(Rule::argumentMissing, m_pair.message.unit,
-         {leavesGap ? Text::argumentLost : Text::lastArgumentLost, {countable(there.position), there.written}});
+    find(Rule::argumentMissing, m_message.unit,
+         {leavesGap ? Text::argumentLost : Text::lastArgumentLost, {countable(there.position), tagOf(there)}});
 }
 
 void MessageCheck::compareArguments(const Format &format)
 {
-    const Format &original = *m_pair.originalFormat;
+    const Format &original = *m_originalFormat;
     const bool agrees = format.isAccepted && argumentsOf(format) == argumentsOf(original);
     std::set<int> known; // positions of conversions that nobody knows; 0 where one may be meant for any argument
     for (const FormatFault &fault : format.faults)
@@ -429,8 +378,8 @@ void MessageCheck::compareArguments(const Format &format)
     for (const Conversion &there : original.conversions)
         if (const Conversion *const here = format.find(there.position))
         {
-            if (here->slots == there.slots && here->name != there.name &&
-                !differInLanguageAlone(here->name, there.name))
+            const bool isOther = here->name != there.name && !differInLanguageAlone(here->name, there.name);
+            if (here->slots == there.slots && (isOther || showsOtherwise(*here, there)))
                 find(Rule::conversionChanged, placeOf(here->place),
                      {Text::conversionChanged, {here->written, there.written}}, noteOn(there));
             else if (!agrees)
@@ -444,7 +393,7 @@ void MessageCheck::compareArguments(const Format &format)
         if (original.find(here.position) == nullptr && !here.slots.empty())
             find(Rule::argumentExtra, placeOf(here.place),
                  {Text::argumentExtra, {countable(here.position), here.written}},
-                 Note{true, m_pair.original->source,
+                 Note{true, m_subject.original().source,
                       counted(Text::referenceTakesOne, Text::referenceTakesMany, argumentsOf(original).size())});
 }
 
@@ -477,16 +426,16 @@ const Conversion *conversionOf(const Format &format, size_t slot)
 /** Finds the first argument that the original puts through an encoder and this message does not. */
 void MessageCheck::compareEncoding(const Format &format)
 {
-    const std::vector<Conversion> &originals = m_pair.originalFormat->conversions;
+    const std::vector<Conversion> &originals = m_originalFormat->conversions;
     const auto opensRegion = [](const Conversion &conversion) { return conversion.name == "N"; };
     if (std::none_of(originals.begin(), originals.end(), opensRegion))
         return;
     KTProblem problem{};
     problem.structSize = sizeof problem;
-    if (KTCompareFormats(m_text.text().data(), m_original.text().data(), m_table, &problem) == KT_ERR_NO_MEMORY)
+    if (KTCompareFormats(m_text.text().data(), m_subject.originalText().data(), m_table, &problem) == KT_ERR_NO_MEMORY)
         throw std::bad_alloc();
     const Conversion *const here = conversionOf(format, problem.slot);
-    const Conversion *const there = conversionOf(*m_pair.originalFormat, problem.slot);
+    const Conversion *const there = conversionOf(*m_originalFormat, problem.slot);
     if (problem.rule == KT_RULE_ENCODING_LOST && here != nullptr && there != nullptr)
         find(Rule::encodingLost, placeOf(here->place), {Text::encodingLost, {here->written}}, noteOn(*there));
 }
@@ -533,25 +482,12 @@ bool isSparse(size_t messages, int highest)
     return unused >= many && unused >= 7 * messages;
 }
 
-/** Whether two names of languages are one, as "de_AT" and "de-at" are. */
-bool isSameLanguage(const std::string &a, const std::string &b)
-{
-    const auto isSame = [](char x, char y) {
-        return x == y || std::tolower(x) == std::tolower(y) || (x == '-' && y == '_') || (x == '_' && y == '-');
-    };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame);
-}
-
 void checkWhole(const Catalog &catalog, const Reference *reference, Findings &findings)
 {
-    if (reference != nullptr && !catalog.language().empty() &&
-        isSameLanguage(catalog.language(), reference->catalog().language()))
-    {
-        const Range place = catalog.languagePlace();
-        findings.push_back({Rule::sameLanguage, 0, place.begin, place,
-                            Phrase{Text::languageOfReference, {catalog.language()}},
-                            Note{true, reference->catalog().languagePlace(), {Text::referenceHasItHere}}});
-    }
+    checkEncoding(catalog, findings);
+    checkLanguage(catalog, reference != nullptr ? &reference->catalog() : nullptr, findings);
+    if (reference != nullptr)
+        compareProduct(catalog, reference->catalog(), findings);
     const std::vector<Message> &messages = catalog.messages();
     if (messages.empty())
         return;
@@ -582,6 +518,7 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
     static const std::vector<Message> none;
     const std::vector<Message> &originals = reference != nullptr ? reference->catalog().messages() : none;
     auto original = originals.begin();
+    const Scripts scripts(catalog.language());
     int done = 0; // the number of the last message that was looked at, here or there
     const auto missBelow = [&](int64_t id) {
         for (; original != originals.end() && original->id < id; done = (original++)->id)
@@ -602,9 +539,21 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
         if (!message.isComplete)
             continue;
         const bool isComparable = hasOriginal && isFirst && original->isComplete;
-        const Pair pair{message, isComparable ? &*original : nullptr,
-                        isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr};
-        MessageCheck(catalog, table, reference, pair, findings).run();
+        const Catalog *const compared = isComparable ? &reference->catalog() : nullptr;
+        Subject subject(catalog, message, compared, isComparable ? &*original : nullptr, findings);
+        MessageCheck(subject, table, isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr)
+            .run();
+        checkDamage(subject);
+        scripts.check(subject);
+        if (isComparable)
+        {
+            compareName(subject);
+            compareAge(subject);
+            compareWording(subject);
+        }
+        else
+            checkSlashes(subject);
+        subject.finish();
     }
     missBelow(int64_t{INT_MAX} + 1);
     checkWhole(catalog, reference, findings);

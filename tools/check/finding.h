@@ -65,8 +65,11 @@ struct Diagnostic
 /** What is to be told of one file. */
 struct Report
 {
+    std::string file; // its name
     std::vector<Diagnostic> diagnostics;
     std::string failure; // why the file could not be checked, for a terminal; else empty
+    size_t untoldErrors = 0;
+    size_t untoldWarnings = 0;
 };
 
 /**
@@ -77,6 +80,12 @@ struct Report
  */
 std::vector<Diagnostic> report(Findings findings, SourceText &source, const SourceText *reference,
                                const Levels &levels);
+
+constexpr size_t noLimit = static_cast<size_t>(-1);
+
+/** The same, but for so many of them at most, errors before warnings. */
+Report reportUpTo(size_t limit, Findings findings, SourceText &source, const SourceText *reference,
+                  const Levels &levels);
 
 } // namespace tool::check
 

@@ -103,14 +103,29 @@ public:
         m_isFirst = false;
     }
 
+    void tellUnread(const std::string &file) override
+    {
+        m_unread += fmt::format("{}{}", m_unread.empty() ? "" : ", ", jsonString(file));
+    }
+
+    void tellUntold(const Report &report) override
+    {
+        m_untold += fmt::format("{}{{\"file\": {}, \"errors\": {}, \"warnings\": {}}}", m_untold.empty() ? "" : ", ",
+                                jsonString(report.file), report.untoldErrors, report.untoldWarnings);
+    }
+
     void end(const Summary &summary) override
     {
-        print(fmt::format("{}],\n  \"summary\": {{\"files\": {}, \"errors\": {}, \"warnings\": {}}}\n}}\n",
-                          m_isFirst ? "" : "\n  ", summary.files, summary.errors, summary.warnings));
+        print(fmt::format("{}],\n  \"unread\": [{}],\n  \"untold\": [{}],\n"
+                          "  \"summary\": {{\"files\": {}, \"errors\": {}, \"warnings\": {}, \"known\": {}}}\n}}\n",
+                          m_isFirst ? "" : "\n  ", m_unread, m_untold, summary.files, summary.errors, summary.warnings,
+                          summary.known));
     }
 
 private:
     std::string m_reference;
+    std::string m_unread;
+    std::string m_untold;
     bool m_isFirst = true;
 };
 
@@ -168,10 +183,33 @@ public:
         m_isFirst = false;
     }
 
-    void end(const Summary &) override { print(fmt::format("{}]\n  }}]\n}}\n", m_isFirst ? "" : "\n    ")); }
+    void tellUnread(const std::string &file) override
+    {
+        m_isSuccessful = false;
+        addNotification("error", file, {Text::fileUnread});
+    }
+
+    void tellUntold(const Report &report) override { addNotification("warning", report.file, untoldOf(report)); }
+
+    void end(const Summary &) override
+    {
+        print(fmt::format("{}],\n    \"invocations\": [{{\"executionSuccessful\": {}, "
+                          "\"toolExecutionNotifications\": [{}]}}]\n  }}]\n}}\n",
+                          m_isFirst ? "" : "\n    ", m_isSuccessful, m_notifications));
+    }
 
 private:
+    void addNotification(const char *level, const std::string &file, const Phrase &text)
+    {
+        m_notifications +=
+            fmt::format("{}{{\"level\": \"{}\", \"message\": {{\"text\": {}}}, \"locations\": "
+                        "[{{\"physicalLocation\": {{\"artifactLocation\": {{\"uri\": {}}}}}}}]}}",
+                        m_notifications.empty() ? "" : ", ", level, english(text), jsonString(uriOf(file)));
+    }
+
     const Levels *m_levels;
+    std::string m_notifications;
+    bool m_isSuccessful = true;
     bool m_isFirst = true;
 };
 
@@ -199,6 +237,9 @@ class GithubWriter : public Writer
 public:
     explicit GithubWriter(Sink sink) : Writer(std::move(sink)) {}
 
+    void tellUnread(const std::string &file) override { tellOfFile("error", file, {Text::fileUnread}); }
+    void tellUntold(const Report &report) override { tellOfFile("warning", report.file, untoldOf(report)); }
+
     void write(const Diagnostic &diagnostic) override
     {
         const Place &place = diagnostic.place;
@@ -212,6 +253,12 @@ public:
                           nameOf(diagnostic.severity), annotation(place.file, true), place.begin.line, place.end.line,
                           place.begin.column, isInLine ? place.end.column - 1 : place.begin.column,
                           rowOf(diagnostic.rule).name, annotation(text, false)));
+    }
+
+private:
+    void tellOfFile(const char *level, const std::string &file, const Phrase &text)
+    {
+        print(fmt::format("::{} file={}::{}\n", level, annotation(file, true), annotation(sayInEnglish(text), false)));
     }
 };
 

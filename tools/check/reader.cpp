@@ -1,5 +1,6 @@
 #include "check/catalog.h"
 #include "check/digest.h"
+#include "check/xml_fault.h"
 #include "kelto.h"
 #include "memory_file.h"
 
@@ -202,7 +203,6 @@ private:
     void finishMessages();
     void checkLimits();
     void findSyntaxError();
-    template <typename IsWanted> size_t behindAll(size_t offset, IsWanted isWanted) const;
 
     Range event() const;
     Message *message() { return m_hasMessage ? &m_message : nullptr; }
@@ -217,7 +217,8 @@ private:
     bool m_hasMessage = false; // the unit has a number
     Message m_message;
     bool m_takesText = false;
-    std::string m_stray; // how the text begins that is ignored here; empty where there is none
+    std::optional<CheckerNote> m_note; // that is open
+    std::string m_stray;               // how the text begins that is ignored here; empty where there is none
     Range m_strayPlace;
 
     bool m_hasDoctype = false;
@@ -316,6 +317,8 @@ void Reader::start(const char *name, const char **attributes)
         startFile(attributes, tag);
     else if (element == Element::body)
         m_catalog.m_body = tag;
+    else if (element == Element::note && CheckerNote::isOne(findAttribute(attributes, "from")))
+        m_note.emplace(event());
 }
 
 bool Reader::needAttribute(const char **attributes, const char *name, const char *element, Range tag)
@@ -335,16 +338,18 @@ void Reader::startFile(const char **attributes, Range tag)
     if (const char *const language = findAttribute(attributes, "source-language"))
     {
         const size_t length = std::strlen(language);
-        m_catalog.m_languagePlace = m_catalog.locateAttribute(tag, "source-language");
+        const Range place = m_catalog.locateAttribute(tag, "source-language");
         if (length == 2 || length == 5)
-            m_catalog.m_language = language;
+            m_catalog.m_language = {language, place};
         else
-            find(Rule::language, m_catalog.m_languagePlace, {Text::badLanguage, {quotation(language)}});
+            find(Rule::language, place, {Text::badLanguage, {quotation(language)}});
     }
     else
         needAttribute(attributes, "source-language", "file", tag);
-    needAttribute(attributes, "product-name", "file", tag);
-    needAttribute(attributes, "product-version", "file", tag);
+    for (const auto &[name, kept] : {std::pair("product-name", &m_catalog.m_productName),
+                                     std::pair("product-version", &m_catalog.m_productVersion)})
+        if (needAttribute(attributes, name, "file", tag))
+            *kept = {findAttribute(attributes, name), m_catalog.locateAttribute(tag, name)};
 }
 
 int messageId(const char *text)
@@ -422,6 +427,8 @@ void Reader::addText(const char *text, size_t length)
     }
     if (m_skipped > 0)
         return;
+    if (m_note)
+        m_note->add({text, length});
     if (!m_takesText)
     {
         addStray({text, length});
@@ -496,6 +503,11 @@ void Reader::end()
     m_takesText = m_open.back().element == Element::source && (m_open.back().held & bit(Element::context)) == 0;
     if (closed.element == Element::source)
         endSource();
+    if (closed.element == Element::note && m_note)
+    {
+        m_note->finish(m_message.id, m_message.unit.begin, m_catalog.m_suppressions, m_catalog.m_findings);
+        m_note.reset();
+    }
     const unsigned missing = rowOf(closed.element).needed & ~closed.held;
     if (missing != 0 && !closed.isIncomplete)
         for (const Element element : {Element::file, Element::header, Element::body, Element::source})
@@ -583,19 +595,8 @@ void Reader::checkLimits()
         find(Rule::xmlSyntax, m_doctype, {m_hasDoctype ? Text::costsTooMuch : Text::tokenTooLong});
 }
 
-/** Where the first character stands, from an offset on, that is not as wanted. */
-template <typename IsWanted> size_t Reader::behindAll(size_t offset, IsWanted isWanted) const
-{
-    const SourceText &source = m_catalog.m_source;
-    for (size_t next = offset; offset < source.bytes().size(); offset = next)
-        if (!isWanted(source.take(next, source.bytes().size())))
-            break;
-    return offset;
-}
-
 void Reader::findSyntaxError()
 {
-    const SourceText &source = m_catalog.m_source;
     const XML_Error error = XML_GetErrorCode(m_parser.get());
     m_catalog.m_isWhole = false;
     if (error == XML_ERROR_ABORTED)
@@ -606,19 +607,7 @@ void Reader::findSyntaxError()
     if (error == XML_ERROR_NO_MEMORY)
         throw std::bad_alloc();
     const auto index = static_cast<size_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(m_parser.get()), 0));
-    Range place{std::min(index, source.bytes().size()), 0};
-    place.end = place.begin;
-    if (place.begin < source.bytes().size())
-        source.take(place.end, source.bytes().size());
-    constexpr size_t mergeMark = 7; // of these the parser stops at the second
-    size_t marks = 0;
-    if (error == XML_ERROR_UNKNOWN_ENCODING)
-        place.end = behindAll(place.begin, [](char32_t character) { return character != '"' && character != '\''; });
-    else if (error == XML_ERROR_INVALID_TOKEN)
-        behindAll(place.begin, [&marks](char32_t character) { return character == '<' && ++marks < mergeMark; });
-    constexpr unsigned errorsAbove = 300;
-    const Shown why = marks + 1 == mergeMark ? Shown(Phrase{Text::mergeMark})
-                                             : textNumbered(errorsAbove + error, XML_ErrorString(error));
+    const auto [place, why] = explainXmlFault(m_catalog.m_source, error, index);
     if (error == XML_ERROR_TAG_MISMATCH && m_skipped == 0)
         find(Rule::xmlSyntax, place, {Text::notWellFormedIn, {why, rowOf(m_open.back().element).name}});
     else

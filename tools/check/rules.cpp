@@ -68,6 +68,33 @@ constexpr RuleRow rows[] = {
      Text::bidiControlsRight},
     {"doctype", Severity::warning, Text::doctypeRule, Text::doctypePage, Text::doctypeWrong, Text::doctypeRight},
     {"outdated", Severity::warning, Text::outdatedRule, Text::outdatedPage, Text::outdatedWrong, Text::outdatedRight},
+    {"mojibake", Severity::warning, Text::mojibakeRule, Text::mojibakePage, Text::mojibakeWrong, Text::mojibakeRight},
+    {"lost-character", Severity::warning, Text::lostCharacterRule, Text::lostCharacterPage, Text::lostCharacterWrong,
+     Text::lostCharacterRight},
+    {"double-escape", Severity::warning, Text::doubleEscapeRule, Text::doubleEscapePage, Text::doubleEscapeWrong,
+     Text::doubleEscapeRight},
+    {"invisible-character", Severity::warning, Text::invisibleCharacterRule, Text::invisibleCharacterPage,
+     Text::invisibleCharacterWrong, Text::invisibleCharacterRight},
+    {"wrong-script", Severity::warning, Text::wrongScriptRule, Text::wrongScriptPage, Text::wrongScriptWrong,
+     Text::wrongScriptRight},
+    {"line-break", Severity::warning, Text::lineBreakRule, Text::lineBreakPage, Text::lineBreakWrong,
+     Text::lineBreakRight},
+    {"end-punctuation", Severity::warning, Text::endPunctuationRule, Text::endPunctuationPage,
+     Text::endPunctuationWrong, Text::endPunctuationRight},
+    {"unbalanced", Severity::warning, Text::unbalancedRule, Text::unbalancedPage, Text::unbalancedWrong,
+     Text::unbalancedRight},
+    {"literal-changed", Severity::warning, Text::literalChangedRule, Text::literalChangedPage,
+     Text::literalChangedWrong, Text::literalChangedRight},
+    {"untranslated", Severity::off, Text::untranslatedRule, Text::untranslatedPage, Text::untranslatedWrong,
+     Text::untranslatedRight},
+    {"attribute-differs", Severity::warning, Text::attributeDiffersRule, Text::attributeDiffersPage,
+     Text::attributeDiffersWrong, Text::attributeDiffersRight},
+    {"path-language", Severity::warning, Text::pathLanguageRule, Text::pathLanguagePage, Text::pathLanguageWrong,
+     Text::pathLanguageRight},
+    {"bad-suppression", Severity::warning, Text::badSuppressionRule, Text::badSuppressionPage,
+     Text::badSuppressionWrong, Text::badSuppressionRight},
+    {"incomplete", Severity::error, Text::incompleteRule, Text::incompletePage, Text::incompleteWrong,
+     Text::incompleteRight},
     {"bad-name", Severity::error, Text::badNameRule, Text::badNamePage, Text::badNameWrong, Text::badNameRight},
 };
 static_assert(sizeof rows == ruleCount * sizeof(RuleRow));
@@ -83,7 +110,8 @@ bool takePrefix(std::string_view &text, std::string_view prefix)
 
 std::string severityOf(const RuleRow &row)
 {
-    return say(row.severity == Severity::error ? Text::errorName : Text::warningName);
+    constexpr Text names[] = {Text::offName, Text::warningName, Text::errorName};
+    return say(names[static_cast<size_t>(row.severity)]);
 }
 
 /** With blanks behind it up to a number of columns. */
@@ -141,10 +169,12 @@ Levels::Levels()
 std::string Levels::apply(std::string_view option)
 {
     std::string_view name = option;
-    if (name == "error")
+    if (name == "error" || name == "no-error")
     {
-        for (Severity &severity : m_severities)
-            severity = severity == Severity::warning ? Severity::error : severity;
+        const Severity from = name == "error" ? Severity::warning : Severity::error;
+        for (size_t i = 0; i < ruleCount; ++i)
+            if (m_severities[i] == from && rows[i].severity != Severity::error)
+                m_severities[i] = name == "error" ? Severity::error : Severity::warning;
         return "";
     }
     const bool isNo = takePrefix(name, "no-");
@@ -152,14 +182,32 @@ std::string Levels::apply(std::string_view option)
     const std::optional<Rule> rule = findRule(name);
     if (!rule)
         return say(Text::noRuleNamed, {terminal().quote(name)});
-    if (isNo && rowOf(*rule).severity == Severity::error)
+    if (isNo && isFixed(*rule))
         return say(Text::ruleStays);
-    if (isError)
-        at(*rule) = isNo ? Severity::warning : Severity::error;
+    if (isError && isNo)
+        at(*rule) = std::min(at(*rule), Severity::warning);
+    else if (isError)
+        at(*rule) = Severity::error;
     else if (isNo)
         at(*rule) = Severity::off;
     else if (at(*rule) == Severity::off)
-        at(*rule) = Severity::warning;
+        at(*rule) = std::max(rowOf(*rule).severity, Severity::warning);
+    return "";
+}
+
+std::string Levels::set(std::string_view name, std::string_view severity)
+{
+    constexpr std::string_view severities[] = {"off", "warning", "error"};
+    const auto *const found = std::find(std::begin(severities), std::end(severities), severity);
+    if (found == std::end(severities))
+        return say(Text::noSeverity, {terminal().quote(severity)});
+    const std::optional<Rule> rule = findRule(name);
+    if (!rule)
+        return say(Text::noRuleNamed, {terminal().quote(name)});
+    const auto wanted = static_cast<Severity>(found - std::begin(severities));
+    if (isFixed(*rule) && wanted != Severity::error)
+        return say(Text::ruleStays);
+    at(*rule) = wanted;
     return "";
 }
 

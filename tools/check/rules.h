@@ -49,6 +49,20 @@ enum class Rule
     bidiControls,
     doctype,
     outdated,
+    mojibake,
+    lostCharacter,
+    doubleEscape,
+    invisibleCharacter,
+    wrongScript,
+    lineBreak,
+    endPunctuation,
+    unbalanced,
+    literalChanged,
+    untranslated,
+    attributeDiffers,
+    pathLanguage,
+    badSuppression,
+    incomplete,
     badName, // of `kelto gen` alone
 };
 constexpr size_t ruleCount = static_cast<size_t>(Rule::badName) + 1;
@@ -63,7 +77,7 @@ enum class Severity
 struct RuleRow
 {
     const char *name;
-    Severity severity;
+    Severity severity; // as long as no option says otherwise
     Text summary;
     Text explanation; // three sentences
     Text wrong;       // an example, as the next
@@ -71,6 +85,12 @@ struct RuleRow
 };
 
 const RuleRow &rowOf(Rule rule);
+/** Whether it keeps a file from loading, and is an error whatever anybody wants. */
+constexpr bool isFixed(Rule rule)
+{
+    return rule <= Rule::language;
+}
+
 std::optional<Rule> findRule(std::string_view name);
 
 /** The table as --list-rules prints it, and one row as --explain does, in the language of the user. */
@@ -87,10 +107,13 @@ public:
     Severity operator[](Rule rule) const { return m_severities[static_cast<size_t>(rule)]; }
 
     /**
-     * Applies what stands behind a "-W": "RULE", "no-RULE", "error", "error=RULE", "no-error=RULE".
+     * Applies what stands behind a "-W": "RULE", "no-RULE", "error", "no-error", "error=RULE", "no-error=RULE".
      * @return an empty text, or what is wrong with it.
      */
     std::string apply(std::string_view option);
+
+    /** Applies "off", "warning" or "error" to the rule of a name; as apply(). */
+    std::string set(std::string_view name, std::string_view severity);
 
 private:
     Severity &at(Rule rule) { return m_severities[static_cast<size_t>(rule)]; }

@@ -46,6 +46,12 @@ public:
                               show(say(diagnostic.noteText))));
     }
 
+    void tellUntold(const Report &report) override
+    {
+        print(fmt::format("{} {}\n", coloured(bold, terminal().showBytes(report.file) + ":"),
+                          show(say(untoldOf(report)))));
+    }
+
     void end(const Summary &summary) override
     {
         const Phrase errors = counted(Text::oneError, Text::manyErrors, summary.errors);
@@ -53,6 +59,10 @@ public:
         if (!m_isQuiet && summary.files > 0)
             print(show(say(counted(Text::foundInOneFile, Text::foundInManyFiles, summary.files, {errors, warnings}))) +
                   "\n");
+        if (!m_isQuiet && summary.known > 0)
+            print(show(say(counted(Text::oneKnown, Text::manyKnown, summary.known))) + "\n");
+        if (!m_isQuiet && summary.stale > 0)
+            print(show(say(counted(Text::oneStale, Text::manyStale, summary.stale))) + "\n");
     }
 
 private:
@@ -99,6 +109,11 @@ private:
 };
 
 } // namespace
+
+Phrase untoldOf(const Report &report)
+{
+    return counted(Text::oneUntold, Text::manyUntold, report.untoldErrors + report.untoldWarnings);
+}
 
 Phrase sentenceOf(const Diagnostic &diagnostic)
 {

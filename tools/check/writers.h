@@ -23,6 +23,8 @@ struct Summary
     size_t files = 0;
     size_t errors = 0;
     size_t warnings = 0;
+    size_t known = 0; // of a baseline, which are not told
+    size_t stale = 0; // lines of it that nothing was found for
 };
 
 class Writer
@@ -35,6 +37,10 @@ public:
 
     virtual void begin() {}
     virtual void write(const Diagnostic &diagnostic) = 0;
+    /** That a file could not be read, which people are told of elsewhere. */
+    virtual void tellUnread(const std::string &) {}
+    /** That a file has more findings than are told. */
+    virtual void tellUntold(const Report &) {}
     virtual void end(const Summary &) {}
 
 protected:
@@ -59,6 +65,9 @@ std::unique_ptr<Writer> githubWriter(Sink sink, const WriterOptions &options);
 
 /** "message 1: …": what a diagnostic says, by itself. */
 Phrase sentenceOf(const Diagnostic &diagnostic);
+
+/** "5 more findings are not told": of a file that has more than the limit. */
+Phrase untoldOf(const Report &report);
 
 /** A text as a JSON string, between quotation marks; bytes that are no UTF-8 become U+FFFD. */
 std::string jsonString(std::string_view text);

@@ -16,8 +16,8 @@ _kelto_options() {
     stats) echo '--reference= --html= --used --namespace= --form= --help' ;;
     pseudo) echo '--output= --expand= --bidi --form= --help' ;;
     check)
-        echo '--reference= --format= --output= --color= --raw --form= --jobs= --stdin-filename= --quiet --list-rules
-            --explain= --help -Werror'
+        echo '--reference= --project= --complete= --baseline= --update-baseline --limit= --format= --output= --color=
+            --raw --form= --jobs= --stdin-filename= --quiet --list-rules --explain= --help -Werror -Wno-error'
         ;;
     convert) echo '--from= --to= --strict --list-charsets --help' ;;
     esac
@@ -29,7 +29,8 @@ _kelto_kind() {
     check:--format) echo form ;;
     check:--color) echo when ;;
     check:--explain) echo rule ;;
-    compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output) echo file ;;
+    compile:-o | compile:--output | check:-r | check:--reference | check:-o | check:--output | \
+        check:--project | check:--baseline) echo file ;;
     gen:-o | gen:--output | gen:--depfile | pseudo:-o | pseudo:--output) echo file ;;
     export:-r | export:--reference | export:--update | export:-o | export:--output) echo file ;;
     import:-r | import:--reference | import:-o | import:--output) echo file ;;
@@ -40,18 +41,19 @@ _kelto_kind() {
     pseudo:--expand | pseudo:--form | export:--language | export:--form) echo other ;;
     import:--language | import:--form) echo other ;;
     format:-l | format:--language | list:-l | list:--language) echo other ;;
+    check:--complete | check:--limit) echo other ;;
     gen:--form | gen:--namespace | check:--form | check:-j | check:--jobs | check:--stdin-filename) echo other ;;
     format:-c | format:--charset | convert:-f | convert:--from | convert:-t | convert:--to) echo charset ;;
     esac
 }
 
-# The rules of the checker, behind each of the prefixes: "all", or what can be chosen, since errors stay as they are.
-# The list, in English, puts "name error|warning summary" in a line.
+# The rules of the checker, behind each of the prefixes: "all", or what can be chosen, since those that keep a file from
+# loading stay as they are. The list, in English, puts "name error|warning|off summary" in a line.
 _kelto_rules() {
-    local rules prefix only=warning
-    [ "$1" != all ] || only='[a-z]*'
+    local rules prefix fixed='xml-syntax|structure|attribute-missing|bad-id|duplicate-id|language'
+    [ "$1" != all ] || fixed=
     shift
-    rules=$(LC_ALL=C kelto check --list-rules 2>/dev/null | sed -n "s/^\([a-z-]*\)  *$only .*/\1/p")
+    rules=$(LC_ALL=C kelto check --list-rules 2>/dev/null | sed 's/ .*//' | grep -Evx "$fixed")
     for prefix in "$@"; do
         compgen -P "$prefix" -W "$rules"
     done
@@ -76,7 +78,7 @@ _kelto() {
     fi
     local words=
     if [[ $word = -W* ]]; then
-        words="error $(_kelto_rules chosen '' no- error= no-error=)"
+        words="error no-error $(_kelto_rules chosen '' no- error= no-error=)"
         mapfile -t COMPREPLY < <(compgen -P -W -W "$words" -- "${word#-W}")
         return
     fi

@@ -1,0 +1,198 @@
+#include "check/damage.h"
+
+#include "check/mojibake.h"
+#include "check/utf8.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <map>
+#include <optional>
+#include <unicode/uchar.h>
+
+namespace tool::check
+{
+namespace
+{
+
+std::string codePoint(char32_t character)
+{
+    return fmt::format("U+{:04X}", static_cast<uint32_t>(character));
+}
+
+bool isLetter(char32_t character)
+{
+    return u_isalpha(static_cast<UChar32>(character)) != 0;
+}
+
+bool originalHas(const Subject &subject, std::string_view part)
+{
+    return subject.originalText().find(part) != std::string_view::npos;
+}
+
+/** What cannot be seen and is hardly ever meant; nothing is said where the original has it too. */
+bool isInvisible(char32_t character, std::string_view language)
+{
+    // These part their words with it, which have no blanks between them.
+    constexpr std::string_view parting[] = {"bo", "dz", "ja", "km", "lo", "my", "th", "zh"};
+    if (character == 0x200B)
+        return std::find(std::begin(parting), std::end(parting), language) == std::end(parting);
+    constexpr char32_t others[] = {0x7F, 0x180E, 0x2028, 0x2029, 0x2060, 0x2061, 0x2062, 0x2063, 0x2064, 0xFEFF};
+    return std::find(std::begin(others), std::end(others), character) != std::end(others) ||
+           (character >= 0xFFF9 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
+}
+
+struct Damage
+{
+    Rule rule;
+    Text text;
+};
+
+std::optional<Damage> damageOf(char32_t character, std::string_view language)
+{
+    if (character == 0xFFFD)
+        return Damage{Rule::lostCharacter, Text::characterLost};
+    if (character >= 0x80 && character < 0xA0)
+        return Damage{Rule::mojibake, Text::controlCharacter};
+    if (isInvisible(character, language))
+        return Damage{Rule::invisibleCharacter, Text::characterInvisible};
+    return std::nullopt;
+}
+
+/** Characters that stand for themselves: lost ones, and such as cannot be seen. */
+void checkCharacters(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    const std::string_view language = std::string_view(subject.catalog().language()).substr(0, 2);
+    std::map<char32_t, bool> inOriginal;
+    for (size_t at = 0; at < text.size();)
+    {
+        if (static_cast<unsigned char>(text[at]) < 0x7F)
+        {
+            ++at;
+            continue;
+        }
+        const size_t begin = at;
+        const char32_t character = takeUtf8(text, at);
+        const std::optional<Damage> damage = damageOf(character, language);
+        if (!damage)
+            continue;
+        const auto [known, isNew] = inOriginal.try_emplace(character);
+        if (isNew)
+            known->second = originalHas(subject, text.substr(begin, at - begin));
+        if (!known->second)
+            subject.find(damage->rule, subject.placeOf({begin, at}), {damage->text, {codePoint(character)}});
+    }
+}
+
+/** Question marks in place of letters: within a word, or many in a row. */
+void checkQuestionMarks(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    if (originalHas(subject, "??"))
+        return;
+    for (size_t at = text.find('?'); at < text.size() && !subject.isFull(Rule::lostCharacter); at = text.find('?', at))
+    {
+        const size_t begin = at;
+        at = std::min(text.find_first_not_of('?', at), text.size());
+        size_t word = begin;
+        while (word > 0 && static_cast<unsigned char>(text[word - 1]) > ' ')
+            --word;
+        const std::string_view whole = text.substr(word, std::min(text.find(' ', word), text.size()) - word);
+        if (whole.find_first_of("/=&:.") != std::string_view::npos || originalHas(subject, whole))
+            continue;
+        size_t last = begin;
+        while (last > word && isContinuation(text[--last]))
+            continue;
+        size_t next = at;
+        const bool isInWord = begin > word && isLetter(takeUtf8(text, last)) && at < text.size() &&
+                              isLetter(takeUtf8(text, next)) && u_isupper(static_cast<UChar32>(text[at])) == 0;
+        next = at;
+        const bool isFirst = begin == word && subject.hasOriginal() && !originalHas(subject, "?") && at < text.size() &&
+                             u_islower(static_cast<UChar32>(takeUtf8(text, next))) != 0;
+        const size_t many = subject.hasOriginal() ? 2 : 4;
+        if (isInWord || isFirst || at - begin >= many)
+            subject.find(Rule::lostCharacter, subject.placeOf({begin, at}),
+                         {Text::lettersLost, {quotation(text.substr(begin, at - begin))}});
+    }
+}
+
+/** How long a reference as "&lt;" is that a text begins with; 0 where there is none. */
+size_t referenceLength(std::string_view text)
+{
+    constexpr std::string_view names[] = {"amp",  "lt",    "gt",     "quot",  "apos",   "nbsp",   "copy",
+                                          "reg",  "trade", "hellip", "ndash", "mdash",  "laquo",  "raquo",
+                                          "auml", "ouml",  "uuml",   "szlig", "eacute", "egrave", "agrave"};
+    const size_t end = text.find(';');
+    if (end == std::string_view::npos || end < 2)
+        return 0;
+    const std::string_view name = text.substr(1, end - 1);
+    const bool isNamed = std::find(std::begin(names), std::end(names), name) != std::end(names);
+    const std::string_view digits = name[0] != '#'              ? std::string_view()
+                                    : name.substr(0, 2) == "#x" ? name.substr(2)
+                                                                : name.substr(1);
+    const bool isNumber =
+        !digits.empty() && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+    return isNamed || isNumber ? end + 1 : 0;
+}
+
+void checkEscapedTwice(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    for (size_t at = text.find('&'); at < text.size() && !subject.isFull(Rule::doubleEscape);
+         at = text.find('&', at + 1))
+        if (const size_t length = referenceLength(text.substr(at));
+            length > 0 && !originalHas(subject, text.substr(at, length)))
+            subject.find(Rule::doubleEscape, subject.placeOf({at, at + length}),
+                         {Text::escapedTwice, {quotation(text.substr(at, length))}});
+}
+
+/** A line of a message that parts two versions of it. */
+void checkMergeMarks(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    for (const char mark : {'<', '|', '=', '>'})
+    {
+        const std::string marks(7, mark);
+        for (size_t at = text.find(marks); at < text.size() && !subject.isFull(Rule::strayText);
+             at = text.find(marks, at))
+        {
+            const size_t end = std::min(text.find_first_not_of(mark, at), text.size());
+            const bool isLine = (at == 0 || text[at - 1] == '\n') && end - at == marks.size() &&
+                                (end == text.size() || text[end] == '\n' || text[end] == ' ');
+            if (isLine && !originalHas(subject, marks))
+                subject.find(Rule::strayText, subject.placeOf({at, end}), {Text::mergeMark});
+            at = end;
+        }
+    }
+}
+
+} // namespace
+
+void checkDamage(Subject &subject)
+{
+    const bool isLatin1 = subject.catalog().source().encoding() == SourceText::Encoding::latin1;
+    if (!isLatin1 || !beyondAscii(subject.catalog().source().bytes())) // else that is told of the whole
+    {
+        const std::optional<Misreading> misreading = findMisreading(subject.text());
+        if (misreading && !originalHas(subject, subject.text().substr(misreading->place.begin,
+                                                                      misreading->place.end - misreading->place.begin)))
+            subject.find(Rule::mojibake, subject.placeOf(misreading->place),
+                         {Text::misread, {quotation(misreading->meant), misreading->charset}});
+        else
+            checkCharacters(subject);
+    }
+    checkQuestionMarks(subject);
+    checkEscapedTwice(subject);
+    checkMergeMarks(subject);
+}
+
+void checkEncoding(const Catalog &catalog, Findings &findings)
+{
+    const SourceText &source = catalog.source();
+    if (source.encoding() != SourceText::Encoding::latin1)
+        return;
+    if (const std::optional<size_t> first = beyondAscii(source.bytes()))
+        findings.push_back({Rule::mojibake, 0, *first, {*first, *first + 1}, Phrase{Text::utf8AsLatin1}, std::nullopt});
+}
+
+} // namespace tool::check

@@ -1,0 +1,20 @@
+/**
+ * Texts that were damaged on their way through editors and tools: read in a wrong charset, with characters that were
+ * lost, escaped twice, or with some that cannot be seen.
+ */
+#ifndef KELTO_TOOLS_CHECK_DAMAGE_H
+#define KELTO_TOOLS_CHECK_DAMAGE_H
+
+#include "check/subject.h"
+
+namespace tool::check
+{
+
+void checkDamage(Subject &subject);
+
+/** The same of the file as a whole: whether its bytes are what it says. */
+void checkEncoding(const Catalog &catalog, Findings &findings);
+
+} // namespace tool::check
+
+#endif

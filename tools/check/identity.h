@@ -1,0 +1,32 @@
+/**
+ * What a file says that it is, and its messages: its language, which may not be that of its path or be that of the
+ * reference, its product, and the names of messages, which tell that their numbers were mixed up.
+ */
+#ifndef KELTO_TOOLS_CHECK_IDENTITY_H
+#define KELTO_TOOLS_CHECK_IDENTITY_H
+
+#include "check/subject.h"
+
+#include <string>
+#include <string_view>
+
+namespace tool::check
+{
+
+/** The language that a path names, as "fr" in "fr/store.xlf", "pt-BR" in "store.pt-BR.xlf"; empty where there is none. */
+std::string languageInPath(std::string_view path);
+
+/** @param reference  null where there is none. */
+void checkLanguage(const Catalog &catalog, const Catalog *reference, Findings &findings);
+
+void compareProduct(const Catalog &catalog, const Catalog &reference, Findings &findings);
+
+/** The names of a message and its original. */
+void compareName(Subject &subject);
+
+/** Whether a message was made from the text that its original has now, where it says of which. */
+void compareAge(Subject &subject);
+
+} // namespace tool::check
+
+#endif

@@ -1,0 +1,105 @@
+#include "check/script.h"
+
+#include "check/utf8.h"
+
+#include <array>
+#include <optional>
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+
+namespace tool::check
+{
+namespace
+{
+
+UScriptCode scriptOf(char32_t character)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    return uscript_getScript(static_cast<UChar32>(character), &status);
+}
+
+/** Those whose letters look like Latin ones. */
+bool looksLatin(UScriptCode script)
+{
+    return script == USCRIPT_CYRILLIC || script == USCRIPT_GREEK;
+}
+
+bool isLetter(char32_t character)
+{
+    return u_isalpha(static_cast<UChar32>(character)) != 0;
+}
+
+std::string nameOf(UScriptCode script)
+{
+    const char *const name = uscript_getName(script);
+    return name != nullptr ? name : "?";
+}
+
+} // namespace
+
+Scripts::Scripts(const std::string &language)
+{
+    std::array<UScriptCode, 8> codes{};
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t count =
+        language.empty() ? 0 : uscript_getCode(language.substr(0, 2).c_str(), codes.data(), codes.size(), &status);
+    if (U_SUCCESS(status) && count > 0)
+        m_scripts.insert(codes.begin(), codes.begin() + count);
+}
+
+void Scripts::check(Subject &subject) const
+{
+    if (m_scripts.empty())
+        return;
+    const auto isOwn = [this](UScriptCode script) {
+        return script == USCRIPT_LATIN || script == USCRIPT_COMMON || script == USCRIPT_INHERITED ||
+               script == USCRIPT_UNKNOWN || script == USCRIPT_BOPOMOFO || m_scripts.count(script) > 0;
+    };
+    const std::string_view text = subject.text();
+    std::optional<std::set<UScriptCode>> original; // found out where it is needed
+    const auto originalHas = [&](UScriptCode script) {
+        if (!original)
+        {
+            original.emplace();
+            for (size_t at = 0; at < subject.originalText().size();)
+                original->insert(scriptOf(takeUtf8(subject.originalText(), at)));
+        }
+        return original->count(script) > 0;
+    };
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        size_t end = at;
+        size_t letters = 0;
+        bool hasLatin = false;
+        UScriptCode foreign = USCRIPT_COMMON;
+        UScriptCode alike = USCRIPT_COMMON;
+        while (at < text.size())
+        {
+            const char32_t character = takeUtf8(text, at);
+            if (!isLetter(character) && u_charType(static_cast<UChar32>(character)) != U_NON_SPACING_MARK)
+                break;
+            end = at;
+            ++letters;
+            const UScriptCode script = scriptOf(character);
+            const bool isMicro = character == 0x3BC && letters == 1;
+            if (isMicro)
+                continue;
+            hasLatin = hasLatin || script == USCRIPT_LATIN;
+            foreign = isOwn(script) ? foreign : script;
+            alike = looksLatin(script) ? script : alike;
+        }
+        const Range place{begin, end};
+        if (foreign != USCRIPT_COMMON && (letters > 1 || !looksLatin(foreign)) && !originalHas(foreign))
+        {
+            subject.find(Rule::wrongScript, subject.placeOf(place),
+                         {Text::foreignScript, {nameOf(foreign), subject.catalog().language()}});
+            return; // one finding tells it of the whole message
+        }
+        if (alike != USCRIPT_COMMON && !subject.isFull(Rule::wrongScript) && hasLatin)
+            subject.find(Rule::wrongScript, subject.placeOf(place),
+                         {Text::mixedScripts, {quotation(text.substr(begin, end - begin)), nameOf(alike)}});
+    }
+}
+
+} // namespace tool::check

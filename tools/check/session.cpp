@@ -1,0 +1,243 @@
+#include "check/session.h"
+
+#include "check/completeness.h"
+#include "check/progress.h"
+#include "failure.h"
+#include "output.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <thread>
+#include <utility>
+
+namespace tool::check
+{
+namespace
+{
+
+SourceText readSource(const std::string &path, const Setting &setting)
+{
+    return {path == "-" ? setting.stdinName : path, readMessageFile(path)};
+}
+
+/** What is found in a file, without what it switches off itself and what is known. */
+Findings findingsOf(const Catalog &catalog, const Reference *reference, const Setting &setting)
+{
+    Findings findings = catalog.findings();
+    Findings others = checkMessages(catalog, setting.table, reference);
+    findings.insert(findings.end(), std::make_move_iterator(others.begin()), std::make_move_iterator(others.end()));
+    suppress(findings, catalog.suppressions());
+    if (setting.complete > 0 && reference != nullptr)
+        requireShare(findings, catalog, reference->catalog(), setting.complete);
+    return findings;
+}
+
+/** The findings that are left to tell when the baseline is looked at. */
+void takeKnown(Findings &findings, const std::string &file, const Setting &setting)
+{
+    if (setting.baseline != nullptr)
+        setting.baseline->takeKnown(findings, file);
+    if (setting.known == nullptr)
+        return;
+    setting.known->add(findings, file, setting.levels);
+    const auto isListed = [](const Finding &finding) { return !isFixed(finding.rule); };
+    findings.erase(std::remove_if(findings.begin(), findings.end(), isListed), findings.end());
+}
+
+Report reportOn(Findings findings, SourceText &source, const Reference *reference, const Setting &setting)
+{
+    takeKnown(findings, source.name(), setting);
+    return reportUpTo(setting.limit, std::move(findings), source,
+                      reference != nullptr ? &reference->catalog().source() : nullptr, setting.levels);
+}
+
+Report checkFile(const std::string &path, const Reference *reference, const Setting &setting)
+{
+    const auto failed = [&path, &setting](std::string why) {
+        return Report{path == "-" ? setting.stdinName : path, {}, std::move(why), 0, 0};
+    };
+    try
+    {
+        Catalog catalog(readSource(path, setting), setting.placeholders);
+        return reportOn(findingsOf(catalog, reference, setting), catalog.source(), reference, setting);
+    }
+    catch (const Failure &failure)
+    {
+        return failed(failure.what());
+    }
+    catch (const std::bad_alloc &)
+    {
+        return failed(inputName(path) + ": " + meaningOf(KT_ERR_NO_MEMORY));
+    }
+}
+
+/** Checks files in threads and hands out the reports in the order of the files. */
+class Workers
+{
+public:
+    Workers(const std::vector<Input> &files, const References &references, const Setting &setting, size_t count)
+        : m_files(files), m_references(references), m_setting(setting), m_reports(files.size())
+    {
+        for (size_t i = 0; i < std::min(count, files.size()); ++i)
+            m_threads.emplace_back([this] { work(); });
+    }
+
+    ~Workers()
+    {
+        m_next = m_files.size();
+        for (std::thread &thread : m_threads)
+            thread.join();
+    }
+
+    Workers(const Workers &) = delete;
+    Workers &operator=(const Workers &) = delete;
+
+    /** The report of a file, which is waited for. */
+    Report take(size_t index, Progress &progress)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        while (!m_reports[index])
+        {
+            m_isReady.wait_for(lock, Progress::interval);
+            progress.show(m_done, m_files.size());
+        }
+        return *std::exchange(m_reports[index], std::nullopt);
+    }
+
+private:
+    void work()
+    {
+        for (size_t index = m_next++; index < m_files.size(); index = m_next++)
+        {
+            Report report = checkFile(m_files[index].path, m_references.at(m_files[index].reference), m_setting);
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_reports[index] = std::move(report);
+            ++m_done;
+            m_isReady.notify_one();
+        }
+    }
+
+    const std::vector<Input> &m_files;
+    const References &m_references;
+    const Setting &m_setting;
+    std::atomic<size_t> m_next{0};
+    std::mutex m_mutex;
+    std::condition_variable m_isReady;
+    std::vector<std::optional<Report>> m_reports;
+    size_t m_done = 0;
+    std::vector<std::thread> m_threads;
+};
+
+/** Tells reports and counts what they hold. */
+class Teller
+{
+public:
+    Teller(Writer &writer, Progress &progress) : m_writer(writer), m_progress(progress) {}
+
+    void tell(const Report &report)
+    {
+        if (!report.failure.empty() || !report.diagnostics.empty())
+            m_progress.hide();
+        if (!report.failure.empty())
+        {
+            complain(report.failure);
+            m_writer.tellUnread(report.file);
+            ++m_unread;
+        }
+        for (const Diagnostic &diagnostic : report.diagnostics)
+        {
+            m_writer.write(diagnostic);
+            ++(diagnostic.severity == Severity::error ? m_summary.errors : m_summary.warnings);
+        }
+        m_summary.errors += report.untoldErrors;
+        m_summary.warnings += report.untoldWarnings;
+        if (report.untoldErrors + report.untoldWarnings > 0)
+            m_writer.tellUntold(report);
+    }
+
+    ExitStatus finish(size_t files, const Baseline *baseline)
+    {
+        m_progress.hide();
+        m_summary.files = files - m_unread;
+        m_summary.known = baseline != nullptr ? baseline->known() : 0;
+        m_summary.stale = baseline != nullptr ? baseline->stale() : 0;
+        m_writer.end(m_summary);
+        if (m_unread > 0)
+            return ExitStatus::failed;
+        return m_summary.errors > 0 ? ExitStatus::negative : ExitStatus::done;
+    }
+
+private:
+    Writer &m_writer;
+    Progress &m_progress;
+    Summary m_summary;
+    size_t m_unread = 0;
+};
+
+} // namespace
+
+struct References::Row
+{
+    Row(const std::string &path, const Setting &setting)
+        : catalog(readSource(path, setting), setting.placeholders), reference(catalog, setting.table)
+    {
+        catalog.source().index();
+    }
+
+    Catalog catalog;
+    Reference reference;
+};
+
+References::References(const std::vector<std::string> &paths, const Setting &setting)
+{
+    for (const std::string &path : paths)
+        m_rows.push_back(std::make_unique<Row>(path, setting));
+}
+
+References::~References() = default;
+
+const Reference *References::at(size_t index) const
+{
+    return index == Input::none ? nullptr : &m_rows[index]->reference;
+}
+
+std::vector<Report> References::reports(const Inputs &inputs, const Setting &setting) const
+{
+    std::vector<Report> reports;
+    for (size_t i = 0; i < m_rows.size(); ++i)
+    {
+        Catalog &catalog = m_rows[i]->catalog;
+        Findings findings = findingsOf(catalog, nullptr, setting);
+        for (const Input &missing : inputs.missing)
+            if (missing.reference == i)
+                findings.push_back({Rule::messageMissing, 0, catalog.body().begin, catalog.body(),
+                                    Phrase{Text::fileMissing, {missing.path}}, std::nullopt});
+        reports.push_back(reportOn(std::move(findings), catalog.source(), nullptr, setting));
+    }
+    return reports;
+}
+
+ExitStatus checkInputs(const Inputs &inputs, const References &references, const Setting &setting, Writer &writer,
+                       size_t jobs)
+{
+    Progress progress;
+    Teller teller(writer, progress);
+    writer.begin();
+    for (const Report &report : references.reports(inputs, setting))
+        teller.tell(report);
+    if (inputs.files.size() == 1)
+        teller.tell(checkFile(inputs.files[0].path, references.at(inputs.files[0].reference), setting));
+    else
+    {
+        Workers workers(inputs.files, references, setting, jobs);
+        for (size_t i = 0; i < inputs.files.size(); ++i)
+            teller.tell(workers.take(i, progress));
+    }
+    return teller.finish(inputs.files.size() + (inputs.isReferenceChecked ? 1 : 0), setting.baseline);
+}
+
+} // namespace tool::check

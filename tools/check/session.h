@@ -1,0 +1,60 @@
+/**
+ * A run over files: each is checked beside its reference, several at once, and told in the order in which they were
+ * given, the references first.
+ */
+#ifndef KELTO_TOOLS_CHECK_SESSION_H
+#define KELTO_TOOLS_CHECK_SESSION_H
+
+#include "check/baseline.h"
+#include "check/checks.h"
+#include "check/inputs.h"
+#include "check/writers.h"
+#include "subcommand.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tool::check
+{
+
+/** What all files are checked with. */
+struct Setting
+{
+    Catalog::Placeholders placeholders = Catalog::Placeholders::positioned;
+    formTable *table = nullptr; // null with --raw
+    Levels levels;
+    std::string stdinName;
+    unsigned complete = 0; // the share of the reference that is wanted, in percent; 0 for none
+    size_t limit = 1000;
+    Baseline *baseline = nullptr;    // or null
+    BaselineWriter *known = nullptr; // or null; what is found goes there, and is not told
+};
+
+/** The files that others are compared with. */
+class References
+{
+public:
+    /** Reads them; throws where that fails. */
+    References(const std::vector<std::string> &paths, const Setting &setting);
+    ~References();
+    References(const References &) = delete;
+    References &operator=(const References &) = delete;
+
+    /** Null for Input::none. */
+    const Reference *at(size_t index) const;
+
+    /** What is found in each by itself, and which translations of it a folder lacks. */
+    std::vector<Report> reports(const Inputs &inputs, const Setting &setting) const;
+
+private:
+    struct Row;
+    std::vector<std::unique_ptr<Row>> m_rows;
+};
+
+ExitStatus checkInputs(const Inputs &inputs, const References &references, const Setting &setting, Writer &writer,
+                       size_t jobs);
+
+} // namespace tool::check
+
+#endif

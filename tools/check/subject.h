@@ -1,0 +1,75 @@
+/**
+ * A message under check: its text, the one that it is compared with, and where the findings against it go. A message
+ * may be megabytes of one mistake, so that of each rule only the first are told, and how many more there are.
+ */
+#ifndef KELTO_TOOLS_CHECK_SUBJECT_H
+#define KELTO_TOOLS_CHECK_SUBJECT_H
+
+#include "check/catalog.h"
+
+#include <map>
+#include <optional>
+#include <string_view>
+
+namespace tool::check
+{
+
+class Subject
+{
+public:
+    /** @param original  what to compare with, a message of the reference; both null where there is nothing. */
+    Subject(const Catalog &catalog, const Message &message, const Catalog *reference, const Message *original,
+            Findings &findings);
+
+    const Catalog &catalog() const { return m_catalog; }
+    const Message &message() const { return m_message; }
+    bool hasOriginal() const { return m_original != nullptr; }
+    const Catalog &reference() const { return *m_reference; }
+    const Message &original() const { return *m_original; }
+
+    /** As programs get them, a zero byte behind each; the second is empty where there is no original. */
+    const ResolvedText &resolved() const { return m_text; }
+    std::string_view text() const { return m_text.text(); }
+    std::string_view originalText() const { return m_originalText.text(); }
+
+    /** Where a part of the text, or of that of the original, stands in its file. */
+    Range placeOf(Range range) const { return m_catalog.locate(m_message, m_text.beforeEscapes(range)); }
+    Range placeOfOriginal(Range range) const
+    {
+        return m_reference->locate(*m_original, m_originalText.beforeEscapes(range));
+    }
+
+    void find(Rule rule, Range place, Phrase text) { add(rule, place, std::move(text), std::nullopt); }
+    void find(Rule rule, Range place, Phrase text, Note note) { add(rule, place, std::move(text), std::move(note)); }
+
+    /** How many findings there are, of the whole file. */
+    size_t findings() const { return m_findings.size(); }
+
+    /** Whether enough was found against a rule. */
+    bool isFull(Rule rule) const;
+
+    /** Tells how many findings were too many to be told. */
+    void finish();
+
+private:
+    struct Found
+    {
+        size_t count = 0;
+        Range lastPlace{}; // of those that are told
+    };
+
+    void add(Rule rule, Range place, Phrase text, std::optional<Note> note);
+
+    const Catalog &m_catalog;
+    const Message &m_message;
+    const Catalog *m_reference;
+    const Message *m_original;
+    Findings &m_findings;
+    ResolvedText m_text;
+    ResolvedText m_originalText;
+    std::map<Rule, Found> m_found;
+};
+
+} // namespace tool::check
+
+#endif

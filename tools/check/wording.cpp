@@ -1,0 +1,444 @@
+#include "check/wording.h"
+
+#include "check/utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+
+namespace tool::check
+{
+namespace
+{
+
+bool isWhiteSpace(char32_t character)
+{
+    constexpr std::string_view ascii = " \t\n\v\f\r";
+    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
+                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
+}
+
+std::string_view part(std::string_view text, Range range)
+{
+    return text.substr(range.begin, range.end - range.begin);
+}
+
+/** Where the code point begins that ends at an offset. */
+size_t stepBack(std::string_view text, size_t at)
+{
+    --at;
+    while (at > 0 && isContinuation(text[at]))
+        --at;
+    return at;
+}
+
+char32_t characterBefore(std::string_view text, size_t end)
+{
+    if (end == 0)
+        return 0;
+    size_t at = stepBack(text, end);
+    return takeUtf8(text, at);
+}
+
+Note noteAt(const Subject &subject, Range original)
+{
+    return {true, subject.placeOfOriginal(original), {Text::referenceIsHere}};
+}
+
+unsigned count(std::string_view text, char byte)
+{
+    return static_cast<unsigned>(std::count(text.begin(), text.end(), byte));
+}
+
+/** The language of a file without its country. */
+std::string_view languageOf(const Catalog &catalog)
+{
+    return std::string_view(catalog.language()).substr(0, 2);
+}
+
+// White space
+
+void compareEdges(Subject &subject)
+{
+    const std::string_view here = subject.text();
+    const std::string_view there = subject.originalText();
+    const Range edges = coreOf(here);
+    const Range originals = coreOf(there);
+    if (edges.begin == edges.end || originals.begin == originals.end)
+        return; // nothing but white space
+    if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
+        subject.find(Rule::whiteSpace, subject.placeOf({0, edges.begin}), {Text::spaceAtBeginning},
+                     noteAt(subject, {0, originals.begin}));
+    if (here.substr(edges.end) != there.substr(originals.end))
+        subject.find(Rule::whiteSpace, subject.placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
+                     noteAt(subject, {originals.end, there.size()}));
+}
+
+/** The first two blanks in a row between words. */
+std::optional<Range> doubleBlankIn(std::string_view text)
+{
+    const Range core = coreOf(text);
+    for (size_t at = text.find("  ", core.begin); at < core.end; at = text.find("  ", at))
+    {
+        const size_t end = text.find_first_not_of(' ', at);
+        if (at > 0 && text[at - 1] != '\n' && text[at - 1] != '\r' && text[end] != '\n' && text[end] != '\r')
+            return Range{at, end};
+        at = end;
+    }
+    return std::nullopt;
+}
+
+void compareBlanks(Subject &subject)
+{
+    if (const std::optional<Range> blanks = doubleBlankIn(subject.text());
+        blanks && !doubleBlankIn(subject.originalText()))
+        subject.find(Rule::whiteSpace, subject.placeOf(*blanks), {Text::blanksInARow});
+}
+
+/** Whether a letter is of a script in which words stand apart from what they are about. */
+bool isApart(char32_t character)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(static_cast<UChar32>(character), &status);
+    return u_isalpha(static_cast<UChar32>(character)) != 0 &&
+           (script == USCRIPT_LATIN || script == USCRIPT_CYRILLIC || script == USCRIPT_GREEK);
+}
+
+/** The first placeholder of a message that a word touches in front, or behind. */
+std::optional<Range> touchedIn(const Catalog &catalog, const Message &message, bool isInFront)
+{
+    const std::string_view raw = catalog.rawText(message);
+    for (const Piece &piece : catalog.piecesOf(message))
+    {
+        if (piece.kind != Piece::Kind::placeholder || raw.substr(piece.begin, 3) == "%.0") // which shows nothing
+            continue;
+        size_t next = piece.end;
+        const bool isEscape = piece.begin > 1 && escapeLength(raw.substr(piece.begin - 2, 2)) > 0;
+        const bool isAlone = isInFront ? piece.begin == 0 || isEscape || !catalog.isText(message, piece.begin - 1)
+                                       : next >= raw.size() || !catalog.isText(message, next);
+        if (!isAlone && isApart(isInFront ? characterBefore(raw, piece.begin) : takeUtf8(raw, next)))
+            return piece.place;
+    }
+    return std::nullopt;
+}
+
+void comparePlaceholderBlanks(Subject &subject)
+{
+    if (!subject.message().hasPlaceholder || !subject.original().hasPlaceholder)
+        return;
+    for (const bool isInFront : {true, false})
+        if (const auto touched = touchedIn(subject.catalog(), subject.message(), isInFront);
+            touched && !touchedIn(subject.reference(), subject.original(), isInFront))
+            subject.find(Rule::whiteSpace, *touched, {isInFront ? Text::noBlankInFront : Text::noBlankBehind});
+}
+
+// Line breaks
+
+struct Break
+{
+    char character;
+    std::string_view mistyped;
+    Text fewer, more;
+};
+constexpr Break breaks[] = {{'\n', "/n", Text::breaksFewer, Text::breaksMore},
+                            {'\t', "/t", Text::tabsFewer, Text::tabsMore}};
+
+/** Whether a slash stands where a backslash was meant. */
+bool compareBreaks(Subject &subject)
+{
+    const std::string_view here = subject.text();
+    const std::string_view there = subject.originalText();
+    bool isMistyped = false;
+    for (const Break &row : breaks)
+    {
+        const unsigned all = count(here, row.character);
+        const size_t slash = here.find(row.mistyped);
+        if (slash != std::string_view::npos && there.find(row.mistyped) == std::string_view::npos &&
+            all < count(there, row.character))
+        {
+            subject.find(Rule::lineBreak, subject.placeOf({slash, slash + row.mistyped.size()}),
+                         {Text::slashForBackslash, {std::string(row.mistyped), std::string("\\") + row.mistyped[1]}});
+            isMistyped = true;
+            continue;
+        }
+        const unsigned ours = count(part(here, coreOf(here)), row.character);
+        const unsigned theirs = count(part(there, coreOf(there)), row.character);
+        if (ours != theirs && !here.empty() && !there.empty())
+            subject.find(Rule::lineBreak, subject.message().source,
+                         {ours < theirs ? row.fewer : row.more, {ours, theirs}},
+                         Note{true, subject.original().source, {Text::referenceIsHere}});
+    }
+    return isMistyped;
+}
+
+// Punctuation
+
+enum class Ending
+{
+    none,
+    stop,
+    question,
+    colon,
+    ellipsis
+};
+
+Text nameOf(Ending ending)
+{
+    constexpr Text names[] = {Text::noEnding, Text::stopEnding, Text::questionEnding, Text::colonEnding,
+                              Text::ellipsisEnding};
+    return names[static_cast<size_t>(ending)];
+}
+
+/** A text without white space, closing quotation marks and brackets at its end; where that ends. */
+size_t endOfWords(std::string_view text)
+{
+    size_t end = coreOf(text).end;
+    while (end > 0)
+    {
+        const size_t begin = stepBack(text, end);
+        size_t next = begin;
+        const char32_t character = takeUtf8(text, next);
+        const int8_t type = u_charType(static_cast<UChar32>(character));
+        const bool isQuote = character == '"' || character == '\'' || type == U_FINAL_PUNCTUATION;
+        if (!isQuote && !isWhiteSpace(character))
+            break;
+        end = begin;
+    }
+    return end;
+}
+
+Ending endingOf(std::string_view text, std::string_view language)
+{
+    constexpr struct
+    {
+        std::u32string_view characters;
+        Ending ending;
+    } rows[] = {{U".!。！．।॥։۔።។｡", Ending::stop},
+                {U"?？؟՞፧⸮", Ending::question},
+                {U":：៖", Ending::colon},
+                {U"…⋯", Ending::ellipsis}};
+    const size_t end = endOfWords(text);
+    if (end >= 3 && text.substr(end - 3, 3) == "...")
+        return Ending::ellipsis;
+    const char32_t last = characterBefore(text, end);
+    if (language == "el" && (last == ';' || last == 0x37E))
+        return Ending::question;
+    for (const auto &row : rows)
+        if (row.characters.find(last) != std::u32string_view::npos)
+            return row.ending;
+    return Ending::none;
+}
+
+void compareEndings(Subject &subject)
+{
+    // Sentences of these may end without a mark.
+    constexpr std::string_view markless[] = {"bo", "ja", "km", "ko", "lo", "my", "th", "zh", "hy"};
+    const std::string_view language = languageOf(subject.catalog());
+    const Ending here = endingOf(subject.text(), language);
+    const Ending there = endingOf(subject.originalText(), languageOf(subject.reference()));
+    const bool isMarkless = std::find(std::begin(markless), std::end(markless), language) != std::end(markless);
+    const auto isFree = [isMarkless](Ending ending) {
+        return isMarkless && ending != Ending::colon && ending != Ending::ellipsis;
+    };
+    if (here == there || (isFree(here) && isFree(there)) || coreOf(subject.text()).end == 0)
+        return;
+    const size_t end = endOfWords(subject.text());
+    if (end == 0)
+        return;
+    subject.find(Rule::endPunctuation, subject.placeOf({stepBack(subject.text(), end), end}),
+                 {Text::endsOtherwise, {Phrase{nameOf(here)}, Phrase{nameOf(there)}}},
+                 noteAt(subject, {endOfWords(subject.originalText()), subject.originalText().size()}));
+}
+
+// Pairs
+
+/** How many more of a kind are opened than closed; of quotation marks, whether one is left over. */
+struct Balance
+{
+    std::array<int, 3> brackets{};
+    bool hasOddQuote = false;
+
+    bool isFull() const { return brackets == std::array<int, 3>{} && !hasOddQuote; }
+};
+
+Balance balanceOf(std::string_view text)
+{
+    constexpr std::u32string_view pairs[] = {U"()（）", U"{}｛｝", U"【】「」"};
+    constexpr std::u32string_view quotes = U"\"„“”«»";
+    Balance balance;
+    for (size_t at = 0; at < text.size();)
+    {
+        const char32_t character = takeUtf8(text, at);
+        balance.hasOddQuote = balance.hasOddQuote != (quotes.find(character) != std::u32string_view::npos);
+        for (size_t i = 0; i < std::size(pairs); ++i)
+            if (const size_t place = pairs[i].find(character); place != std::u32string_view::npos)
+                balance.brackets[i] += place % 2 == 0 ? 1 : -1;
+    }
+    return balance;
+}
+
+void comparePairs(Subject &subject)
+{
+    const Balance here = balanceOf(subject.text());
+    if (!here.isFull() && balanceOf(subject.originalText()).isFull())
+        subject.find(Rule::unbalanced, subject.message().source,
+                     {here.hasOddQuote ? Text::quoteUnbalanced : Text::bracketUnbalanced});
+}
+
+// What is no word
+
+/** A text in which every decimal digit is ASCII, and what parts groups of digits is left out. */
+std::string withPlainNumbers(std::string_view text)
+{
+    std::string plain;
+    bool isBehindDigit = false;
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        const char32_t character = takeUtf8(text, at);
+        const int32_t digit = u_charDigitValue(static_cast<UChar32>(character));
+        size_t next = at;
+        const bool isParting =
+            isBehindDigit &&
+            (std::u32string_view(U".,'’٫٬ \u00A0\u202F").find(character) != std::u32string_view::npos) &&
+            at < text.size() && u_charDigitValue(static_cast<UChar32>(takeUtf8(text, next))) >= 0;
+        if (isParting)
+            continue;
+        isBehindDigit = digit >= 0;
+        if (isBehindDigit)
+            plain += static_cast<char>('0' + digit);
+        else
+            plain += text.substr(begin, at - begin);
+    }
+    return plain;
+}
+
+/** Whether a word is the same in every language: an address, an option, a number of two digits and more. */
+bool isLiteral(std::string_view word)
+{
+    const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
+    const auto isName = [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; };
+    const size_t at = word.find('@');
+    const bool isAddress = word.find("://") != std::string_view::npos || word.substr(0, 4) == "www." ||
+                           (at != std::string_view::npos && at > 0 && word.find('.', at) != std::string_view::npos);
+    const bool isOption = word.size() > 3 && word.substr(0, 2) == "--" && word[2] != '-' &&
+                          std::all_of(word.begin() + 2, word.end(), isName);
+    return isAddress || isOption || (word.size() > 1 && std::all_of(word.begin(), word.end(), isDigit));
+}
+
+void compareLiterals(Subject &subject)
+{
+    constexpr std::string_view blanks = " \t\n\r";
+    constexpr std::string_view around = "\"'()<>[]{},;:.!?";
+    const std::string_view there = subject.originalText();
+    std::string here; // made where it is needed
+    for (size_t begin = there.find_first_not_of(blanks); begin < there.size() && !subject.isFull(Rule::literalChanged);)
+    {
+        const size_t end = std::min(there.find_first_of(blanks, begin), there.size());
+        const std::string_view whole = there.substr(begin, end - begin);
+        const size_t first = std::min(whole.find_first_not_of(around), whole.size());
+        const std::string_view word = whole.substr(first, whole.find_last_not_of(around) + 1 - first);
+        const std::string plain = withPlainNumbers(word);
+        if (whole.find('%') == std::string_view::npos && isLiteral(plain))
+        {
+            if (here.empty())
+                here = withPlainNumbers(subject.text());
+            if (here.find(plain) == std::string::npos)
+                subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
+                             noteAt(subject, {begin + first, begin + first + word.size()}));
+        }
+        begin = there.find_first_not_of(blanks, end);
+    }
+}
+
+/** Whether a text has a percent sign of its own, and not only those of placeholders. */
+bool hasPercent(const Catalog &catalog, const Message &message)
+{
+    const std::string_view raw = catalog.rawText(message);
+    for (size_t at = raw.find('%'); at < raw.size(); at = raw.find('%', at + 1))
+        if (catalog.isText(message, at))
+            return true;
+    return raw.find("٪") != std::string_view::npos || raw.find("％") != std::string_view::npos;
+}
+
+void comparePercent(Subject &subject)
+{
+    const size_t there = subject.originalText().find("%%");
+    if (there != std::string_view::npos && !hasPercent(subject.catalog(), subject.message()))
+        subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {"%"}},
+                     noteAt(subject, {there, there + 2}));
+}
+
+void compareWhole(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    if (text != subject.originalText() || languageOf(subject.catalog()) == languageOf(subject.reference()))
+        return;
+    bool hasWord = false;
+    unsigned letters = 0;
+    for (size_t at = 0; at < text.size() && !hasWord;)
+    {
+        const size_t begin = at;
+        const bool isLetter =
+            u_isalpha(static_cast<UChar32>(takeUtf8(text, at))) != 0 &&
+            subject.catalog().isText(subject.message(), subject.resolved().beforeEscapes({begin, at}).begin);
+        letters = isLetter ? letters + 1 : 0;
+        hasWord = letters > 1;
+    }
+    if (hasWord)
+        subject.find(Rule::untranslated, subject.message().source, {Text::sameAsReference},
+                     Note{true, subject.original().source, {Text::referenceIsHere}});
+}
+
+} // namespace
+
+Range coreOf(std::string_view text)
+{
+    Range core{0, text.size()};
+    for (size_t next = 0; core.begin < text.size() && isWhiteSpace(takeUtf8(text, next));)
+        core.begin = next;
+    while (core.end > core.begin)
+    {
+        const size_t last = stepBack(text, core.end);
+        size_t next = last;
+        if (!isWhiteSpace(takeUtf8(text, next)))
+            break;
+        core.end = last;
+    }
+    return core;
+}
+
+void compareWording(Subject &subject)
+{
+    if (!compareBreaks(subject))
+        compareEdges(subject);
+    compareBlanks(subject);
+    comparePlaceholderBlanks(subject);
+    if (coreOf(subject.text()).end == 0)
+        return;
+    compareEndings(subject);
+    comparePairs(subject);
+    compareLiterals(subject);
+    comparePercent(subject);
+    compareWhole(subject);
+}
+
+void checkSlashes(Subject &subject)
+{
+    const std::string_view text = subject.text();
+    for (const Break &row : breaks)
+        for (size_t at = text.find(row.mistyped); at < text.size() && !subject.isFull(Rule::lineBreak);
+             at = text.find(row.mistyped, at + 1))
+        {
+            const size_t end = at + row.mistyped.size();
+            constexpr std::string_view enders = ".!:?";
+            const bool isBehindSentence = at > 0 && enders.find(text[at - 1]) != std::string_view::npos;
+            if (end == text.size() ? at > 0 && text[at - 1] != ' ' : isBehindSentence)
+                subject.find(
+                    Rule::lineBreak, subject.placeOf({at, end}),
+                    {Text::slashForBackslash, {std::string(row.mistyped), std::string("\\") + row.mistyped[1]}});
+        }
+}
+
+} // namespace tool::check
