@@ -19,12 +19,12 @@ struct KTCatalog
     bool isUse = false; /**< whether it holds a use of the library */
 
     KTCatalog() = default;
-    ~KTCatalog();
+    [[gnu::visibility("hidden")]] ~KTCatalog(); // the type is the interface's, and what it can do is ours
     KTCatalog(const KTCatalog &) = delete;
     KTCatalog &operator=(const KTCatalog &) = delete;
 
     /** Appends a language; false where there was no memory for it. */
-    bool add(std::unique_ptr<kelto::Language> language) noexcept;
+    [[gnu::visibility("hidden")]] bool add(std::unique_ptr<kelto::Language> language) noexcept;
 
     const char *nameOrNone() const noexcept { return name != nullptr ? name.get() : ""; }
 };
