@@ -32,8 +32,9 @@ void putInC(Phrase &phrase)
 {
     for (Shown &shown : phrase.values)
     {
-        if (!shown.words.empty() && shown.words[0] == '%')
-            shown.words = inC(shown.words).value_or(shown.words);
+        const std::string conversion = conversionInTag(shown.words).value_or(shown.words);
+        if (!conversion.empty() && conversion[0] == '%')
+            shown.words = inC(conversion).value_or(conversion);
         for (Phrase &part : shown.phrase)
             putInC(part);
     }

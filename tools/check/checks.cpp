@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <fmt/core.h>
 #include <map>
 #include <optional>
 #include <set>
@@ -51,13 +50,6 @@ unsigned countable(int number)
 std::string partOf(std::string_view text, Range range)
 {
     return quotation(text.substr(range.begin, range.end - range.begin));
-}
-
-/** A conversion as a file has it: <x ts="%d" id="1"/>. */
-std::string tagOf(const Conversion &conversion)
-{
-    return fmt::format("<x ts=\"{}\" id=\"{}\"/>", conversion.written.substr(0, conversion.written.rfind('[')),
-                       conversion.position);
 }
 
 /** As ".2", or empty; a width may differ, since words are longer in some languages, but not what is left of a number. */

@@ -181,6 +181,28 @@ private:
 
 } // namespace
 
+constexpr std::string_view tagBegin = "<x ts=\"";
+constexpr std::string_view tagMiddle = "\" id=\"";
+constexpr std::string_view tagEnd = "\"/>";
+
+std::string tagOf(const Conversion &conversion)
+{
+    return fmt::format("{}{}{}{}{}", tagBegin, conversion.written.substr(0, conversion.written.rfind('[')), tagMiddle,
+                       conversion.position, tagEnd);
+}
+
+std::optional<std::string> conversionInTag(std::string_view tag)
+{
+    const size_t middle = tag.find(tagMiddle);
+    const bool isTag = middle != std::string_view::npos && tag.substr(0, tagBegin.size()) == tagBegin &&
+                       tag.substr(tag.size() - tagEnd.size()) == tagEnd;
+    if (!isTag)
+        return std::nullopt;
+    const size_t position = middle + tagMiddle.size();
+    return fmt::format("{}[{}]", tag.substr(tagBegin.size(), middle - tagBegin.size()),
+                       tag.substr(position, tag.size() - tagEnd.size() - position));
+}
+
 Format parseFormat(std::string_view message, formTable *table)
 {
     Format format;

@@ -10,6 +10,7 @@
 #include "text.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,6 +83,12 @@ struct Format
     /** Fills `byPosition` from `conversions`. */
     void sortPositions();
 };
+
+/** A conversion as a message file has it: <x ts="%d" id="1"/>. */
+std::string tagOf(const Conversion &conversion);
+
+/** The same the other way round, "%d[1]"; nothing where a text is no such tag. */
+std::optional<std::string> conversionInTag(std::string_view tag);
 
 /** @param message  UTF-8, followed by a zero byte. */
 Format parseFormat(std::string_view message, formTable *table);
