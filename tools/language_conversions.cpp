@@ -97,10 +97,10 @@ formTable *conversionsOf(const std::string & /*language*/)
 
 #endif
 
-bool differInLanguageAlone(std::string_view name, std::string_view other)
+bool differInLanguageAlone(std::string_view one, std::string_view other)
 {
     return std::any_of(std::begin(conversions), std::end(conversions),
-                       [&](const LanguageConversion &row) { return isOf(row, name, other) || isOf(row, other, name); });
+                       [&](const LanguageConversion &row) { return isOf(row, one, other) || isOf(row, other, one); });
 }
 
 } // namespace tool

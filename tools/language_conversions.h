@@ -24,7 +24,7 @@ bool hasLanguageConversions();
 formTable *conversionsOf(const std::string &language);
 
 /** Whether two conversions write the same value, one as it always is and the other as a language does: "d" and "number". */
-bool differInLanguageAlone(std::string_view name, std::string_view other);
+bool differInLanguageAlone(std::string_view one, std::string_view other);
 
 } // namespace tool
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fmt/core.h>
+#include <iterator>
 
 namespace tool::bilingual
 {
@@ -18,9 +19,9 @@ std::vector<uint64_t> sampleNumbers()
     std::vector<uint64_t> numbers;
     for (uint64_t number = 0; number < 1010; ++number)
         numbers.push_back(number);
-    for (const uint64_t number :
-         {2000, 5000, 21000, 40000, 100000, 100001, 1000000, 1000001, 2000000, 3000000, 4100000})
-        numbers.push_back(number);
+    constexpr uint64_t larger[] = {2000,    5000,    21000,   40000,   100000, 100001,
+                                   1000000, 1000001, 2000000, 3000000, 4100000};
+    numbers.insert(numbers.end(), std::begin(larger), std::end(larger));
     return numbers;
 }
 

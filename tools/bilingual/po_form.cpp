@@ -86,7 +86,7 @@ std::string headerOf(const Bilingual &catalog)
     setField(fields, "X-Source-Language", oneLine(catalog.sourceLanguage));
     std::string header;
     for (const auto &[name, value] : fields)
-        header += name + ": " + value + "\n";
+        header.append(name).append(": ").append(value).append("\n");
     return header;
 }
 
@@ -438,7 +438,7 @@ private:
         content.entries = std::move(entries);
     }
 
-    void addForms(const PluralHeader &header, size_t begin, size_t end, std::vector<Entry> &entries)
+    void addForms(const PluralHeader &header, size_t begin, size_t end, std::vector<Entry> &entries) const
     {
         const std::vector<Entry> &forms = m_file.content.entries;
         for (const Category &category : categoriesOf(m_file.content.targetLanguage, false))

@@ -383,7 +383,7 @@ void Reader::startUnit(const Tag &tag, Range place)
     m_entry.name = tag.get(tag.find("resname") != nullptr ? "resname" : "name");
     if (const std::string form = tag.ours("form"); !form.empty())
     {
-        m_entry.form = std::atoi(form.c_str());
+        m_entry.form = static_cast<int>(std::strtol(form.c_str(), nullptr, 10));
         m_entry.plural = unescaped(tag.ours("plural"));
     }
     m_entry.hasControls = tag.ours("control") == "yes";
@@ -590,14 +590,11 @@ void Reader::endUnit()
     m_entry.target = unescaped(m_entry.written.raw);
     const bool isEmpty = m_entry.written.raw.empty();
     const bool isFinished = m_approved == "yes" || (m_state && *m_state == State::finished && !m_isUnsure);
+    const bool isFuzzy = !isFinished && (m_state || m_isUnsure || m_approved == "no");
     if (!m_entry.hasTarget || m_lacksTarget || (isEmpty && !isFinished))
         m_entry.state = State::untranslated;
-    else if (isFinished)
-        m_entry.state = State::finished;
-    else if (m_state || m_isUnsure || m_approved == "no")
-        m_entry.state = State::fuzzy;
     else
-        m_entry.state = State::finished;
+        m_entry.state = isFuzzy ? State::fuzzy : State::finished;
     // An attribute that tools add to what nobody has translated says nothing.
     if (isEmpty && m_approved == "yes" && !(m_state && *m_state == State::finished))
         m_entry.state = State::untranslated;

@@ -28,9 +28,9 @@ constexpr Key keys[] = {
 };
 
 /** A path in a file, from where the program runs. */
-std::string fromHere(const std::string &projectFile, const std::string &path)
+std::string fromHere(const std::string &project, const std::string &file)
 {
-    return path.empty() || path[0] == '/' ? path : projectFile.substr(0, projectFile.rfind('/') + 1) + path;
+    return file.empty() || file[0] == '/' ? file : project.substr(0, project.rfind('/') + 1) + file;
 }
 
 /** What is wrong with a setting, or nothing. */
