@@ -52,7 +52,7 @@ std::string partOf(std::string_view text, Range range)
     return quotation(text.substr(range.begin, range.end - range.begin));
 }
 
-/** As ".2", or empty; a width may differ, since words are longer in some languages, but not what is left of a number. */
+/** As ".2", or empty: a width may differ, as words do, but not what is left of a number */
 std::string_view precisionOf(const Conversion &conversion)
 {
     const std::string_view written = conversion.written;

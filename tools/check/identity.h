@@ -13,7 +13,7 @@
 namespace tool::check
 {
 
-/** The language that a path names, as "fr" in "fr/store.xlf", "pt-BR" in "store.pt-BR.xlf"; empty where there is none. */
+/** The language that a path names, as "fr" in "fr/store.xlf", "pt-BR" in "store.pt-BR.xlf"; empty if there is none. */
 std::string languageInPath(std::string_view path);
 
 /** @param reference  null where there is none. */

@@ -1,7 +1,7 @@
 /**
- * Texts that were UTF-8 once and were then read as another charset: "GrÃ¶ÃŸe" for "Größe". Each character of such a text
- * is what the other charset makes of a byte, and the bytes are UTF-8 again; that some of these are also how people write
- * (a word in capital letters that ends in "Ã", and an ellipsis) is told apart here.
+ * Texts that were UTF-8 once and were then read as another charset: "GrÃ¶ÃŸe" for "Größe". Each character of such a
+ * text is what the other charset makes of a byte, and the bytes are UTF-8 again; that some of these are also how
+ * people write (a word in capital letters that ends in "Ã", and an ellipsis) is told apart here.
  */
 #ifndef KELTO_TOOLS_CHECK_MOJIBAKE_H
 #define KELTO_TOOLS_CHECK_MOJIBAKE_H
