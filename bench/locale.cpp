@@ -1,5 +1,5 @@
-// Numbers, dates and lists of a language: the add-on's conversions, each alone in a prepared format, beside the calls of
-// ICU that a program would make in their place.
+// Numbers, dates and lists of a language: the add-on's conversions, each alone in a prepared format, beside the calls
+// of ICU that a program would make in their place.
 
 #include "format.h"
 

@@ -31,8 +31,8 @@ file(GLOB functions CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/KeltoMessages
 install(FILES "${PROJECT_BINARY_DIR}/KeltoConfig.cmake" "${PROJECT_BINARY_DIR}/KeltoConfigVersion.cmake" ${functions}
         DESTINATION ${KELTO_CMAKE_DIR})
 
-# pkg-config. The paths are relative to the file itself, so that `cmake --install --prefix` and moved trees work; but what
-# is installed in a folder of the system stays there, and its paths are those that compilers know.
+# pkg-config. The paths are relative to the file itself, so that `cmake --install --prefix` and moved trees work; but
+# what is installed in a folder of the system stays there, and its paths are those that compilers know.
 foreach(path PREFIX FULL_INCLUDEDIR FULL_LIBDIR)
   file(RELATIVE_PATH KELTO_PC_TO_${path} "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_${path}}")
   string(REGEX REPLACE "/$" "" KELTO_PC_TO_${path} "${KELTO_PC_TO_${path}}")

@@ -1433,8 +1433,8 @@ typedef bool (*KTStopFunction)(void *context);
 
 /**
  * Writes an argument of type KT_ARGUMENT_POINTER for reports and for the last rung, as UTF-8. A program that has this
- * function also says that the conversions of its table ask for the kind of a pointer before they look at it: on the last
- * rung the first of the table's own list that takes one pointer and does not fail writes the argument, before this
+ * function also says that the conversions of its table ask for the kind of a pointer before they look at it: on the
+ * last rung the first of the table's own list that takes one pointer and does not fail writes the argument, before this
  * function is asked.
  * @param size  in: the capacity of out in bytes, the terminator counted; out: the bytes of the text, the terminator not
  *              counted, also after KT_ERR_BUFFER_TOO_SMALL.

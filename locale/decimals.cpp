@@ -100,7 +100,9 @@ bool roundExactly(double number, int decimals, Decimal &decimal)
     return true;
 }
 
-/** The number as a double; of a long double, which a double may not hold, only whether it is finite, and if not, what. */
+/**
+ * The number as a double; of a long double, which a double may not hold, only whether it is finite, and if not, what.
+ */
 double readNumber(const void *number, bool isLong)
 {
     if (isLong)

@@ -43,6 +43,7 @@ using ListFormatter = Lazy<UListFormatter, Close<ulistfmt_close>>;
 
 struct KTLLanguage
 {
+    // cppcheck-suppress uninitMemberVar; open() fills them in
     KTLLanguage() = default;
     ~KTLLanguage();
     KTLLanguage(const KTLLanguage &) = delete;

@@ -1,5 +1,5 @@
-// The languages that are open, and a few that nobody has open any more. One that is asked for by the same names again is
-// given out again, so that opening costs a search.
+// The languages that are open, and a few that nobody has open any more. One that is asked for by the same names again
+// is given out again, so that opening costs a search.
 
 #include "language.h"
 

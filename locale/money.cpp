@@ -21,7 +21,9 @@ constexpr std::string_view digitCharacters = "0123456789";
 class Amount
 {
 public:
-    /** @return 0; KT_ERR_INVALID_PARAMETER for a text that is no decimal number, or one of more digits than are taken. */
+    /**
+     * @return 0; KT_ERR_INVALID_PARAMETER for a text that is no decimal number, or one of more digits than are taken.
+     */
     int read(std::string_view text, int leastDecimals) noexcept
     {
         const bool isNegative = !text.empty() && text.front() == '-';

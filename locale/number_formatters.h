@@ -145,7 +145,9 @@ private:
     std::atomic<int> m_count = 0;
 };
 
-/** Currencies that were asked for, which ICU looks up anew each time; of those that have no place it goes on doing so. */
+/**
+ * Currencies that were asked for, which ICU looks up anew each time; of those that have no place it goes on doing so.
+ */
 class Currencies
 {
 public:

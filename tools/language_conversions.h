@@ -1,7 +1,7 @@
 /**
- * The conversions of the add-on, which the program knows by their names and arguments whether the add-on is there or not:
- * checks, generated headers and translators' files so need no --form for them. Where it was built, messages are formatted
- * with it.
+ * The conversions of the add-on, which the program knows by their names and arguments whether the add-on is there or
+ * not: checks, generated headers and translators' files so need no --form for them. Where it was built, messages are
+ * formatted with it.
  */
 #ifndef KELTO_TOOLS_LANGUAGE_CONVERSIONS_H
 #define KELTO_TOOLS_LANGUAGE_CONVERSIONS_H
@@ -23,7 +23,9 @@ bool hasLanguageConversions();
 /** Those of a language, as "de_AT", for formatting; the named ones where there are no others. */
 formTable *conversionsOf(const std::string &language);
 
-/** Whether two conversions write the same value, one as it always is and the other as a language does: "d" and "number". */
+/**
+ * Whether two conversions write the same value, one as it always is and the other as a language does: "d" and "number".
+ */
 bool differInLanguageAlone(std::string_view one, std::string_view other);
 
 } // namespace tool

@@ -61,8 +61,8 @@ Phrase counted(Text one, Text many, size_t count, const std::vector<Shown> &valu
 Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values = {});
 
 /**
- * A text of the help in the language of the user, which is not formatted; the English, which stands where the subcommand
- * and its options are declared, where there is no translation.
+ * A text of the help in the language of the user, which is not formatted; the English, which stands where the
+ * subcommand and its options are declared, where there is no translation.
  * @param about  "usage", or a subcommand and what of it: "check --quiet".
  */
 std::string helpText(const std::string &about, const std::string &english);

@@ -1,4 +1,6 @@
-/** Which messages of a file are selected by which, as people write it: 12[few] is the one that message 12 has for few. */
+/**
+ * Which messages of a file are selected by which, as people write it: 12[few] is the one that message 12 has for few.
+ */
 #ifndef KELTO_TOOLS_VARIANT_LABELS_H
 #define KELTO_TOOLS_VARIANT_LABELS_H
 

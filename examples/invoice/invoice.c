@@ -3,9 +3,9 @@
  *     invoice [FOLDER [LANGUAGE...]]
  *
  * Shows the add-on: numbers, amounts, percentages, measures, dates and lists as the readers of a language write them.
- * The program knows none of it. It hands over numbers, decimal texts, seconds and lines; which conversion writes them is
- * said in the catalogs, and each language of a catalog has conversions of its own. Without a catalog the texts below are
- * printed, which are English.
+ * The program knows none of it. It hands over numbers, decimal texts, seconds and lines; which conversion writes them
+ * is said in the catalogs, and each language of a catalog has conversions of its own. Without a catalog the texts below
+ * are printed, which are English.
  */
 #include <inttypes.h>
 #include <kelto-locale.h>

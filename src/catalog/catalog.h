@@ -1,6 +1,6 @@
 /**
- * What a catalog holds: its name, its options, its languages in their order, and what is known of its messages. All of it
- * comes from the C heap, since there is a catalog also where the library could not be started.
+ * What a catalog holds: its name, its options, its languages in their order, and what is known of its messages. All of
+ * it comes from the C heap, since there is a catalog also where the library could not be started.
  */
 #ifndef KELTO_CATALOG_CATALOG_H
 #define KELTO_CATALOG_CATALOG_H

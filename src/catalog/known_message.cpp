@@ -17,6 +17,7 @@ std::unique_ptr<SourceText> SourceText::make(const char *text, size_t length, fo
     if (source == nullptr)
         return nullptr;
     source->m_text = allocateHeap<char>(length + 1);
+    // cppcheck-suppress leakReturnValNotUsed
     source->m_lost.reset(new (std::nothrow) std::atomic<uint32_t>[static_cast<uint32_t>(languages) + 1U] {});
     if (source->m_text == nullptr || source->m_lost == nullptr)
         return nullptr;

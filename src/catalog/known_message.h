@@ -1,7 +1,7 @@
 /**
- * What a catalog knows of one message: in each language the format that was prepared from its text, or why there is none;
- * the texts in the source that came with its number; and what was told already. A record is made once, and its members
- * are set once, by whichever thread comes first.
+ * What a catalog knows of one message: in each language the format that was prepared from its text, or why there is
+ * none; the texts in the source that came with its number; and what was told already. A record is made once, and its
+ * members are set once, by whichever thread comes first.
  */
 #ifndef KELTO_CATALOG_KNOWN_MESSAGE_H
 #define KELTO_CATALOG_KNOWN_MESSAGE_H
@@ -65,8 +65,8 @@ public:
     int result() const noexcept { return m_result; }
 
     /**
-     * The first slot that this text encodes and its translation in a language does not; none where that does not happen.
-     * Looked for once.
+     * The first slot that this text encodes and its translation in a language does not; none where that does not
+     * happen. Looked for once.
      */
     uint32_t lostEncoding(size_t language, const KTPreparedFormat &translation) const noexcept;
     static constexpr uint32_t none = UINT32_MAX;

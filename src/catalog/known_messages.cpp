@@ -14,6 +14,7 @@ KnownMessages::~KnownMessages()
 
 void KnownMessages::setDense(uint32_t highestNumber) noexcept
 {
+    // cppcheck-suppress leakReturnValNotUsed
     m_dense.reset(new (std::nothrow) std::atomic<KnownMessage *>[size_t{highestNumber} + 1] {});
     m_denseCount = m_dense != nullptr ? highestNumber + 1 : 0;
 }

@@ -1,7 +1,7 @@
 /**
  * The messages that a catalog knows, by number, found without a lock. Numbers up to the highest of the first file stand
- * in an array, where that file has few gaps, as message files are; all others in a tree that is as deep as it must be to
- * tell them apart. Numbers that no file has may come from anywhere, a network say: only so many of them are kept.
+ * in an array, where that file has few gaps, as message files are; all others in a tree that is as deep as it must be
+ * to tell them apart. Numbers that no file has may come from anywhere, a network say: only so many of them are kept.
  */
 #ifndef KELTO_CATALOG_KNOWN_MESSAGES_H
 #define KELTO_CATALOG_KNOWN_MESSAGES_H

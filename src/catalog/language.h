@@ -19,7 +19,9 @@ namespace kelto
 class Language
 {
 public:
-    /** A language with a folder of its own, or one file as the only language (with an empty name); null without memory. */
+    /**
+     * A language with a folder of its own, or one file as the only language (with an empty name); null without memory.
+     */
     static std::unique_ptr<Language> ofFile(const char *name, const char *path) noexcept;
     /** A compiled catalog in memory as the only language; it has to be loaded while the data is there. */
     static std::unique_ptr<Language> ofData(const void *data, size_t size) noexcept;

@@ -1,7 +1,7 @@
 /**
  * An argument as it is, for a person to read, where no conversion writes it: on the last rung, and in what is said of a
- * format that does not take it. Numbers are decimal, times as "1970-01-01 00:00:00". Any argument can be written, one of
- * an unknown type or a null pointer too.
+ * format that does not take it. Numbers are decimal, times as "1970-01-01 00:00:00". Any argument can be written, one
+ * of an unknown type or a null pointer too.
  */
 #ifndef KELTO_CATALOG_PLAIN_TEXT_H
 #define KELTO_CATALOG_PLAIN_TEXT_H

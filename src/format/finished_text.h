@@ -1,5 +1,6 @@
 /**
- * A text in UCS-2, terminated, on its way to an encoder: what a conversion has written, where that is encoded as a whole.
+ * A text in UCS-2, terminated, on its way to an encoder: what a conversion has written, where that is encoded as a
+ * whole.
  */
 #ifndef KELTO_FORMAT_FINISHED_TEXT_H
 #define KELTO_FORMAT_FINISHED_TEXT_H

@@ -4,8 +4,8 @@
  * pieces over (layout.h), one of the caller's is called. Nothing is written beyond the room, whatever a length said
  * before.
  *
- * Of a text that does not fit, the beginning may be wanted (Beginning::kept): it then reaches as far as there is room, and
- * ends with a whole character; else what was written of it is of no use.
+ * Of a text that does not fit, the beginning may be wanted (Beginning::kept): it then reaches as far as there is room,
+ * and ends with a whole character; else what was written of it is of no use.
  *
  * In UTF-8 the text is what a conversion of the whole UCS-2 text would be: a high surrogate that ends one piece joins
  * the low one that begins the next, a surrogate by itself becomes U+FFFD, and U+0000 ends the text.

@@ -1,7 +1,7 @@
 /**
  * Whether a format that stands in for another one leaves out an encoder: an argument that the reference writes in an
- * encoded region is one that its author takes for foreign, and a translation that writes it elsewhere lets it through as
- * it is.
+ * encoded region is one that its author takes for foreign, and a translation that writes it elsewhere lets it through
+ * as it is.
  */
 #ifndef KELTO_FORMAT_LOST_ENCODING_H
 #define KELTO_FORMAT_LOST_ENCODING_H
@@ -21,7 +21,9 @@ enum SlotEncoding : uint8_t
 /** The bits of a conversion's values. */
 uint8_t encodingOf(const PreparedStep &step) noexcept;
 
-/** The first slot, from 0, whose encoding is lost, in any variant; the reference's number of slots where there is none. */
+/**
+ * The first slot, from 0, whose encoding is lost, in any variant; the reference's number of slots where there is none.
+ */
 uint32_t findLostEncoding(const KTPreparedFormat &format, const KTPreparedFormat &reference) noexcept;
 
 } // namespace kelto

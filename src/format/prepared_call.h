@@ -1,7 +1,7 @@
 /**
- * Calls on a prepared format for those who fall back on another one: what does not fit is written as far as it does, and
- * a conversion that fails counts also where the text has run out of room, so that the same format fails whatever the
- * room is.
+ * Calls on a prepared format for those who fall back on another one: what does not fit is written as far as it does,
+ * and a conversion that fails counts also where the text has run out of room, so that the same format fails whatever
+ * the room is.
  */
 #ifndef KELTO_FORMAT_PREPARED_CALL_H
 #define KELTO_FORMAT_PREPARED_CALL_H

@@ -129,7 +129,8 @@ class Tables:
 def write_rules(tables):
     print('enum class PluralRule : uint8_t\n{')
     print(',\n'.join(f'    {name}' for name in tables.names.values()))
-    print('};\n\ninline int categoryBy(PluralRule rule, uint64_t integer, uint64_t shown, uint64_t fraction, uint64_t trimmed)')
+    print('};\n\ninline int categoryBy(PluralRule rule, uint64_t integer,'
+          ' uint64_t shown, uint64_t fraction, uint64_t trimmed)')
     print('{\n    // NOLINTNEXTLINE(readability-isolate-declaration): the names that the rules have')
     print('    const PluralOperand n{integer, trimmed == 0}, i{integer}, v{shown}, f{fraction}, t{trimmed};')
     print('    switch (rule)\n    {')

@@ -1,7 +1,7 @@
 /**
- * What a rule of a language looks at, in CLDR's letters: of a number as it is shown the integer digits i, how many digits
- * v stand behind the mark, these digits f, and t without the zeros at their end; and the number n itself, which is i where
- * t is 0, and else no integer.
+ * What a rule of a language looks at, in CLDR's letters: of a number as it is shown the integer digits i, how many
+ * digits v stand behind the mark, these digits f, and t without the zeros at their end; and the number n itself, which
+ * is i where t is 0, and else no integer.
  */
 #ifndef KELTO_PLURAL_PLURAL_OPERANDS_H
 #define KELTO_PLURAL_PLURAL_OPERANDS_H

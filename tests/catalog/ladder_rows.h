@@ -1,6 +1,6 @@
 /**
- * What the ladder does, for every interface to it: an interface is a Store, which opens the catalog "store" of the folder
- * "d" and formats its messages, each in all the ways that it knows; what its catalog tells goes into the log.
+ * What the ladder does, for every interface to it: an interface is a Store, which opens the catalog "store" of the
+ * folder "d" and formats its messages, each in all the ways that it knows; what its catalog tells goes into the log.
  */
 #ifndef KELTO_TESTS_CATALOG_LADDER_ROWS_H
 #define KELTO_TESTS_CATALOG_LADDER_ROWS_H

@@ -1,4 +1,5 @@
-// Messages that select others, on the ladder: each language has the rules of its own, and what it cannot say is said by the next.
+// Messages that select others, on the ladder: each language has the rules of its own, and what it cannot say is said by
+// the next.
 
 #include "catalog/store.h"
 

@@ -1,6 +1,6 @@
 /**
- * A catalog of the C interface as the rows of the ladder use it. Each text is formatted in UTF-8 and UCS-2, measured, and
- * cut at every room that it does not fit into.
+ * A catalog of the C interface as the rows of the ladder use it. Each text is formatted in UTF-8 and UCS-2, measured,
+ * and cut at every room that it does not fit into.
  */
 #ifndef KELTO_TESTS_CATALOG_STORE_H
 #define KELTO_TESTS_CATALOG_STORE_H

@@ -1,4 +1,6 @@
-"""Whether `kelto check`, `kelto gen` and the translators' commands do what their pages show, and documents are what their schemas say.
+"""Whether `kelto check`, `kelto gen` and the translators' commands do what their pages show.
+
+And whether documents are what their schemas say.
 
     pages.py check KELTO ROOT [--update]
     pages.py translating KELTO ROOT [--update]

@@ -24,7 +24,8 @@ endfunction()
 run("the installation" "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 
 string(REGEX MATCH "^[0-9]+" major "${VERSION}")
-set(installed include/kelto.h include/kelto.hpp include/kelto/catalog.hpp "${LIBDIR}/libkelto.so" "${LIBDIR}/libkelto.so.${major}"
+set(installed include/kelto.h include/kelto.hpp include/kelto/catalog.hpp "${LIBDIR}/libkelto.so"
+    "${LIBDIR}/libkelto.so.${major}"
               "${LIBDIR}/libkelto.so.${VERSION}"
   "${LIBDIR}/pkgconfig/kelto.pc" "${LIBDIR}/cmake/Kelto/KeltoConfig.cmake"
   "${LIBDIR}/cmake/Kelto/KeltoConfigVersion.cmake")

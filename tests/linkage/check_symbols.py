@@ -49,7 +49,9 @@ def main():
     problems = [f"not exported: {name}" for name in promised if name not in found]
     problems += [f"exported but not in the list: {name}" for name in sorted(found) if name not in promised]
     problems += [
-        f"{name} is {found[name]}, not {promise}" for name, promise in promised.items() if found.get(name, promise) != promise
+        f"{name} is {found[name]}, not {promise}"
+        for name, promise in promised.items()
+        if found.get(name, promise) != promise
     ]
     if [name for name, *_ in rows] != sorted(promised):
         problems.append("the list is not sorted, or has a name twice")

@@ -1,5 +1,5 @@
-// The add-on beside ICU's own functions, in every locale; and what it makes of bad input, of threads, and of memory that
-// runs out.
+// The add-on beside ICU's own functions, in every locale; and what it makes of bad input, of threads, and of memory
+// that runs out.
 
 #include "format/started_test.h"
 #include "kelto-locale.h"

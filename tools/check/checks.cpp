@@ -402,7 +402,9 @@ Phrase describe(const Conversion &conversion, const Slot &slot, size_t value, si
     return {Text::argumentNumber, {position}};
 }
 
-/** The conversion that takes a slot, counted from 1 in the order in which arguments are passed; null behind the last. */
+/**
+ * The conversion that takes a slot, counted from 1 in the order in which arguments are passed; null behind the last.
+ */
 const Conversion *conversionOf(const Format &format, size_t slot)
 {
     for (const size_t index : format.byPosition)

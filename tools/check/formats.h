@@ -94,8 +94,8 @@ std::optional<std::string> conversionInTag(std::string_view tag);
 Format parseFormat(std::string_view message, formTable *table);
 
 /**
- * The conversions that a check knows: the built-in ones, those of the add-on, and in front of both those of the caller's
- * that --form names.
+ * The conversions that a check knows: the built-in ones, those of the add-on, and in front of both those of the
+ * caller's that --form names.
  */
 class FormTable
 {

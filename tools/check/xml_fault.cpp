@@ -30,7 +30,7 @@ std::optional<Text> wrongCharacter(const SourceText &source, Range place)
         return std::nullopt;
     size_t at = place.begin;
     if (source.encoding() == SourceText::Encoding::utf8 && at < bytes.size() &&
-        source.take(at, bytes.size()) == 0xFFFD && bytes.substr(place.begin, 3) != "\uFFFD")
+        source.take(at, bytes.size()) == 0xFFFD && bytes.substr(place.begin, 3) != "\xEF\xBF\xBD")
         return Text::notUtf8;
     const char before = place.begin > 0 ? bytes[place.begin - 1] : ' ';
     const char here = place.begin < bytes.size() ? bytes[place.begin] : ' ';

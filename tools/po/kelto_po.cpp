@@ -212,7 +212,7 @@ private:
     void writeMessage(po_message_t message);
     void writeUnit(const std::string &id, const char *target, int form, po_message_t message);
     std::string text(const char *original);
-    std::string comments(const char *text, const char *from);
+    std::string comments(const char *comment, const char *from);
 
     std::map<std::string, std::vector<size_t>> m_lines;
     std::unique_ptr<Charset> m_charset;
