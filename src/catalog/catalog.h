@@ -26,6 +26,9 @@ struct KTCatalog
     /** Appends a language; false where there was no memory for it. */
     [[gnu::visibility("hidden")]] bool add(std::unique_ptr<kelto::Language> language) noexcept;
 
+    /** Whether there are other conversions than the built-in ones, any of which may have an encoder. */
+    bool mayEncode() const noexcept { return sourceConversions.table() != nullptr; }
+
     const char *nameOrNone() const noexcept { return name != nullptr ? name.get() : ""; }
 };
 

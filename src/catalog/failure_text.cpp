@@ -1,6 +1,7 @@
 #include "catalog/failure_text.h"
 
 #include "catalog/plain_text.h"
+#include "format/compare_formats.h"
 #include "format/form_table.h"
 #include "format/format_string.h"
 #include "format/prepared_call.h"
@@ -110,15 +111,10 @@ void sayConversion(Sentence &sentence, const char *format, unsigned position)
         say(sentence, "position ");
         return kelto::writeNumber(sentence, position, false);
     }
-    kelto::PercentPlaces<char> places;
-    kelto::walkFormat(
-        format, std::strlen(format), places, [](const char *, size_t) {},
-        [&](const kelto::PercentPlace<char> &place) {
-            if (static_cast<unsigned>(place.position) != position)
-                return true;
-            say(sentence, {place.begin, static_cast<size_t>(place.end - place.begin)});
-            return false;
-        });
+    KTProblem place = {};
+    place.position = position;
+    kelto::findPlace(format, place);
+    say(sentence, {format + place.offset, place.length});
 }
 
 /** Says which conversion cannot write its arguments, though they are of the right kind; false where all can. */

@@ -71,7 +71,7 @@ public:
     /** Tries the format that is known to be the first, then goes down from the top. */
     void run()
     {
-        if (m_catalog.options.table != nullptr && writeFirst())
+        if (m_catalog.mayEncode() && writeFirst())
             return;
         size_t rung = 0;
         for (Language *language = m_catalog.languages.get(); language != nullptr; language = language->next.get())
@@ -166,7 +166,7 @@ private:
     bool mayLoseEncoding() const
     {
         return m_request.source != nullptr && (m_catalog.options.formatOptions & KT_ENCODE_ALL) == 0 &&
-               kelto::findEncoder(m_catalog.options.table) != nullptr;
+               kelto::findEncoder(m_catalog.sourceConversions.table()) != nullptr;
     }
 
     /** Whether the first format is known to encode what the text in the source does. */
@@ -206,12 +206,14 @@ private:
         uint32_t lost = SourceText::none;
         if (format != nullptr && mayLoseEncoding() && source() != nullptr)
             lost = m_source->lostEncoding(rung, *format);
+        const bool hasMemory = format != nullptr || result != KT_ERR_NO_MEMORY;
+        m_isFirst = m_isFirst && lost == SourceText::none && hasMemory;
         if (lost != SourceText::none)
             result = KT_ERR_INVALID_PARAMETER;
         else if (format != nullptr)
         {
             const KTPreparedFormat *none = nullptr;
-            if (m_known != nullptr && own == nullptr)
+            if (m_known != nullptr && own == nullptr && m_isFirst)
                 m_known->first.compare_exchange_strong(none, format, std::memory_order_acq_rel);
             result = write(*format, m_catalog.options.maxSize);
         }
@@ -343,6 +345,7 @@ private:
     KnownMessage *m_known;
     size_t m_need = 0;
     bool m_isStopped = false;
+    bool m_isFirst = true; // whether all rungs above are passed over in every call, and not in this one alone
     const SourceText *m_source = nullptr;
     std::unique_ptr<SourceText> m_ownSource; // one that is not kept
 };
@@ -369,11 +372,10 @@ namespace kelto
 template <typename Unit>
 int writeMessage(const KTCatalog &catalog, const KTCatalogRequest &request, size_t *size, Unit *out) noexcept
 {
-    // What most calls are about: a message that was used before, in a catalog without conversions of the program's own,
-    // any of which may have an encoder.
+    // What most calls are about: a message that was used before, in a catalog without conversions but the built-in ones.
     const KnownMessage *const known = catalog.messages.find(numberOf(request));
     const KTPreparedFormat *const first = known != nullptr ? known->first.load(std::memory_order_acquire) : nullptr;
-    if (first != nullptr && catalog.options.table == nullptr && isStarted())
+    if (first != nullptr && !catalog.mayEncode() && isStarted())
     {
         size_t need = *size;
         const int result = formatWithBeginning(*first, callOf(catalog, request), &need, out);

@@ -85,7 +85,7 @@ void writeLastResort(const KTCatalog &catalog, const KTCatalogRequest &request, 
     writeUTF8(text, name);
     writeUTF8(text, *name != '\0' ? " " : "");
     writeNumber(text, static_cast<uint64_t>(request.id), !request.isUnsigned && request.id < 0);
-    const KTEncoder encoder = findEncoder(catalog.options.table);
+    const KTEncoder encoder = findEncoder(catalog.sourceConversions.table());
     const bool isEncoded = encoder != nullptr || (catalog.options.formatOptions & KT_ENCODE_ALL) != 0;
     const bool isUnencodable = isEncoded && (encoder == nullptr || !isStarted());
     for (size_t i = 0; i < request.count; ++i)

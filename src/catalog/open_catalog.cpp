@@ -102,7 +102,7 @@ bool addLanguage(KTCatalog &catalog, const char *language, const char *directory
         return catalog.add(Language::ofFile(language, path));
     if (result == KT_ERR_FILE_UNAVAILABLE)
         return true;
-    std::strcpy(path + std::strlen(directory) + 1 + std::strlen(language) + 1, ""); // the folder, with its '/'
+    path[std::strlen(directory) + 1 + std::strlen(language) + 1] = '\0'; // the folder, with its '/'
     kelto::report(catalog, {"", path, 0, result}, [&](kelto::Sentence &sentence) {
         kelto::sayOnOneLine(sentence, path);
         kelto::sayOnOneLine(sentence, catalog.name.get());

@@ -366,13 +366,13 @@ template <typename Unit>
         }
         if (step->formatter == nullptr)
             continue;
-        // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
-        // next. Who keeps the beginning wants to know now.
         if (__builtin_expect(isolates, false))
             writeIsolate(text, *step, firstStrongIsolate);
         const int result = writeConversion(text, *step, call);
         if (__builtin_expect(isolates, false))
             writeIsolate(text, *step, popDirectionalIsolate);
+        // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
+        // next. Who keeps the beginning wants to know now.
         if (result != 0 && (!text.isTruncated() || beginning == Beginning::kept))
             return text.fail(size, result);
     }

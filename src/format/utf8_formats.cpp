@@ -1,6 +1,6 @@
 #include "format/utf8_formats.h"
 
-#include "platform/zel.h"
+#include "platform/scoped.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,15 +19,6 @@ struct Registration
 };
 
 void *lock = nullptr;
-
-class LockGuard
-{
-public:
-    LockGuard() noexcept { ZEL_EnterSpinLock(&lock); }
-    ~LockGuard() { ZEL_LeaveSpinLock(&lock); }
-    LockGuard(const LockGuard &) = delete;
-    LockGuard &operator=(const LockGuard &) = delete;
-};
 
 constexpr size_t bucketCount = 256;
 std::unique_ptr<Registration> buckets[bucketCount];
@@ -48,7 +39,7 @@ namespace kelto
 
 KTUTF8FormatFunction findUTF8Format(const KTFormatter *formatter) noexcept
 {
-    const LockGuard guard;
+    const kelto::SpinLockGuard guard(lock);
     const auto &place = placeOf(formatter);
     return place != nullptr ? place->function : nullptr;
 }
@@ -64,7 +55,7 @@ int KTRegisterUTF8Format(const KTFormatter *formatter, KTUTF8FormatFunction func
         function != nullptr ? new (std::nothrow) Registration{formatter, function, nullptr} : nullptr);
     if (function != nullptr && spare == nullptr)
         return KT_ERR_NO_MEMORY;
-    const LockGuard guard;
+    const kelto::SpinLockGuard guard(lock);
     auto &place = placeOf(formatter);
     if (place != nullptr && function != nullptr)
         place->function = function;

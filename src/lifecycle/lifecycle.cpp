@@ -3,7 +3,7 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/table_list.h"
-#include "platform/zel.h"
+#include "platform/scoped.h"
 
 #include <algorithm>
 #include <clocale>
@@ -55,17 +55,7 @@ bool dropUser()
     return false;
 }
 
-void *turnLock = nullptr; // there before the library is started
-
-/** Held while a use begins or ends that takes turns with others. */
-class TurnOfUses
-{
-public:
-    TurnOfUses() noexcept { ZEL_EnterSpinLock(&turnLock); }
-    ~TurnOfUses() { ZEL_LeaveSpinLock(&turnLock); }
-    TurnOfUses(const TurnOfUses &) = delete;
-    TurnOfUses &operator=(const TurnOfUses &) = delete;
-};
+void *turnLock = nullptr; // held while a use begins or ends that takes turns with others
 
 } // namespace
 
@@ -141,12 +131,12 @@ int KTClean(void)
 
 int KTBeginUse(void)
 {
-    const TurnOfUses turn;
+    const kelto::SpinLockGuard turn(turnLock);
     return KTInit();
 }
 
 void KTEndUse(void)
 {
-    const TurnOfUses turn;
+    const kelto::SpinLockGuard turn(turnLock);
     KTClean();
 }

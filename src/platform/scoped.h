@@ -54,6 +54,19 @@ private:
     void *m_mutex;
 };
 
+/** A spin lock in static storage, which needs no started library, held for a scope. */
+class SpinLockGuard
+{
+public:
+    explicit SpinLockGuard(void *&lock) noexcept : m_lock(lock) { ZEL_EnterSpinLock(&m_lock); }
+    ~SpinLockGuard() { ZEL_LeaveSpinLock(&m_lock); }
+    SpinLockGuard(const SpinLockGuard &) = delete;
+    SpinLockGuard &operator=(const SpinLockGuard &) = delete;
+
+private:
+    void *&m_lock;
+};
+
 /** An open file, closed at the end of the scope; also closes a handle that a failed opening stored. */
 class File
 {

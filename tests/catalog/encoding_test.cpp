@@ -40,18 +40,31 @@ formTable marking = {false, {}, ownList, mark, &builtInFormTable};
 formTable silent = {false, {}, ownList, nullptr, &builtInFormTable};
 const UCS2 object[] = u"obj";
 
-/** A catalog in one language "de" with one message. */
+/** Whose conversions they are: the catalog's, or each language's. */
+enum class Conversions
+{
+    ofCatalog,
+    ofLanguages
+};
+
+/** A catalog with one message, in "de" and, where there is an English text, in "en". */
 class Opened
 {
 public:
-    Opened(const std::string &translation, formTable *table, unsigned formatOptions)
+    Opened(const std::string &translation, formTable *table, unsigned formatOptions, const std::string &english = "",
+           Conversions conversions = Conversions::ofCatalog)
     {
         FakeZel::file("d/de/store.xlf", MessageFile().unit(1, escaped(translation)).xml());
+        FakeZel::file("d/en/store.xlf", MessageFile().unit(1, escaped(english)).xml());
         KTCatalogOptions options = {};
         options.structSize = sizeof options;
         options.languages = "de";
-        options.sourceLanguage = "";
-        options.table = table;
+        options.sourceLanguage = english.empty() ? "" : "en";
+        if (conversions == Conversions::ofCatalog)
+            options.table = table;
+        else
+            options.conversions = [](void *context, const char *) { return static_cast<formTable *>(context); };
+        options.conversionsContext = table;
         options.formatOptions = formatOptions;
         options.context = &stories;
         options.onProblem = [](void *context, const KTCatalogProblem *problem) {
@@ -118,6 +131,31 @@ TEST(Encoding, IsNotLostInATranslation)
     EXPECT_EQ(catalog.formatOr(nullptr, "x"), "B x");
     EXPECT_EQ(catalog.stories,
               std::vector<std::string>{"\"B %s[1]\": argument 1 is not encoded here, as it is in the source"});
+}
+
+TEST(Encoding, IsNotLostWhereTheConversionsAreALanguages)
+{
+    const Opened catalog("B %s[1]", &marking, 0, "", Conversions::ofLanguages);
+    EXPECT_EQ(catalog.formatOr("b %s[1]", "x"), "B x");
+    EXPECT_EQ(catalog.formatOr("b %N[1]%s[2]%O[3]", "x"), "b <x>");
+    EXPECT_EQ(catalog.formatOr(nullptr, "x"), "B x");
+}
+
+// What keeps a rung from one call says nothing of the next.
+TEST(Encoding, PassesARungOverForTheCallAlone)
+{
+    const Opened lost("B %s[1]", &marking, 0, "E %N[1]%s[2]%O[3]");
+    EXPECT_EQ(lost.formatOr("b %N[1]%s[2]%O[3]", "x"), "E <x>");
+    EXPECT_EQ(lost.formatOr("b %s[1]", "x"), "B x");
+    EXPECT_EQ(lost.formatOr("b %N[1]%s[2]%O[3]", "x"), "E <x>");
+    for (unsigned step = 1; step <= 3; ++step)
+    {
+        const Opened withoutMemory("B %s[1]", nullptr, 0, "E %s[1]");
+        FakeZel::fail(Operation::Malloc, step);
+        withoutMemory.formatOr("b %s[1]", "x");
+        FakeZel::fail(Operation::Malloc, 0);
+        EXPECT_EQ(withoutMemory.formatOr("b %s[1]", "x"), "B x") << step;
+    }
 }
 
 TEST(Encoding, OfEverythingLeavesNothingOut)
