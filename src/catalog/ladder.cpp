@@ -372,7 +372,7 @@ namespace kelto
 template <typename Unit>
 int writeMessage(const KTCatalog &catalog, const KTCatalogRequest &request, size_t *size, Unit *out) noexcept
 {
-    // What most calls are about: a message that was used before, in a catalog without conversions but the built-in ones.
+    // What most calls are about: a message that was used before, in a catalog with the built-in conversions alone.
     const KnownMessage *const known = catalog.messages.find(numberOf(request));
     const KTPreparedFormat *const first = known != nullptr ? known->first.load(std::memory_order_acquire) : nullptr;
     if (first != nullptr && !catalog.mayEncode() && isStarted())
