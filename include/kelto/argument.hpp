@@ -83,16 +83,8 @@ template <template <class> class Of, class T> constexpr bool has<Of, T, std::voi
 template <class T> using missing_of = decltype(argument_of<T>::is_missing);
 template <class T> using identity_of = typename argument_of<T>::identity;
 template <class T> using converted_of = decltype(argument_of<T>::convert(std::declval<const T &>()));
-/** Whether a type goes over as two arguments. */
 template <class T> constexpr bool is_pair = false;
 template <class First, class Second> constexpr bool is_pair<std::pair<First, Second>> = true;
-template <class T> constexpr bool is_pair_argument() noexcept
-{
-    if constexpr (std::is_class_v<T> && !has<missing_of, T> && !has<identity_of, T>)
-        return is_pair<converted_of<T>>;
-    else
-        return false;
-}
 
 template <class T>
 using path_of = decltype(T::preferred_separator, std::string_view(std::declval<const T &>().native()));
@@ -131,7 +123,6 @@ template <class T> constexpr category scalar_category() noexcept
     else
         return is_one_of<T, float, double>      ? category::real
                : std::is_same_v<T, long double> ? category::long_real
-               : std::is_enum_v<T>              ? category::enumeration
                                                 : category::none;
 }
 
@@ -168,6 +159,17 @@ template <class T> constexpr category category_of() noexcept
     }
     else
         return scalar_category<bare>();
+}
+
+/** Whether a type goes over as several arguments. */
+template <class T> constexpr bool is_pair_argument() noexcept
+{
+    if constexpr (category_of<T>() == category::converted)
+    {
+        using made = std::decay_t<converted_of<T>>;
+        return is_pair<made> || is_pair_argument<made>();
+    }
+    return false;
 }
 
 /** A time as the date conversions take it: "2006-05-17'T08:09:10Z", which reaches from the year 0 to the year 9999. */
@@ -328,31 +330,29 @@ template <class View, class Make> KTArgument of_view(Make make, View text) noexc
     return make(as_chars(text.data()), text.data() != nullptr ? text.size() : 0);
 }
 
-/** What argument_of made of a value, and the argument that points into it. */
+template <class First, class Second> struct held_pair
+{
+    First first;
+    Second second;
+};
+
+template <class Made> auto hold_made(const Made &made)
+{
+    if constexpr (is_pair<Made>)
+        return held_pair<decltype(hold(made.first)), decltype(hold(made.second))>{hold(made.first), hold(made.second)};
+    else
+        return hold(made);
+}
+
+/** What argument_of made of a value, and the arguments that point into it. */
 template <class T> struct converted
 {
-    explicit converted(const T &from) : value(argument_of<T>::convert(from)), inner(hold(value)) {}
+    explicit converted(const T &from) : value(argument_of<T>::convert(from)), inner(hold_made(value)) {}
     converted(const converted &) = delete;
     converted &operator=(const converted &) = delete;
-    decltype(argument_of<T>::convert(std::declval<const T &>())) value;
-    decltype(hold(value)) inner;
-};
-
-/** The same of a value that goes over as two arguments. */
-template <class T> struct converted_pair
-{
-    explicit converted_pair(const T &from)
-        : value(argument_of<T>::convert(from)), first(hold(value.first)), second(hold(value.second))
-    {
-    }
-    converted_pair(const converted_pair &) = delete;
-    converted_pair &operator=(const converted_pair &) = delete;
     converted_of<T> value;
-    decltype(hold(value.first)) first;
-    decltype(hold(value.second)) second;
+    decltype(hold_made(value)) inner;
 };
-
-template <class T> constexpr bool is_argument = category_of<T>() != category::none;
 
 template <class T> auto hold(const T &value)
 {
@@ -362,9 +362,7 @@ template <class T> auto hold(const T &value)
         "kelto: a value of this type cannot be formatted; pass an integer, an enum, a bool, a char, a char16_t, "
         "a char32_t, a floating-point number, a UTF-8 or UTF-16 text, a path, a duration or a time of the system "
         "clock, or specialise kelto::argument_of for it");
-    if constexpr (is_pair_argument<T>())
-        return converted_pair<T>(value);
-    else if constexpr (kind == category::converted)
+    if constexpr (kind == category::converted)
         return converted<T>(value);
     else if constexpr (kind == category::identity)
         return identified{&type_tag<T>, linker_name<T>(), &value};
@@ -449,16 +447,23 @@ struct no_argument
 };
 
 template <class Held> constexpr std::size_t arguments_in = 1;
-template <class T> constexpr std::size_t arguments_in<converted_pair<T>> = 2;
+template <class First, class Second>
+constexpr std::size_t arguments_in<held_pair<First, Second>> = arguments_in<First> + arguments_in<Second>;
+template <class T> constexpr std::size_t arguments_in<converted<T>> = arguments_in<decltype(converted<T>::inner)>;
 
 template <class Held> KTArgument *append_argument(KTArgument *at, const Held &held) noexcept
 {
     *at = argument_from(held);
     return at + 1;
 }
-template <class T> KTArgument *append_argument(KTArgument *at, const converted_pair<T> &held) noexcept
+template <class First, class Second>
+KTArgument *append_argument(KTArgument *at, const held_pair<First, Second> &held) noexcept
 {
     return append_argument(append_argument(at, held.first), held.second);
+}
+template <class T> KTArgument *append_argument(KTArgument *at, const converted<T> &held) noexcept
+{
+    return append_argument(at, held.inner);
 }
 
 /** The arguments that lie in what hold() gave. */
@@ -558,7 +563,7 @@ template <class T> constexpr shape shape_of() noexcept
     using bare = std::remove_cv_t<std::remove_reference_t<T>>;
     constexpr category kind = category_of<bare>();
     if constexpr (kind == category::converted)
-        return shape_of<decltype(argument_of<bare>::convert(std::declval<const bare &>()))>();
+        return shape_of<converted_of<bare>>();
     else if constexpr (kind == category::enumeration)
         return shape_of<std::underlying_type_t<bare>>();
     else if constexpr (kind == category::duration)

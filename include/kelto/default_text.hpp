@@ -8,6 +8,7 @@
 #include "argument.hpp"
 
 #include <climits>
+#include <tuple>
 
 namespace kelto
 {
@@ -349,7 +350,7 @@ template <class Text, class... Arguments> constexpr void check_default() noexcep
     }
 }
 
-/* Of arguments that go over as two. */
+/* Of arguments that go over as several. */
 
 template <class...> struct types
 {
@@ -363,7 +364,14 @@ constexpr types<First..., Second...> operator+(types<First...>, types<Second...>
 template <class T> constexpr auto types_of() noexcept
 {
     if constexpr (is_pair_argument<T>())
-        return types<typename converted_of<T>::first_type, typename converted_of<T>::second_type>();
+    {
+        using made = std::decay_t<converted_of<T>>;
+        if constexpr (is_pair<made>)
+            return types_of<std::decay_t<typename made::first_type>>() +
+                   types_of<std::decay_t<typename made::second_type>>();
+        else
+            return types_of<made>();
+    }
     else
         return types<T>();
 }

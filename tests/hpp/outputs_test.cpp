@@ -21,11 +21,29 @@ struct Derived : Base
 {
 };
 
+struct Range
+{
+    int from, to;
+};
+struct NamedRange
+{
+    const char *name;
+    Range range;
+};
+
 } // namespace
 
 template <class T> struct kelto::argument_of<T, std::enable_if_t<std::is_base_of_v<Base, T>>>
 {
     static int convert(const T &value) { return value.number; }
+};
+template <> struct kelto::argument_of<Range>
+{
+    static std::pair<Base, int> convert(const Range &range) { return {{range.from}, range.to}; }
+};
+template <> struct kelto::argument_of<NamedRange>
+{
+    static std::pair<const char *, Range> convert(const NamedRange &named) { return {named.name, named.range}; }
 };
 
 namespace
@@ -142,6 +160,8 @@ TEST(Outputs, TakePathsDurationsAndFamilies)
                                       seconds(minutes(1) + seconds(30)), duration<double>(1.5))},
         {"[store 1: a/b, 1500]", catalog.format(1, std::filesystem::path("a/b"), milliseconds(1500))},
         {"7 8", catalog.format(1, KELTO_DEFAULT("%d[1] %d[2]"), Base{7}, Derived{{8}})},
+        {"[store 1: a, 1, 2, 3, 4, 5]", catalog.format(1, NamedRange{"a", {1, 2}}, Range{3, 4}, 5)},
+        {"a: 1-2, 5", catalog.format(1, KELTO_DEFAULT("%s[1]: %d[2]-%d[3], %d[4]"), NamedRange{"a", {1, 2}}, 5)},
         {"01/01/0000 00:00:00", catalog.format(1, KELTO_DEFAULT("%DT[1]"), never)},
         {"12/31/1969 23:59:58", catalog.format(1, KELTO_DEFAULT("%DT[1]"),
                                                time_point<system_clock, duration<double>>(duration<double>(-1.5)))},
