@@ -215,7 +215,7 @@ public:
     /** The text of a message. */
     std::string format(message_id id) const
     {
-        return make(id, {}, {nullptr, 0});
+        return make<char>(id, {}, {nullptr, 0});
     }
     template <class First, class... Others>
     __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
@@ -231,7 +231,7 @@ public:
     /** The text of a message in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(message_id id, const Arguments &...arguments) const
     {
-        return make_utf16(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char16_t>(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
     }
 
     /**
@@ -250,7 +250,7 @@ public:
     format_to_n_result<Output> format_to_n(Output out, std::size_t most, message_id id,
                                            const Arguments &...arguments) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<char> text;
         fill(text, id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
         return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
     }
@@ -319,7 +319,14 @@ private:
     int write(message_id id, std::string_view source, const detail::argument_view &view, std::size_t *size,
               Unit *out) const
     {
-        const KTCatalogRequest request = request_of(id, source, view);
+        KTCatalogRequest request = {};
+        request.structSize = sizeof request;
+        request.id = static_cast<std::int64_t>(id.bits_);
+        request.isUnsigned = !id.isNegative_;
+        request.source = source.data();
+        request.sourceLength = source.size();
+        request.arguments = view.arguments;
+        request.count = view.count;
         return functions_ == nullptr ? detail::format_request(catalog_.get(), &request, size, out)
                                      : write_running(request, size, out);
     }
@@ -335,33 +342,22 @@ private:
         return result;
     }
 
-    KTCatalogRequest request_of(message_id id, std::string_view source,
-                                const detail::argument_view &view) const noexcept
-    {
-        KTCatalogRequest request = {};
-        request.structSize = sizeof request;
-        request.id = static_cast<std::int64_t>(id.bits_);
-        request.isUnsigned = !id.isNegative_;
-        request.source = source.data();
-        request.sourceLength = source.size();
-        request.arguments = view.arguments;
-        request.count = view.count;
-        return request;
-    }
-
-    void fill(detail::text_buffer &text, message_id id, std::string_view source,
+    template <class Unit>
+    void fill(detail::text_buffer<Unit> &text, message_id id, std::string_view source,
               const detail::argument_view &view) const
     {
         std::size_t size = 0;
-        char *room = text.few(size);
+        Unit *room = text.few(size);
         while (write(id, source, view, &size, room) == KT_ERR_BUFFER_TOO_SMALL)
             room = text.many(size);
         text.end(size);
     }
 
-    KELTO_OUT_OF_LINE std::string make(message_id id, std::string_view source, const detail::argument_view &view) const
+    template <class Unit>
+    KELTO_OUT_OF_LINE std::basic_string<Unit> make(message_id id, std::string_view source,
+                                                   const detail::argument_view &view) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<Unit> text;
         fill(text, id, source, view);
         return text.take();
     }
@@ -370,18 +366,7 @@ private:
     template <class... Arguments>
     KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
     {
-        return make(id, source, detail::list(detail::hold(arguments)...));
-    }
-
-    template <class Text = std::u16string>
-    Text make_utf16(message_id id, std::string_view source, const detail::argument_view &view) const
-    {
-        Text text(detail::few_bytes, u'\0');
-        std::size_t size = text.size() + 1;
-        while (write(id, source, view, &size, text.data()) == KT_ERR_BUFFER_TOO_SMALL)
-            text.resize(size++);
-        text.resize(size);
-        return text;
+        return make<char>(id, source, detail::list(detail::hold(arguments)...));
     }
 
     template <class Output>
@@ -395,7 +380,7 @@ private:
         }
         else
         {
-            detail::text_buffer text;
+            detail::text_buffer<char> text;
             fill(text, id, source, view);
             return detail::hand_over(std::forward<Output>(out), text.view());
         }

@@ -44,10 +44,10 @@ template <class Output> struct format_to_n_result
 namespace detail
 {
 
-constexpr std::size_t few_bytes = 1024;
+constexpr std::size_t few_units = 1024;
 
-/** A text on its way to the caller: up to few_bytes of it without the heap. */
-class text_buffer
+/** A text on its way to the caller: up to few_units of it without the heap. */
+template <class Unit> class text_buffer
 {
 public:
     text_buffer() noexcept {} // the bytes stay as they are
@@ -55,13 +55,13 @@ public:
     text_buffer &operator=(const text_buffer &) = delete;
 
     /** Room for a text, under the size protocol. */
-    char *few(std::size_t &size) noexcept
+    Unit *few(std::size_t &size) noexcept
     {
-        size = few_bytes + 1;
+        size = few_units + 1;
         return few_;
     }
     /** Likewise for a text of this size, and for more where that was told too low. */
-    char *many(std::size_t &size)
+    Unit *many(std::size_t &size)
     {
         isFew_ = false;
         many_.resize(size > many_.size() ? size : 2 * many_.size());
@@ -76,14 +76,17 @@ public:
             many_.resize(size);
     }
 
-    std::string_view view() const noexcept { return isFew_ ? std::string_view(few_, size_) : many_; }
-    std::string take() { return isFew_ ? std::string(few_, size_) : std::move(many_); }
+    std::basic_string_view<Unit> view() const noexcept
+    {
+        return isFew_ ? std::basic_string_view<Unit>(few_, size_) : many_;
+    }
+    std::basic_string<Unit> take() { return isFew_ ? std::basic_string<Unit>(few_, size_) : std::move(many_); }
 
 private:
-    char few_[few_bytes + 1];
+    Unit few_[few_units + 1];
     bool isFew_ = true;
     std::size_t size_ = 0;
-    std::string many_;
+    std::basic_string<Unit> many_;
 };
 
 /** The beginning of a text, of at most so many bytes and in whole characters. */
@@ -200,17 +203,6 @@ struct call_options
     std::size_t max_size;
 };
 
-/** Calls the library with a table, and throws again what functions of the program threw. */
-template <class Call> int with_table(const table_state *table, Call call)
-{
-    if (table == nullptr)
-        return call();
-    running around(table);
-    const int result = call();
-    around.rethrow();
-    return result;
-}
-
 /** Writes an object of the program's for the last rung and for errors. */
 inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
 {
@@ -290,13 +282,13 @@ public:
     /** The text. */
     template <class... Arguments> std::string format(Arguments &&...arguments) const
     {
-        return make(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char>(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
     }
 
     /** The text in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(Arguments &&...arguments) const
     {
-        return make_utf16(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char16_t>(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
     }
 
     /**
@@ -305,7 +297,7 @@ public:
      */
     template <class Output, class... Arguments> decltype(auto) format_to(Output &&out, Arguments &&...arguments) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<char> text;
         fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
         return detail::hand_over(std::forward<Output>(out), text.view());
     }
@@ -314,7 +306,7 @@ public:
     template <class Output, class... Arguments>
     format_to_n_result<Output> format_to_n(Output out, std::size_t most, Arguments &&...arguments) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<char> text;
         fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
         return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
     }
@@ -322,7 +314,7 @@ public:
     /** The bytes of the text. */
     template <class... Arguments> std::size_t formatted_size(Arguments &&...arguments) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<char> text;
         fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
         return text.view().size();
     }
@@ -356,19 +348,23 @@ private:
     }
 
     /** Calls the library; throws only what functions of the program throw. */
-    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, char *out) const
+    template <class Unit>
+    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
     {
-        return detail::with_table(options_.table.get(), [&] {
-            return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
+        const auto call = [&] {
+            if constexpr (std::is_same_v<Unit, char>)
+                return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out,
+                                            view.arguments, view.count);
+            else
+                return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
                                         view.count);
-        });
-    }
-    template <class Unit> int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
-    {
-        return detail::with_table(options_.table.get(), [&] {
-            return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
-                                    view.count);
-        });
+        };
+        if (options_.table == nullptr)
+            return call();
+        detail::running around(options_.table.get());
+        const int result = call();
+        around.rethrow();
+        return result;
     }
 
     /** Whether a text, which is that long, is not longer than it may be. */
@@ -378,11 +374,12 @@ private:
     }
 
     /** Fills a buffer where it can; what cannot be is told in `failure`, or thrown where that is null. */
-    KELTO_OUT_OF_LINE bool fill(detail::text_buffer &text, std::error_code *failure,
+    template <class Unit>
+    KELTO_OUT_OF_LINE void fill(detail::text_buffer<Unit> &text, std::error_code *failure,
                                 const detail::argument_view &view) const
     {
         std::size_t size = 0;
-        char *room = text.few(size);
+        Unit *room = text.few(size);
         int result = write(view, &size, room);
         while (result == KT_ERR_BUFFER_TOO_SMALL && is_within_limit(size, view))
         {
@@ -392,44 +389,20 @@ private:
         if (result == 0 && !is_within_limit(size, view))
             result = KT_ERR_BUFFER_TOO_SMALL;
         text.end(result == 0 ? size : 0);
-        return is_done(result, failure, view);
-    }
-
-    bool is_done(int result, std::error_code *failure, const detail::argument_view &view) const
-    {
         if (failure != nullptr)
             *failure = make_error(result);
 #if KELTO_HAS_EXCEPTIONS
         else if (result != 0)
             fail(result, view);
-#else
-        static_cast<void>(view);
 #endif
-        return result == 0;
     }
 
-    KELTO_OUT_OF_LINE std::string make(std::error_code *failure, const detail::argument_view &view) const
+    template <class Unit>
+    KELTO_OUT_OF_LINE std::basic_string<Unit> make(std::error_code *failure, const detail::argument_view &view) const
     {
-        detail::text_buffer text;
+        detail::text_buffer<Unit> text;
         fill(text, failure, view);
         return text.take();
-    }
-
-    template <class Text = std::u16string>
-    Text make_utf16(std::error_code *failure, const detail::argument_view &view) const
-    {
-        Text text(detail::few_bytes, u'\0');
-        std::size_t size = text.size() + 1;
-        int result = write(view, &size, text.data());
-        while (result == KT_ERR_BUFFER_TOO_SMALL && is_within_limit(size, view))
-        {
-            text.resize(size++);
-            result = write(view, &size, text.data());
-        }
-        if (result == 0 && !is_within_limit(size, view))
-            result = KT_ERR_BUFFER_TOO_SMALL;
-        text.resize(is_done(result, failure, view) ? size : 0);
-        return text;
     }
 
 #if KELTO_HAS_EXCEPTIONS
@@ -439,7 +412,7 @@ private:
             detail::throw_told(result, {"kelto::prepared_format: it holds no format"});
         const detail::running call(options_.table.get()); // what is thrown here was thrown before
         const KTCatalogOptions options = detail::c_options(options_);
-        std::string why(detail::few_bytes, '\0');
+        std::string why(detail::few_units, '\0');
         std::size_t size = why.size() + 1;
         while (KTExplainFailure(text_.c_str(), result, &options, view.arguments, view.count, &size, why.data()) ==
                KT_ERR_BUFFER_TOO_SMALL)
