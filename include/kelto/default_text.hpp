@@ -514,8 +514,8 @@ constexpr std::string_view source_of(const unchecked_text &source, const Argumen
 {
     return source.text;
 }
-template <class... Arguments>
-constexpr std::string_view source_of(const source_text<Arguments...> &source, const Arguments &...arguments) noexcept
+template <class... Types, class... Arguments>
+constexpr std::string_view source_of(const source_text<Types...> &source, const Arguments &...arguments) noexcept
 {
     return source.chosen(arguments...);
 }

@@ -87,6 +87,7 @@ TEST(Outputs, CountByTheFileAndElseByTheTwoTextsOfTheProgram)
     EXPECT_EQ(catalog.format(2, KELTO_PLURAL(2, "%s[1] %hu[2]", "%s[1]s %hu[2]"), "a", uint16_t{1}), "a 1");
     EXPECT_EQ(catalog.format(2, KELTO_PLURAL(1, "one%u[1]", "many%u[1]"), Count::several), "many9");
     EXPECT_EQ(through(catalog, KELTO_PLURAL(1, "one%u[1]", "many%u[1]"), Count::one), "one1");
+    EXPECT_EQ(catalog.format(2, kelto::source_text_for<long>(KELTO_PLURAL(1, "one%!d[1]", "many%!d[1]")), 1), "one1");
     EXPECT_EQ(catalog.formatted_size(2, both, 1L, "a"), 11U);
     kelto::catalog_options isolating;
     isolating.isolate = true;
