@@ -108,7 +108,7 @@ public:
             KTLCloseLanguage(language);
     }
 
-    /** Whether there is such a time zone. */
+    /** Starts the library; a failure also where there is no such time zone. */
     int begin() noexcept
     {
         KTLLanguage *root = nullptr;
@@ -156,15 +156,6 @@ private:
     std::vector<KTLLanguage *> languages_;
 };
 
-inline language_conversions conversions_of(const std::string &timeZone, int &result)
-{
-    auto languages = std::make_shared<open_languages>(timeZone);
-    result = languages->begin();
-    if (result != 0)
-        return {};
-    return {open_languages::table_of, std::move(languages)};
-}
-
 } // namespace detail
 
 /**
@@ -175,18 +166,20 @@ inline language_conversions conversions_of(const std::string &timeZone, int &res
  */
 inline language_conversions locale_conversions(const std::string &time_zone, std::error_code &failure)
 {
-    int result = 0;
-    language_conversions conversions = detail::conversions_of(time_zone, result);
-    failure = make_error(result);
-    return conversions;
+    auto languages = std::make_shared<detail::open_languages>(time_zone);
+    failure = make_error(languages->begin());
+    if (failure)
+        return {};
+    return {detail::open_languages::table_of, std::move(languages)};
 }
 
 #if KELTO_HAS_EXCEPTIONS
 inline language_conversions locale_conversions(const std::string &time_zone = {})
 {
-    int result = 0;
-    language_conversions conversions = detail::conversions_of(time_zone, result);
-    if (result != 0)
+    std::error_code failure;
+    language_conversions conversions = locale_conversions(time_zone, failure);
+    const int result = failure.value();
+    if (failure)
         detail::throw_told(result,
                            {"kelto::locale_conversions(\"", time_zone, "\"): ",
                             result == KT_ERR_INVALID_PARAMETER ? "there is no such time zone" : KTResultText(result)});

@@ -291,7 +291,7 @@ private:
     template <class Open, bool Catches = KELTO_HAS_EXCEPTIONS>
     static catalog open(const catalog_options &options, std::error_code &failure, Open call)
     {
-        const detail::call_options shared(options, options.table != nullptr ? options.table->state_ : nullptr);
+        const detail::call_options shared(options);
         catalog opened;
         KTCatalogOptions given = detail::c_options(shared);
         given.languages = options.languages.empty() ? nullptr : options.languages.c_str();

@@ -28,6 +28,7 @@ struct conversion_spec
 namespace detail
 {
 
+struct call_options;
 struct table_state;
 
 /** What runs during a call finds of it: the table, since an encoder is told nothing of its own, and what was thrown. */
@@ -348,8 +349,7 @@ public:
     formTable *get() const noexcept { return state_ != nullptr ? &state_->table : nullptr; }
 
 private:
-    friend class prepared_format;
-    friend class catalog;
+    friend struct detail::call_options;
     explicit form_table(std::shared_ptr<detail::table_state> state) noexcept : state_(std::move(state)) {}
     std::shared_ptr<detail::table_state> state_;
 };

@@ -186,9 +186,10 @@ inline no_argument hold(const std::error_code &) noexcept
 /** The options of a format call, with the table as what keeps it alive. */
 struct call_options
 {
-    call_options(const format_options &options, std::shared_ptr<table_state> shared)
-        : table(std::move(shared)), flags(options.tag ? static_cast<unsigned>(KT_TAG) : 0U),
-          pass_through(options.pass_through), max_size(options.max_size)
+    explicit call_options(const format_options &options)
+        : table(options.table != nullptr ? options.table->state_ : nullptr),
+          flags(options.tag ? static_cast<unsigned>(KT_TAG) : 0U), pass_through(options.pass_through),
+          max_size(options.max_size)
     {
         if (table != nullptr && table->encodes_everywhere)
             flags |= static_cast<unsigned>(KT_ENCODE_ALL);
@@ -265,14 +266,13 @@ class prepared_format
 public:
     prepared_format(const std::string &format, std::error_code &failure) : prepared_format(format, {}, failure) {}
     prepared_format(const std::string &format, const format_options &options, std::error_code &failure)
-        : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
+        : options_(options)
     {
         failure = make_error(open(format));
     }
 
 #if KELTO_HAS_EXCEPTIONS
-    explicit prepared_format(const std::string &format, const format_options &options = {})
-        : options_(options, options.table != nullptr ? options.table->state_ : nullptr)
+    explicit prepared_format(const std::string &format, const format_options &options = {}) : options_(options)
     {
         if (const int result = open(format))
             fail(result, {nullptr, 0});
