@@ -77,8 +77,8 @@ typedef struct KTLLanguage KTLLanguage;
  *                  null for UTC.
  * @param language  out: the language, which the caller closes with KTLCloseLanguage(); null on failure.
  * @return 0; KT_ERR_NOT_INITIALIZED; KT_ERR_INVALID_PARAMETER where locale or language is null, for a locale of more
- * than 156 bytes, and for a
- *         time zone that is none; KT_ERR_NO_MEMORY; KT_ERR_CONVERSION_FAILED where ICU has no data.
+ *         than 156 bytes, and for a time zone that is none; KT_ERR_NO_MEMORY; KT_ERR_CONVERSION_FAILED where ICU has no
+ *         data.
  */
 int KTLOpenLanguage(const char *locale, const char *timeZone, KTLLanguage **language);
 

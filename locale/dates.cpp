@@ -84,6 +84,20 @@ bool readStamp(std::string_view text, int64_t &seconds)
     return true;
 }
 
+/**
+ * The moment that a text of a "D", "T" or "DT" means, in milliseconds since 1970 in UTC: a count of seconds, or a time
+ * stamp as "2006-05-17'T08:09:10Z". The calendar is the one that people use, with no leap year in 2100.
+ * @return 0, or KT_ERR_INVALID_PARAMETER for another text, a day or hour that does not exist, and a count beyond ICU's.
+ */
+int readMoment(std::string_view text, UDate &moment)
+{
+    int64_t seconds = 0;
+    const bool isMoment = text.size() <= longestCount ? readDigits(text, seconds) && seconds <= lastSecond
+                                                      : text.size() == stampLength && readStamp(text, seconds);
+    moment = static_cast<double>(seconds) * millisecondsPerSecond;
+    return isMoment ? 0 : KT_ERR_INVALID_PARAMETER;
+}
+
 /** The described text of a date with tags, which is the same in every language. */
 int writeTagged(const Kind &kind, const Spec &spec, std::string_view text, Output &output)
 {
@@ -111,23 +125,14 @@ int find(const UChar *name, bool &isZone)
 
 } // namespace
 
-int readMoment(std::string_view text, UDate &moment) noexcept
-{
-    int64_t seconds = 0;
-    const bool isMoment = text.size() <= longestCount ? readDigits(text, seconds) && seconds <= lastSecond
-                                                      : text.size() == stampLength && readStamp(text, seconds);
-    moment = static_cast<double>(seconds) * millisecondsPerSecond;
-    return isMoment ? 0 : KT_ERR_INVALID_PARAMETER;
-}
-
 int DateFormatters::setZone(const char *locale, const char *timeZone) noexcept
 {
     // A formatter is first made in the zone of its locale; without one ICU would look for that of the machine.
     UErrorCode status = U_ZERO_ERROR;
     std::strcpy(m_locale, locale);
     uloc_setKeywordValue("timezone", "UTC", m_locale, sizeof m_locale, &status);
-    u_charsToUChars(timeZone != nullptr ? timeZone : "UTC", m_zone,
-                    static_cast<int32_t>(std::strlen(timeZone != nullptr ? timeZone : "UTC")) + 1);
+    const char *const zone = timeZone != nullptr ? timeZone : "UTC";
+    u_charsToUChars(zone, m_zone, static_cast<int32_t>(std::strlen(zone)) + 1);
     if (timeZone == nullptr || U_FAILURE(status))
         return resultOf(status);
     bool isZone = false;
@@ -171,13 +176,7 @@ int DateFormatters::format(DateParts parts, int style, UDate moment, IcuText &te
     if (clone == nullptr)
     {
         const UDateFormat *original = nullptr;
-        const int result = formatter.original.get(original, [&](auto &made) {
-            Handle<UDateFormat, udat_close> opened;
-            const int failure = open(parts, style, opened);
-            made.reset(failure == 0 ? opened.release() : nullptr);
-            return failure;
-        });
-        if (result != 0)
+        if (const int result = formatter.original.get(original, [&](auto &made) { return open(parts, style, made); }))
             return result;
         if (const int asked = askForMemory(true))
             return asked;

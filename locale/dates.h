@@ -8,7 +8,6 @@
 
 #include "icu.h"
 
-#include <string_view>
 #include <unicode/udat.h>
 #include <unicode/uloc.h>
 
@@ -55,13 +54,6 @@ private:
     UChar m_zone[maxZoneLength + 1];
     Formatter m_formatters[datePartsCount][styleCount];
 };
-
-/**
- * The moment that a text of a "D", "T" or "DT" means, in milliseconds since 1970 in UTC: a count of seconds, or a time
- * stamp as "2006-05-17'T08:09:10Z". The calendar is the one that people use, with no leap year in 2100.
- * @return 0, or KT_ERR_INVALID_PARAMETER for another text, a day or hour that does not exist, and a count beyond ICU's.
- */
-int readMoment(std::string_view text, UDate &moment) noexcept;
 
 } // namespace kelto::locale
 

@@ -48,7 +48,13 @@ uint64_t lengthOf(Units text, const UCS2 *)
 
 uint64_t lengthOf(Units text, const char *)
 {
-    return kelto::locale::utf8Length(text);
+    uint64_t length = 0;
+    while (text.length > 0)
+    {
+        const UChar32 codePoint = takeCodePoint(text);
+        length += static_cast<uint64_t>(U8_LENGTH(codePoint)); // a macro, which asks more than once
+    }
+    return length;
 }
 
 UCS2 *copy(Units text, UCS2 *out)
@@ -105,17 +111,6 @@ template <typename Unit> int writeLine(kelto::locale::Output &output, const Line
 
 namespace kelto::locale
 {
-
-uint64_t utf8Length(Units text) noexcept
-{
-    uint64_t length = 0;
-    while (text.length > 0)
-    {
-        const UChar32 codePoint = takeCodePoint(text);
-        length += static_cast<uint64_t>(U8_LENGTH(codePoint)); // a macro, which asks more than once
-    }
-    return length;
-}
 
 // Many are ASCII alone; of the others most characters are, and most others have three bytes: the blanks between groups.
 char *toUTF8(Units text, char *out) noexcept

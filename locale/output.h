@@ -102,11 +102,9 @@ template <typename Unit> void Output::finish(const Unit *end) noexcept
     *m_size = static_cast<unsigned long>(end - place<Unit>());
 }
 
-/** The bytes of a text in UTF-8, half characters as U+FFFD. */
-uint64_t utf8Length(Units text) noexcept;
 constexpr uint64_t mostBytesPerUnit = 3;
 
-/** Writes a text in UTF-8 where there is room for it; the end of what was written. */
+/** Writes a text in UTF-8, half characters as U+FFFD, where there is room for it; the end of what was written. */
 char *toUTF8(Units text, char *out) noexcept;
 
 } // namespace kelto::locale
