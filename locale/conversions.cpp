@@ -62,7 +62,7 @@ uint64_t cutUnsigned(uint64_t value, int flags)
     return (flags & FLAG_BANG) != 0 ? value : static_cast<uint32_t>(value);
 }
 
-void readValue(const KTArgument &argument, int type, int flags, Value &value)
+[[gnu::always_inline]] inline void readValue(const KTArgument &argument, int type, int flags, Value &value)
 {
     if (type == KT_ARG_SIGNED)
         value.integer = argument.value.u;
