@@ -149,8 +149,11 @@ bool mayHaveRemarks(std::string_view bytes)
         return true;
     constexpr std::string_view attribute = "ts=";
     for (size_t at = bytes.find(attribute); at != std::string_view::npos; at = bytes.find(attribute, at + 1))
-        if (bytes.substr(at + attribute.size() + 1, 1) != "%") // it is not that of an "x"
+    {
+        const std::string_view value = bytes.substr(at + attribute.size(), 2);
+        if (value.size() < 2 || value[1] != '%') // it is not that of an "x"
             return true;
+    }
     return false;
 }
 
