@@ -19,6 +19,9 @@ using namespace check;
 
 constexpr char namespaceEnd = '|';
 
+/** The bytes of a conversion: a few of a tag would else stand for whatever another one holds, again and again. */
+constexpr size_t longestConversion = 250;
+
 enum class Element : uint8_t
 {
     other,   // looked through
@@ -442,7 +445,7 @@ void Reader::addPlaceholder(const Tag &tag, Range place)
         conversion = data->second;
     if (const auto known = m_placeholders.find(id); conversion.empty() && known != m_placeholders.end())
         conversion = known->second;
-    if (conversion.empty())
+    if (conversion.empty() || conversion.size() > longestConversion)
     {
         refuseInline(tag, place);
         return;
