@@ -163,7 +163,18 @@ std::string ourHints(const std::vector<const Entry *> &forms)
     return text;
 }
 
-/** The units of an entry for kelto-po: one, or the forms of a plural entry, whose first two have its sources. */
+/** Which of the forms has the source for one thing. */
+size_t singularOf(const std::vector<const Entry *> &forms)
+{
+    const auto found =
+        std::find_if(forms.begin(), forms.end(), [](const Entry *form) { return form->key.label == "one"; });
+    return found != forms.end() ? static_cast<size_t>(found - forms.begin()) : 0;
+}
+
+/**
+ * The units of an entry for kelto-po: one, or the forms of a plural entry. The first of these has its source for one
+ * thing, the others that for more.
+ */
 std::string unitsOf(const std::vector<const Entry *> &entries, const Entry *plural, formTable *table)
 {
     std::vector<const Entry *> all = entries;
@@ -180,6 +191,7 @@ std::string unitsOf(const std::vector<const Entry *> &entries, const Entry *plur
     for (size_t form = 0; form < entries.size(); ++form)
     {
         const Entry &entry = *entries[form];
+        const size_t said = plural == nullptr ? form : form == 0 ? singularOf(entries) : entries.size();
         const std::string id = plural != nullptr ? std::to_string(entry.key.number) : written(entry.key);
         units += "<trans-unit" + xmlAttribute("id", id) + xmlAttribute("approved", isIn(State::fuzzy) ? "no" : "yes");
         if (entry.isObsolete)
@@ -188,10 +200,10 @@ std::string unitsOf(const std::vector<const Entry *> &entries, const Entry *plur
             units += xmlAttribute("kelto:format", texts.flag());
         if (plural != nullptr)
             units += xmlAttribute("kelto:plural", escaped(texts.plainSource(entries.size())));
-        units += fmt::format(">\n<source>{}</source>\n<target>{}</target>\n", texts.source(form), texts.target(form));
+        units += fmt::format(">\n<source>{}</source>\n<target>{}</target>\n", texts.source(said), texts.target(form));
         if (hasPrevious && isIn(State::fuzzy)) // of a plural entry both or none
             units += fmt::format("<alt-trans><source>{}</source></alt-trans>\n",
-                                 entry.previousSource ? texts.previous(form) : texts.source(form));
+                                 all[said]->previousSource ? texts.previous(said) : texts.source(said));
         if (form == 0 && !entry.name.empty())
             units += noteFor("name: " + entry.name, developer);
         for (const Note &hint : entry.hints)
