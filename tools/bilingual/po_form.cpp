@@ -320,6 +320,27 @@ std::string normalized(std::string_view bytes)
     return result;
 }
 
+/** A category, and the forms in which a file has its numbers: several where the file's rule is another. */
+struct FormsOfCategory
+{
+    int variant; // of KTVariant
+    std::vector<std::optional<unsigned>> forms;
+};
+
+std::vector<FormsOfCategory> formsOfCategories(const PluralHeader &header, const std::string &language)
+{
+    std::vector<FormsOfCategory> all;
+    for (const Category &category : categoriesOf(language, false))
+    {
+        std::vector<std::optional<unsigned>> forms;
+        for (const uint64_t number : category.examples)
+            if (const auto form = header.formOf(number); std::find(forms.begin(), forms.end(), form) == forms.end())
+                forms.push_back(form);
+        all.push_back({category.variant, std::move(forms)});
+    }
+    return all;
+}
+
 class PoReader
 {
 public:
@@ -424,6 +445,7 @@ private:
         const std::string field = attributeOf(fieldsOf(content.header), "Plural-Forms");
         const std::optional<PluralHeader> header =
             PluralHeader::read(field.empty() ? "nplurals=2; plural=n != 1;" : field);
+        std::vector<FormsOfCategory> categories; // of the first plural entry on
         bool isTold = false;
         for (size_t i = 0; i < content.entries.size();)
         {
@@ -443,23 +465,24 @@ private:
                 m_file.findings.push_back(
                     {Rule::structure, 0, place.begin, place, {Text::pluralHeader, {quotation(field)}}, std::nullopt});
             }
-            if (header)
-                addForms(*header, i, end, entries);
+            if (header && categories.empty())
+                categories = formsOfCategories(*header, content.targetLanguage);
+            addForms(categories, i, end, entries);
             i = end;
         }
         content.entries = std::move(entries);
     }
 
-    void addForms(const PluralHeader &header, size_t begin, size_t end, std::vector<Entry> &entries) const
+    void addForms(const std::vector<FormsOfCategory> &categories, size_t begin, size_t end,
+                  std::vector<Entry> &entries) const
     {
         const std::vector<Entry> &forms = m_file.content.entries;
-        for (const Category &category : categoriesOf(m_file.content.targetLanguage, false))
+        for (const FormsOfCategory &category : categories)
         {
             const Entry *chosen = nullptr;
             bool clashes = false;
-            for (const uint64_t number : category.examples)
+            for (const std::optional<unsigned> form : category.forms)
             {
-                const std::optional<unsigned> form = header.formOf(number);
                 const size_t at = begin + form.value_or(static_cast<unsigned>(end - begin));
                 const Entry *const other = at < end ? &forms[at] : nullptr;
                 clashes = clashes || other == nullptr || (chosen != nullptr && chosen->target != other->target);
