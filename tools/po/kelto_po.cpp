@@ -86,11 +86,13 @@ public:
         char *in = source.data();
         size_t left = source.size();
         std::array<char, 4096> buffer{};
-        while (left > 0)
+        bool isAtEnd = false;
+        while (!isAtEnd)
         {
+            isAtEnd = left == 0; // then what the converter has kept, for an accent that might have followed
             char *out = buffer.data();
             size_t room = buffer.size();
-            const size_t result = iconv(m_converter, &in, &left, &out, &room);
+            const size_t result = iconv(m_converter, isAtEnd ? nullptr : &in, &left, &out, &room);
             utf8.append(buffer.data(), buffer.size() - room);
             if (result == static_cast<size_t>(-1) && errno != E2BIG)
                 return false;
