@@ -212,7 +212,7 @@ public:
 
 private:
     void writeMessage(po_message_t message);
-    void writeUnit(const std::string &id, const char *target, int form, po_message_t message);
+    void writeUnit(const char *target, int form, po_message_t message);
     std::string text(const char *original);
     std::string comments(const char *comment, const char *from);
 
@@ -259,10 +259,11 @@ std::string Reader::comments(const char *comment, const char *from)
     return notes;
 }
 
-void Reader::writeUnit(const std::string &id, const char *target, int form, po_message_t message)
+void Reader::writeUnit(const char *target, int form, po_message_t message)
 {
     m_isReadable = true;
     m_hasControls = false;
+    const std::string id = text(m_context.c_str());
     const std::string sourceText = text(po_message_msgid(message));
     const char *const plural = po_message_msgid_plural(message);
     const std::string pluralText = plural != nullptr ? text(plural) : "";
@@ -300,12 +301,10 @@ void Reader::writeMessage(po_message_t message)
     const char *const id = po_message_msgid(message);
     if (context == nullptr && *id == '\0')
         return; // the header
-    m_isReadable = true;
     m_context = context != nullptr ? context : "";
-    std::string name = text(m_context.c_str());
     if (po_message_msgid_plural(message) == nullptr)
     {
-        writeUnit(name, po_message_msgstr(message), -1, message);
+        writeUnit(po_message_msgstr(message), -1, message);
         return;
     }
     std::printf("<group restype=\"x-gettext-plurals\">\n");
@@ -314,7 +313,7 @@ void Reader::writeMessage(po_message_t message)
         const char *const target = po_message_msgstr_plural(message, form);
         if (target == nullptr && form > 0)
             break;
-        writeUnit(name, target != nullptr ? target : "", form, message);
+        writeUnit(target != nullptr ? target : "", form, message);
     }
     std::printf("</group>\n");
 }
