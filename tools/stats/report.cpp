@@ -57,23 +57,28 @@ td code { font-size: .875em; color: var(--soft); }
 }
 )";
 
-/** A text of a file: what a browser would not show, or be moved by, is shown as an escape. */
-std::string shown(const std::string &text)
+/** A text of a file, in which what a browser would not show, or be moved by, is an escape. */
+std::string visible(const std::string &text)
 {
     std::string result;
-    const std::string visible = escaped(text);
-    for (size_t at = 0; at < visible.size();)
+    const std::string plain = escaped(text);
+    for (size_t at = 0; at < plain.size();)
     {
         const size_t begin = at;
-        const char32_t character = check::takeUtf8(visible, at);
+        const char32_t character = check::takeUtf8(plain, at);
         const int8_t type = u_charType(static_cast<UChar32>(character));
         const bool isInvisible = type == U_CONTROL_CHAR || type == U_FORMAT_CHAR || type == U_SURROGATE ||
                                  type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR;
         const bool joins = character == 0x200C || character == 0x200D || character == 0x00AD;
         result += isInvisible && !joins ? fmt::format("\\u{:04X}", static_cast<uint32_t>(character))
-                                        : visible.substr(begin, at - begin);
+                                        : plain.substr(begin, at - begin);
     }
-    return xmlText(result);
+    return result;
+}
+
+std::string shown(const std::string &text)
+{
+    return xmlText(visible(text));
 }
 
 std::string label(Text text)
@@ -150,7 +155,7 @@ std::string barOf(const Counts &counts)
 
 std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all)
 {
-    const std::string title = xmlText(say(Text::reportTitle, {shown(reference)}));
+    const std::string title = xmlText(say(Text::reportTitle, {visible(reference)}));
     std::string page =
         fmt::format("<!DOCTYPE html>\n<html lang=\"{}\">\n<head>\n<meta charset=\"utf-8\">\n"
                     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
