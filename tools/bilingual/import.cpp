@@ -157,16 +157,14 @@ void Import::addToGroup(Entry &entry)
 {
     const int number = entry.key.number;
     const Selector *const known = m_rows.find(number);
-    const auto [found, isNew] = m_groups.try_emplace(number, Group{});
-    Group &group = found->second;
-    if (isNew)
-        group.selector = known != nullptr ? *known : Selector{Selector::Kind::plural, 0, 0, ""};
-    const std::optional<int> place = placeOf(group.selector, entry.key.label);
+    const Selector selector = known != nullptr ? *known : Selector{Selector::Kind::plural, 0, 0, ""};
+    const std::optional<int> place = placeOf(selector, entry.key.label);
     if (!place)
     {
         find(Rule::badId, entry, {Text::badNumber, {quotation(written(entry.key))}});
         return;
     }
+    Group &group = m_groups.try_emplace(number, Group{selector, {}, {}}).first->second;
     group.entries.push_back(&entry);
     group.places.push_back(*place);
 }
