@@ -90,6 +90,17 @@ std::optional<Selector> readSelector(const std::string &message)
                     std::max(precision, 0)};
 }
 
+bool namesSelector(std::string_view specification)
+{
+    const std::string_view written = specification.substr(0, specification.find('['));
+    const size_t begin = written.find_first_not_of("%-+ #0123456789*.hlL!");
+    if (begin == std::string_view::npos)
+        return false;
+    const std::string_view name = written.substr(begin);
+    return std::any_of(std::begin(selectors), std::end(selectors) - 1,
+                       [name](const KTFormatter &selector) { return selector.name == name; });
+}
+
 std::string placeName(Selector::Kind kind, unsigned place)
 {
     return kind == Selector::Kind::select ? "=" + std::to_string(place) : placeNames[place];

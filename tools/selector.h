@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tool
@@ -39,6 +40,9 @@ struct Selector
 
 /** Reads a message, UTF-8; nothing where it is no selector. */
 std::optional<Selector> readSelector(const std::string &message);
+
+/** Whether a conversion specification, as "%-101plural[1]", has the name of a selector. */
+bool namesSelector(std::string_view specification);
 
 /** What the message at a place is for: "few", "=0", or of a value of the program's "=3". */
 std::string placeName(Selector::Kind kind, unsigned place);

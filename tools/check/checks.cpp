@@ -69,13 +69,20 @@ bool showsOtherwise(const Conversion &here, const Conversion &there)
     return precision != precisionOf(there) && !(isText && precision == ".0");
 }
 
+/** Whether a conversion only takes its argument, as in a sentence for a number that it does not show. */
+bool writesNothing(const Conversion &conversion)
+{
+    return conversion.name == "nil" ||
+           (precisionOf(conversion) == ".0" && (conversion.name == "s" || conversion.name == "U"));
+}
+
 /** The checks of one message. */
 class MessageCheck
 {
 public:
-    MessageCheck(Subject &subject, formTable *table, const Format *originalFormat)
-        : m_subject(subject), m_table(table), m_originalFormat(originalFormat), m_catalog(subject.catalog()),
-          m_message(subject.message()), m_text(subject.resolved())
+    MessageCheck(Subject &subject, formTable *table, const Format *originalFormat, bool isSelector)
+        : m_subject(subject), m_table(table), m_originalFormat(originalFormat), m_isSelector(isSelector),
+          m_catalog(subject.catalog()), m_message(subject.message()), m_text(subject.resolved())
     {
     }
 
@@ -86,7 +93,7 @@ public:
         if (m_text.hasBackslash())
             checkEscapes();
         checkDirections();
-        if (m_table != nullptr)
+        if (m_table != nullptr && !m_isSelector)
             checkFormat();
     }
 
@@ -121,6 +128,7 @@ private:
     Subject &m_subject;
     formTable *m_table;
     const Format *m_originalFormat; // null where there is no original, or its format is none
+    bool m_isSelector;
     const Catalog &m_catalog;
     const Message &m_message;
     const ResolvedText &m_text;
@@ -243,6 +251,10 @@ void MessageCheck::checkFaults(const Format &format)
         const bool isLone = fault.isLone && !hasConversions;
         if (isLone)
             find(Rule::lonePercent, placeOf(fault.place), {Text::percentAlone});
+        else if (fault.problem.rule == KT_RULE_UNKNOWN_CONVERSION &&
+                 namesSelector(m_text.text().substr(fault.place.begin, fault.place.end - fault.place.begin)))
+            find(Rule::selectorAlone, placeOf(fault.place),
+                 {Text::selectorNotAlone, {partOf(m_text.text(), fault.place)}});
         else
             find(Rule::badConversion, placeOf(fault.place), sentenceOn(fault));
     }
@@ -371,7 +383,8 @@ void MessageCheck::compareArguments(const Format &format)
         if (const Conversion *const here = format.find(there.position))
         {
             const bool isOther = here->name != there.name && !differInLanguageAlone(here->name, there.name);
-            if (here->slots == there.slots && (isOther || showsOtherwise(*here, there)))
+            if (here->slots == there.slots && !writesNothing(*here) && !writesNothing(there) &&
+                (isOther || showsOtherwise(*here, there)))
                 find(Rule::conversionChanged, placeOf(here->place),
                      {Text::conversionChanged, {here->written, there.written}}, noteOn(there));
             else if (!agrees)
@@ -476,7 +489,7 @@ bool isSparse(size_t messages, int highest)
     return unused >= many && unused >= 7 * messages;
 }
 
-void checkWhole(const Catalog &catalog, const Reference *reference, Findings &findings)
+void checkWhole(const Catalog &catalog, const Variants &variants, const Reference *reference, Findings &findings)
 {
     checkEncoding(catalog, findings);
     checkLanguage(catalog, reference != nullptr ? &reference->catalog() : nullptr, findings);
@@ -486,7 +499,7 @@ void checkWhole(const Catalog &catalog, const Reference *reference, Findings &fi
     if (messages.empty())
         return;
     const Message &last = messages.back();
-    if (isSparse(messages.size(), last.id))
+    if (isSparse(messages.size() + variants.reservedNumbers(), last.id))
         findings.push_back({Rule::sparseIds, last.id, last.unit.begin, last.unit,
                             counted(Text::sparseOne, Text::sparseMany, messages.size(), {countable(last.id)}),
                             std::nullopt});
@@ -494,7 +507,7 @@ void checkWhole(const Catalog &catalog, const Reference *reference, Findings &fi
 
 } // namespace
 
-Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catalog)
+Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catalog), m_variants(catalog)
 {
     for (const Message &message : catalog.messages())
     {
@@ -514,9 +527,11 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
     auto original = originals.begin();
     const Scripts scripts(catalog.language());
     int done = 0; // the number of the last message that was looked at, here or there
+    const Variants variants(catalog);
+    const Variants *const theirs = reference != nullptr ? &reference->variants() : nullptr;
     const auto missBelow = [&](int64_t id) {
         for (; original != originals.end() && original->id < id; done = (original++)->id)
-            if (original->id != done && catalog.isWhole())
+            if (original->id != done && catalog.isWhole() && theirs->pathTo(original->id) == nullptr)
                 findings.push_back({Rule::messageMissing, original->id, catalog.body().begin, catalog.body(),
                                     Phrase{Text::messageMissing},
                                     Note{true, original->unit, {Text::referenceHasItHere}}});
@@ -527,30 +542,44 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
         const bool isFirst = done != message.id;
         done = message.id;
         const bool hasOriginal = original != originals.end() && original->id == message.id;
-        if (reference != nullptr && !hasOriginal && reference->catalog().isWhole())
+        const Path *const path = variants.pathTo(message.id);
+        if (reference != nullptr && !hasOriginal && path == nullptr && reference->catalog().isWhole())
             findings.push_back({Rule::messageExtra, message.id, message.unit.begin, message.unit,
                                 Phrase{Text::messageExtra}, std::nullopt});
         if (!message.isComplete)
             continue;
-        const bool isComparable = hasOriginal && isFirst && original->isComplete;
-        const Catalog *const compared = isComparable ? &reference->catalog() : nullptr;
-        Subject subject(catalog, message, compared, isComparable ? &*original : nullptr, findings);
-        MessageCheck(subject, table, isComparable && table != nullptr ? &reference->formatOf(*original) : nullptr)
+        const bool isSelector = variants.selector(message.id) != nullptr;
+        // Sentences are compared with sentences, whatever row holds them here and there.
+        const Message *compared = hasOriginal && isFirst ? &*original : nullptr;
+        if (isSelector)
+            compared = nullptr;
+        else if (path != nullptr)
+            compared = theirs != nullptr && isFirst ? theirs->counterpart(*path) : nullptr;
+        else if (compared != nullptr && theirs->selector(message.id) != nullptr)
+            compared = theirs->counterpart({message.id, {}});
+        const bool isComparable = compared != nullptr && compared->isComplete;
+        Subject subject(catalog, message, isComparable ? &reference->catalog() : nullptr,
+                        isComparable ? compared : nullptr, findings);
+        MessageCheck(subject, table, isComparable && table != nullptr ? &reference->formatOf(*compared) : nullptr,
+                     isSelector)
             .run();
         checkDamage(subject);
         scripts.check(subject);
         if (isComparable)
         {
-            compareName(subject);
+            if (path == nullptr)
+                compareName(subject);
             compareAge(subject);
             compareWording(subject);
         }
-        else
+        else if (!isSelector)
             checkSlashes(subject);
         subject.finish();
     }
     missBelow(int64_t{INT_MAX} + 1);
-    checkWhole(catalog, reference, findings);
+    if (table != nullptr)
+        variants.check(table, findings);
+    checkWhole(catalog, variants, reference, findings);
     return findings;
 }
 

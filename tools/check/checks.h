@@ -6,6 +6,7 @@
 
 #include "check/catalog.h"
 #include "check/formats.h"
+#include "check/variants.h"
 
 #include <vector>
 
@@ -25,9 +26,12 @@ public:
         return m_formats[static_cast<size_t>(&message - m_catalog.messages().data())];
     }
 
+    const Variants &variants() const { return m_variants; }
+
 private:
     const Catalog &m_catalog;
     std::vector<Format> m_formats;
+    Variants m_variants;
 };
 
 /**

@@ -1,6 +1,7 @@
 #include "gen/header.h"
 
 #include "check/utf8.h"
+#include "check/variants.h"
 #include "gen/c_function.h"
 #include "gen/names.h"
 
@@ -92,13 +93,65 @@ std::vector<std::string> parametersOf(const Format &format)
 /** Whether the built-in conversions suffice, so that the text can be looked at while it is compiled. */
 bool isBuiltIn(std::string_view text)
 {
-    return KTExplainFormat(std::string(text).c_str(), nullptr, nullptr) == 0;
+    formTable *forms = nullptr; // with "nil", which the compiler knows too
+    return KTGetVariantFormTable(&forms) == 0 && KTExplainFormat(std::string(text).c_str(), forms, nullptr) == 0;
+}
+
+/** The texts in the source of a message that selects others: the one for any other number, and perhaps one for 1. */
+struct CountedTexts
+{
+    std::string one;
+    unsigned argument = 0; // 0 where there is no text of its own for 1
+    std::string other;
+};
+
+/** The text of a message, or nothing where it is none that is formatted. */
+std::string formatIn(const Catalog &catalog, const Variants &variants, unsigned id)
+{
+    const Message *const message = variants.find(static_cast<int>(id));
+    if (message == nullptr || variants.selector(message->id) != nullptr)
+        return "";
+    return std::string(ResolvedText(catalog.rawText(*message)).text());
+}
+
+/** Whether the text takes an integer as the argument of a number. */
+bool takesInteger(const Format &format, unsigned argument)
+{
+    unsigned number = 0;
+    for (const size_t index : format.byPosition)
+        for (const Slot &slot : format.conversions[index].slots)
+            if (++number == argument)
+                return slot.kind == Kind::integer16 || slot.kind == Kind::integer32 || slot.kind == Kind::integer64;
+    return false;
+}
+
+CountedTexts countedTexts(const Catalog &catalog, const Variants &variants, const Message &message, formTable *table)
+{
+    const Selector &selector = *variants.selector(message.id);
+    const Message *const sentence = variants.counterpart({message.id, {}});
+    CountedTexts texts;
+    if (sentence == nullptr)
+        return texts;
+    texts.other = std::string(ResolvedText(catalog.rawText(*sentence)).text());
+    if (selector.kind != Selector::Kind::plural || selector.digits != 0 ||
+        sentence->id != static_cast<int>(selector.messageAt(KT_VARIANT_OTHER)))
+        return texts;
+    if (!takesInteger(parseFormat(texts.other, table), selector.argument))
+        return texts;
+    const auto takes = [&](unsigned place) {
+        texts.one = formatIn(catalog, variants, selector.messageAt(place));
+        return !texts.one.empty() && isBuiltIn(texts.one) && isBuiltIn(texts.other);
+    };
+    const bool isOneExact = KTPluralCategory(catalog.language().c_str(), false, KT_INT(1), 0) == KT_VARIANT_ONE;
+    if (takes(KT_VARIANT_EXACTLY_1) || (isOneExact && takes(KT_VARIANT_ONE)))
+        texts.argument = selector.argument;
+    return texts;
 }
 
 /**
  * A message that is formatted. Its arguments have types of the caller's: the text in the source is compared with them.
  */
-std::string formattingFunction(const Message &message, const std::string &name, std::string_view text,
+std::string formattingFunction(const Message &message, const std::string &name, const CountedTexts &texts,
                                const Format &format)
 {
     std::string types;
@@ -112,11 +165,14 @@ std::string formattingFunction(const Message &message, const std::string &name, 
         parameters += fmt::format(", const {} &{}", type, parameter);
         arguments += ", " + parameter;
     }
-    const char *const source = isBuiltIn(text) ? "KELTO_DEFAULT" : "::kelto::unchecked";
+    std::string source =
+        fmt::format("{}({})", isBuiltIn(texts.other) ? "KELTO_DEFAULT" : "::kelto::unchecked", literalOf(texts.other));
+    if (texts.argument != 0)
+        source = fmt::format("KELTO_PLURAL({}, {}, {})", texts.argument, literalOf(texts.one), literalOf(texts.other));
     return fmt::format("{}std::string {}(const ::kelto::catalog &catalog{})\n"
-                       "{{\n    return catalog.format({}, {}({}){});\n}}\n",
+                       "{{\n    return catalog.format({}, {}{});\n}}\n",
                        types.empty() ? "inline " : fmt::format("template <{}>\n", types), name, parameters, message.id,
-                       source, literalOf(text), arguments);
+                       source, arguments);
 }
 
 /** A message that no call can format, and which is therefore shown as it is. */
@@ -157,25 +213,36 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
     std::string constants;
     std::string functions;
     std::string cFunctions;
+    const Variants variants(catalog);
     for (size_t i = 0; i < names.size(); ++i)
     {
         const Message &message = catalog.messages()[i];
-        const ResolvedText resolved(catalog.rawText(message));
-        const std::string_view text = resolved.text();
+        if (variants.pathTo(message.id) != nullptr) // a program asks for the message that selects it
+            continue;
+        const bool isSelector = variants.selector(message.id) != nullptr;
+        const CountedTexts texts =
+            isSelector ? countedTexts(catalog, variants, message, table)
+                       : CountedTexts{"", 0, std::string(ResolvedText(catalog.rawText(message)).text())};
+        const std::string &text = texts.other;
         const Format format = parseFormat(text, table);
         const std::string constant = prefix + inCapitals(names[i]);
         constants += fmt::format("#define {} {}\n#define {} {}\n", constant, message.id, textConstant(constant),
                                  literalOf(text));
         functions += fmt::format("\n/** {} */\n{}", commentOf(text),
-                                 format.isAccepted ? formattingFunction(message, names[i], text, format)
+                                 format.isAccepted ? formattingFunction(message, names[i], texts, format)
                                                    : fetchingFunction(message, names[i], text));
         std::string cName = fmt::format("{}_{}", options.nameSpace, names[i]);
         if (cName == constant)
             cName += "_format"; // which no constant ends with
-        const CFunction inC = {cName, fmt::format("{}", message.id), std::string(text), literalOf(text)};
-        cFunctions += fmt::format("\n/** {} */\n{}", commentOf(text),
-                                  format.isAccepted ? formattingCFunction(inC, parametersOf(format), table)
-                                                    : fetchingCFunction(inC));
+        const std::vector<std::string> parameters = parametersOf(format);
+        const bool isCounted = texts.argument != 0 && texts.argument <= parameters.size();
+        const std::string source = isCounted ? fmt::format("{} == 1 ? {} : {}", parameters[texts.argument - 1],
+                                                           literalOf(texts.one), literalOf(text))
+                                             : literalOf(text);
+        const CFunction inC = {cName, fmt::format("{}", message.id), text, source};
+        cFunctions +=
+            fmt::format("\n/** {} */\n{}", commentOf(text),
+                        format.isAccepted ? formattingCFunction(inC, parameters, table) : fetchingCFunction(inC));
     }
     std::string guard = guardOf(options.fileName);
     if (constants.find(fmt::format("#define {} ", guard)) != std::string::npos) // a message has its name
