@@ -11,7 +11,7 @@ namespace
 
 std::string countOf(size_t arguments)
 {
-    return arguments == 0 ? say(Text::noArguments) : say(counted(Text::oneArgument, Text::manyArguments, arguments));
+    return arguments == 0 ? say(Text::noArguments) : say(counted(Text::countOfArguments, arguments));
 }
 
 } // namespace

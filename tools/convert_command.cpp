@@ -46,10 +46,10 @@ void listCharsets()
 }
 
 /** Whether there was anything to warn of. */
-bool warn(const std::string &path, Text one, Text many, size_t characters, const std::string &charset)
+bool warn(const std::string &path, Text text, size_t characters, const std::string &charset)
 {
     if (characters != 0)
-        complain(inputName(path) + ": " + say(counted(one, many, characters, {terminal().showBytes(charset)})));
+        complain(inputName(path) + ": " + say(counted(text, characters, {terminal().showBytes(charset)})));
     return characters != 0;
 }
 
@@ -73,8 +73,8 @@ ExitStatus convert(const std::string &from, const std::string &to, const std::st
     }
     progress.reset(); // before anything is printed
     print(result.bytes);
-    const bool malformed = warn(path, Text::oneMalformed, Text::manyMalformed, result.malformed, from);
-    const bool unshowable = warn(path, Text::oneUnshowable, Text::manyUnshowable, result.unshowable, to);
+    const bool malformed = warn(path, Text::countOfMalformed, result.malformed, from);
+    const bool unshowable = warn(path, Text::countOfUnshowable, result.unshowable, to);
     return strict && (malformed || unshowable) ? ExitStatus::negative : ExitStatus::done;
 }
 

@@ -96,7 +96,7 @@ void printIn(const std::string &charset, const std::u16string &text)
         return;
     const bool isTerminals = charset == terminal().charset();
     const std::string name = isTerminals ? terminal().charsetName() : charset;
-    const std::string warning = say(counted(Text::oneLost, Text::manyLost, lost, {terminal().showBytes(name)}));
+    const std::string warning = say(counted(Text::countOfLost, lost, {terminal().showBytes(name)}));
     complain(isTerminals ? say(Text::utf8Hint, {warning}) : warning);
 }
 

@@ -1,5 +1,7 @@
 #include "text.h"
 
+#include "selector.h"
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -91,6 +93,18 @@ constexpr HelpText helpTexts[] = {
 #undef KELTO_HELP
 };
 
+/** The English of a text; of one that selects the one for its number, that one. */
+const char *englishFor(Text text, const std::vector<Shown> &values)
+{
+    const char *const english = englishOf(text);
+    const auto selector = readSelector(english);
+    if (!selector.has_value())
+        return english;
+    const Shown &number = values.at(selector->argument - 1);
+    const bool isOne = number.isNumber && number.number == 1;
+    return englishOf(static_cast<Text>(selector->messageAt(isOne ? KT_VARIANT_ONE : KT_VARIANT_OTHER)));
+}
+
 /** The text of a message, or of its English where that is of no use: the ladder of catalogs. */
 std::string formatted(Text text, const char *english, const std::vector<Shown> &values)
 {
@@ -125,6 +139,8 @@ std::string formattedPlainly(std::string_view format, const std::vector<Shown> &
             at = format.find(']', open);
             size_t position = 0;
             std::from_chars(format.data() + open + 1, format.data() + at, position);
+            if (open > 3 && format.substr(open - 3, 3) == "nil") // takes its value, and writes nothing
+                continue;
             const Shown &value = values.at(position - 1);
             result += value.isNumber ? std::to_string(value.number) : value.words;
         }
@@ -147,7 +163,7 @@ std::vector<Shown> inWords(const std::vector<Shown> &values, std::string (*speak
 std::string say(const Phrase &phrase)
 {
     const std::vector<Shown> values = inWords(phrase.values, say);
-    const char *const english = englishOf(phrase.text);
+    const char *const english = englishFor(phrase.text, values);
     return ownTexts().isUsable() ? formatted(phrase.text, english, values) : formattedPlainly(english, values);
 }
 
@@ -158,16 +174,15 @@ std::string say(Text text, const std::vector<Shown> &values)
 
 std::string sayInEnglish(const Phrase &phrase)
 {
-    return formattedPlainly(englishOf(phrase.text), inWords(phrase.values, sayInEnglish));
+    const std::vector<Shown> values = inWords(phrase.values, sayInEnglish);
+    return formattedPlainly(englishFor(phrase.text, values), values);
 }
 
-Phrase counted(Text one, Text many, size_t count, const std::vector<Shown> &values)
+Phrase counted(Text text, size_t count, const std::vector<Shown> &values)
 {
-    if (count == 1)
-        return {one, values};
     std::vector<Shown> all{count};
     all.insert(all.end(), values.begin(), values.end());
-    return {many, all};
+    return {text, all};
 }
 
 Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values)

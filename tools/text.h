@@ -54,8 +54,8 @@ std::string say(Text text, const std::vector<Shown> &values = {});
 /** In English, whoever the user is: what other programs read, and what a build keeps. */
 std::string sayInEnglish(const Phrase &phrase);
 
-/** The one for a single thing, else the one for many, whose first value is their number. */
-Phrase counted(Text one, Text many, size_t count, const std::vector<Shown> &values = {});
+/** A text that selects the one for a number, which is its first value. */
+Phrase counted(Text text, size_t count, const std::vector<Shown> &values = {});
 
 /** The text with this number, which another library counts; what it says itself where there is none. */
 Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values = {});

@@ -49,14 +49,14 @@ bool isLoadable(Teller &teller, SourceFile &file, const Levels &levels)
 
 void tellLosses(const std::string &path, const Losses &losses, bool tellsEmpty)
 {
-    const auto tell = [&path](Text one, Text many, size_t count) {
+    const auto tell = [&path](Text text, size_t count) {
         if (count > 0)
-            complain(inputName(path) + ": " + say(counted(one, many, count)));
+            complain(inputName(path) + ": " + say(counted(text, count)));
     };
-    tell(Text::oneOutdated, Text::manyOutdated, losses.outdated);
-    tell(Text::oneUnknown, Text::manyUnknown, losses.unknown);
+    tell(Text::countOfOutdated, losses.outdated);
+    tell(Text::countOfUnknown, losses.unknown);
     if (tellsEmpty)
-        tell(Text::oneLeftEmpty, Text::manyLeftEmpty, losses.leftEmpty);
+        tell(Text::countOfLeftEmpty, losses.leftEmpty);
 }
 
 /** Says what was done; standard output may be the output itself. */

@@ -398,8 +398,7 @@ void MessageCheck::compareArguments(const Format &format)
         if (original.find(here.position) == nullptr && !here.slots.empty())
             find(Rule::argumentExtra, placeOf(here.place),
                  {Text::argumentExtra, {countable(here.position), here.written}},
-                 Note{true, m_subject.original().source,
-                      counted(Text::referenceTakesOne, Text::referenceTakesMany, argumentsOf(original).size())});
+                 Note{true, m_subject.original().source, counted(Text::referenceTakes, argumentsOf(original).size())});
 }
 
 /** "argument 2", or "the width of argument 2". */
@@ -501,8 +500,7 @@ void checkWhole(const Catalog &catalog, const Variants &variants, const Referenc
     const Message &last = messages.back();
     if (isSparse(messages.size() + variants.reservedNumbers(), last.id))
         findings.push_back({Rule::sparseIds, last.id, last.unit.begin, last.unit,
-                            counted(Text::sparseOne, Text::sparseMany, messages.size(), {countable(last.id)}),
-                            std::nullopt});
+                            counted(Text::sparseMessages, messages.size(), {countable(last.id)}), std::nullopt});
 }
 
 } // namespace

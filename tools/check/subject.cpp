@@ -37,7 +37,7 @@ void Subject::finish()
     for (const auto &[rule, found] : m_found)
         if (found.count > mostPerRule)
             m_findings.push_back({rule, m_message.id, m_message.unit.begin, found.lastPlace,
-                                  counted(Text::oneMore, Text::manyMore, found.count - mostPerRule), std::nullopt});
+                                  counted(Text::moreFindings, found.count - mostPerRule), std::nullopt});
 }
 
 } // namespace tool::check

@@ -54,15 +54,14 @@ public:
 
     void end(const Summary &summary) override
     {
-        const Phrase errors = counted(Text::oneError, Text::manyErrors, summary.errors);
-        const Phrase warnings = counted(Text::oneWarning, Text::manyWarnings, summary.warnings);
+        const Phrase errors = counted(Text::countOfErrors, summary.errors);
+        const Phrase warnings = counted(Text::countOfWarnings, summary.warnings);
         if (!m_isQuiet && summary.files > 0)
-            print(show(say(counted(Text::foundInOneFile, Text::foundInManyFiles, summary.files, {errors, warnings}))) +
-                  "\n");
+            print(show(say(counted(Text::foundInFiles, summary.files, {errors, warnings}))) + "\n");
         if (!m_isQuiet && summary.known > 0)
-            print(show(say(counted(Text::oneKnown, Text::manyKnown, summary.known))) + "\n");
+            print(show(say(counted(Text::countOfKnown, summary.known))) + "\n");
         if (!m_isQuiet && summary.stale > 0)
-            print(show(say(counted(Text::oneStale, Text::manyStale, summary.stale))) + "\n");
+            print(show(say(counted(Text::countOfStale, summary.stale))) + "\n");
     }
 
 private:
@@ -112,7 +111,7 @@ private:
 
 Phrase untoldOf(const Report &report)
 {
-    return counted(Text::oneUntold, Text::manyUntold, report.untoldErrors + report.untoldWarnings);
+    return counted(Text::countOfUntold, report.untoldErrors + report.untoldWarnings);
 }
 
 Phrase sentenceOf(const Diagnostic &diagnostic)

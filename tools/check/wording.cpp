@@ -105,13 +105,20 @@ bool isApart(char32_t character)
            (script == USCRIPT_LATIN || script == USCRIPT_CYRILLIC || script == USCRIPT_GREEK);
 }
 
+/** Whether a placeholder only takes its argument, as in a sentence for a number that it does not show. */
+bool writesNothing(std::string_view conversion)
+{
+    return conversion == "%nil" || conversion == "%!nil" || conversion == "%.0s" || conversion == "%.0U";
+}
+
 /** The first placeholder of a message that a word touches in front, or behind. */
 std::optional<Range> touchedIn(const Catalog &catalog, const Message &message, bool isInFront)
 {
     const std::string_view raw = catalog.rawText(message);
     for (const Piece &piece : catalog.piecesOf(message))
     {
-        if (piece.kind != Piece::Kind::placeholder || raw.substr(piece.begin, 3) == "%.0") // which shows nothing
+        if (piece.kind != Piece::Kind::placeholder ||
+            writesNothing(raw.substr(piece.begin, piece.positionBegin - piece.begin)))
             continue;
         size_t next = piece.end;
         const bool isEscape = piece.begin > 1 && escapeLength(raw.substr(piece.begin - 2, 2)) > 0;

@@ -61,7 +61,7 @@ ExitStatus tellUnused(const Catalog &catalog, const std::string &nameSpace, cons
         ++count;
     }
     if (count > 0)
-        printText(say(counted(Text::unusedOne, Text::unusedMany, count, {unused})) + "\n");
+        printText(say(counted(Text::countOfUnused, count, {unused})) + "\n");
     return ExitStatus::done;
 }
 
