@@ -382,10 +382,10 @@ void Variants::Checking::checkNumber(const Message &variant, const Selector &sel
             {
                 const bool isExact0 = number == "0" && variants.has(selector, KT_VARIANT_EXACTLY_0);
                 const bool isExact1 = number == "1" && variants.has(selector, KT_VARIANT_EXACTLY_1);
-                const unsigned taken = isExact0                           ? KT_VARIANT_EXACTLY_0
-                                       : isExact1                         ? KT_VARIANT_EXACTLY_1
+                const unsigned taken = isExact0                           ? unsigned{KT_VARIANT_EXACTLY_0}
+                                       : isExact1                         ? unsigned{KT_VARIANT_EXACTLY_1}
                                        : variants.has(selector, category) ? category
-                                                                          : KT_VARIANT_OTHER;
+                                                                          : unsigned{KT_VARIANT_OTHER};
                 if (taken == place && std::find(numbers.begin(), numbers.end(), number) == numbers.end())
                     numbers.push_back(number);
             }
@@ -429,6 +429,8 @@ void Variants::check(formTable *table, Findings &findings) const
         if (checking.checkSelector(id, selector))
             checking.checkRow(id, selector);
     }
+    if (m_selectors.empty()) // a file of a translator's program, say, which has the sentences alone
+        return;
     for (const auto &[id, message] : m_messages)
         checking.checkLabel(*message);
 }
