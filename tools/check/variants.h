@@ -40,8 +40,8 @@ public:
     const Message *find(int id) const;
 
     /**
-     * What a message of another file has to be compared with here: the sentence to which the same places lead, as far as
-     * rows have them, and else the one for any other.
+     * What a message of another file has to be compared with here: the sentence to which the same places lead, as far
+     * as rows have them, and else the one for any other.
      */
     const Message *counterpart(const Path &path) const;
 
