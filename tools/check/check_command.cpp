@@ -97,18 +97,6 @@ std::unique_ptr<Writer> makeWriter(const CommandLine &line, const std::string &f
     throw line.misuse(say(Text::badForm, {terminal().quote(format)}));
 }
 
-size_t jobsOf(const CommandLine &line, const std::string &jobs)
-{
-    if (jobs.empty())
-        return std::max(1U, std::thread::hardware_concurrency());
-    constexpr size_t most = 256;
-    const bool isNumber = jobs.size() <= 3 && jobs.find_first_not_of("0123456789") == std::string::npos;
-    const size_t number = isNumber ? std::strtoul(jobs.c_str(), nullptr, 10) : 0;
-    if (number == 0 || number > most)
-        throw line.misuse(say(Text::badJobs, {most, terminal().quote(jobs)}));
-    return number;
-}
-
 ExitStatus explain(const CommandLine &line, const Options &options, const Words &files)
 {
     if (!files.empty())
@@ -127,15 +115,23 @@ ExitStatus explain(const CommandLine &line, const Options &options, const Words 
 }
 
 /** A number from an option or the project file. */
-unsigned numberOf(const CommandLine &line, const std::string &word, unsigned least, unsigned most, Text fault)
+unsigned numberOf(const CommandLine &line, const std::string &word, unsigned least, unsigned most, const Phrase &fault)
 {
     constexpr size_t longest = 9;
     const bool isNumber =
         !word.empty() && word.size() <= longest && word.find_first_not_of("0123456789") == std::string::npos;
     const unsigned long number = isNumber ? std::strtoul(word.c_str(), nullptr, 10) : 0;
     if (!isNumber || number < least || number > most)
-        throw line.misuse(say(fault, {terminal().quote(word)}));
+        throw line.misuse(say(fault));
     return static_cast<unsigned>(number);
+}
+
+size_t jobsOf(const CommandLine &line, const std::string &jobs)
+{
+    constexpr unsigned most = 256;
+    if (jobs.empty())
+        return std::max(1U, std::thread::hardware_concurrency());
+    return numberOf(line, jobs, 1, most, {Text::badJobs, {most, terminal().quote(jobs)}});
 }
 
 /** What the project file says, where the command line says nothing. */
@@ -240,9 +236,10 @@ ExitStatus run(CommandLine &line)
     setting.stdinName = options.stdinName;
     constexpr unsigned most = 999999999;
     if (!options.complete.empty())
-        setting.complete = numberOf(line, options.complete, 1, 100, Text::badPercent);
+        setting.complete =
+            numberOf(line, options.complete, 1, 100, {Text::badPercent, {terminal().quote(options.complete)}});
     if (!options.limit.empty())
-        setting.limit = numberOf(line, options.limit, 0, most, Text::badLimit);
+        setting.limit = numberOf(line, options.limit, 0, most, {Text::badLimit, {terminal().quote(options.limit)}});
     if (setting.limit == 0)
         setting.limit = noLimit;
     if (options.updatesBaseline && options.baseline.empty())
