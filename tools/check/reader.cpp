@@ -11,6 +11,7 @@
 #include <expat.h>
 #include <fmt/core.h>
 #include <memory>
+#include <optional>
 
 namespace tool::check
 {
@@ -118,6 +119,26 @@ bool isCompiled(std::string_view bytes)
     return bytes.substr(0, magic.size()) == magic;
 }
 
+/** What parts two versions of a file, at the beginning of a line; nothing where no such mark stands at the offset. */
+std::optional<Range> mergeMarkAt(const SourceText &source, size_t offset)
+{
+    constexpr std::u32string_view marks = U"<|=>";
+    constexpr size_t markLength = 7;
+    const size_t size = source.bytes().size();
+    if (offset >= size || !source.beginsLine(offset))
+        return std::nullopt;
+    size_t end = offset;
+    const char32_t mark = source.take(end, size);
+    if (marks.find(mark) == std::u32string_view::npos)
+        return std::nullopt;
+    for (size_t count = 1; count < markLength; ++count)
+        if (end >= size || source.take(end, size) != mark)
+            return std::nullopt;
+    size_t next = end;
+    const char32_t behind = end < size ? source.take(next, size) : '\n';
+    return behind == ' ' || behind == '\n' || behind == '\r' ? std::optional(Range{offset, end}) : std::nullopt;
+}
+
 // Where the library refuses a document type, what is read on its behalf is limited to what costs nothing to speak of.
 constexpr size_t mostNestedEntities = 100;
 constexpr size_t mostDefaults = 250;
@@ -171,6 +192,7 @@ private:
         if (encoding != nullptr)
             self(state).m_catalog.m_source.declareEncoding(encoding);
     }
+    static void comment(void *state, const char *) { self(state).checkComment(); }
     static void doctype(void *state, const char *, const char *, const char *, int) { self(state).startDoctype(); }
     static void entity(void *state, const char *, int, const char *value, int length, const char *, const char *,
                        const char *, const char *)
@@ -190,6 +212,8 @@ private:
     void addText(const char *text, size_t length);
     void addStray(std::string_view text);
     void tellStray();
+    bool tellMergeMark(size_t offset);
+    void checkComment();
     void startDoctype();
     void limit(bool isKept);
 
@@ -425,7 +449,8 @@ void Reader::addText(const char *text, size_t length)
         m_expanded += length;
         limit(true);
     }
-    if (m_skipped > 0)
+    const bool isOfMessage = m_skipped == 0 && m_takesText; // a mark in there is told when its text is checked
+    if ((!isOfMessage && tellMergeMark(event().begin)) || m_skipped > 0)
         return;
     if (m_note)
         m_note->add({text, length});
@@ -487,6 +512,22 @@ void Reader::tellStray()
          parent == Element::source ? Phrase{Text::textBehindContext, {m_stray}}
                                    : Phrase{Text::textIgnored, {m_stray, rowOf(parent).name}});
     m_stray.clear();
+}
+
+/** Whether a merge of two versions left its mark at an offset. */
+bool Reader::tellMergeMark(size_t offset)
+{
+    const std::optional<Range> mark = mergeMarkAt(m_catalog.m_source, offset);
+    if (mark)
+        find(Rule::strayText, *mark, {Text::mergeMark});
+    return mark.has_value();
+}
+
+void Reader::checkComment()
+{
+    const Range place = event();
+    for (size_t at = place.begin; at < place.end; m_catalog.m_source.take(at, place.end))
+        tellMergeMark(at);
 }
 
 void Reader::end()
@@ -621,6 +662,7 @@ void Reader::run()
     XML_SetElementHandler(parser, startElement, endElement);
     XML_SetCharacterDataHandler(parser, characterData);
     XML_SetXmlDeclHandler(parser, xmlDeclaration);
+    XML_SetCommentHandler(parser, comment);
     XML_SetStartDoctypeDeclHandler(parser, doctype);
     XML_SetEntityDeclHandler(parser, entity);
     XML_SetAttlistDeclHandler(parser, attributeList);

@@ -84,6 +84,14 @@ char32_t SourceText::take(size_t &offset, size_t end) const
     return static_cast<char32_t>(U16_GET_SUPPLEMENTARY(unit, next));
 }
 
+bool SourceText::beginsLine(size_t offset) const
+{
+    if (offset <= m_begin)
+        return true;
+    const char32_t before = unitAt(offset - (isUtf16() ? 2 : 1));
+    return before == '\n' || before == '\r';
+}
+
 size_t SourceText::sizeAsUtf8(Range range) const
 {
     if (m_encoding == Encoding::utf8)

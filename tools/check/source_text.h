@@ -57,6 +57,9 @@ public:
     /** The code point at an offset below `end`, which moves behind it; U+FFFD for what is none. */
     char32_t take(size_t &offset, size_t end) const;
 
+    /** Whether a line begins at an offset. */
+    bool beginsLine(size_t offset) const;
+
     /** The bytes that a part of the file takes as UTF-8 where it is text, of any encoding. */
     size_t sizeAsUtf8(Range range) const;
 
