@@ -256,7 +256,8 @@ void MessageCheck::checkFaults(const Format &format)
             find(Rule::selectorAlone, placeOf(fault.place),
                  {Text::selectorNotAlone, {partOf(m_text.text(), fault.place)}});
         else
-            find(Rule::badConversion, placeOf(fault.place), sentenceOn(fault));
+            find(Rule::badConversion, placeOf(fault.place),
+                 m_subject.isFull(Rule::badConversion) ? Phrase{} : sentenceOn(fault));
     }
 }
 
@@ -331,12 +332,21 @@ void MessageCheck::checkPositions(const Format &format)
     }
 }
 
+// A translation copies its original: one that is typed there as well is told of there, where it is to be mended first.
 void MessageCheck::checkTyped(const Format &format)
 {
     for (const Conversion &conversion : format.conversions)
-        if (m_catalog.isText(m_message, m_text.beforeEscapes(conversion.place).begin))
-            find(Rule::typedConversion, placeOf(conversion.place),
-                 {Text::typedConversion, {conversion.written, tagOf(conversion)}});
+    {
+        if (!m_subject.isTyped(conversion.place))
+            continue;
+        const Conversion *const there =
+            m_originalFormat != nullptr ? m_originalFormat->find(conversion.position) : nullptr;
+        if (there != nullptr && m_subject.isTypedInOriginal(there->place))
+            continue;
+        find(Rule::typedConversion, placeOf(conversion.place),
+             {there != nullptr ? Text::typedConversion : Text::typedInPlaceOfTag,
+              {conversion.written, tagOf(there != nullptr ? *there : conversion)}});
+    }
 }
 
 void MessageCheck::checkRegion(const Format &format)

@@ -84,35 +84,59 @@ void checkCharacters(Subject &subject)
     }
 }
 
-/** Question marks in place of letters: within a word, or many in a row. */
+/** Whether question marks in a word stand in place of letters: within it, in front of it, or many in a row. */
+bool replaceLetters(const Subject &subject, std::string_view word, Range marks)
+{
+    const size_t many = subject.hasOriginal() ? 2 : 4;
+    if (marks.end - marks.begin >= many)
+        return true;
+    if (marks.end == word.size())
+        return false;
+    size_t next = marks.end;
+    const auto behind = static_cast<UChar32>(takeUtf8(word, next));
+    if (marks.begin == 0)
+        return u_islower(behind) != 0 && subject.hasOriginal() && !originalHas(subject, "?");
+    size_t last = stepBackUtf8(word, marks.begin);
+    return isLetter(takeUtf8(word, last)) && u_isalpha(behind) != 0 && u_isupper(behind) == 0;
+}
+
+/** @param word  of the text, from an offset on. */
+void checkQuestionMarksOf(Subject &subject, std::string_view word, size_t offset)
+{
+    if (word.find_first_of("/=&:.") != std::string_view::npos) // an address
+        return;
+    bool isNew = false; // which is found out where it matters
+    for (size_t mark = word.find('?'); mark < word.size() && !subject.isFull(Rule::lostCharacter);)
+    {
+        const Range marks{mark, std::min(word.find_first_not_of('?', mark), word.size())};
+        mark = word.find('?', marks.end);
+        if (!replaceLetters(subject, word, marks))
+            continue;
+        if (!isNew && originalHas(subject, word))
+            return;
+        isNew = true;
+        subject.find(Rule::lostCharacter, subject.placeOf({offset + marks.begin, offset + marks.end}),
+                     {Text::lettersLost, {quotation(word.substr(marks.begin, marks.end - marks.begin))}});
+    }
+}
+
 void checkQuestionMarks(Subject &subject)
 {
+    const auto isBlank = [](char byte) { return static_cast<unsigned char>(byte) <= ' '; };
     const std::string_view text = subject.text();
-    if (originalHas(subject, "??"))
+    size_t mark = text.find('?');
+    if (mark == std::string_view::npos || originalHas(subject, "??"))
         return;
-    for (size_t at = text.find('?'); at < text.size() && !subject.isFull(Rule::lostCharacter); at = text.find('?', at))
+    while (mark < text.size())
     {
-        const size_t begin = at;
-        at = std::min(text.find_first_not_of('?', at), text.size());
-        size_t word = begin;
-        while (word > 0 && static_cast<unsigned char>(text[word - 1]) > ' ')
-            --word;
-        const std::string_view whole = text.substr(word, std::min(text.find(' ', word), text.size()) - word);
-        if (whole.find_first_of("/=&:.") != std::string_view::npos || originalHas(subject, whole))
-            continue;
-        size_t last = begin;
-        while (last > word && isContinuation(text[--last]))
-            continue;
-        size_t next = at;
-        const bool isInWord = begin > word && isLetter(takeUtf8(text, last)) && at < text.size() &&
-                              isLetter(takeUtf8(text, next)) && u_isupper(static_cast<UChar32>(text[at])) == 0;
-        next = at;
-        const bool isFirst = begin == word && subject.hasOriginal() && !originalHas(subject, "?") && at < text.size() &&
-                             u_islower(static_cast<UChar32>(takeUtf8(text, next))) != 0;
-        const size_t many = subject.hasOriginal() ? 2 : 4;
-        if (isInWord || isFirst || at - begin >= many)
-            subject.find(Rule::lostCharacter, subject.placeOf({begin, at}),
-                         {Text::lettersLost, {quotation(text.substr(begin, at - begin))}});
+        size_t begin = mark;
+        while (begin > 0 && !isBlank(text[begin - 1]))
+            --begin;
+        size_t end = mark;
+        while (end < text.size() && !isBlank(text[end]))
+            ++end;
+        checkQuestionMarksOf(subject, text.substr(begin, end - begin), begin);
+        mark = text.find('?', end);
     }
 }
 
@@ -122,7 +146,8 @@ size_t referenceLength(std::string_view text)
     constexpr std::string_view names[] = {"amp",  "lt",    "gt",     "quot",  "apos",   "nbsp",   "copy",
                                           "reg",  "trade", "hellip", "ndash", "mdash",  "laquo",  "raquo",
                                           "auml", "ouml",  "uuml",   "szlig", "eacute", "egrave", "agrave"};
-    const size_t end = text.find(';');
+    constexpr size_t longest = 32;
+    const size_t end = text.substr(0, longest).find(';');
     if (end == std::string_view::npos || end < 2)
         return 0;
     const std::string_view name = text.substr(1, end - 1);

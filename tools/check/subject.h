@@ -39,6 +39,13 @@ public:
         return m_reference->locate(*m_original, m_originalText.beforeEscapes(range));
     }
 
+    /** Whether a part of the text, or of that of the original, was typed as text, and is of no placeholder. */
+    bool isTyped(Range range) const { return m_catalog.isText(m_message, m_text.beforeEscapes(range).begin); }
+    bool isTypedInOriginal(Range range) const
+    {
+        return m_reference->isText(*m_original, m_originalText.beforeEscapes(range).begin);
+    }
+
     void find(Rule rule, Range place, Phrase text) { add(rule, place, std::move(text), std::nullopt); }
     void find(Rule rule, Range place, Phrase text, Note note) { add(rule, place, std::move(text), std::move(note)); }
 

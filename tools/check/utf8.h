@@ -40,6 +40,15 @@ constexpr char32_t takeUtf8(std::string_view text, size_t &at)
     return character;
 }
 
+/** Where the code point begins that ends at `end`, which is not 0. */
+constexpr size_t stepBackUtf8(std::string_view text, size_t end)
+{
+    --end;
+    while (end > 0 && isContinuation(text[end]))
+        --end;
+    return end;
+}
+
 } // namespace tool::check
 
 #endif

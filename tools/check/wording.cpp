@@ -24,20 +24,11 @@ std::string_view part(std::string_view text, Range range)
     return text.substr(range.begin, range.end - range.begin);
 }
 
-/** Where the code point begins that ends at an offset. */
-size_t stepBack(std::string_view text, size_t at)
-{
-    --at;
-    while (at > 0 && isContinuation(text[at]))
-        --at;
-    return at;
-}
-
 char32_t characterBefore(std::string_view text, size_t end)
 {
     if (end == 0)
         return 0;
-    size_t at = stepBack(text, end);
+    size_t at = stepBackUtf8(text, end);
     return takeUtf8(text, at);
 }
 
@@ -203,7 +194,7 @@ size_t endOfWords(std::string_view text)
     size_t end = coreOf(text).end;
     while (end > 0)
     {
-        const size_t begin = stepBack(text, end);
+        const size_t begin = stepBackUtf8(text, end);
         size_t next = begin;
         const char32_t character = takeUtf8(text, next);
         const int8_t type = u_charType(static_cast<UChar32>(character));
@@ -253,7 +244,7 @@ void compareEndings(Subject &subject)
     const size_t end = endOfWords(subject.text());
     if (end == 0)
         return;
-    subject.find(Rule::endPunctuation, subject.placeOf({stepBack(subject.text(), end), end}),
+    subject.find(Rule::endPunctuation, subject.placeOf({stepBackUtf8(subject.text(), end), end}),
                  {Text::endsOtherwise, {Phrase{nameOf(here)}, Phrase{nameOf(there)}}},
                  noteAt(subject, {endOfWords(subject.originalText()), subject.originalText().size()}));
 }
@@ -334,28 +325,63 @@ bool isLiteral(std::string_view word)
     return isAddress || isOption || (word.size() > 1 && std::all_of(word.begin(), word.end(), isDigit));
 }
 
+/** Whether a character may stand around a word, or between words, and is no part of what is the same everywhere. */
+bool isAround(char32_t character)
+{
+    constexpr std::u32string_view ascii = U"\"'()<>[]{},;:.!?";
+    return character < 0x80 ? ascii.find(character) != std::u32string_view::npos
+                            : u_ispunct(static_cast<UChar32>(character)) != 0;
+}
+
+std::string_view withoutPunctuation(std::string_view word)
+{
+    for (size_t next = 0; !word.empty() && isAround(takeUtf8(word, next)); next = 0)
+        word.remove_prefix(next);
+    while (!word.empty() && isAround(characterBefore(word, word.size())))
+        word = word.substr(0, stepBackUtf8(word, word.size()));
+    return word;
+}
+
+/** Of a word that holds an address, that alone: what stands in front of its scheme and behind a quote is text. */
+std::string_view addressIn(std::string_view word)
+{
+    constexpr std::string_view ofScheme = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+-.";
+    const size_t colon = word.find("://");
+    if (colon == std::string_view::npos)
+        return word;
+    const size_t begin = word.substr(0, colon).find_last_not_of(ofScheme) + 1; // 0 where all are
+    size_t end = colon;
+    for (size_t next = end; end < word.size(); end = next)
+    {
+        const char32_t character = takeUtf8(word, next);
+        if (character == '\'' || isWhiteSpace(character) || (character >= 0x80 && isAround(character)))
+            break;
+    }
+    return withoutPunctuation(word.substr(begin, end - begin));
+}
+
 void compareLiterals(Subject &subject)
 {
-    constexpr std::string_view blanks = " \t\n\r";
-    constexpr std::string_view around = "\"'()<>[]{},;:.!?";
+    constexpr std::string_view between = " \t\n\r\"<>";
     const std::string_view there = subject.originalText();
     std::string here; // made where it is needed
-    for (size_t begin = there.find_first_not_of(blanks); begin < there.size() && !subject.isFull(Rule::literalChanged);)
+    for (size_t begin = there.find_first_not_of(between);
+         begin < there.size() && !subject.isFull(Rule::literalChanged);)
     {
-        const size_t end = std::min(there.find_first_of(blanks, begin), there.size());
+        const size_t end = std::min(there.find_first_of(between, begin), there.size());
         const std::string_view whole = there.substr(begin, end - begin);
-        const size_t first = std::min(whole.find_first_not_of(around), whole.size());
-        const std::string_view word = whole.substr(first, whole.find_last_not_of(around) + 1 - first);
+        const std::string_view word = addressIn(withoutPunctuation(whole));
         const std::string plain = withPlainNumbers(word);
         if (whole.find('%') == std::string_view::npos && isLiteral(plain))
         {
             if (here.empty())
                 here = withPlainNumbers(subject.text());
+            const auto first = static_cast<size_t>(word.data() - there.data());
             if (here.find(plain) == std::string::npos)
                 subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
-                             noteAt(subject, {begin + first, begin + first + word.size()}));
+                             noteAt(subject, {first, first + word.size()}));
         }
-        begin = there.find_first_not_of(blanks, end);
+        begin = there.find_first_not_of(between, end);
     }
 }
 
@@ -387,9 +413,7 @@ void compareWhole(Subject &subject)
     for (size_t at = 0; at < text.size() && !hasWord;)
     {
         const size_t begin = at;
-        const bool isLetter =
-            u_isalpha(static_cast<UChar32>(takeUtf8(text, at))) != 0 &&
-            subject.catalog().isText(subject.message(), subject.resolved().beforeEscapes({begin, at}).begin);
+        const bool isLetter = u_isalpha(static_cast<UChar32>(takeUtf8(text, at))) != 0 && subject.isTyped({begin, at});
         letters = isLetter ? letters + 1 : 0;
         hasWord = letters > 1;
     }
@@ -407,7 +431,7 @@ Range coreOf(std::string_view text)
         core.begin = next;
     while (core.end > core.begin)
     {
-        const size_t last = stepBack(text, core.end);
+        const size_t last = stepBackUtf8(text, core.end);
         size_t next = last;
         if (!isWhiteSpace(takeUtf8(text, next)))
             break;
