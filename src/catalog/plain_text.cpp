@@ -38,7 +38,8 @@ template <typename Unit>
 void writePointer(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options)
 {
     char usual[256];
-    size_t size = sizeof usual;
+    size_t room = sizeof usual;
+    size_t size = room;
     kelto::HeapBlock<char> whole;
     char *text = usual;
     int result = KT_ERR_INVALID_PARAMETER;
@@ -46,11 +47,13 @@ void writePointer(FormatOutput<Unit> &out, const KTArgument &argument, const KTC
         result = options.writeArgument(options.context, &argument, &size, usual);
     if (result == KT_ERR_BUFFER_TOO_SMALL)
     {
-        whole = kelto::allocateHeap<char>(++size);
+        room = ++size;
+        whole = kelto::allocateHeap<char>(room);
         text = whole.get();
         result = text != nullptr ? options.writeArgument(options.context, &argument, &size, text) : KT_ERR_NO_MEMORY;
     }
-    writeUTF8(out, result == 0 ? std::string_view(text, size) : "(pointer)");
+    // The function is the program's: a size beyond its room is not believed.
+    writeUTF8(out, result == 0 && size <= room ? std::string_view(text, size) : "(pointer)");
 }
 
 template <typename Unit, typename Value> void writeReal(FormatOutput<Unit> &out, const char *format, Value value)
