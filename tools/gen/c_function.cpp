@@ -37,23 +37,24 @@ const Parameter &parameterOf(uint32_t slotCode)
     return parameterKinds[slotCode < std::size(parameterKinds) ? slotCode : 0];
 }
 
-std::vector<uint32_t> slotCodesOf(const std::string &text, formTable *table)
+} // namespace
+
+std::optional<std::vector<uint32_t>> slotCodesOf(const std::string &text, formTable *table)
 {
     KTPreparedFormat *prepared = nullptr;
+    if (KTPrepareFormat(text.c_str(), table, &prepared) != 0)
+        return std::nullopt;
     const KTSlot *slots = nullptr;
     std::vector<uint32_t> codes;
-    if (KTPrepareFormat(text.c_str(), table, &prepared) == 0)
-        for (size_t i = 0, count = KTPreparedSlots(prepared, &slots); i < count; ++i)
-            codes.push_back(slots[i].code);
+    for (size_t i = 0, count = KTPreparedSlots(prepared, &slots); i < count; ++i)
+        codes.push_back(slots[i].code);
     KTFreePrepared(prepared);
     return codes;
 }
 
-} // namespace
-
 std::string formattingCFunction(const CFunction &function, const std::vector<std::string> &parameters, formTable *table)
 {
-    std::vector<uint32_t> codes = slotCodesOf(function.text, table);
+    std::vector<uint32_t> codes = slotCodesOf(function.text, table).value_or(std::vector<uint32_t>());
     codes.resize(parameters.size());
     std::string declared;
     std::string made;

@@ -4,6 +4,7 @@
 
 #include "kelto.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,9 @@ struct CFunction
     std::string text;    // of the source, as it is
     std::string literal; // likewise, in quotation marks
 };
+
+/** The KTSlotCodes that a text takes with the conversions of a table; nothing where no call can format it. */
+std::optional<std::vector<uint32_t>> slotCodesOf(const std::string &text, formTable *table);
 
 /** A message that is formatted: its parameters have these names, in the order in which arguments are passed. */
 std::string formattingCFunction(const CFunction &function, const std::vector<std::string> &parameters,

@@ -4,6 +4,7 @@
 #include "check/variants.h"
 #include "gen/c_function.h"
 #include "gen/names.h"
+#include "language_conversions.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -90,11 +91,11 @@ std::vector<std::string> parametersOf(const Format &format)
     return names;
 }
 
-/** Whether the built-in conversions suffice, so that the text can be looked at while it is compiled. */
-bool isBuiltIn(std::string_view text)
+/** Whether the C++ layer can look at a text while it is compiled: its conversions are those of the library by name. */
+bool isKnownToCompiler(const std::string &text, formTable *table)
 {
-    formTable *forms = nullptr; // with "nil", which the compiler knows too
-    return KTGetVariantFormTable(&forms) == 0 && KTExplainFormat(std::string(text).c_str(), forms, nullptr) == 0;
+    const std::optional<std::vector<uint32_t>> known = slotCodesOf(text, namedConversions());
+    return known && known == slotCodesOf(text, table); // a program may have given a name of the library's to another
 }
 
 /** The texts in the source of a message that selects others: the one for any other number, and perhaps one for 1. */
@@ -140,7 +141,7 @@ CountedTexts countedTexts(const Catalog &catalog, const Variants &variants, cons
         return texts;
     const auto takes = [&](unsigned place) {
         texts.one = formatIn(catalog, variants, selector.messageAt(place));
-        return !texts.one.empty() && isBuiltIn(texts.one) && isBuiltIn(texts.other);
+        return !texts.one.empty() && isKnownToCompiler(texts.one, table) && isKnownToCompiler(texts.other, table);
     };
     const bool isOneExact = KTPluralCategory(catalog.language().c_str(), false, KT_INT(1), 0) == KT_VARIANT_ONE;
     if (takes(KT_VARIANT_EXACTLY_1) || (isOneExact && takes(KT_VARIANT_ONE)))
@@ -152,7 +153,7 @@ CountedTexts countedTexts(const Catalog &catalog, const Variants &variants, cons
  * A message that is formatted. Its arguments have types of the caller's: the text in the source is compared with them.
  */
 std::string formattingFunction(const Message &message, const std::string &name, const CountedTexts &texts,
-                               const Format &format)
+                               const Format &format, formTable *table)
 {
     std::string types;
     std::string parameters;
@@ -165,8 +166,8 @@ std::string formattingFunction(const Message &message, const std::string &name, 
         parameters += fmt::format(", const {} &{}", type, parameter);
         arguments += ", " + parameter;
     }
-    std::string source =
-        fmt::format("{}({})", isBuiltIn(texts.other) ? "KELTO_DEFAULT" : "::kelto::unchecked", literalOf(texts.other));
+    const char *const wrapper = isKnownToCompiler(texts.other, table) ? "KELTO_DEFAULT" : "::kelto::unchecked";
+    std::string source = fmt::format("{}({})", wrapper, literalOf(texts.other));
     if (texts.argument != 0)
         source = fmt::format("KELTO_PLURAL({}, {}, {})", texts.argument, literalOf(texts.one), literalOf(texts.other));
     return fmt::format("{}std::string {}(const ::kelto::catalog &catalog{})\n"
@@ -229,7 +230,7 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
         constants += fmt::format("#define {} {}\n#define {} {}\n", constant, message.id, textConstant(constant),
                                  literalOf(text));
         functions += fmt::format("\n/** {} */\n{}", commentOf(text),
-                                 format.isAccepted ? formattingFunction(message, names[i], texts, format)
+                                 format.isAccepted ? formattingFunction(message, names[i], texts, format, table)
                                                    : fetchingFunction(message, names[i], text));
         std::string cName = fmt::format("{}_{}", options.nameSpace, names[i]);
         if (cName == constant)
