@@ -1,7 +1,9 @@
-/* The public header alone, as a program in C or C++ includes it. */
+/* The public headers alone, as a program in C or C++ includes them. */
+#include "kelto-locale.h"
 #include "kelto.h"
 
-#include "kelto.h" /* twice is once */
+#include "kelto-locale.h" /* twice is once */
+#include "kelto.h"
 
 int useHeader(void);
 
