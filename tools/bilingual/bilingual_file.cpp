@@ -41,14 +41,14 @@ std::string formNames()
     return names;
 }
 
-BilingualFile readBilingual(const std::string &path)
+BilingualFile readBilingual(const std::string &path, const std::string &language)
 {
-    return readBilingual(check::SourceText(path == "-" ? "<stdin>" : path, readMessageFile(path)));
+    return readBilingual(check::SourceText(path == "-" ? "<stdin>" : path, readMessageFile(path)), language);
 }
 
-BilingualFile readBilingual(check::SourceText source)
+BilingualFile readBilingual(check::SourceText source, const std::string &language)
 {
-    return isPo(source.bytes()) ? readPo(std::move(source)) : readXliff(std::move(source));
+    return isPo(source.bytes()) ? readPo(std::move(source), language) : readXliff(std::move(source));
 }
 
 } // namespace tool::bilingual

@@ -30,9 +30,12 @@ const Form *formOfFile(std::string_view path);
 /** Their names, for people: "xliff, xliff2". */
 std::string formNames();
 
-/** Reads a bilingual file, whatever form it is of. */
-BilingualFile readBilingual(const std::string &path);
-BilingualFile readBilingual(check::SourceText source);
+/**
+ * Reads a bilingual file, whatever form it is of.
+ * @param language  of the translation, where the file names none.
+ */
+BilingualFile readBilingual(const std::string &path, const std::string &language = "");
+BilingualFile readBilingual(check::SourceText source, const std::string &language = "");
 
 } // namespace tool::bilingual
 

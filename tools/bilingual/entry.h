@@ -99,6 +99,8 @@ struct Entry
     size_t line = 0;          // the same in the file that kelto-po read
     int form = -1;            // of a plural entry of a PO file
     std::string plural;       // of the same, the text for more than one
+    std::string context;      // where it is no number: of an entry of a program that uses gettext
+    std::string format;       // of the same, "c-format", if it has conversions
     bool hasControls = false; // characters that kelto-po could not hand on
     WrittenText written;
     check::Findings findings; // what is wrong with its translation

@@ -1,8 +1,8 @@
 #include "bilingual/import.h"
 
-#include "bilingual/c_format.h"
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
+#include "bilingual/po_form.h"
 #include "bilingual/selectors.h"
 #include "check/catalog_builder.h"
 #include "text.h"
@@ -25,34 +25,6 @@ bool saysTheSame(const ContextGroup &a, const ContextGroup &b)
 {
     return std::equal(a.contexts.begin(), a.contexts.end(), b.contexts.begin(), b.contexts.end(),
                       [](const bilingual::Note &x, const bilingual::Note &y) { return x.text == y.text; });
-}
-
-/** The same text with conversions as a PO file has them. */
-void putInC(Phrase &phrase)
-{
-    for (Shown &shown : phrase.values)
-    {
-        const std::string conversion = conversionInTag(shown.words).value_or(shown.words);
-        if (!conversion.empty() && conversion[0] == '%')
-            shown.words = inC(conversion).value_or(conversion);
-        for (Phrase &part : shown.phrase)
-            putInC(part);
-    }
-}
-
-/** Findings in a PO file have a line, and conversions are always typed there. */
-void tellInPo(std::vector<Diagnostic> &diagnostics)
-{
-    diagnostics.erase(std::remove_if(diagnostics.begin(), diagnostics.end(),
-                                     [](const Diagnostic &found) { return found.rule == Rule::typedConversion; }),
-                      diagnostics.end());
-    for (Diagnostic &diagnostic : diagnostics)
-    {
-        putInC(diagnostic.text);
-        diagnostic.place.isLine = true;
-        if (diagnostic.notePlace && diagnostic.notePlace->file == diagnostic.place.file)
-            diagnostic.notePlace->isLine = true;
-    }
 }
 
 class Import
@@ -102,9 +74,10 @@ private:
     const Levels &m_levels;
     const ImportOptions &m_options;
     Rows m_rows;
-    std::string m_language;
-    std::map<Key, const Entry *> m_entries;     // the first of each key
-    std::map<int, Entry *> m_taken;             // by the number of the message that it becomes
+    std::string m_language;                 // of the message file
+    std::string m_rules;                    // the one whose forms are wanted, which may have a name of three letters
+    std::map<Key, const Entry *> m_entries; // the first of each key
+    std::map<int, Entry *> m_taken;         // by the number of the message that it becomes
     std::map<int, const Message *> m_originals; // of those
     std::map<int, Group> m_groups;              // by the number of the selector
     std::set<int> m_refused;
@@ -174,18 +147,8 @@ Selector Import::newSelector(int number, int row) const
 {
     const Message &original = *m_rows.message(number);
     const Format format = parseFormat(originalText(original), m_options.table);
-    unsigned argument = 0;
-    unsigned chosen = 0;
-    for (const size_t index : format.byPosition)
-        for (const Slot &slot : format.conversions[index].slots)
-        {
-            ++argument;
-            const bool isInteger = slot.kind == check::Kind::integer16 || slot.kind == check::Kind::integer32 ||
-                                   slot.kind == check::Kind::integer64;
-            if (chosen == 0 && isInteger && slot.role == Slot::Role::value)
-                chosen = argument;
-        }
-    return {Selector::Kind::plural, row, 0, fmt::format("%{}plural[{}]", row, std::max(chosen, 1U))};
+    const unsigned argument = std::max(countArgumentOf(format).argument, 1U);
+    return {Selector::Kind::plural, row, 0, fmt::format("%{}plural[{}]", row, argument)};
 }
 
 /** Rows that the reference lacks stand above its highest number, the same ones every time. */
@@ -213,7 +176,7 @@ void Import::numberRows()
 /** The forms of a row are taken all together: where one is missing that numbers need, none is of use. */
 void Import::chooseForms(int number, Group &group)
 {
-    std::vector<int> missing = neededPlaces(group.selector, m_language);
+    std::vector<int> missing = neededPlaces(group.selector, m_rules);
     for (size_t i = 0; i < group.entries.size(); ++i)
         if (isTaken(*group.entries[i]))
             missing.erase(std::remove(missing.begin(), missing.end(), group.places[i]), missing.end());
@@ -269,7 +232,7 @@ void Import::count(int number, const std::vector<const Entry *> &entries, bool i
         {
             const int place = placeOf(group->second.selector, entry->key.label).value_or(0);
             id = group->second.selector.row + place;
-            row.examples = exampleFor(group->second.selector, place, m_language);
+            row.examples = exampleFor(group->second.selector, place, m_rules);
         }
         row.findings = m_errors[id];
     }
@@ -435,6 +398,7 @@ Imported Import::run()
     m_result.isWhole = m_file.isWhole;
     m_result.language = m_file.content.targetLanguage;
     m_language = chooseLanguage();
+    m_rules = m_result.language.empty() ? m_language : m_result.language;
     chooseEntries();
     checkEntries();
     countMessages();

@@ -5,6 +5,7 @@
 #include "bilingual/plural_forms.h"
 #include "bilingual/po_program.h"
 #include "bilingual/xliff_reader.h"
+#include "check/formats.h"
 #include "failure.h"
 #include "text.h"
 #include "transcode.h"
@@ -341,16 +342,17 @@ std::vector<FormsOfCategory> formsOfCategories(const PluralHeader &header, const
     return all;
 }
 
+/** Reads a PO file as it is written. */
 class PoReader
 {
 public:
-    explicit PoReader(SourceText source)
-        : m_document(readXliff(SourceText("kelto-po", runPo("read", normalized(source.bytes()))))),
+    PoReader(SourceText source, Keys keys)
+        : m_document(readXliff(SourceText("kelto-po", runPo("read", normalized(source.bytes()))), keys)),
           m_file{{}, inUtf8(std::move(source)), {}, {}, {}, true, false, {}}, m_lines(linesOf(m_file.source.bytes()))
     {
     }
 
-    BilingualFile run()
+    BilingualFile run(const std::string &language)
     {
         if (!m_document.isWhole)
             throw Failure("kelto-po: " + say(Text::poProgramFailed));
@@ -363,11 +365,15 @@ public:
             if (name == "X-Source-Language")
                 content.sourceLanguage = value;
         }
+        if (content.targetLanguage.empty())
+            content.targetLanguage = language;
         m_file.body = lineAt(1);
         m_file.languagePlace = m_file.body;
         for (Entry &entry : content.entries)
-            finish(entry);
-        readForms();
+        {
+            entry.place = lineAt(entry.line);
+            entry.findings.clear(); // of texts that are none of XLIFF
+        }
         for (const Finding &finding : m_document.findings)
             m_file.findings.push_back(inPo(finding));
         return std::move(m_file);
@@ -408,10 +414,29 @@ private:
         return moved;
     }
 
-    void finish(Entry &entry)
+    BilingualFile m_document; // of kelto-po
+    BilingualFile m_file;
+    std::vector<size_t> m_lines;
+};
+
+/** Makes messages of the texts of a PO file, and of its plural entries the forms that the language needs. */
+class MessageMaker
+{
+public:
+    explicit MessageMaker(BilingualFile file) : m_file(std::move(file)) {}
+
+    BilingualFile run()
     {
-        const Range place = lineAt(entry.line);
-        entry.place = place;
+        for (Entry &entry : m_file.content.entries)
+            finish(entry);
+        readForms();
+        return std::move(m_file);
+    }
+
+private:
+    static void finish(Entry &entry)
+    {
+        const Range place = entry.place;
         entry.source = messageFrom(entry.source);
         if (entry.previousSource)
             entry.previousSource = messageFrom(*entry.previousSource);
@@ -423,7 +448,6 @@ private:
         if (entry.target.empty())
             entry.state = State::untranslated;
         entry.hasTarget = !entry.target.empty();
-        entry.findings.clear();
         std::vector<Note> notes;
         for (const Note &note : entry.remarks.notes) // the hints come from the reference
             if (attributeOf(note.attributes, "from") != developer)
@@ -442,7 +466,7 @@ private:
     {
         Bilingual &content = m_file.content;
         std::vector<Entry> entries;
-        const std::string field = attributeOf(fieldsOf(content.header), "Plural-Forms");
+        const std::string field = headerField(content.header, "Plural-Forms");
         const std::optional<PluralHeader> header =
             PluralHeader::read(field.empty() ? "nplurals=2; plural=n != 1;" : field);
         std::vector<FormsOfCategory> categories; // of the first plural entry on
@@ -461,7 +485,7 @@ private:
             if (!header && !isTold)
             {
                 isTold = true;
-                const Range place = lineAt(1);
+                const Range place = m_file.body;
                 m_file.findings.push_back(
                     {Rule::structure, 0, place.begin, place, {Text::pluralHeader, {quotation(field)}}, std::nullopt});
             }
@@ -509,12 +533,47 @@ private:
         }
     }
 
-    BilingualFile m_document; // of kelto-po
     BilingualFile m_file;
-    std::vector<size_t> m_lines;
 };
 
 } // namespace
+
+namespace
+{
+
+/** The same text with conversions as a PO file has them. */
+void putInC(Phrase &phrase)
+{
+    for (Shown &shown : phrase.values)
+    {
+        const std::string conversion = conversionInTag(shown.words).value_or(shown.words);
+        if (!conversion.empty() && conversion[0] == '%')
+            shown.words = inC(conversion).value_or(conversion);
+        for (Phrase &part : shown.phrase)
+            putInC(part);
+    }
+}
+
+} // namespace
+
+void tellInPo(std::vector<Diagnostic> &diagnostics)
+{
+    diagnostics.erase(std::remove_if(diagnostics.begin(), diagnostics.end(),
+                                     [](const Diagnostic &found) { return found.rule == Rule::typedConversion; }),
+                      diagnostics.end());
+    for (Diagnostic &diagnostic : diagnostics)
+    {
+        putInC(diagnostic.text);
+        diagnostic.place.isLine = true;
+        if (diagnostic.notePlace && diagnostic.notePlace->file == diagnostic.place.file)
+            diagnostic.notePlace->isLine = true;
+    }
+}
+
+std::string headerField(std::string_view header, std::string_view name)
+{
+    return attributeOf(fieldsOf(header), name);
+}
 
 bool isPo(std::string_view bytes)
 {
@@ -527,9 +586,19 @@ bool isPo(std::string_view bytes)
     return first != std::string_view::npos && bytes[first] != '<';
 }
 
-BilingualFile readPo(SourceText source)
+BilingualFile readPo(SourceText source, const std::string &language)
 {
-    return PoReader(std::move(source)).run();
+    return withMessages(PoReader(std::move(source), Keys::numbers).run(language));
+}
+
+BilingualFile readGettext(SourceText source, const std::string &language)
+{
+    return PoReader(std::move(source), Keys::contexts).run(language);
+}
+
+BilingualFile withMessages(BilingualFile file)
+{
+    return MessageMaker(std::move(file)).run();
 }
 
 } // namespace tool::bilingual

@@ -7,6 +7,7 @@
 
 #include "bilingual/entry.h"
 #include "check/catalog.h"
+#include "check/formats.h"
 
 #include <map>
 #include <optional>
@@ -50,6 +51,15 @@ private:
     std::map<int, Selector> m_selectors; // by the number of the message
     std::map<int, Key> m_keys;           // of the messages of rows, by their numbers
 };
+
+/** The first whole number that a text takes, which is how many there are of something. */
+struct CountArgument
+{
+    unsigned argument = 0; // from 1 on; 0 where there is none
+    int position = 0;
+    check::Kind kind = check::Kind::integer32;
+};
+CountArgument countArgumentOf(const check::Format &format);
 
 /** The places that numbers reach in a language. */
 std::vector<int> neededPlaces(const Selector &selector, const std::string &language);

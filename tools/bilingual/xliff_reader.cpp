@@ -189,7 +189,7 @@ std::optional<State> meaningOf(const std::string &state)
 class Reader
 {
 public:
-    explicit Reader(SourceText source) : m_file{{}, std::move(source), {}, {}, {}, true, true, {}} {}
+    Reader(SourceText source, Keys keys) : m_file{{}, std::move(source), {}, {}, {}, true, true, {}}, m_keys(keys) {}
 
     BilingualFile run();
 
@@ -219,6 +219,7 @@ private:
     Element parent() const { return m_open.empty() ? Element::other : m_open.back().element; }
 
     BilingualFile m_file;
+    Keys m_keys;
     XML_Parser m_parser = nullptr;
     std::vector<Open> m_open;
     size_t m_skipped = 0;
@@ -401,7 +402,13 @@ void Reader::startUnit(const Tag &tag, Range place)
     m_data.clear();
     const char *const id = tag.find("id");
     const std::optional<Key> key = readKey(id != nullptr ? id : "");
-    if (key)
+    if (m_keys == Keys::contexts)
+    {
+        m_entry.key.number = static_cast<int>(m_file.content.entries.size()) + 1;
+        m_entry.context = unescaped(tag.get("id"));
+        m_entry.format = tag.ours("format");
+    }
+    else if (key)
         m_entry.key = *key;
     else if (id == nullptr)
         m_file.findings.push_back({Rule::attributeMissing, 0, place.begin, place, {Text::numberMissing}, std::nullopt});
@@ -663,9 +670,9 @@ BilingualFile Reader::run()
 
 } // namespace
 
-BilingualFile readXliff(SourceText source)
+BilingualFile readXliff(SourceText source, Keys keys)
 {
-    return Reader(std::move(source)).run();
+    return Reader(std::move(source), keys).run();
 }
 
 } // namespace tool::bilingual

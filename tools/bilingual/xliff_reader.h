@@ -10,8 +10,15 @@
 namespace tool::bilingual
 {
 
+/** What the units of a document are known by. */
+enum class Keys
+{
+    numbers,
+    contexts // which are anything; the units are counted
+};
+
 /** Reads a document; what is wrong with it is among its findings. */
-BilingualFile readXliff(check::SourceText source);
+BilingualFile readXliff(check::SourceText source, Keys keys = Keys::numbers);
 
 } // namespace tool::bilingual
 

@@ -10,8 +10,8 @@ _kelto_options() {
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
     export) echo '--to= --reference= --update= --output= --language= --form= --help' ;;
     import)
-        echo '--reference= --output= --fuzzy --keep-going --check --force --language= --format= --form= --quiet --help
-            -Werror'
+        echo '--reference= --output= --assign --numbers= --fuzzy --keep-going --check --force --language= --format= --form=
+            --quiet --help -Werror'
         ;;
     stats) echo '--reference= --html= --used --namespace= --form= --help' ;;
     pseudo) echo '--output= --expand= --bidi --form= --help' ;;
@@ -33,7 +33,7 @@ _kelto_kind() {
         check:--project | check:--baseline) echo file ;;
     gen:-o | gen:--output | gen:--depfile | pseudo:-o | pseudo:--output) echo file ;;
     export:-r | export:--reference | export:--update | export:-o | export:--output) echo file ;;
-    import:-r | import:--reference | import:-o | import:--output) echo file ;;
+    import:-r | import:--reference | import:-o | import:--output | import:--numbers) echo file ;;
     stats:-r | stats:--reference | stats:--html) echo file ;;
     stats:--namespace | stats:--form) echo other ;;
     export:--to) echo bilingual ;;

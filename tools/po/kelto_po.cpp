@@ -151,39 +151,84 @@ std::string unescaped(const std::string &text)
     return result;
 }
 
-/** The lines of the msgstr of each context, of which libgettextpo tells none. */
-std::map<std::string, std::vector<size_t>> linesIn(std::string_view file)
+/** The lines of the msgstr of each entry, of which libgettextpo tells none. */
+class Lines
 {
-    std::map<std::string, std::vector<size_t>> lines;
-    std::vector<size_t> *current = nullptr; // of the entry that is open, where it has a context
-    bool hasText = false;                   // its msgstr has begun
-    size_t line = 1;
-    for (size_t at = 0; at < file.size(); ++line)
+public:
+    explicit Lines(std::string_view file)
     {
-        const size_t end = std::min(file.find('\n', at), file.size());
-        std::string_view text = file.substr(at, end - at);
-        at = end + 1;
-        const auto beginsWith = [&text](std::string_view word) { return text.substr(0, word.size()) == word; };
-        if (beginsWith("#~ "))
-            text.remove_prefix(3);
-        constexpr std::string_view name = "msgctxt \"";
-        if (beginsWith(name))
+        size_t line = 1;
+        for (size_t at = 0; at < file.size(); ++line)
         {
-            const std::string_view rest = text.substr(name.size());
-            current = &lines[std::string(rest.substr(0, rest.find('"')))];
-            hasText = false;
+            const size_t end = std::min(file.find('\n', at), file.size());
+            take(file.substr(at, end - at), line);
+            at = end + 1;
         }
-        else if (beginsWith("msgstr"))
-        {
-            hasText = true;
-            if (current != nullptr)
-                current->push_back(line);
-        }
-        else if (beginsWith("msgid ") && hasText)
-            current = nullptr;
     }
-    return lines;
-}
+
+    /** That of a form; 0 where nobody knows. */
+    size_t of(const char *context, const char *id, int form) const
+    {
+        const std::string name = context != nullptr ? context : "";
+        auto found = m_lines.find({name, id});
+        if (found == m_lines.end() && context != nullptr) // in some charsets a backslash is a part of a character
+            found = m_lines.lower_bound({name, ""});
+        if (found == m_lines.end() || found->first.first != name)
+            return 0;
+        return found->second[std::min(static_cast<size_t>(std::max(form, 0)), found->second.size() - 1)];
+    }
+
+private:
+    void take(std::string_view text, size_t line)
+    {
+        if (text.substr(0, 2) == "#~")
+            text.remove_prefix(2);
+        text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+        constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz_";
+        const std::string_view word = text.substr(0, text.find_first_not_of(letters));
+        if (word == "msgstr")
+        {
+            m_lines[{m_context, m_id}].push_back(line);
+            m_hasText = true;
+            m_open = nullptr;
+        }
+        else if (word == "msgctxt" || word == "msgid")
+        {
+            if (m_hasText)
+                m_context.clear();
+            m_hasText = false;
+            m_open = word == "msgid" ? &m_id : &m_context;
+            m_open->clear();
+        }
+        else if (text.empty() || text[0] != '"')
+            m_open = nullptr;
+        const size_t begin = text.find('"');
+        const size_t end = text.rfind('"');
+        if (m_open != nullptr && begin < end && end != std::string_view::npos)
+            addString(text.substr(begin + 1, end - begin - 1));
+    }
+
+    void addString(std::string_view written)
+    {
+        for (size_t at = 0; at < written.size(); ++at)
+        {
+            constexpr std::string_view letters = "ntrabfv";
+            constexpr std::string_view meant = "\n\t\r\a\b\f\v";
+            if (written[at] == '\\' && at + 1 < written.size())
+            {
+                const size_t row = letters.find(written[++at]);
+                *m_open += row != std::string_view::npos ? meant[row] : written[at];
+            }
+            else
+                *m_open += written[at];
+        }
+    }
+
+    std::map<std::pair<std::string, std::string>, std::vector<size_t>> m_lines; // by context and msgid
+    std::string m_context, m_id;
+    std::string *m_open = nullptr; // of these, the one that goes on
+    bool m_hasText = false;        // its msgstr has begun
+};
 
 std::string readInput()
 {
@@ -206,7 +251,7 @@ std::string readInput()
 class Reader
 {
 public:
-    explicit Reader(const std::string &file) : m_lines(linesIn(file)) {}
+    explicit Reader(const std::string &file) : m_lines(file) {}
 
     void write(po_file_t file);
 
@@ -216,7 +261,7 @@ private:
     std::string text(const char *original);
     std::string comments(const char *comment, const char *from);
 
-    std::map<std::string, std::vector<size_t>> m_lines;
+    Lines m_lines;
     std::unique_ptr<Charset> m_charset;
     bool m_isReadable = true; // the texts of this entry
     bool m_hasControls = false;
@@ -259,6 +304,15 @@ std::string Reader::comments(const char *comment, const char *from)
     return notes;
 }
 
+/** The first format that an entry is said to be in; null where it is in none. */
+const char *formatOf(po_message_t message)
+{
+    for (const char *const *format = po_format_list(); *format != nullptr; ++format)
+        if (po_message_is_format(message, *format) != 0)
+            return *format;
+    return nullptr;
+}
+
 void Reader::writeUnit(const char *target, int form, po_message_t message)
 {
     m_isReadable = true;
@@ -270,9 +324,7 @@ void Reader::writeUnit(const char *target, int form, po_message_t message)
     const std::string targetText = text(target);
     const char *const previous = form > 0 ? po_message_prev_msgid_plural(message) : po_message_prev_msgid(message);
     const std::string previousText = previous != nullptr ? text(previous) : "";
-    const std::vector<size_t> &lines = m_lines[m_context];
-    const auto index = static_cast<size_t>(std::max(form, 0));
-    const size_t line = lines.empty() ? 0 : lines[std::min(index, lines.size() - 1)];
+    const size_t line = m_lines.of(po_message_msgctxt(message), po_message_msgid(message), form);
     if (!m_isReadable)
     {
         findings.push_back({line, "a text is not in the charset that the header names"});
@@ -284,6 +336,8 @@ void Reader::writeUnit(const char *target, int form, po_message_t message)
         std::printf(" kelto:obsolete=\"yes\"");
     if (plural != nullptr)
         std::printf(" kelto:form=\"%d\" kelto:plural=\"%s\"", form, pluralText.c_str());
+    if (const char *const format = formatOf(message))
+        std::printf(" kelto:format=\"%s\"", format);
     if (m_hasControls)
         std::printf(" kelto:control=\"yes\"");
     std::printf(">\n<source>%s</source>\n<target>%s</target>\n", sourceText.c_str(), targetText.c_str());
