@@ -1201,6 +1201,18 @@ size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots);
 const void *KTPointerOfKind(void *const *argSlot, uint32_t kind);
 
 /**
+ * Reads a slot of a conversion of the caller's own, in whatever size the format names.
+ * @param argSlot  the slot that the formatter was given.
+ * @param code     its code in the record, KT_ARG_CHARACTER to KT_ARG_DOUBLE.
+ * @param flags    those that the formatter was given.
+ * @return the value as an argument: an integer as by KT_INT64() or KT_UINT64(), a character as by KT_UNIT(), a double
+ *         or long double as by KT_DOUBLE(), a text as by KT_UTF8() or KT_UCS2(); of type 0 for other codes.
+ *
+ *     const int64_t bytes = KTSlotArgument(argSlot, KT_ARG_SIGNED, flags).value.i; // of "%hd", "%d" and "%!d"
+ */
+KTArgument KTSlotArgument(void *const *argSlot, int code, int flags);
+
+/**
  * Writes one conversion of the caller's own straight into UTF-8, in place of a KTFormatFunction whose UCS-2 would be
  * converted. Its text is that of the KTFormatFunction.
  *
@@ -1254,6 +1266,28 @@ void KTLeaveCall(const KTCallContext *context);
  * @return the value of the innermost context; null where there is none, or where that is of another kind.
  */
 void *KTCallValue(uint32_t kind);
+
+/**
+ * Tells whether a table may be used with typed arguments whatever a translation says: whether a format can name the
+ * conversions of its list, and whether no conversion of its chain takes a pointer without asking for its kind.
+ * @param table    the table; those that it is chained to are looked at too.
+ * @param asking   the function of the records that do ask, by KTPointerOfKind(); null for none.
+ * @param options  KT_ENCODE_ALL where the chain needs an encoder; else 0.
+ * @param size     in: the capacity of text in bytes, the terminator counted; out: the bytes of what is wrong, the
+ *                 terminator not counted, also where it does not fit.
+ * @param text     out: what is wrong, in English and on one line, cut at a whole character where it does not fit; the
+ *                 empty text where nothing is. Null is allowed for a capacity of 0.
+ * @return 0, or KT_ERR_INVALID_PARAMETER where something is wrong, and for a null where none is allowed.
+ */
+int KTExplainFormTable(const formTable *table, KTFormatFunction asking, unsigned options, size_t *size, char *text);
+
+/**
+ * Writes a time as "DT", "D" and "T" take it: "2006-05-17'T08:09:10Z". Needs no started library.
+ * @param seconds  since 1970, without leap seconds. A time outside of the years 0 to 9999 is written as their first or
+ *                 last second.
+ * @param text     out: 21 bytes and the terminator.
+ */
+void KTTimeText(int64_t seconds, char *text);
 
 /* A format that is not the program's own can be looked at before it is used. */
 
@@ -1603,6 +1637,22 @@ const char *KTCatalogLanguage(const KTCatalog *catalog);
  */
 int KTExplainFailure(const char *format, int result, const KTCatalogOptions *options, const KTArgument *arguments,
                      size_t count, size_t *size, char *text);
+
+/**
+ * Writes an argument as the last rung does, in UTF-8: a number in decimal, a time as "1970-01-01 00:00:00", a text as
+ * it is.
+ * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the text, the terminator not
+ *              counted, also where it does not fit.
+ * @param text  out: the text, cut at a whole character where it does not fit. Null is allowed for a capacity of 0.
+ * @return 0; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for a null where none is allowed.
+ */
+int KTArgumentText(const KTArgument *argument, size_t *size, char *text);
+
+/**
+ * The bytes of UTF-8 that a text with these arguments may have: maxSize, as in KTCatalogOptions, and 8 times the bytes
+ * of the texts among them. For programs that format by themselves.
+ */
+size_t KTTextLimit(size_t maxSize, const KTArgument *arguments, size_t count);
 
 /* ## 10. Plural forms and selection
  *

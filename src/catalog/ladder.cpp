@@ -32,24 +32,6 @@ int64_t reportedId(const KTCatalogRequest &request)
     return request.isUnsigned && request.id < 0 ? INT64_MAX : request.id;
 }
 
-/** The bytes of the text arguments of a call. */
-uint64_t bytesOfTexts(const KTCatalogRequest &request)
-{
-    uint64_t bytes = 0;
-    for (size_t i = 0; i < request.count; ++i)
-    {
-        const KTArgument &argument = request.arguments[i];
-        const bool isOpen = argument.length == UINT32_MAX;
-        if (argument.type == KT_ARGUMENT_CODE_POINT)
-            bytes += 3 * uint64_t{argument.length};
-        if (argument.type == KT_ARGUMENT_UTF8 && argument.value.p != nullptr)
-            bytes += isOpen ? std::strlen(static_cast<const char *>(argument.value.p)) : argument.length;
-        if (argument.type == KT_ARGUMENT_UCS2 && argument.value.p != nullptr)
-            bytes += 3 * (isOpen ? KTUCS2strlen(static_cast<const UCS2 *>(argument.value.p)) : argument.length);
-    }
-    return bytes;
-}
-
 kelto::TypedCall callOf(const KTCatalog &catalog, const KTCatalogRequest &request)
 {
     return {catalog.options.formatOptions, catalog.options.passThru, request.arguments, request.count};
@@ -121,16 +103,12 @@ private:
     /** Whether a text has no more bytes than it may have. */
     [[gnu::noinline]] bool isShortEnough(const KTPreparedFormat &format, size_t maxSize) const
     {
-        constexpr uint64_t most = SIZE_MAX / 2;
-        const uint64_t bytes = bytesOfTexts(m_request);
-        if (bytes >= most / 8 || maxSize >= most)
-            return true;
         size_t need = 0;
         if constexpr (bytesOf<Unit> == 1)
             need = m_need;
         else
             kelto::formatWithBeginning<char>(format, callOf(), &need, nullptr);
-        return need <= maxSize + 8 * bytes;
+        return need <= KTTextLimit(maxSize, m_request.arguments, m_request.count);
     }
 
     void askWhetherStopped()

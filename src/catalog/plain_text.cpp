@@ -124,3 +124,12 @@ template void writePlainly(FormatOutput<char> &, const KTArgument &, const KTCat
 template void writePlainly(FormatOutput<UCS2> &, const KTArgument &, const KTCatalogOptions &) noexcept;
 
 } // namespace kelto
+
+int KTArgumentText(const KTArgument *argument, size_t *size, char *text)
+{
+    if (argument == nullptr || size == nullptr || (text == nullptr && *size != 0))
+        return KT_ERR_INVALID_PARAMETER;
+    FormatOutput<char> out(text, size, kelto::Beginning::kept);
+    kelto::writePlainly(out, *argument, KTCatalogOptions{});
+    return out.finish(size);
+}

@@ -168,3 +168,38 @@ ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept
 }
 
 } // namespace kelto
+
+KTArgument KTSlotArgument(void *const *argSlot, int code, int flags)
+{
+    switch (code)
+    {
+    case KT_ARG_CHARACTER:
+        return KT_UNIT(kelto::readCharacter(*argSlot, flags));
+    case KT_ARG_UTF8:
+        return KT_UTF8(static_cast<const char *>(*argSlot));
+    case KT_ARG_UCS2:
+        return KT_UCS2(static_cast<const UCS2 *>(*argSlot));
+    case KT_ARG_SIGNED:
+        return KT_INT64(kelto::readSigned(*argSlot, flags));
+    case KT_ARG_UNSIGNED:
+        return KT_UINT64(kelto::readUnsigned(*argSlot, flags));
+    case KT_ARG_DOUBLE:
+        return KT_DOUBLE((flags & FLAG_L) != 0 ? static_cast<double>(kelto::readSlot<long double>(*argSlot))
+                                               : kelto::readSlot<double>(*argSlot));
+    default:
+        return {};
+    }
+}
+
+size_t KTTextLimit(size_t maxSize, const KTArgument *arguments, size_t count)
+{
+    constexpr size_t bytesPerUnit = 3;
+    constexpr size_t most = SIZE_MAX / 2;
+    size_t bytes = 0;
+    for (const KTArgument *argument = arguments; argument != arguments + count; ++argument)
+        if (argument->type == KT_ARGUMENT_UTF8)
+            bytes += kelto::utf8Of(*argument).length;
+        else if (argument->type == KT_ARGUMENT_UCS2 || argument->type == KT_ARGUMENT_CODE_POINT)
+            bytes += bytesPerUnit * kelto::ucs2Of(*argument).length;
+    return bytes < most / 8 && maxSize < most ? maxSize + 8 * bytes : most;
+}

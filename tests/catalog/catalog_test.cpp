@@ -324,6 +324,33 @@ TEST(Catalog, AsksTheProgramWhetherToGoOn)
     KTCloseCatalog(catalog);
 }
 
+TEST(Catalog, WritesArgumentsForProgramsToo)
+{
+    const long double real = 0.5L;
+    const std::pair<KTArgument, std::string> rows[] = {{KT_INT(-7), "-7"},
+                                                       {KT_UTF8("2006-05-17'T08:09:10Z"), "2006-05-17 08:09:10"},
+                                                       {KT_UTF8N("ab", 1), "a"},
+                                                       {KT_CODE_POINT(0x1F600), "\xF0\x9F\x98\x80"},
+                                                       {KT_LONG_DOUBLE(&real), "0.5"},
+                                                       {KT_POINTER(1, &real), "(pointer)"}};
+    for (const auto &[argument, expected] : rows)
+    {
+        char text[40], few[3];
+        size_t size = sizeof text, need = sizeof few;
+        EXPECT_EQ(KTArgumentText(&argument, &size, text), 0);
+        EXPECT_EQ(std::string(text, size), expected);
+        EXPECT_EQ(KTArgumentText(&argument, &need, few), size < sizeof few ? 0 : KT_ERR_BUFFER_TOO_SMALL);
+        EXPECT_EQ(need, size);
+    }
+    size_t noRoom = 0;
+    EXPECT_EQ(KTArgumentText(nullptr, &noRoom, nullptr), KT_ERR_INVALID_PARAMETER);
+    const KTArgument texts[] = {KT_UTF8("abc"), KT_UCS2N(u"abc", 2), KT_CODE_POINT(0x1F600), KT_INT(5),
+                                KT_UTF8(nullptr)};
+    EXPECT_EQ(KTTextLimit(10, texts, 5), 10U + 8 * (3 + 3 * 2 + 3 * 2));
+    EXPECT_EQ(KTTextLimit(SIZE_MAX, texts, 5), SIZE_MAX / 2);
+    EXPECT_EQ(KTTextLimit(10, nullptr, 0), 10U);
+}
+
 TEST(Catalog, SaysWhyAFormatIsOfNoUse)
 {
     const struct

@@ -107,6 +107,44 @@ TEST_F(FormTable, LooksAlongTheChainAndTakesTheFirst)
     EXPECT_EQ(find("N", &table).type, CONV_N);
 }
 
+int asks(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *, UCS2 *)
+{
+    return 0;
+}
+
+TEST_F(FormTable, IsToldWhatIsWrongWithIt)
+{
+    constexpr int pointer[] = {KT_ARG_POINTER, KT_ARG_END};
+    KTFormatter behind[] = {{"raw", nullptr, 1, pointer, formatInteger}, {}};
+    KTFormatter records[] = {{"a", nullptr, 1, pointer, asks}, {"9", nullptr, 1, pointer, asks}, {}};
+    formTable chained = {false, {}, behind, nullptr, nullptr};
+    formTable table = {false, {}, records, nullptr, nullptr};
+    const std::string name = "no conversion can have the name \"9\"";
+    const std::string type = "the conversion \"raw\" takes a pointer of no type";
+    const std::string encoder = "there is no encoder that could be applied everywhere";
+    const auto told = [&](unsigned options, size_t room) {
+        char text[200] = "";
+        size_t size = room;
+        const int result = KTExplainFormTable(&table, asks, options, &size, text);
+        EXPECT_EQ(result == 0, size == 0);
+        EXPECT_TRUE(size >= room || size == std::strlen(text)) << size;
+        return std::string(text);
+    };
+    EXPECT_EQ(told(0, 200), name);
+    records[1] = {};
+    EXPECT_EQ(told(0, 200), "");
+    table.nextTable = &chained;
+    EXPECT_EQ(told(KT_ENCODE_ALL, 200), type + ": " + encoder);
+    EXPECT_EQ(told(0, 10), type.substr(0, 9));
+    chained.formList = nullptr;
+    chained.encoder = [](const void *, int, unsigned long *, UCS2 *) { return 0; };
+    EXPECT_EQ(told(KT_ENCODE_ALL, 200), "");
+    size_t size = 0;
+    EXPECT_EQ(KTExplainFormTable(&table, asks, 0, &size, nullptr), 0);
+    EXPECT_EQ(KTExplainFormTable(nullptr, asks, 0, &size, nullptr), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(KTExplainFormTable(&table, asks, 0, nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
+}
+
 TEST_F(FormTable, ACopyIsOneBlockAndCarriesTheEncoderOfItsTime)
 {
     const KTEncoder encoder = [](const void *, int, unsigned long *, UCS2 *) { return 0; };

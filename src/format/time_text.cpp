@@ -1,0 +1,46 @@
+#include "kelto.h"
+
+#include <algorithm>
+
+// The day is counted in years that begin in March, in eras of 400 years: the leap day is then the last of its year, and
+// every month begins on the same day of it. The calendar is that of clocks, unlike the one of the formatters, which
+// counts seconds by itself and writes the digits of such a text as they stand.
+
+namespace
+{
+
+constexpr int64_t firstSecond = -62167219200; // 0000-01-01
+constexpr int64_t lastSecond = 253402300799;  // the end of 9999-12-31
+constexpr int64_t secondsPerDay = 86400;
+constexpr int64_t daysPerEra = 146097;
+constexpr int64_t daysToMarch = 60; // of the year 0, which is a leap year
+
+char *append(char *out, int64_t value, int digits, const char *behind)
+{
+    for (int i = digits; i > 0; --i, value /= 10)
+        out[i - 1] = static_cast<char>('0' + value % 10);
+    for (out += digits; *behind != '\0'; ++behind)
+        *out++ = *behind;
+    *out = '\0';
+    return out;
+}
+
+} // namespace
+
+void KTTimeText(int64_t seconds, char *text)
+{
+    const int64_t since = std::clamp(seconds, firstSecond, lastSecond) - firstSecond;
+    const int64_t time = since % secondsPerDay;
+    const int64_t days = since / secondsPerDay + daysPerEra - daysToMarch;
+    const int64_t dayOfEra = days % daysPerEra;
+    const int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+    const int64_t month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
+    text = append(text, (days / daysPerEra - 1) * 400 + yearOfEra + (month <= 2 ? 1 : 0), 4, "-");
+    text = append(text, month, 2, "-");
+    text = append(text, dayOfYear - (153 * monthFromMarch + 2) / 5 + 1, 2, "'T");
+    text = append(text, time / 3600, 2, ":");
+    text = append(text, time / 60 % 60, 2, ":");
+    append(text, time % 60, 2, "Z");
+}
