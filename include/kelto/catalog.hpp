@@ -105,15 +105,6 @@ inline bool has_thrown(void *) noexcept
     return call != nullptr && call->thrown != nullptr;
 }
 
-inline int format_request(const KTCatalog *catalog, const KTCatalogRequest *request, std::size_t *size, char *out)
-{
-    return KTCatalogFormatRequestUTF8(catalog, request, size, out);
-}
-inline int format_request(const KTCatalog *catalog, const KTCatalogRequest *request, std::size_t *size, UCS2 *out)
-{
-    return KTCatalogFormatRequest(catalog, request, size, out);
-}
-
 struct close_catalog
 {
     void operator()(KTCatalog *catalog) const noexcept { KTCloseCatalog(catalog); }
@@ -215,7 +206,7 @@ public:
     /** The text of a message. */
     std::string format(message_id id) const
     {
-        return make<char>(id, {}, {nullptr, 0});
+        return make<char>(request(id, {}, {nullptr, 0}));
     }
     template <class First, class... Others>
     __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
@@ -223,7 +214,7 @@ public:
     {
         detail::look_at_first(first, others...);
         if constexpr (detail::is_source_text<First>)
-            return make_of<detail::passed<Others>...>(id, detail::source_of(first, others...), others...);
+            return make_of<detail::passed<Others>...>(id, first.chosen(others...), others...);
         else
             return make_of<detail::passed<First>, detail::passed<Others>...>(id, {}, first, others...);
     }
@@ -231,7 +222,7 @@ public:
     /** The text of a message in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(message_id id, const Arguments &...arguments) const
     {
-        return make<char16_t>(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char16_t>(request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
     }
 
     /**
@@ -241,8 +232,8 @@ public:
     template <class Output, class... Arguments>
     decltype(auto) format_to(Output &&out, message_id id, const Arguments &...arguments) const
     {
-        return put(std::forward<Output>(out), id, detail::source_of(arguments...),
-                   detail::list(detail::hold(arguments)...));
+        return put(std::forward<Output>(out),
+                   request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
     }
 
     /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
@@ -251,7 +242,7 @@ public:
                                            const Arguments &...arguments) const
     {
         detail::text_buffer<char> text;
-        fill(text, id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...));
+        fill(text, request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
         return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
     }
 
@@ -259,8 +250,8 @@ public:
     template <class... Arguments> std::size_t formatted_size(message_id id, const Arguments &...arguments) const
     {
         std::size_t size = 0;
-        write(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...), &size,
-              static_cast<char *>(nullptr));
+        write<char>(request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)), &size,
+                    nullptr);
         return size;
     }
 
@@ -314,21 +305,29 @@ private:
         return opened;
     }
 
-    /** Has the library write a text. */
-    template <class Unit>
-    int write(message_id id, std::string_view source, const detail::argument_view &view, std::size_t *size,
-              Unit *out) const
+    static KTCatalogRequest request(message_id id, std::string_view source, const detail::argument_view &view) noexcept
     {
-        KTCatalogRequest request = {};
-        request.structSize = sizeof request;
-        request.id = static_cast<std::int64_t>(id.bits_);
-        request.isUnsigned = !id.isNegative_;
-        request.source = source.data();
-        request.sourceLength = source.size();
-        request.arguments = view.arguments;
-        request.count = view.count;
-        return functions_ == nullptr ? detail::format_request(catalog_.get(), &request, size, out)
-                                     : write_running(request, size, out);
+        return {sizeof(KTCatalogRequest),
+                static_cast<std::int64_t>(id.bits_),
+                !id.isNegative_,
+                source.data(),
+                source.size(),
+                view.arguments,
+                view.count};
+    }
+
+    template <class Unit> int call_library(const KTCatalogRequest &request, std::size_t *size, Unit *out) const noexcept
+    {
+        if constexpr (std::is_same_v<Unit, char>)
+            return KTCatalogFormatRequestUTF8(catalog_.get(), &request, size, out);
+        else
+            return KTCatalogFormatRequest(catalog_.get(), &request, size, out);
+    }
+
+    /** Has the library write a text. */
+    template <class Unit> int write(const KTCatalogRequest &request, std::size_t *size, Unit *out) const
+    {
+        return functions_ != nullptr ? write_running(request, size, out) : call_library(request, size, out);
     }
 
     /** Likewise with functions of the program's: where the library stopped since one threw, that is thrown again. */
@@ -336,29 +335,21 @@ private:
     KELTO_OUT_OF_LINE int write_running(const KTCatalogRequest &request, std::size_t *size, Unit *out) const
     {
         detail::running around(functions_->table.get());
-        const int result = detail::format_request(catalog_.get(), &request, size, out);
+        const int result = call_library(request, size, out);
         if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
             around.rethrow();
         return result;
     }
 
-    template <class Unit>
-    void fill(detail::text_buffer<Unit> &text, message_id id, std::string_view source,
-              const detail::argument_view &view) const
+    template <class Unit> void fill(detail::text_buffer<Unit> &text, const KTCatalogRequest &request) const
     {
-        std::size_t size = 0;
-        Unit *room = text.few(size);
-        while (write(id, source, view, &size, room) == KT_ERR_BUFFER_TOO_SMALL)
-            room = text.many(size);
-        text.end(size);
+        text.fill([&](std::size_t *size, Unit *out) { return write(request, size, out); });
     }
 
-    template <class Unit>
-    KELTO_OUT_OF_LINE std::basic_string<Unit> make(message_id id, std::string_view source,
-                                                   const detail::argument_view &view) const
+    template <class Unit> KELTO_OUT_OF_LINE std::basic_string<Unit> make(const KTCatalogRequest &request) const
     {
         detail::text_buffer<Unit> text;
-        fill(text, id, source, view);
+        fill(text, request);
         return text.take();
     }
 
@@ -366,22 +357,21 @@ private:
     template <class... Arguments>
     KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
     {
-        return make<char>(id, source, detail::list(detail::hold(arguments)...));
+        return make<char>(request(id, source, detail::list(detail::hold(arguments)...)));
     }
 
-    template <class Output>
-    decltype(auto) put(Output &&out, message_id id, std::string_view source, const detail::argument_view &view) const
+    template <class Output> decltype(auto) put(Output &&out, const KTCatalogRequest &request) const
     {
         if constexpr (detail::is_line<Output>)
         {
             std::size_t size = sizeof out;
-            const bool isCut = write(id, source, view, &size, out) == KT_ERR_BUFFER_TOO_SMALL;
+            const bool isCut = write(request, &size, out) == KT_ERR_BUFFER_TOO_SMALL;
             return cut_text{{out, isCut ? std::strlen(out) : size}, size};
         }
         else
         {
             detail::text_buffer<char> text;
-            fill(text, id, source, view);
+            fill(text, request);
             return detail::hand_over(std::forward<Output>(out), text.view());
         }
     }

@@ -16,23 +16,6 @@ namespace kelto
 namespace detail
 {
 
-/** The units that a text has as UCS-2; a malformed sequence is one, and ends where no well-formed one could go on. */
-constexpr std::size_t units_of(std::string_view text) noexcept
-{
-    std::size_t units = 0, taken = 0;
-    for (; !text.empty(); text.remove_prefix(taken), units += taken == 4 ? 2 : 1)
-    {
-        const auto lead = static_cast<unsigned char>(text[0]);
-        const std::size_t length = lead < 0xC2 || lead > 0xF4 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        unsigned least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-        unsigned most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-        for (taken = 1; taken < length && taken < text.size(); ++taken, least = 0x80, most = 0xBF)
-            if (static_cast<unsigned char>(text[taken]) < least || static_cast<unsigned char>(text[taken]) > most)
-                break;
-    }
-    return units;
-}
-
 struct slot
 {
     unsigned code; // KTSlotCode
@@ -68,83 +51,64 @@ constexpr built_in built_ins[] = {
 /** Whether a name is one of some, each between blanks. */
 constexpr bool is_among(std::string_view names, std::string_view name) noexcept
 {
-    for (std::size_t at = 1; !name.empty() && at + name.size() < names.size(); ++at)
-        if (names[at] == name[0] && names[at - 1] == ' ' && names[at + name.size()] == ' ' &&
-            names.substr(at, name.size()) == name)
-            return true;
-    return false;
+    std::size_t at = name.empty() ? names.npos : names.find(name);
+    while (at != names.npos && (names[at - 1] != ' ' || names[at + name.size()] != ' '))
+        at = names.find(name, at + 1);
+    return at != names.npos;
 }
 
-/** One conversion specification of a text, or why there is none. */
-struct specification
+/** A conversion of a text in the source, or the rule that it breaks. */
+struct source_conversion
 {
     int rule = KT_RULE_NONE;
     unsigned position = 0;
-    unsigned code = 0; // of the value's slot; 0 for a marker
-    unsigned then = 0; // of a second one, or 0
-    bool width_from_arguments = false, precision_from_arguments = false;
-    std::size_t begin = 0, end = 0;
+    unsigned stars = 0;          // a width and a precision that stand in the arguments, before the value
+    unsigned code = 0, then = 0; // of the slot of the value, and of a second one; 0 for none
 };
 
-/** Reads specifications as the library does; every text is safe to read, up to its first zero. */
-class specification_reader
+/** Reads conversions as the library does; every text is safe to read, up to its first zero. */
+class conversion_reader
 {
 public:
-    constexpr explicit specification_reader(std::string_view text) noexcept : text_(text.substr(0, text.find('\0'))) {}
+    constexpr explicit conversion_reader(std::string_view text) noexcept : text_(text.substr(0, text.find('\0'))) {}
 
-    /** Goes on to the next specification; false where there is none. */
+    /** Goes on to the next conversion; false where there is none. */
     constexpr bool next() noexcept
     {
-        for (; at_ < text_.size(); ++at_)
-        {
-            if (text_[at_] != '%')
-                continue;
-            if (peek(1) != '%')
-                return true;
-            ++at_;
-        }
-        return false;
+        while ((at_ = text_.find('%', at_)) < text_.size() && peek(1) == '%')
+            at_ += 2;
+        return at_ < text_.size();
     }
 
-    /** Reads the specification that next() found. */
-    constexpr specification read() noexcept
+    /** Reads the conversion that next() found. */
+    constexpr source_conversion read() noexcept
     {
-        specification spec;
-        spec.begin = at_++;
-        spec.rule = read_parts(spec);
-        spec.end = at_;
-        if (spec.rule != KT_RULE_NONE && spec.rule != KT_RULE_NUMBER_TOO_LARGE && !has_bracket(spec.begin))
-            spec.rule = KT_RULE_POSITION_MISSING;
-        return spec;
+        const std::size_t percent = at_++;
+        source_conversion found;
+        found.rule = read_parts(found);
+        if (found.rule == KT_RULE_NONE && found.position > 1000 && found.position > text_.size())
+            found.rule = KT_RULE_NUMBER_TOO_LARGE;
+        if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_NUMBER_TOO_LARGE)
+            return found;
+        // Without a '[' before the place where its author will have meant it to end, the position is missing.
+        at_ = text_.find_first_of("% \t\r\n[]", text_.find_first_not_of(flags, percent + 1));
+        return {peek() == '[' ? found.rule : static_cast<int>(KT_RULE_POSITION_MISSING)};
     }
-
-    constexpr std::string_view text() const noexcept { return text_; }
 
 private:
     static constexpr std::uint64_t too_large = std::uint64_t(INT_MAX) + 1;
+    static constexpr std::string_view flags = "-+ #0";
 
     constexpr char peek(std::size_t ahead = 0) const noexcept
     {
-        return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
+        return at_ < text_.size() && at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
     }
 
     constexpr bool take(char c) noexcept
     {
-        if (peek() != c || c == '\0')
-            return false;
-        ++at_;
-        return true;
-    }
-
-    /** Whether a refused specification has a '[' before the place where its author will have meant it to end. */
-    constexpr bool has_bracket(std::size_t percent) const noexcept
-    {
-        std::size_t at = percent + 1;
-        while (at < text_.size() && std::string_view("-+ #0").find(text_[at]) != std::string_view::npos)
-            ++at;
-        while (at < text_.size() && std::string_view("% \t\r\n[]").find(text_[at]) == std::string_view::npos)
-            ++at;
-        return at < text_.size() && text_[at] == '[';
+        const bool isThere = peek() == c;
+        at_ += isThere ? 1 : 0;
+        return isThere;
     }
 
     constexpr std::uint64_t number() noexcept
@@ -156,17 +120,19 @@ private:
     }
 
     /** Takes '*', a number, or nothing; false for a number that no int holds. */
-    constexpr bool option(bool &fromArguments) noexcept
+    constexpr bool option(unsigned &stars) noexcept
     {
-        fromArguments = take('*');
-        return fromArguments || number() < too_large;
+        if (!take('*'))
+            return number() < too_large;
+        ++stars;
+        return true;
     }
 
-    constexpr int read_parts(specification &spec) noexcept
+    constexpr int read_parts(source_conversion &found) noexcept
     {
-        while (peek() == '-' || peek() == '+' || peek() == ' ' || peek() == '#' || peek() == '0')
+        while (flags.find(peek()) != flags.npos)
             ++at_;
-        if (!option(spec.width_from_arguments) || (take('.') && !option(spec.precision_from_arguments)))
+        if (!option(found.stars) || (take('.') && !option(found.stars)))
             return KT_RULE_NUMBER_TOO_LARGE;
         const char modifier = take('h') ? 'h' : take('l') ? 'l' : take('L') ? 'L' : take('!') ? '!' : '\0';
         const std::size_t name = at_;
@@ -183,25 +149,25 @@ private:
             return KT_RULE_NUMBER_TOO_LARGE;
         if (position == 0 || !take(']'))
             return KT_RULE_POSITION_MALFORMED;
-        spec.position = static_cast<unsigned>(position);
-        return find(text_.substr(name, length), modifier, spec) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
+        found.position = static_cast<unsigned>(position);
+        return find(text_.substr(name, length), modifier, found) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
     }
 
-    static constexpr bool find(std::string_view name, char modifier, specification &spec) noexcept
+    static constexpr bool find(std::string_view name, char modifier, source_conversion &found) noexcept
     {
-        if (name == "l" || name.find(' ') != std::string_view::npos) // "l" behind another modifier is no name
+        if (name == "l" || name.find(' ') != name.npos) // "l" behind another modifier is no name
             return false;
         if (name.empty() && modifier == 'l')
             name = "l";
         for (const built_in &row : built_ins)
             if (is_among(row.names, name))
             {
-                spec.then = row.then;
-                spec.code = modifier == 'h'   ? row.with_h
-                            : modifier == 'l' ? row.with_l
-                            : modifier == 'L' ? row.with_capital_l
-                            : modifier == '!' ? row.with_bang
-                                              : row.plain;
+                found.then = row.then;
+                found.code = modifier == 'h'   ? row.with_h
+                             : modifier == 'l' ? row.with_l
+                             : modifier == 'L' ? row.with_capital_l
+                             : modifier == '!' ? row.with_bang
+                                               : row.plain;
                 return true;
             }
         return false;
@@ -215,7 +181,6 @@ private:
 template <std::size_t Capacity> struct parsed_text
 {
     int rule = KT_RULE_NONE;
-    specification broken = {}; // the specification that breaks it
     std::size_t slot_count = 0;
     slot slot_at[4 * Capacity + 1] = {};
 };
@@ -232,47 +197,30 @@ constexpr std::size_t percent_signs(std::string_view text) noexcept
 template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::string_view text) noexcept
 {
     parsed_text<Capacity> parsed;
-    specification specs[Capacity + 1] = {};
+    source_conversion all[Capacity + 1] = {};
     std::size_t count = 0;
-    specification_reader reader(text);
-    while (reader.next())
+    bool isRepeated = false;
+    for (conversion_reader reader(text); parsed.rule == KT_RULE_NONE && reader.next(); ++count)
     {
-        specification spec = reader.read();
-        if (spec.rule == KT_RULE_NONE && spec.position > 1000 && spec.position > units_of(reader.text()))
-            spec.rule = KT_RULE_NUMBER_TOO_LARGE;
-        if (spec.rule != KT_RULE_NONE && parsed.rule == KT_RULE_NONE)
-        {
-            parsed.rule = spec.rule;
-            parsed.broken = spec;
-        }
-        specs[count++] = spec;
+        all[count] = reader.read();
+        parsed.rule = all[count].rule;
+        for (std::size_t i = 0; i < count; ++i)
+            isRepeated = isRepeated || all[i].position == all[count].position;
     }
-    for (std::size_t i = 0; i < count && parsed.rule == KT_RULE_NONE; ++i)
-        for (std::size_t j = 0; j < i && parsed.rule == KT_RULE_NONE; ++j)
-            if (specs[i].position == specs[j].position)
-            {
-                parsed.rule = KT_RULE_POSITION_REPEATED;
-                parsed.broken = specs[i];
-            }
+    if (parsed.rule == KT_RULE_NONE && isRepeated)
+        parsed.rule = KT_RULE_POSITION_REPEATED;
     for (unsigned position = 1; position <= count && parsed.rule == KT_RULE_NONE; ++position)
     {
         std::size_t i = 0;
-        while (i < count && specs[i].position != position)
+        while (i < count && all[i].position != position)
             ++i;
-        for (std::size_t j = count; j > 0 && i == count; --j)
-            if (specs[j - 1].position > count)
-            {
-                parsed.rule = KT_RULE_POSITION_GAP;
-                parsed.broken = specs[j - 1];
-            }
-        const specification &spec = specs[i];
-        for (const bool isFromArguments : {spec.width_from_arguments, spec.precision_from_arguments})
-            if (isFromArguments && spec.code != 0)
-                parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
-        if (spec.code != 0)
-            parsed.slot_at[parsed.slot_count++] = {spec.code, position};
-        if (spec.then != 0)
-            parsed.slot_at[parsed.slot_count++] = {spec.then, position};
+        if (i == count)
+            parsed.rule = KT_RULE_POSITION_GAP;
+        for (unsigned star = 0; star < all[i].stars && all[i].code != 0; ++star)
+            parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
+        for (const unsigned code : {all[i].code, all[i].then})
+            if (code != 0)
+                parsed.slot_at[parsed.slot_count++] = {code, position};
     }
     if (parsed.rule != KT_RULE_NONE)
         parsed.slot_count = 0;
@@ -305,24 +253,38 @@ template <class Text> struct parsed_default
     static constexpr auto value = parse_text<percent_signs(Text::get())>(Text::get());
 };
 
-template <class Text, class Indices, class... Arguments> struct checked_arguments;
-template <class Text, std::size_t... Index, class... Arguments>
-struct checked_arguments<Text, std::index_sequence<Index...>, Arguments...>
+template <class...> struct types
 {
-    using parsed = parsed_default<Text>;
-    static constexpr bool fit = (fits(parsed::value.slot_at[Index].code, shape_of<Arguments>()) && ...);
-
-    static constexpr std::size_t look_at_each() noexcept
-    {
-        return (
-            sizeof(argument_at_position<parsed::value.slot_at[Index].position,
-                                        static_cast<KTSlotCode>(parsed::value.slot_at[Index].code), Arguments, Text>) +
-            ... + 0);
-    }
 };
+template <class... First, class... Second>
+constexpr types<First..., Second...> operator+(types<First...>, types<Second...>) noexcept
+{
+    return {};
+}
+
+/** The types that an argument goes over as: of a pair both, and those of what these are made of. */
+template <class T> constexpr auto types_of() noexcept
+{
+    using bare = std::decay_t<const T>;
+    if constexpr (is_pair<bare>)
+        return types_of<typename bare::first_type>() + types_of<typename bare::second_type>();
+    else if constexpr (is_pair_argument<bare>())
+        return types_of<converted_of<bare>>();
+    else
+        return types<bare>();
+}
+
+template <class Text, class... Arguments, std::size_t... Index>
+constexpr void check_each(types<Arguments...>, std::index_sequence<Index...>) noexcept
+{
+    constexpr auto &at = parsed_default<Text>::value.slot_at;
+    if constexpr (!(fits(at[Index].code, shape_of<Arguments>()) && ...))
+        static_cast<void>(
+            (sizeof(argument_at_position<at[Index].position, KTSlotCode(at[Index].code), Arguments, Text>) + ...));
+}
 
 /** Compares a text with the types of a call's arguments; all faults stop the compilation. */
-template <class Text, class... Arguments> constexpr void check_default() noexcept
+template <class Text, class... Arguments> constexpr void check_default(types<Arguments...> all) noexcept
 {
     using parsed = parsed_default<Text>;
     constexpr int rule = parsed::value.rule;
@@ -343,73 +305,8 @@ template <class Text, class... Arguments> constexpr void check_default() noexcep
     static_assert(isComplete, "kelto: this text takes more arguments than the call passes");
     static_assert(isExhausted, "kelto: the call passes more arguments than this text takes");
     if constexpr (isFormat && isComplete && isExhausted)
-    {
-        using checked = checked_arguments<Text, std::index_sequence_for<Arguments...>, Arguments...>;
-        if constexpr (!checked::fit)
-            checked::look_at_each();
-    }
+        check_each<Text>(all, std::index_sequence_for<Arguments...>());
 }
-
-/* Of arguments that go over as several. */
-
-template <class...> struct types
-{
-};
-template <class... First, class... Second>
-constexpr types<First..., Second...> operator+(types<First...>, types<Second...>) noexcept
-{
-    return {};
-}
-
-template <class T> constexpr auto types_of() noexcept
-{
-    if constexpr (is_pair_argument<T>())
-    {
-        using made = std::decay_t<converted_of<T>>;
-        if constexpr (is_pair<made>)
-            return types_of<std::decay_t<typename made::first_type>>() +
-                   types_of<std::decay_t<typename made::second_type>>();
-        else
-            return types_of<made>();
-    }
-    else
-        return types<T>();
-}
-
-template <class Text, class... Arguments> constexpr void check_default(types<Arguments...>) noexcept
-{
-    check_default<Text, Arguments...>();
-}
-
-} // namespace detail
-
-/** The text of a message in the source; made by KELTO_DEFAULT. */
-template <class Text> struct default_text
-{
-};
-
-/** The two texts of a message in the source, for exactly 1 and for any other number; made by KELTO_PLURAL. */
-template <unsigned Position, class One, class Other> struct plural_text
-{
-};
-
-/** A text of the source that is compared with its arguments when it is used; see unchecked(). */
-struct unchecked_text
-{
-    std::string_view text;
-};
-
-/**
- * The text of a message in the source, for messages with conversions of the program's own, which are not known while it
- * is compiled. A text that does not fit is passed over like a translation. The text itself is not copied.
- */
-[[nodiscard]] constexpr unchecked_text unchecked(std::string_view text KELTO_POINTED_INTO) noexcept
-{
-    return {text};
-}
-
-namespace detail
-{
 
 /** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type: on this one. */
 struct spelt_text
@@ -436,111 +333,108 @@ constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) n
     return {{text, size}};
 }
 
-/** Fails to compile where what chooses between the texts of KELTO_PLURAL is no integer. */
-template <unsigned Position, class... Arguments> constexpr void check_chooser() noexcept
+/** Whether the argument of a position is exactly 1; it fails to compile where that is no integer. */
+template <unsigned Position, class... Arguments> constexpr bool is_one(const Arguments &...arguments) noexcept
 {
     constexpr bool isThere = Position >= 1 && Position <= sizeof...(Arguments);
     static_assert(isThere, "kelto: KELTO_PLURAL chooses by an argument that the call does not pass");
     if constexpr (isThere)
     {
-        using chooser = std::tuple_element_t<Position - 1, std::tuple<Arguments...>>;
-        static_assert(std::is_integral_v<chooser> || std::is_enum_v<chooser>,
-                      "kelto: KELTO_PLURAL chooses by an argument that is no integer");
-    }
-}
-
-/** Whether the argument of a position is exactly 1. */
-template <unsigned Position, class... Arguments> constexpr bool is_one(const Arguments &...arguments) noexcept
-{
-    if constexpr (Position >= 1 && Position <= sizeof...(Arguments))
-    {
         const auto &chooser = std::get<Position - 1>(std::tie(arguments...));
         using type = std::decay_t<decltype(chooser)>;
-        if constexpr (std::is_integral_v<type> || std::is_enum_v<type>)
+        constexpr bool isInteger = std::is_integral_v<type> || std::is_enum_v<type>;
+        static_assert(isInteger, "kelto: KELTO_PLURAL chooses by an argument that is no integer");
+        if constexpr (isInteger)
             return chooser == static_cast<type>(1);
     }
     return false;
 }
 
-/** The text in the source of a call with these arguments; the way to it from default_text compares the two. */
-template <class... Arguments> struct source_text
+} // namespace detail
+
+/* Each kind of a text in the source has a function `chosen`, which compares it with the arguments, and gives it. */
+
+/** The text of a message in the source; made by KELTO_DEFAULT. */
+template <class Text> struct default_text : detail::no_argument
 {
-    template <unsigned Position, class One, class Other>
-    __attribute__((always_inline)) constexpr source_text(plural_text<Position, One, Other>) noexcept
-        : text{parsed_default<Other>::text}, one{parsed_default<One>::text}, takes_one(is_one<Position, Arguments...>)
+    template <class... Arguments> static constexpr std::string_view chosen(const Arguments &...) noexcept
     {
-        check_default<One, std::decay_t<const Arguments>...>();
-        check_default<Other, std::decay_t<const Arguments>...>();
-        check_chooser<Position, std::decay_t<const Arguments>...>();
-    }
-    template <class Text>
-    __attribute__((always_inline)) constexpr source_text(default_text<Text>) noexcept : text{parsed_default<Text>::text}
-    {
-        if constexpr ((is_pair_argument<Arguments>() || ...))
-            check_default<Text>((types_of<std::decay_t<const Arguments>>() + ...));
+        if constexpr ((detail::is_pair_argument<Arguments>() || ...))
+            detail::check_default<Text>((detail::types_of<Arguments>() + ...));
         else
-            check_default<Text, std::decay_t<const Arguments>...>();
+            detail::check_default<Text>(detail::types<std::decay_t<const Arguments>...>());
+        return detail::parsed_default<Text>::text;
     }
-    constexpr source_text(unchecked_text source) noexcept : text(source) {}
-
-    /** The text for these values. */
-    constexpr std::string_view chosen(const Arguments &...arguments) const noexcept
-    {
-        return takes_one != nullptr && takes_one(arguments...) ? one.text : text.text;
-    }
-
-    unchecked_text text;
-    unchecked_text one = {};                                    // of two texts the one for exactly 1
-    bool (*takes_one)(const Arguments &...) noexcept = nullptr; // whether these values take it
 };
 
+/** The two texts of a message in the source, for exactly 1 and for any other number; made by KELTO_PLURAL. */
+template <unsigned Position, class One, class Other> struct plural_text : detail::no_argument
+{
+    template <class... Arguments> static constexpr std::string_view chosen(const Arguments &...arguments) noexcept
+    {
+        const std::string_view one = default_text<One>::chosen(arguments...);
+        const std::string_view other = default_text<Other>::chosen(arguments...);
+        return detail::is_one<Position>(arguments...) ? one : other;
+    }
+};
+
+/** A text of the source that is compared with its arguments when it is used; see unchecked(). */
+struct unchecked_text : detail::no_argument
+{
+    constexpr explicit unchecked_text(std::string_view from) noexcept : text(from) {}
+    template <class... Arguments> constexpr std::string_view chosen(const Arguments &...) const noexcept
+    {
+        return text;
+    }
+    std::string_view text;
+};
+
+/**
+ * The text of a message in the source, for messages with conversions of the program's own, which are not known while it
+ * is compiled. A text that does not fit is passed over like a translation. The text itself is not copied.
+ */
+[[nodiscard]] constexpr unchecked_text unchecked(std::string_view text KELTO_POINTED_INTO) noexcept
+{
+    return unchecked_text(text);
+}
+
+namespace detail
+{
+
+/** Any of these for a call with such arguments. */
+template <class... Arguments> class source_text : public no_argument
+{
+public:
+    constexpr source_text(unchecked_text source) noexcept : text_(source.text) {}
+    template <class Source, class = std::enable_if_t<std::is_empty_v<Source> && std::is_base_of_v<no_argument, Source>>>
+    constexpr source_text(Source) noexcept : choose_(Source::template chosen<Arguments...>)
+    {
+    }
+
+    constexpr std::string_view chosen(const Arguments &...arguments) const noexcept
+    {
+        return choose_ != nullptr ? choose_(arguments...) : text_;
+    }
+
+private:
+    std::string_view text_;
+    std::string_view (*choose_)(const Arguments &...) noexcept = nullptr;
+};
+
+template <class T> constexpr bool is_source_text = std::is_base_of_v<no_argument, T>;
+
 /** The text in the source that stands in front of the arguments; a view without data where none does. */
-template <class... Arguments> constexpr std::string_view source_of(const Arguments &...) noexcept
+constexpr std::string_view source_of() noexcept
 {
     return {};
 }
-template <class Text, class... Arguments>
-constexpr std::string_view source_of(default_text<Text> source, const Arguments &...) noexcept
+template <class First, class... Arguments>
+constexpr std::string_view source_of(const First &first, const Arguments &...arguments) noexcept
 {
-    return source_text<Arguments...>(source).text.text;
-}
-template <unsigned Position, class One, class Other, class... Arguments>
-constexpr std::string_view source_of(plural_text<Position, One, Other> source, const Arguments &...arguments) noexcept
-{
-    return source_text<Arguments...>(source).chosen(arguments...);
-}
-template <class... Arguments>
-constexpr std::string_view source_of(const unchecked_text &source, const Arguments &...) noexcept
-{
-    return source.text;
-}
-template <class... Types, class... Arguments>
-constexpr std::string_view source_of(const source_text<Types...> &source, const Arguments &...arguments) noexcept
-{
-    return source.chosen(arguments...);
-}
-
-template <class T> constexpr bool is_source_text = std::is_same_v<T, unchecked_text>;
-template <class Text> constexpr bool is_source_text<default_text<Text>> = true;
-template <unsigned Position, class One, class Other>
-constexpr bool is_source_text<plural_text<Position, One, Other>> = true;
-template <class... Arguments> constexpr bool is_source_text<source_text<Arguments...>> = true;
-
-template <class Text> no_argument hold(default_text<Text>) noexcept
-{
-    return {};
-}
-template <unsigned Position, class One, class Other> no_argument hold(plural_text<Position, One, Other>) noexcept
-{
-    return {};
-}
-inline no_argument hold(const unchecked_text &) noexcept
-{
-    return {};
-}
-template <class... Arguments> no_argument hold(const source_text<Arguments...> &) noexcept
-{
-    return {};
+    if constexpr (is_source_text<First>)
+        return first.chosen(arguments...);
+    else
+        return {};
 }
 
 /** Whether a literal that is passed as the first argument is a format, whose author forgot KELTO_DEFAULT. */

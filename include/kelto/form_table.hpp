@@ -126,19 +126,16 @@ template <class = void> KELTO_SELDOM std::string to_utf8(std::u16string_view tex
 struct conversion;
 struct named
 {
-    char name[20];
+    char name[21]; // one more than a name can have, so that a longer one is seen
     const conversion *owner;
 };
 
 struct conversion
 {
-    named id;
-    const int *types; // ended by 0
-    int count;
-    // runs `render` under the protocol of a KTFormatFunction
-    int (*run)(const conversion &own, const conversion_spec &spec, KTEncoder encoder, void **given, unsigned long *size,
-               UCS2 *out);
-    callback<int(const conversion_spec &, void **given, std::u16string &text)> render;
+    named id = {};
+    const int *types = nullptr; // ended by 0
+    int count = 0;
+    callback<int(const conversion_spec &, KTEncoder, void **given, unsigned long *size, UCS2 *out)> write;
     std::unique_ptr<conversion> next;
 };
 
@@ -149,10 +146,8 @@ struct table_state
     formTable table = {};
     std::unique_ptr<KTFormatter[]> records;
     std::unique_ptr<conversion> first;
-    callback<int(std::u16string_view text, std::u16string &encoded)> encode;
-    // runs `encode` under the protocol of a KTEncoder
-    int (*run_encoder)(const table_state &table, const void *value, int dataType, unsigned long *size,
-                       UCS2 *out) = nullptr;
+    std::size_t count = 0;
+    callback<int(const void *value, int dataType, unsigned long *size, UCS2 *out)> encode;
     bool encodes_everywhere = false;
 };
 
@@ -160,8 +155,8 @@ struct table_state
 KELTO_SHARED inline int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
 {
     const running_call *const call = innermost_call();
-    if (call != nullptr && call->table != nullptr && call->table->run_encoder != nullptr)
-        return call->table->run_encoder(*call->table, value, dataType, size, out);
+    if (call != nullptr && call->table != nullptr && call->table->encode)
+        return call->table->encode(value, dataType, size, out);
     *size = 0;
     return KT_ERR_INVALID_PARAMETER;
 }
@@ -171,53 +166,35 @@ KELTO_SHARED inline int convert(const char *name, int width, int precision, int 
                                 void *passThrough, void **given, unsigned long *size, UCS2 *out)
 {
     const conversion &own = *reinterpret_cast<const named *>(name)->owner;
-    return own.run(own, {name, width, precision, flags, passThrough}, encoder, given, size, out);
+    return own.write({name, width, precision, flags, passThrough}, encoder, given, size, out);
 }
 
-template <bool Catches>
-int run_encoder(const table_state &table, const void *value, int dataType, unsigned long *size, UCS2 *out) noexcept
+/** Calls the program's encoder under the protocol of a KTEncoder. */
+template <bool Catches, class Function> struct own_encoder
 {
-    const unsigned long room = std::exchange(*size, 0);
-    return guarded<Catches>([&]() -> int {
-        const UCS2 character[2] = {dataType == KT_ENCODE_CHARACTER
-                                       ? static_cast<UCS2>(*static_cast<const unsigned char *>(value))
-                                       : *static_cast<const UCS2 *>(value)};
-        std::u16string text = dataType == KT_ENCODE_UCS2 ? static_cast<const UCS2 *>(value) : character;
-        const bool isHalf = dataType == KT_ENCODE_UNIT && *character >= 0xD800 && *character < 0xE000;
-        std::u16string encoded;
-        const int result = isHalf ? 0 : table.encode(text, encoded);
-        if (!isHalf) // what is half of a character has nothing to encode
-            text = std::move(encoded);
-        text.copy(out, room < text.size() ? room : text.size());
-        *size = text.size();
-        return result;
-    });
-}
+    Function function;
 
-template <bool Catches>
-int run_conversion(const conversion &own, const conversion_spec &spec, KTEncoder encoder, void **given,
-                   unsigned long *size, UCS2 *out) noexcept
-{
-    const unsigned long room = std::exchange(*size, 0);
-    return guarded<Catches>([&]() -> int {
-        std::u16string text;
-        const int result = own.render(spec, given, text);
-        if (result != 0)
-            return result;
-        text.resize(std::char_traits<char16_t>::length(text.c_str()));
-        *size = room;
-        if ((spec.flags & FLAG_ENCODE) != 0 && encoder != nullptr)
-        {
-            const int encoded = encoder(text.c_str(), KT_ENCODE_UCS2, size, out);
-            return encoded == 0 && *size >= room ? KT_ERR_BUFFER_TOO_SMALL : encoded;
-        }
-        *size = text.size();
-        if (text.size() >= room)
-            return KT_ERR_BUFFER_TOO_SMALL;
-        text.copy(out, text.size());
-        return 0;
-    });
-}
+    int operator()(const void *value, int dataType, unsigned long *size, UCS2 *out)
+    {
+        const unsigned long room = std::exchange(*size, 0);
+        return guarded<Catches>([&] {
+            const UCS2 character[2] = {dataType == KT_ENCODE_CHARACTER
+                                           ? static_cast<UCS2>(*static_cast<const unsigned char *>(value))
+                                           : *static_cast<const UCS2 *>(value)};
+            std::u16string text = dataType == KT_ENCODE_UCS2 ? static_cast<const UCS2 *>(value) : character;
+            const bool isHalf = dataType == KT_ENCODE_UNIT && (*character & 0xF800) == 0xD800;
+            if (isHalf) // of a character: it has nothing to encode
+                ;
+            else if constexpr (std::is_invocable_v<Function &, std::string_view>)
+                text = to_ucs2(function(std::string_view(to_utf8(text))));
+            else
+                text = to_ucs2(function(std::u16string_view(text)));
+            text.copy(out, room < text.size() ? room : text.size());
+            *size = text.size();
+            return 0;
+        });
+    }
+};
 
 /** Cuts and pads a text as "%s" does. */
 template <class Text> void lay_out(const conversion_spec &spec, Text &text)
@@ -234,8 +211,9 @@ template <class Text> void lay_out(const conversion_spec &spec, Text &text)
 template <class Value> struct own_value
 {
     static constexpr category kind = category_of<Value>();
+    static constexpr bool is_view = std::is_class_v<Value> && (kind == category::utf8 || kind == category::ucs2);
     static_assert(kind == category::identity || kind == category::integer || kind == category::real ||
-                      kind == category::unit || kind == category::utf8_view || kind == category::ucs2_view,
+                      kind == category::unit || is_view,
                   "kelto: a conversion of your own takes an integer, a double, a char16_t, a std::string_view, a "
                   "std::u16string_view, or a type whose kelto::argument_of derives from kelto::by_identity");
 
@@ -244,79 +222,62 @@ template <class Value> struct own_value
                                 : kind == category::integer                            ? KT_ARG_UNSIGNED
                                 : kind == category::real                               ? KT_ARG_DOUBLE
                                 : kind == category::unit                               ? KT_ARG_CHARACTER
-                                : kind == category::utf8_view                          ? KT_ARG_UTF8
+                                : kind == category::utf8                               ? KT_ARG_UTF8
                                                                                        : KT_ARG_UCS2;
 
     /** The value, or null where the slot has none of this type. */
     const Value *read(void **slot, int flags)
     {
+        const KTValue value = KTSlotArgument(slot, type, flags).value;
         if constexpr (kind == category::identity)
         {
             const auto *const object = static_cast<const identified *>(KTPointerOfKind(slot, identity_kind));
-            return object != nullptr && is_of_type<Value>(*object) ? static_cast<const Value *>(object->object)
-                                                                   : nullptr;
+            const bool isRight = object != nullptr && is_of_type<Value>(*object);
+            return isRight ? static_cast<const Value *>(object->object) : nullptr;
         }
-        else if constexpr (kind == category::integer)
-        {
-            if ((flags & FLAG_h) != 0)
-                return number<std::int16_t, std::uint16_t>(*slot);
-            if ((flags & FLAG_BANG) != 0)
-                return number<std::int64_t, std::uint64_t>(*slot);
-            return number<std::int32_t, std::uint32_t>(*slot);
-        }
+        else if constexpr (is_view)
+            return &(copy_ = static_cast<const typename Value::value_type *>(value.p));
         else if constexpr (kind == category::real)
-            return copy((flags & FLAG_L) != 0 ? static_cast<Value>(*static_cast<const long double *>(*slot))
-                                              : static_cast<Value>(*static_cast<const double *>(*slot)));
-        else if constexpr (kind == category::unit)
-            return copy((flags & FLAG_l) != 0 ? *static_cast<const char16_t *>(*slot)
-                                              : static_cast<char16_t>(*static_cast<const unsigned char *>(*slot)));
-        else if constexpr (kind == category::utf8_view)
-            return copy(Value(static_cast<const char *>(*slot)));
+            return &(copy_ = static_cast<Value>(value.d));
         else
-            return copy(Value(static_cast<const char16_t *>(*slot)));
+        {
+            copy_ = static_cast<Value>(value.u);
+            return static_cast<std::uint64_t>(copy_) == value.u ? &copy_ : nullptr;
+        }
     }
 
 private:
-    struct nothing
-    {
-    };
-
-    template <class T> const Value *copy(T value)
-    {
-        copy_ = std::move(value);
-        return &copy_;
-    }
-
-    template <class Signed, class Unsigned> const Value *number(const void *slot)
-    {
-        using slotted = std::conditional_t<std::is_signed_v<Value>, Signed, Unsigned>;
-        const slotted value = *static_cast<const slotted *>(slot);
-        const auto own = static_cast<Value>(value);
-        return static_cast<slotted>(own) == value ? copy(own) : nullptr;
-    }
-
-    std::conditional_t<kind == category::identity, nothing, Value> copy_ = {};
+    std::conditional_t<kind == category::identity, no_argument, Value> copy_ = {};
 };
 
-/** Reads the values of a conversion and calls the program's function with them, and with the specification if it wants.
- */
-template <bool Catches, class Function, class... Values> struct renderer
+/** Reads the values of a conversion and calls the program's function with them, and with a conversion_spec if it wants
+ * one; under the protocol of a KTFormatFunction. */
+template <bool Catches, class Function, class... Values> struct own_conversion
 {
     static constexpr int types[] = {own_value<Values>::type..., KT_ARG_END};
     Function function;
 
-    int operator()(const conversion_spec &spec, void **given, std::u16string &text)
+    int operator()(const conversion_spec &spec, KTEncoder encoder, void **given, unsigned long *size, UCS2 *out)
     {
-        return guarded<Catches>([&] { return render(spec, given, text, std::index_sequence_for<Values...>()); });
+        const unsigned long room = std::exchange(*size, 0);
+        return guarded<Catches>([&]() -> int {
+            std::u16string text;
+            if (!make(text, spec, given, std::index_sequence_for<Values...>()))
+                return KT_ERR_INVALID_PARAMETER;
+            *size = room;
+            void *units = text.data();
+            return formatUCS2Str(nullptr, KT_ABSENT, KT_ABSENT, spec.flags, encoder, nullptr, &units, size, out);
+        });
     }
 
+    /** Makes the text; false where a value has another type. */
     template <std::size_t... Index>
-    int render(const conversion_spec &spec, void **given, std::u16string &text, std::index_sequence<Index...>)
+    bool make(std::u16string &text, const conversion_spec &spec, void **given, std::index_sequence<Index...>)
     {
         std::tuple<own_value<Values>...> values;
         const std::tuple<const Values *...> found = {std::get<Index>(values).read(given + Index, spec.flags)...};
         if (!(... && (std::get<Index>(found) != nullptr)))
-            return KT_ERR_INVALID_PARAMETER;
+            return false;
         if constexpr (std::is_invocable_v<Function &, const Values &..., const conversion_spec &>)
             text = to_ucs2(function(*std::get<Index>(found)..., spec));
         else
@@ -327,7 +288,7 @@ template <bool Catches, class Function, class... Values> struct renderer
             text = to_ucs2(function(*std::get<Index>(found)...));
             lay_out(spec, text);
         }
-        return 0;
+        return true;
     }
 };
 
@@ -381,23 +342,18 @@ public:
     template <class... Values, class Function, bool Catches = KELTO_HAS_EXCEPTIONS>
     builder &add(std::string_view name, Function function)
     {
-        using renderer = detail::renderer<Catches, Function, Values...>;
-        if (!is_name(name))
-        {
-            problem_ += ": no conversion can have the name \"" + std::string(name) + '"';
-            return *this;
-        }
+        using own_conversion = detail::own_conversion<Catches, Function, Values...>;
         auto own = std::make_unique<detail::conversion>();
-        own->id.name[name.copy(own->id.name, name.size())] = '\0';
+        name.copy(own->id.name, sizeof own->id.name - 1);
         own->id.owner = own.get();
-        own->types = renderer::types;
+        own->types = own_conversion::types;
         own->count = static_cast<int>(sizeof...(Values));
-        own->run = detail::run_conversion<Catches>;
-        own->render = renderer{std::move(function)};
+        own->write = own_conversion{std::move(function)};
         auto *place = &state<>().first;
         while (*place != nullptr)
             place = &(*place)->next;
         *place = std::move(own);
+        ++state<>().count;
         return *this;
     }
 
@@ -408,22 +364,12 @@ public:
      */
     template <class Function, bool Catches = KELTO_HAS_EXCEPTIONS> builder &with_encoder(Function function)
     {
-        constexpr bool isUtf8 = std::is_invocable_v<Function &, std::string_view>;
-        static_assert(isUtf8 || std::is_invocable_v<Function &, std::u16string_view>,
+        constexpr bool isEncoder =
+            std::is_invocable_v<Function &, std::string_view> || std::is_invocable_v<Function &, std::u16string_view>;
+        static_assert(isEncoder,
                       "kelto: an encoder takes a std::string_view or a std::u16string_view and gives a text");
-        if constexpr (isUtf8 || std::is_invocable_v<Function &, std::u16string_view>)
-        {
-            state<>().encode = [function = std::move(function)](std::u16string_view text, std::u16string &out) mutable {
-                return detail::guarded<Catches>([&] {
-                    if constexpr (isUtf8)
-                        out = detail::to_ucs2(function(std::string_view(detail::to_utf8(text))));
-                    else
-                        out = detail::to_ucs2(function(text));
-                    return 0;
-                });
-            };
-            state<>().run_encoder = detail::run_encoder<Catches>;
-        }
+        if constexpr (isEncoder)
+            state<>().encode = detail::own_encoder<Catches, Function>{std::move(function)};
         return *this;
     }
 
@@ -454,22 +400,18 @@ public:
      */
     template <class = void> form_table build(std::error_code &failure)
     {
-        std::string problem;
-        int result = 0;
-        form_table table = build(result, problem);
-        failure = make_error(result);
-        return table;
+        char why[1];
+        return build(failure, why, sizeof why);
     }
 
 #if KELTO_HAS_EXCEPTIONS
     template <class = void> form_table build()
     {
-        std::string problem;
-        int result = 0;
-        form_table table = build(result, problem);
-        if (result != 0)
-            detail::throw_told(result, {"kelto::form_table", problem.empty() ? ": " : "",
-                                        problem.empty() ? KTResultText(result) : problem.c_str()});
+        std::error_code failure;
+        char why[1024];
+        form_table table = build(failure, why, sizeof why);
+        if (failure)
+            detail::throw_told(failure.value(), {"kelto::form_table: ", why});
         return table;
     }
 #endif
@@ -483,74 +425,31 @@ private:
         return *state_;
     }
 
-    template <class = void> form_table build(int &result, std::string &problem)
+    template <class = void> form_table build(std::error_code &failure, char *why, std::size_t room)
     {
-        detail::table_state &own = state<>();
-        result = detail::begin(own.held);
-        formTable *next = next_;
-        if (result == 0 && next == nullptr)
-            result = KTGetBuiltInFormTable(0, &next);
-        if (result == 0)
-        {
-            if (const char *const unsafe = conversion_with_pointer(next))
-                problem_.append(": the conversion \"")
-                    .append(unsafe)
-                    .append("\" of the table behind it takes a pointer of no type");
-            if (own.encodes_everywhere && own.run_encoder == nullptr && !has_encoder(next))
-                problem_.append(": there is no encoder that could be applied everywhere");
-            result = problem_.empty() ? 0 : KT_ERR_INVALID_PARAMETER;
-        }
-        const std::shared_ptr<detail::table_state> built = std::exchange(state_, nullptr);
-        problem = std::exchange(problem_, {});
+        state<>();
+        const std::shared_ptr<detail::table_state> own = std::exchange(state_, nullptr);
+        int result = detail::begin(own->held);
+        own->table.nextTable = next_;
+        if (result == 0 && next_ == nullptr)
+            result = KTGetBuiltInFormTable(0, &own->table.nextTable);
+        *why = '\0';
         if (result != 0)
-            return form_table(nullptr);
-        std::size_t count = 0;
-        for (const detail::conversion *each = own.first.get(); each != nullptr; each = each->next.get())
-            ++count;
-        own.records = std::make_unique<KTFormatter[]>(count + 1);
-        KTFormatter *record = own.records.get();
-        for (const detail::conversion *each = own.first.get(); each != nullptr; each = each->next.get())
+            why[std::string_view(KTResultText(result)).copy(why, room - 1)] = '\0';
+        own->records = std::make_unique<KTFormatter[]>(own->count + 1);
+        KTFormatter *record = own->table.formList = own->records.get();
+        for (const detail::conversion *each = own->first.get(); each != nullptr; each = each->next.get())
             *record++ = {each->id.name, nullptr, each->count, each->types, detail::convert};
-        own.table.formList = own.records.get();
-        own.table.encoder = own.run_encoder != nullptr ? detail::encode : nullptr;
-        own.table.nextTable = next;
-        return form_table(built);
-    }
-
-    static bool is_name(std::string_view name) noexcept
-    {
-        const char first = name.empty() ? '\0' : name[0];
-        const bool isLetter = (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z');
-        if (!isLetter || first == 'h' || first == 'l' || first == 'L' || name == "N" || name == "O" || name.size() > 19)
-            return false;
-        for (const char c : name)
-            if (c == '[' || c <= 0)
-                return false;
-        return true;
-    }
-
-    /** The name of a C function's conversion that trusts the format for the type of what it is given, or null. */
-    static const char *conversion_with_pointer(const formTable *table) noexcept
-    {
-        for (; table != nullptr; table = table->nextTable)
-            for (const KTFormatter *record = table->formList; record != nullptr && record->name != nullptr; ++record)
-                if (record->format != detail::convert && record->argTypes != nullptr)
-                    for (const int *type = record->argTypes; *type != KT_ARG_END; ++type)
-                        if (*type == KT_ARG_POINTER)
-                            return record->name;
-        return nullptr;
-    }
-
-    static bool has_encoder(const formTable *table) noexcept
-    {
-        while (table != nullptr && table->encoder == nullptr)
-            table = table->nextTable;
-        return table != nullptr;
+        own->table.encoder = own->encode ? detail::encode : nullptr;
+        const unsigned options = own->encodes_everywhere ? static_cast<unsigned>(KT_ENCODE_ALL) : 0U;
+        if (result == 0)
+            result = KTExplainFormTable(&own->table, detail::convert, options, &room, why);
+        failure = make_error(result);
+        return form_table(result == 0 ? own : nullptr);
     }
 
     std::shared_ptr<detail::table_state> state_;
     formTable *next_ = nullptr;
-    std::string problem_; // of the names
 };
 
 } // namespace kelto

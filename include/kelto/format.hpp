@@ -50,42 +50,36 @@ constexpr std::size_t few_units = 1024;
 template <class Unit> class text_buffer
 {
 public:
-    text_buffer() noexcept {} // the bytes stay as they are
+    text_buffer() noexcept {} // the units stay as they are
     text_buffer(const text_buffer &) = delete;
     text_buffer &operator=(const text_buffer &) = delete;
 
-    /** Room for a text, under the size protocol. */
-    Unit *few(std::size_t &size) noexcept
+    /** Has a text written in as much room as it needs, and returns the result; a need of 0 ends the search for room. */
+    template <class Write> int fill(const Write &write)
     {
-        size = few_units + 1;
-        return few_;
-    }
-    /** Likewise for a text of this size, and for more where that was told too low. */
-    Unit *many(std::size_t &size)
-    {
-        isFew_ = false;
-        many_.resize(size > many_.size() ? size : 2 * many_.size());
-        size = many_.size() + 1;
-        return many_.data();
-    }
-    void end(std::size_t size)
-    {
-        if (isFew_)
-            size_ = size;
-        else
-            many_.resize(size);
+        size_ = few_units + 1;
+        int result = write(&size_, few_);
+        while (result == KT_ERR_BUFFER_TOO_SMALL && size_ != 0)
+        {
+            many_.resize(size_ > many_.size() ? size_ : 2 * many_.size());
+            size_ = many_.size() + 1;
+            result = write(&size_, many_.data());
+        }
+        size_ = result == 0 ? size_ : 0;
+        if (!many_.empty())
+            many_.resize(size_);
+        return result;
     }
 
     std::basic_string_view<Unit> view() const noexcept
     {
-        return isFew_ ? std::basic_string_view<Unit>(few_, size_) : many_;
+        return many_.empty() ? std::basic_string_view<Unit>(few_, size_) : many_;
     }
-    std::basic_string<Unit> take() { return isFew_ ? std::basic_string<Unit>(few_, size_) : std::move(many_); }
+    std::basic_string<Unit> take() { return many_.empty() ? std::basic_string<Unit>(few_, size_) : std::move(many_); }
 
 private:
     Unit few_[few_units + 1];
-    bool isFew_ = true;
-    std::size_t size_ = 0;
+    std::size_t size_;
     std::basic_string<Unit> many_;
 };
 
@@ -118,15 +112,15 @@ template <class Container> Container &container_of(std::back_insert_iterator<Con
 template <class Output> using inserted_of = typename Output::container_type::value_type;
 template <class Output> using pointed_of = decltype(sizeof(typename std::iterator_traits<Output>::value_type));
 
-/** Fails to compile where an output cannot take a text. */
+/** Whether an output takes bytes, as far as that is known. */
 template <class Output> constexpr bool takes_text() noexcept
 {
-    std::size_t bytes = 1; // where it is not known
     if constexpr (has<inserted_of, Output>)
-        bytes = sizeof(inserted_of<Output>);
+        return sizeof(inserted_of<Output>) == 1;
     else if constexpr (has<pointed_of, Output>)
-        bytes = sizeof(typename std::iterator_traits<Output>::value_type);
-    return bytes == 1;
+        return sizeof(typename std::iterator_traits<Output>::value_type) == 1;
+    else
+        return true;
 }
 
 template <class Output> auto copy_to(Output out, std::string_view text)
@@ -178,11 +172,6 @@ template <class... Arguments> std::error_code *failure_of(std::error_code &failu
 {
     return &failure;
 }
-inline no_argument hold(const std::error_code &) noexcept
-{
-    return {};
-}
-
 /** The options of a format call, with the table as what keeps it alive. */
 struct call_options
 {
@@ -210,7 +199,7 @@ inline int write_argument(void *, const KTArgument *argument, std::size_t *size,
     if (argument->length != identity_kind)
         return KT_ERR_INVALID_PARAMETER;
     const auto *const object = static_cast<const identified *>(argument->value.p);
-    return object->type->write(object->object, size, out);
+    return (*object->type)(object->object, size, out);
 }
 
 /** The options as the C interface takes them. */
@@ -230,28 +219,6 @@ struct free_prepared
 {
     void operator()(KTPreparedFormat *format) const noexcept { KTFreePrepared(format); }
 };
-
-/** The bytes that a text with these arguments may have. */
-KELTO_SELDOM inline std::size_t limit_of(std::size_t maxSize, const argument_view &view) noexcept
-{
-    std::size_t bytes = 0;
-    for (std::size_t i = 0; i < view.count; ++i)
-    {
-        const KTArgument &argument = view.arguments[i];
-        const bool isOpen = argument.length == UINT32_MAX;
-        if (argument.type == KT_ARGUMENT_CODE_POINT)
-            bytes += 3 * std::size_t(argument.length);
-        else if (argument.value.p == nullptr)
-            continue;
-        else if (argument.type == KT_ARGUMENT_UTF8)
-            bytes += isOpen ? std::strlen(static_cast<const char *>(argument.value.p)) : argument.length;
-        else if (argument.type == KT_ARGUMENT_UCS2)
-            bytes += 3 * (isOpen ? KTUCS2strlen(static_cast<const char16_t *>(argument.value.p))
-                                 : std::size_t(argument.length));
-    }
-    constexpr std::size_t most = SIZE_MAX / 2;
-    return bytes < most / 8 && maxSize < most ? maxSize + 8 * bytes : most;
-}
 
 } // namespace detail
 
@@ -347,30 +314,39 @@ private:
         return result;
     }
 
-    /** Calls the library; throws only what functions of the program throw. */
     template <class Unit>
-    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
+    int call_library(const detail::argument_view &view, std::size_t *size, Unit *out) const noexcept
     {
-        const auto call = [&] {
-            if constexpr (std::is_same_v<Unit, char>)
-                return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out,
-                                            view.arguments, view.count);
-            else
-                return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
+        if constexpr (std::is_same_v<Unit, char>)
+            return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
                                         view.count);
-        };
-        if (options_.table == nullptr)
-            return call();
+        else
+            return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
+                                    view.count);
+    }
+
+    template <class Unit> int write_running(const detail::argument_view &view, std::size_t *size, Unit *out) const
+    {
         detail::running around(options_.table.get());
-        const int result = call();
+        const int result = call_library(view, size, out);
         around.rethrow();
         return result;
     }
 
-    /** Whether a text, which is that long, is not longer than it may be. */
-    bool is_within_limit(std::size_t size, const detail::argument_view &view) const noexcept
+    /**
+     * Calls the library, and throws only what functions of the program throw. A text that is longer than it may be is
+     * KT_ERR_BUFFER_TOO_SMALL, and its size 0.
+     */
+    template <class Unit>
+    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
     {
-        return size <= options_.max_size || size <= detail::limit_of(options_.max_size, view);
+        const int result = options_.table != nullptr ? write_running(view, size, out) : call_library(view, size, out);
+        const bool isText = result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
+        if (!isText || *size <= options_.max_size ||
+            *size <= KTTextLimit(options_.max_size, view.arguments, view.count))
+            return result;
+        *size = 0;
+        return KT_ERR_BUFFER_TOO_SMALL;
     }
 
     /** Fills a buffer where it can; what cannot be is told in `failure`, or thrown where that is null. */
@@ -378,17 +354,7 @@ private:
     KELTO_OUT_OF_LINE void fill(detail::text_buffer<Unit> &text, std::error_code *failure,
                                 const detail::argument_view &view) const
     {
-        std::size_t size = 0;
-        Unit *room = text.few(size);
-        int result = write(view, &size, room);
-        while (result == KT_ERR_BUFFER_TOO_SMALL && is_within_limit(size, view))
-        {
-            room = text.many(size);
-            result = write(view, &size, room);
-        }
-        if (result == 0 && !is_within_limit(size, view))
-            result = KT_ERR_BUFFER_TOO_SMALL;
-        text.end(result == 0 ? size : 0);
+        const int result = text.fill([&](std::size_t *size, Unit *out) { return write(view, size, out); });
         if (failure != nullptr)
             *failure = make_error(result);
 #if KELTO_HAS_EXCEPTIONS
@@ -412,12 +378,11 @@ private:
             detail::throw_told(result, {"kelto::prepared_format: it holds no format"});
         const detail::running call(options_.table.get()); // what is thrown here was thrown before
         const KTCatalogOptions options = detail::c_options(options_);
-        std::string why(detail::few_units, '\0');
-        std::size_t size = why.size() + 1;
-        while (KTExplainFailure(text_.c_str(), result, &options, view.arguments, view.count, &size, why.data()) ==
-               KT_ERR_BUFFER_TOO_SMALL)
-            why.resize(size++);
-        detail::throw_told(result, {{why.data(), size}});
+        detail::text_buffer<char> why;
+        why.fill([&](std::size_t *size, char *out) {
+            return KTExplainFailure(text_.c_str(), result, &options, view.arguments, view.count, size, out);
+        });
+        detail::throw_told(result, {why.view()});
     }
 #endif
 
