@@ -1479,7 +1479,7 @@ typedef int (*KTArgumentFunction)(void *context, const KTArgument *argument, siz
 /**
  * Gives the conversions of a language, so that each language of a catalog writes with its own: numbers and dates, say.
  * Asked once for each language that is loaded, and once for the source language, whose conversions are those of the
- * texts in the source. KTLConversions() of the add-on is one.
+ * texts in the source. It must not use the catalog, which waits for it. KTLConversions() of the add-on is one.
  * @param language  a name as in KTLanguages(), "de_AT"; of a catalog that is a single file what that says of itself.
  * @return a table that lives as long as the catalog; null for the conversions that all languages have.
  */
@@ -1491,7 +1491,7 @@ typedef formTable *(*KTConversionsFunction)(void *context, const char *language)
  *
  * A text may have maxSize bytes, beside 8 times those of the text arguments: "%2000000000d[1]" in a translation
  * exhausts nothing. The text in the source is not passed over for being longer, unless it needs more than 1 MiB as
- * well. The functions may be null; they may use the catalog themselves, and run in any thread that does.
+ * well. The functions may be null, run in any thread that uses the catalog, and may use it too, but for conversions.
  */
 typedef struct KTCatalogOptions
 {
