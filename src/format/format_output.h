@@ -48,19 +48,18 @@ template <typename Unit> class FormatOutput
 public:
     /** @param size  the capacity, in units of the text, its terminator counted. */
     FormatOutput(Unit *out, const unsigned long *size, Beginning beginning = Beginning::ofNoUse) noexcept
-        : m_out(out), m_next(out), m_capacity(*size), m_isTruncated(m_capacity == 0),
-          m_keepsBeginning(beginning == Beginning::kept)
+        : m_out(out), m_next(out), m_capacity(*size), m_room(m_capacity), m_keepsBeginning(beginning == Beginning::kept)
     {
     }
 
     /** Whether the text has run out of room, and is only measured from there on. */
-    bool isTruncated() const noexcept { return m_isTruncated; }
+    bool isTruncated() const noexcept { return m_room == 0; }
 
     /** The units so far, written or not. */
-    unsigned long length() const noexcept { return m_total; }
+    unsigned long length() const noexcept { return isTruncated() ? m_total : m_capacity - m_room; }
 
     /** Whether so many more units may fit; false is certain. */
-    bool canHold(uint64_t length) const noexcept { return !m_isTruncated && fits(length, m_capacity - m_total); }
+    bool canHold(uint64_t length) const noexcept { return fits(length, m_room); }
 
     /** Appends units of literal text; what does not fit as a whole is written as far as it does. */
     void appendLiteral(const Unit *units, size_t count) noexcept
@@ -68,7 +67,7 @@ public:
         if (!goOn(count))
             return;
         if (claim(count))
-            m_next = copyFew(units, count, m_next);
+            m_next = copyUnits(units, count, m_next);
         else
             cutLiteral(units, count);
     }
@@ -76,7 +75,8 @@ public:
     /** Appends pieces, each whole or not at all. @return 0: what does not fit is known in the end. */
     template <typename... Pieces> int write(Ending /*ending*/, const Pieces &...pieces) noexcept
     {
-        (append(pieces), ...);
+        if (!writeTogether(pieces...))
+            (append(pieces), ...);
         return 0;
     }
 
@@ -126,11 +126,11 @@ public:
     /** Ends the text. @param size  out: its length, or the need. */
     int finish(unsigned long *size) noexcept
     {
-        if (m_isTruncated && m_keepsBeginning)
-            dropHalfCharacter();
-        terminate(m_next);
-        *size = m_total;
-        return m_isTruncated ? KT_ERR_BUFFER_TOO_SMALL : 0;
+        if (isTruncated())
+            return finishTruncated(size);
+        *m_next = 0;
+        *size = length();
+        return 0;
     }
 
     /** Ends the call with a failure, which leaves the empty text. */
@@ -146,12 +146,30 @@ private:
     static constexpr UChar32 replacementCharacter = 0xFFFD;
     static constexpr Layout noLayout = {KT_ABSENT, KT_ABSENT, 0};
 
-    unsigned long room() const noexcept { return m_capacity > m_total ? m_capacity - m_total : 0; }
+    /** The room that a formatter is told of; some is left behind a text that did not fit, and was not written. */
+    unsigned long room() const noexcept { return isTruncated() ? m_capacity - std::min(m_capacity, m_total) : m_room; }
 
+    /** From here on the text is only measured. */
+    void truncate() noexcept
+    {
+        m_total = length();
+        m_room = 0;
+    }
+
+    /** Counts units that are not written. */
     void addToTotal(unsigned long units) noexcept
     {
         if (__builtin_add_overflow(m_total, units, &m_total))
             m_total = ~0UL;
+    }
+
+    [[gnu::noinline, gnu::cold]] int finishTruncated(unsigned long *size) noexcept
+    {
+        if (m_keepsBeginning)
+            dropHalfCharacter();
+        terminate(m_next);
+        *size = m_total;
+        return KT_ERR_BUFFER_TOO_SMALL;
     }
 
     void terminate(Unit *where) const noexcept
@@ -160,23 +178,12 @@ private:
             *where = 0;
     }
 
-    /** Most literal text between two conversions is a few units, less than a call costs. */
-    static Unit *copyFew(const Unit *units, size_t count, Unit *out) noexcept
-    {
-        constexpr size_t few = 8;
-        if (count > few)
-            return std::copy_n(units, count, out);
-        for (size_t i = 0; i < count; ++i)
-            out[i] = units[i];
-        return out + count;
-    }
-
     /** Counts units that fit as a whole; else false, and nothing is counted. */
     bool claim(uint64_t units) noexcept
     {
         if (!canHold(units))
             return false;
-        m_total += units;
+        m_room -= units;
         return true;
     }
 
@@ -184,24 +191,21 @@ private:
     [[gnu::noinline, gnu::cold]] uint64_t cut(uint64_t units) noexcept
     {
         const uint64_t beginning = roomForBeginning();
-        m_isTruncated = true;
+        truncate();
         addToTotal(units);
         return beginning;
     }
 
     [[gnu::noinline, gnu::cold]] void cutLiteral(const Unit *units, size_t count) noexcept
     {
-        if (!m_isTruncated)
-            m_next = std::copy_n(units, std::min<size_t>(count, m_capacity - m_total - 1), m_next);
-        m_isTruncated = true;
+        if (!isTruncated())
+            m_next = std::copy_n(units, std::min<size_t>(count, m_room - 1), m_next);
+        truncate();
         addToTotal(count);
     }
 
     /** The units that can be written of a text that does not fit as a whole. */
-    uint64_t roomForBeginning() const noexcept
-    {
-        return m_keepsBeginning && !m_isTruncated ? m_capacity - m_total - 1 : 0;
-    }
+    uint64_t roomForBeginning() const noexcept { return m_keepsBeginning && !isTruncated() ? m_room - 1 : 0; }
 
     /** Drops the part of a character with which a text ends that was cut. */
     [[gnu::noinline, gnu::cold]] void dropHalfCharacter() noexcept
@@ -220,6 +224,36 @@ private:
 
     /** Prepares for units that join no surrogate; false where the text has ended before them. */
     bool goOn(uint64_t count) noexcept { return !isUTF8 || m_surrogates.goOn(count); }
+
+    /** Whether a piece is written as one unit of the text for each of its own, as a rule. */
+    template <typename Piece>
+    static constexpr bool isUsuallyEven = std::is_same_v<Piece, Fill> || std::is_same_v<Piece, NarrowText> ||
+                                          (!isUTF8 && std::is_same_v<Piece, Text>);
+
+    /** Whether one that usually is so is no exception. */
+    template <typename Piece> static constexpr bool isEven(const Piece &piece) noexcept
+    {
+        if constexpr (isUTF8 && std::is_same_v<Piece, NarrowText>)
+            return piece.beyondAscii == 0;
+        else
+            return true;
+    }
+
+    /** Writes pieces that fit together and are all even, which is one question for all; else false, and nothing is. */
+    template <typename... Pieces> bool writeTogether(const Pieces &...pieces) noexcept
+    {
+        if constexpr ((isUsuallyEven<Pieces> && ...))
+        {
+            const uint64_t count = (pieces.count + ...);
+            if ((isEven(pieces) && ...) && canHold(count) && goOn(count))
+            {
+                m_room -= count;
+                ((m_next = pieces.writeTo(m_next)), ...);
+                return true;
+            }
+        }
+        return false;
+    }
 
     // Most fills are empty.
     void append(const Fill &fill) noexcept
@@ -240,13 +274,12 @@ private:
         if (text.count == 0 || !goOn(text.count))
             return;
         if (text.characters == nullptr) // only counted: the number as a whole does not fit
-            m_isTruncated = true;
-        if (isUTF8 && text.beyondAscii > 0)
+            truncate();
+        if (!isEven(text))
             return appendBeyondAscii(text.characters, text.count + text.beyondAscii);
         if (!claim(text.count))
             return appendBeginning(text.characters, text.count);
-        m_next = std::transform(text.characters, text.characters + text.count, m_next,
-                                [](unsigned char character) { return static_cast<Unit>(character); });
+        m_next = text.writeTo(m_next);
     }
 
     [[gnu::noinline, gnu::cold]] void appendBeginning(const char *characters, uint64_t count) noexcept
@@ -283,11 +316,25 @@ private:
         name.forEachPart([this](const UCS2 *units, size_t count) { append(Text{units, count}); });
     }
 
-    void append(const UTF8Text &text) noexcept
+    // Most texts are ASCII from end to end, and fit.
+    void append(const UTF8Text &text) noexcept { appendUTF8(text.bytes, text.length, text.count); }
+
+    [[gnu::noinline]] void appendUTF8(const char *bytes, size_t length, uint64_t count) noexcept
     {
-        const char *cursor = text.bytes;
-        const char *const end = cursor + text.length;
-        for (uint64_t left = text.count; cursor != end && left > 0;)
+        const uint64_t most = std::min<uint64_t>(length, count);
+        if (!canHold(most) || !goOn(most))
+            return appendMixed(bytes, length, count);
+        const size_t run = copyRun(bytes, most, m_next);
+        m_next += run;
+        m_room -= run;
+        if (run != most)
+            appendMixed(bytes + run, length - run, count - run);
+    }
+
+    [[gnu::noinline]] void appendMixed(const char *cursor, size_t length, uint64_t count) noexcept
+    {
+        const char *const end = cursor + length;
+        for (uint64_t left = count; cursor != end && left > 0;)
         {
             if (isAsciiByte(*cursor))
             {
@@ -309,7 +356,7 @@ private:
     /** Appends the ASCII at the start of `limit` bytes, as far as it fits; the length of the run. */
     size_t appendAscii(const char *text, size_t limit) noexcept
     {
-        if (m_isTruncated)
+        if (isTruncated())
         {
             size_t run = 0;
             while (run < limit && isAsciiByte(text[run]))
@@ -318,11 +365,11 @@ private:
                 addToTotal(run);
             return run;
         }
-        const size_t run = copyRun(text, std::min<size_t>(limit, m_capacity - m_total - 1), m_next);
+        const size_t run = copyRun(text, std::min<size_t>(limit, m_room - 1), m_next);
         if (!goOn(run))
             return run;
         m_next += run;
-        m_total += run;
+        m_room -= run;
         return run;
     }
 
@@ -383,7 +430,7 @@ private:
     {
         constexpr size_t replaced = utf8Length(replacementCharacter);
         const size_t more = utf8Length(codePoint) - replaced;
-        const bool isWritten = !m_isTruncated;
+        const bool isWritten = !isTruncated();
         const bool hasRoom = claim(more);
         if (!hasRoom)
             cut(more);
@@ -408,11 +455,14 @@ private:
         else
         {
             const int kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
-            m_isTruncated = true;
+            truncate();
             if (kept != 0)
                 return kept;
         }
-        addToTotal(units);
+        if (isTruncated())
+            addToTotal(units);
+        else
+            m_room -= units;
         return 0;
     }
 
@@ -453,7 +503,7 @@ private:
             return KT_ERR_CONVERSION_FAILED;
         if (goOn(text.count()))
         {
-            m_isTruncated = true; // each unit gives a byte at least
+            truncate(); // each unit gives a byte at least
             addToTotal(text.count());
             addToTotal(paddingTo(behind.width, text.count()));
         }
@@ -463,8 +513,8 @@ private:
     Unit *m_out;
     Unit *m_next;
     unsigned long m_capacity;
-    unsigned long m_total = 0;    // less than the capacity while nothing is cut
-    bool m_isTruncated;           // from the start where there is no room at all
+    unsigned long m_room;         // left for text and terminator; none once the text is only measured
+    unsigned long m_total = 0;    // of a text that is only measured
     bool m_keepsBeginning;        // where the text does not fit
     SurrogateJoiner m_surrogates; // of UTF-8 alone
 };

@@ -9,12 +9,8 @@
 #ifndef KELTO_FORMAT_LAYOUT_H
 #define KELTO_FORMAT_LAYOUT_H
 
-#include "kelto.h"
-
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
+#include "format/few_units.h"
+#include "strconv/ascii_run.h"
 
 namespace kelto
 {
@@ -48,7 +44,7 @@ struct Text
     UCS2 *writeTo(UCS2 *out) const noexcept { return std::copy_n(units, count, out); }
 };
 
-/** A text of 8-bit characters, each widened to one unit. Numbers are short: a loop is all they need. */
+/** A text of 8-bit characters, each of them one unit. */
 struct NarrowText
 {
     const char *characters; /**< null for a text that is known not to fit, and only counted */
@@ -57,19 +53,27 @@ struct NarrowText
 
     UCS2 *writeTo(UCS2 *out) const noexcept
     {
-        for (const char *next = characters; next != characters + count; ++next)
-            *out++ = static_cast<unsigned char>(*next);
-        return out;
+        constexpr uint64_t few = 4; // for which the steps of an ASCII run do not pay
+        uint64_t done = count < few ? 0 : widenAscii(characters, count, out);
+        for (; done != count; ++done)
+            out[done] = static_cast<unsigned char>(characters[done]);
+        return out + count;
     }
+
+    /** The same in UTF-8, of ASCII alone. */
+    char *writeTo(char *out) const noexcept { return copyUnits(characters, count, out); }
 };
 
 /** One unit, repeated. */
 struct Fill
 {
-    UCS2 unit;
+    UCS2 unit; /**< ASCII in every conversion */
     uint64_t count;
 
-    UCS2 *writeTo(UCS2 *out) const noexcept { return std::fill_n(out, count, unit); }
+    template <typename Unit> Unit *writeTo(Unit *out) const noexcept
+    {
+        return fillUnits(out, count, static_cast<Unit>(unit));
+    }
 };
 
 /** Whether a zero unit is written behind the text, as some conversions promise to those who call them directly. */

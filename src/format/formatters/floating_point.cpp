@@ -154,8 +154,6 @@ template <typename Value> bool Rendering::measure(int flags, int precision, Valu
 
 template <typename Value> bool Rendering::complete(int flags, int precision, Value value) noexcept
 {
-    if (m_digits.characters != nullptr)
-        return true;
     const size_t size = minusLength(value) + m_digits.count + 1;
     m_long = allocate<char>(glbResHandle, size);
     if (m_long == nullptr || print(m_long.get(), size, flags, precision, value) < 0)

@@ -62,7 +62,7 @@ template <typename Out, typename Value> int writeFloatingPoint(Out &out, const L
         return KT_ERR_NO_MEMORY;
     NumberText number = {signOf(std::signbit(value), layout.flags), 0, rendering.digits(),
                          isFinite ? static_cast<uint64_t>(wanted - rendered) : 0, rendering.uncounted()};
-    if (out.canHold(number.length() + number.paddingTo(layout.width)))
+    if (number.digits.characters == nullptr && out.canHold(number.length() + number.paddingTo(layout.width)))
     {
         if (!rendering.complete(layout.flags, rendered, value))
             return KT_ERR_NO_MEMORY;
