@@ -2,12 +2,16 @@
 
 #include "format/variants.h"
 
-#include <algorithm>
-
-namespace kelto
+namespace
 {
 
-uint8_t encodingOf(const PreparedStep &step) noexcept
+using kelto::PreparedStep;
+using kelto::slotIsEncoded;
+using kelto::slotIsFree;
+using kelto::Writer;
+
+/** The bits of a conversion's values. */
+uint8_t encodingOf(const PreparedStep &step)
 {
     const bool isInRegion = (step.layout.flags & FLAG_ENCODE) != 0;
     switch (step.writer)
@@ -28,6 +32,34 @@ uint8_t encodingOf(const PreparedStep &step) noexcept
     }
 }
 
+/** Calls `take(slot, bits)` for the slots of each conversion, in the order of the text. */
+template <typename Take> void forEachSlot(const KTPreparedFormat &format, Take take)
+{
+    const PreparedStep *const end = format.steps + format.stepCount;
+    for (const PreparedStep *step = format.steps; step != end; ++step)
+    {
+        if (step->formatter == nullptr)
+            continue;
+        const uint8_t encoding = encodingOf(*step);
+        uint32_t slot = step->firstSlot;
+        for (const int option : {step->layout.width, step->layout.precision})
+            if (option == KT_FROM_ARGUMENTS)
+                take(slot++, uint8_t{0});
+        for (int i = 0; i < step->formatter->argCount; ++i)
+            take(slot++, encoding);
+    }
+}
+
+} // namespace
+
+namespace kelto
+{
+
+void noteEncodings(const KTPreparedFormat &format, uint8_t *encodings) noexcept
+{
+    forEachSlot(format, [encodings](uint32_t slot, uint8_t encoding) { encodings[slot] = encoding; });
+}
+
 uint32_t findLostEncoding(const KTPreparedFormat &format, const KTPreparedFormat &reference) noexcept
 {
     if (format.variants != nullptr)
@@ -41,13 +73,14 @@ uint32_t findLostEncoding(const KTPreparedFormat &format, const KTPreparedFormat
         }
         return reference.slotCount;
     }
-    if (reference.variants != nullptr)
-        return reference.slotCount;
-    const uint32_t common = std::min(format.slotCount, reference.slotCount);
-    uint32_t i = 0;
-    while (i < common && !(reference.encodings[i] == slotIsEncoded && format.encodings[i] == slotIsFree))
-        ++i;
-    return i < common ? i : reference.slotCount;
+    uint32_t first = reference.slotCount;
+    if (reference.encodings == nullptr) // as of one that selects others
+        return first;
+    forEachSlot(format, [&](uint32_t slot, uint8_t encoding) {
+        if (slot < first && encoding == slotIsFree && reference.encodings[slot] == slotIsEncoded)
+            first = slot;
+    });
+    return first;
 }
 
 } // namespace kelto

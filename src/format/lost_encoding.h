@@ -18,8 +18,8 @@ enum SlotEncoding : uint8_t
     slotIsFree = 2     /**< as the text that it is */
 };
 
-/** The bits of a conversion's values. */
-uint8_t encodingOf(const PreparedStep &step) noexcept;
+/** Notes the bits of each slot; none for a '*'. @param encodings  room for them. */
+void noteEncodings(const KTPreparedFormat &format, uint8_t *encodings) noexcept;
 
 /**
  * The first slot, from 0, whose encoding is lost, in any variant; the reference's number of slots where there is none.

@@ -61,6 +61,18 @@ Writer writerOf(const KTFormatter &formatter)
     return Writer::called;
 }
 
+bool isOpen(const kelto::Layout &layout)
+{
+    return layout.width == KT_FROM_ARGUMENTS || layout.precision == KT_FROM_ARGUMENTS ||
+           (layout.flags & FLAG_ENCODE) != 0;
+}
+
+bool isBare(const kelto::Layout &layout)
+{
+    constexpr int layoutFlags = FLAG_MINUS | FLAG_PLUS | FLAG_SPACE | FLAG_HASH | FLAG_ZERO;
+    return layout.width == KT_ABSENT && layout.precision == KT_ABSENT && (layout.flags & layoutFlags) == 0;
+}
+
 template <typename T> T *take(char *&at, size_t count)
 {
     auto *const taken = reinterpret_cast<T *>(at);
@@ -186,10 +198,13 @@ private:
                      units,
                      at,
                      nullptr,
-                     encodings};
+                     nullptr};
         listSlots(slots);
-        fill(format, length, steps, LiteralText(units, at, sizes));
-        noteEncodings(steps, stepCount, encodings);
+        if (fill(format, length, steps, LiteralText(units, at, sizes)))
+        {
+            kelto::noteEncodings(*prepared, encodings);
+            prepared->encodings = encodings;
+        }
         return 0;
     }
 
@@ -214,10 +229,11 @@ private:
             kelto::listSlots(m_parameters[position - 1], position, [&slot](const KTSlot &next) { *slot++ = next; });
     }
 
-    /** Fills in the steps, the literal text of each in both encodings. */
-    void fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals)
+    /** Fills in the steps, the literal text of each in both encodings. @return whether any lies in an encoded region. */
+    bool fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals)
     {
         PreparedStep *step = steps;
+        int flags = 0;
         const UCS2 *unitsDone = literals.unitsEnd();
         const char *bytesDone = literals.bytesEnd();
         const auto endStep = [&](const KTParameter *parameter) {
@@ -232,7 +248,10 @@ private:
             if (parameter != nullptr)
             {
                 step->layout = {parameter->width, parameter->precision, parameter->flags};
+                step->isOpen = isOpen(step->layout);
+                step->isBare = isBare(step->layout);
                 step->firstSlot = static_cast<uint32_t>(parameter->argIndex);
+                flags |= parameter->flags;
             }
             ++step;
         };
@@ -245,18 +264,7 @@ private:
                 return true;
             });
         endStep(nullptr);
-    }
-
-    static void noteEncodings(const PreparedStep *steps, size_t stepCount, uint8_t *encodings)
-    {
-        for (const PreparedStep *step = steps; step != steps + stepCount - 1; ++step)
-        {
-            uint8_t *slot = encodings + step->firstSlot;
-            for (const int option : {step->layout.width, step->layout.precision})
-                if (option == KT_FROM_ARGUMENTS)
-                    *slot++ = 0;
-            std::memset(slot, kelto::encodingOf(*step), static_cast<size_t>(step->formatter->argCount));
-        }
+        return (flags & FLAG_ENCODE) != 0;
     }
 
     kelto::PercentPlaces<char> m_places;

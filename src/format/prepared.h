@@ -42,6 +42,8 @@ struct PreparedStep
     Layout layout;                   /**< KT_FROM_ARGUMENTS where a slot holds the width or precision */
     uint32_t firstSlot;              /**< of the conversion, a '*' included */
     Writer writer;
+    bool isOpen; /**< whether a call has more to ask than the value: what a '*' is, or the encoder */
+    bool isBare; /**< whether nothing lays the value out: no width, no precision, no flag but its size */
 };
 
 struct FormatVerdict;
@@ -65,7 +67,7 @@ struct KTPreparedFormat
     const UCS2 *units;
     const char *bytes;
     kelto::PreparedVariants *variants; /**< of a message that selects others; else null */
-    const uint8_t *encodings;          /**< of each slot, see lost_encoding.h; 0 of a '*' */
+    const uint8_t *encodings;          /**< of each slot, see lost_encoding.h; null where none lies in a region */
 };
 
 namespace kelto

@@ -26,15 +26,21 @@ using kelto::PreparedStep;
 using kelto::TypedCall;
 using kelto::Writer;
 
-/** What a call brings besides its text and arguments. */
+/** What a call brings besides its output. It goes by value to what is a call itself: so most calls never store it. */
 struct Call
 {
     const KTPreparedFormat &prepared;
-    const TypedCall &typed;
+    const KTArgument *arguments;
     KTEncoder encoder;
-    int addedFlags;
-    bool encodesAll;
+    void *passThru;
+    unsigned options;
 };
+
+/** The flags that options add to each conversion. */
+int flagsOf(unsigned options)
+{
+    return ((options & KT_TAG) != 0 ? FLAG_TAG : 0) | ((options & KT_ENCODE_ALL) != 0 ? FLAG_ENCODE : 0);
+}
 
 /** Resolves what a '*' stands for; the argument behind those that were used. */
 const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
@@ -48,17 +54,16 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
 
 /** Makes the slots of a formatter and has `append` append what it writes there. Its buffers are no others' business. */
 template <typename Append>
-[[gnu::noinline]] int callFormatter(const KTFormatter &formatter, const KTArgument *values, const Call &call,
-                                    Append append)
+[[gnu::noinline]] int callFormatter(const KTFormatter &formatter, const KTArgument *values, Call call, Append append)
 {
     const auto count = static_cast<size_t>(formatter.argCount);
     kelto::CalledArguments arguments;
-    if (!arguments.make(values, call.prepared.slots + (values - call.typed.arguments), count))
+    if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
         return KT_ERR_NO_MEMORY;
     const kelto::RunningSlots running(arguments.slots(), values, count);
     return append([&](const Layout &layout, unsigned long *units, UCS2 *out) {
         return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
-                                call.typed.passThru, arguments.slots(), units, out);
+                                call.passThru, arguments.slots(), units, out);
     });
 }
 
@@ -67,19 +72,21 @@ int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, co
                    const KTArgument *values, const Call &call)
 {
     const auto called = [&](const Layout &own, size_t *bytes, char *out) {
-        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder,
-                               call.typed.passThru, values, bytes, out);
+        return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.passThru,
+                               values, bytes, out);
     };
     return text.appendCalledUTF8(called, layout);
 }
 
 template <typename Unit>
-[[gnu::always_inline]] inline int writeUTF8(kelto::FormatOutput<Unit> &text, const Layout &layout,
+[[gnu::always_inline]] inline int writeUTF8(kelto::FormatOutput<Unit> &text, bool isBare, const Layout &layout,
                                             const KTArgument &argument)
 {
     const auto value = kelto::utf8Of(argument);
     if (value.length >= INT_MAX)
         return KT_ERR_CONVERSION_INVALID_ARGUMENT;
+    if (isBare)
+        return text.write(kelto::Ending::open, kelto::UTF8Text{value.begin, value.length, UINT64_MAX});
     // How many units a text has is asked only where padding depends on it.
     const uint64_t units = layout.width > 0 ? kelto::countUnits(value.begin, value.length) : UINT64_MAX;
     return kelto::writeText(text, layout, kelto::UTF8Text{value.begin, value.length, units});
@@ -188,11 +195,11 @@ template <typename Unit>
 {
     AloneFormat alone(call.prepared, step);
     alone.leaveUnencoded();
-    const unsigned options = *parts.open != 0 ? 0U : call.typed.options & KT_TAG;
+    const unsigned options = *parts.open != 0 ? 0U : call.options & KT_TAG;
     kelto::FinishedText finished;
     const auto write = [&](unsigned long *units, UCS2 *out) {
-        return KTFormatPrepared(&alone.get(), options, call.typed.passThru, units, out,
-                                call.typed.arguments + step.firstSlot, alone.get().slotCount);
+        return KTFormatPrepared(&alone.get(), options, call.passThru, units, out, call.arguments + step.firstSlot,
+                                alone.get().slotCount);
     };
     if (const int made = finished.make(write, parts.most))
         return made;
@@ -210,31 +217,19 @@ bool isEncodedText(Writer writer)
     return writer == Writer::character || writer == Writer::utf8Text || writer == Writer::ucs2Text;
 }
 
+/** Writes a value; `layout` is that of the step, as this call wants it. */
 template <typename Unit>
-[[gnu::always_inline]] inline int writeConversion(kelto::FormatOutput<Unit> &text, const PreparedStep &step,
-                                                  const Call &call)
+[[gnu::always_inline]] inline int writeValue(kelto::FormatOutput<Unit> &text, const PreparedStep &step,
+                                             const Layout &layout, const KTArgument *argument, const Call &call)
 {
-    Layout layout = step.layout;
-    layout.flags |= call.addedFlags;
-    const KTArgument *const argument = takeLayout(call.typed.arguments + step.firstSlot, layout);
     const KTFormatter &formatter = *step.formatter;
-    if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0)
-    {
-        if (step.writer == Writer::character) // which has no precision
-            layout.precision = KT_ABSENT;
-        if (isEncodedText(step.writer))
-            return callFormatter(formatter, argument, call,
-                                 [&](const auto &encoded) { return text.appendEncoded(encoded, layout); });
-        const FinishedParts parts = finishedParts(step.writer, (layout.flags & FLAG_TAG) != 0);
-        if (call.encodesAll && parts.isEncoded)
-            return writeFinished(text, step, parts, call);
-    }
     switch (step.writer)
     {
     case Writer::utf8Text:
-        return writeUTF8(text, layout, *argument);
+        return writeUTF8(text, step.isBare, layout, *argument);
     case Writer::signedInteger:
-        return kelto::writeSigned(text, layout, argument->value.i);
+        return step.isBare ? kelto::writeBare(text, argument->value.i)
+                           : kelto::writeSigned(text, layout, argument->value.i);
     case Writer::unsignedInteger:
         return kelto::writeUnsigned(text, layout, kelto::unsignedValue(*argument, layout.flags));
     case Writer::octHex:
@@ -271,6 +266,26 @@ template <typename Unit>
                          [&](const auto &called) { return text.appendCalled(called, layout); });
 }
 
+/** Writes an open conversion: what is open in it comes from the call. */
+template <typename Unit> int writeResolved(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const Call &call)
+{
+    Layout layout = step.layout;
+    layout.flags |= flagsOf(call.options);
+    const KTArgument *const argument = takeLayout(call.arguments + step.firstSlot, layout);
+    if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0)
+    {
+        if (step.writer == Writer::character) // which has no precision
+            layout.precision = KT_ABSENT;
+        if (isEncodedText(step.writer))
+            return callFormatter(*step.formatter, argument, call,
+                                 [&](const auto &encoded) { return text.appendEncoded(encoded, layout); });
+        const FinishedParts parts = finishedParts(step.writer, (layout.flags & FLAG_TAG) != 0);
+        if ((call.options & KT_ENCODE_ALL) != 0 && parts.isEncoded)
+            return writeFinished(text, step, parts, call);
+    }
+    return writeValue(text, step, layout, argument, call);
+}
+
 /** Whether a conversion writes a text of somebody's own, which may run from right to left. */
 bool isForeign(const PreparedStep &step)
 {
@@ -282,12 +297,16 @@ bool isForeign(const PreparedStep &step)
 constexpr UCS2 firstStrongIsolate = 0x2068;
 constexpr UCS2 popDirectionalIsolate = 0x2069;
 
-/** Writes one of them, where the conversion between them wants it. */
+/** Writes a conversion that is open, or that the options of the call concern. */
 template <typename Unit>
-[[gnu::noinline, gnu::cold]] void writeIsolate(kelto::FormatOutput<Unit> &text, const PreparedStep &step, UCS2 unit)
+[[gnu::noinline]] int writeOpen(kelto::FormatOutput<Unit> &text, const PreparedStep &step, Call call)
 {
-    if (isForeign(step))
-        text.write(kelto::Ending::open, kelto::Text{&unit, 1});
+    if ((call.options & KT_ISOLATE) == 0 || !isForeign(step))
+        return writeResolved(text, step, call);
+    text.write(kelto::Ending::open, kelto::Text{&firstStrongIsolate, 1});
+    const int result = writeResolved(text, step, call);
+    text.write(kelto::Ending::open, kelto::Text{&popDirectionalIsolate, 1});
+    return result;
 }
 
 const UCS2 *literalsOf(const KTPreparedFormat &prepared, const UCS2 *)
@@ -310,25 +329,26 @@ size_t literalLength(const PreparedStep &step, const char *)
     return step.literalBytes;
 }
 
-[[gnu::always_inline]] inline bool areAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments,
-                                               size_t count)
+[[gnu::always_inline]] inline bool accepts(const KTPreparedFormat &prepared, const KTArgument *arguments, size_t count)
 {
-    if (count != prepared.slotCount || (arguments == nullptr && count != 0))
-        return false;
-    for (size_t i = 0; i < count; ++i)
-        if (!kelto::isAccepted(arguments[i], prepared.slots[i].code))
-            return false;
-    return true;
+    return count == prepared.slotCount && (arguments != nullptr || count == 0) &&
+           kelto::areAccepted(arguments, prepared.slots, count);
 }
 
-/** Takes the variant in place of the format that selects, where it accepts the arguments. */
-[[gnu::noinline]] int chooseAccepted(const KTPreparedFormat *&prepared, const KTArgument *arguments, size_t count)
+/**
+ * The variant in place of the format that selects, where it accepts the arguments.
+ * @param result  out: 0; else why there is none, and the variant is of no use.
+ */
+[[gnu::noinline]] const KTPreparedFormat *chooseAccepted(const KTPreparedFormat &prepared, const KTArgument *arguments,
+                                                         size_t count, int &result)
 {
-    if (prepared->variants == nullptr || (arguments == nullptr && count != 0))
-        return KT_ERR_INVALID_PARAMETER;
-    int result = 0;
-    prepared = kelto::chooseVariant(*prepared, arguments, count, result);
-    return result == 0 && !areAccepted(*prepared, arguments, count) ? int{KT_ERR_INVALID_PARAMETER} : result;
+    result = KT_ERR_INVALID_PARAMETER;
+    if (prepared.variants == nullptr || (arguments == nullptr && count != 0))
+        return nullptr;
+    const KTPreparedFormat *const variant = kelto::chooseVariant(prepared, arguments, count, result);
+    if (result == 0 && !accepts(*variant, arguments, count))
+        result = KT_ERR_INVALID_PARAMETER;
+    return variant;
 }
 
 /** Writes a format, or the variant that it selects, once it is known to take the arguments. */
@@ -336,24 +356,19 @@ template <typename Unit>
 [[gnu::always_inline]] inline int writeFormat(const KTPreparedFormat *prepared, const TypedCall &typed, size_t *size,
                                               Unit *out, Beginning beginning)
 {
-    int flags = 0;
-    bool encodesAll = false;
-    bool isolates = false;
-    if (typed.options != 0)
-    {
-        if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL | KT_ISOLATE}) != 0)
-            return KT_ERR_INVALID_PARAMETER;
-        encodesAll = (typed.options & KT_ENCODE_ALL) != 0;
-        isolates = (typed.options & KT_ISOLATE) != 0;
-        flags = ((typed.options & KT_TAG) != 0 ? FLAG_TAG : 0) | (encodesAll ? FLAG_ENCODE : 0);
-    }
-    if (!areAccepted(*prepared, typed.arguments, typed.count)) // a format that selects another never accepts any
-        if (const int result = chooseAccepted(prepared, typed.arguments, typed.count))
-            return result;
-    const KTEncoder encoder = prepared->table != nullptr ? kelto::findEncoder(prepared->table) : nullptr;
-    if (encodesAll && encoder == nullptr)
+    if ((typed.options & ~unsigned{KT_TAG | KT_ENCODE_ALL | KT_ISOLATE}) != 0)
         return KT_ERR_INVALID_PARAMETER;
-    const Call call = {*prepared, typed, encoder, flags, encodesAll};
+    if (!accepts(*prepared, typed.arguments, typed.count)) // a format that selects another never accepts any
+    {
+        int result = 0;
+        prepared = chooseAccepted(*prepared, typed.arguments, typed.count, result);
+        if (result != 0)
+            return result;
+    }
+    const KTEncoder encoder = prepared->table != nullptr ? kelto::findEncoder(prepared->table) : nullptr;
+    if ((typed.options & KT_ENCODE_ALL) != 0 && encoder == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
+    const Call call = {*prepared, typed.arguments, encoder, typed.passThru, typed.options};
     kelto::FormatOutput<Unit> text(out, size, beginning);
     const Unit *literal = literalsOf(*prepared, out);
     const PreparedStep *const end = prepared->steps + prepared->stepCount;
@@ -366,11 +381,10 @@ template <typename Unit>
         }
         if (step->formatter == nullptr)
             continue;
-        if (__builtin_expect(isolates, false))
-            writeIsolate(text, *step, firstStrongIsolate);
-        const int result = writeConversion(text, *step, call);
-        if (__builtin_expect(isolates, false))
-            writeIsolate(text, *step, popDirectionalIsolate);
+        const bool isOpen = step->isOpen || call.options != 0;
+        const int result = __builtin_expect(isOpen, false)
+                               ? writeOpen(text, *step, call)
+                               : writeValue(text, *step, step->layout, call.arguments + step->firstSlot, call);
         // As in the calls that prepare nothing: once the text is cut, a failure counts nothing, and is told by the
         // next. Who keeps the beginning wants to know now.
         if (result != 0 && (!text.isTruncated() || beginning == Beginning::kept))

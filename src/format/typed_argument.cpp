@@ -131,7 +131,7 @@ bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept
     return kindOf(slotCode).signedCode == kindOf(otherCode).signedCode;
 }
 
-bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept
+bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
 {
     const SlotKind &slot = kindOf(slotCode);
     if (slot.type == 0)
@@ -153,6 +153,14 @@ bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept
     default:
         return true; // the length is that of the text, or the kind
     }
+}
+
+bool areAllAccepted(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept
+{
+    for (size_t i = 0; i < count; ++i)
+        if (!isAccepted(arguments[i], slots[i].code))
+            return false;
+    return true;
 }
 
 ArgumentText<char> utf8Of(const KTArgument &argument) noexcept

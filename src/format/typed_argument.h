@@ -36,16 +36,34 @@ const char *slotName(uint32_t slotCode) noexcept;
 /** Whether two slots take the same arguments; whether an integer is signed does not matter. */
 bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept;
 
-/** isAccepted() for all that is not as usual. */
-bool isAcceptedAtLength(const KTArgument &argument, uint32_t slotCode) noexcept;
+/** Whether an argument goes with its slot as most do: some that are false here are accepted too. */
+inline bool isUsual(const KTArgument &argument, uint32_t slotCode) noexcept
+{
+    if (slotCode == KT_SLOT_UTF8)
+        return argument.type == KT_ARGUMENT_UTF8;
+    const auto isOfType = [&argument](uint32_t type) { return argument.type == type && argument.length == 0; };
+    if (slotCode == KT_SLOT_INT32)
+        return isOfType(KT_ARGUMENT_INT) && argument.value.i == static_cast<int32_t>(argument.value.i);
+    if (slotCode == KT_SLOT_DOUBLE)
+        return isOfType(KT_ARGUMENT_DOUBLE);
+    return slotCode == KT_SLOT_UINT32 && isOfType(KT_ARGUMENT_UINT) && argument.value.u <= UINT32_MAX;
+}
 
 /** Whether an argument has the kind of the slot, and a value that the slot holds. */
-inline bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept
+bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept;
+
+/** Whether each of the arguments is accepted by its slot. */
+bool areAllAccepted(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept;
+
+/** The same without a call where they are as usual. */
+[[gnu::always_inline]] inline bool areAccepted(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept
 {
-    const bool isUsualText = slotCode == KT_SLOT_UTF8 && argument.type == KT_ARGUMENT_UTF8;
-    const bool isUsualNumber = slotCode == KT_SLOT_INT32 && argument.type == KT_ARGUMENT_INT && argument.length == 0 &&
-                               argument.value.i == static_cast<int32_t>(argument.value.i);
-    return isUsualText || isUsualNumber || isAcceptedAtLength(argument, slotCode);
+    for (; count > 0 && isUsual(*arguments, slots->code); --count)
+    {
+        ++arguments;
+        ++slots;
+    }
+    return count == 0 || areAllAccepted(arguments, slots, count);
 }
 
 /* The values of arguments that were accepted. */

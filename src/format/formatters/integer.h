@@ -74,6 +74,13 @@ template <typename Out>
     return writeInteger(out, layout, signOf(value < 0, layout.flags), text.begin() + minus, text.length() - minus);
 }
 
+/** "d" without anything that lays it out. */
+template <typename Out> [[gnu::always_inline]] inline int writeBare(Out &out, int64_t value) noexcept
+{
+    const IntegerText text(value);
+    return out.write(Ending::open, NarrowText{text.begin(), text.length()});
+}
+
 /** "u". */
 template <typename Out> int writeUnsigned(Out &out, const Layout &layout, uint64_t value) noexcept
 {
