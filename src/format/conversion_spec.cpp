@@ -64,9 +64,9 @@ template <typename Unit> int takeNumber(const Unit *&cursor)
 {
     constexpr uint64_t beyondInt = uint64_t{INT_MAX} + 1;
     uint64_t value = 0;
-    for (; isDigit(*cursor); ++cursor)
+    for (unsigned digit = digitOf(*cursor); digit < 10; digit = digitOf(*++cursor))
         if (value < beyondInt)
-            value = value * 10 + digitOf(*cursor);
+            value = value * 10 + digit;
     return value < beyondInt ? static_cast<int>(value) : tooLarge;
 }
 

@@ -15,7 +15,8 @@ namespace kelto
 {
 
 /** Copies the first and the last bytes of `size`, a step each; both are read before the first is written. */
-template <typename Step> void copyBothEnds(const char *from, size_t size, char *to) noexcept
+template <typename Step>
+[[gnu::always_inline]] inline void copyBothEnds(const char *from, size_t size, char *to) noexcept
 {
     Step first;
     Step last;
@@ -32,16 +33,19 @@ template <typename Unit>
     const auto *const from = reinterpret_cast<const char *>(units);
     auto *const to = reinterpret_cast<char *>(out);
     const size_t size = count * sizeof(Unit);
-    if (size > 2 * sizeof(uint64_t))
-        std::memmove(to, from, size);
-    else if (size >= sizeof(uint64_t))
-        copyBothEnds<uint64_t>(from, size, to);
-    else if (size >= sizeof(uint32_t))
+    if (size < sizeof(uint32_t))
+    {
+        if (size >= sizeof(uint16_t))
+            copyBothEnds<uint16_t>(from, size, to);
+        else if (size > 0)
+            *to = *from;
+    }
+    else if (size < sizeof(uint64_t))
         copyBothEnds<uint32_t>(from, size, to);
-    else if (size >= sizeof(uint16_t))
-        copyBothEnds<uint16_t>(from, size, to);
-    else if (size > 0)
-        *to = *from;
+    else if (size <= 2 * sizeof(uint64_t))
+        copyBothEnds<uint64_t>(from, size, to);
+    else
+        std::memmove(to, from, size);
     return out + count;
 }
 

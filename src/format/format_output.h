@@ -248,7 +248,9 @@ private:
             if ((isEven(pieces) && ...) && canHold(count) && goOn(count))
             {
                 m_room -= count;
-                ((m_next = pieces.writeTo(m_next)), ...);
+                Unit *next = m_next;
+                ((next = pieces.writeTo(next)), ...);
+                m_next = next;
                 return true;
             }
         }
@@ -451,19 +453,18 @@ private:
             return 0;
         // What claims more than its room counts as not written. There is room as long as nothing is cut.
         if (result == 0 && units < given)
-            m_next += units;
-        else
         {
-            const int kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
-            truncate();
-            if (kept != 0)
-                return kept;
+            m_next += units;
+            if (isTruncated())
+                addToTotal(units);
+            else
+                m_room -= units;
+            return 0;
         }
-        if (isTruncated())
-            addToTotal(units);
-        else
-            m_room -= units;
-        return 0;
+        const int kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
+        truncate();
+        addToTotal(units);
+        return kept;
     }
 
     /**

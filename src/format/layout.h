@@ -159,7 +159,8 @@ inline NarrowText signOf(bool isNegative, int flags) noexcept
 }
 
 /** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
-template <typename Out> inline int writeNumber(Out &out, const NumberText &number, int width, Padding padding) noexcept
+template <typename Out>
+[[gnu::always_inline]] inline int writeNumber(Out &out, const NumberText &number, int width, Padding padding) noexcept
 {
     const uint64_t missing = number.paddingTo(width);
     const auto paddingAt = [&](Padding place) { return padding == place ? missing : 0; };

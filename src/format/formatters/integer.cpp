@@ -27,9 +27,13 @@ struct DigitPairs
 
 constexpr DigitPairs pairs;
 
+// One by one: a copy into a buffer of known size would be a call that checks it.
 char *writePair(char *end, uint64_t value)
 {
-    return static_cast<char *>(std::memcpy(end - 2, pairs.digits + 2 * value, 2));
+    const char *const pair = pairs.digits + 2 * value;
+    *--end = pair[1];
+    *--end = pair[0];
+    return end;
 }
 
 } // namespace
