@@ -61,16 +61,22 @@ Writer writerOf(const KTFormatter &formatter)
     return Writer::called;
 }
 
-bool isOpen(const kelto::Layout &layout)
+bool hasNumbers(const KTParameter &parameter)
 {
-    return layout.width == KT_FROM_ARGUMENTS || layout.precision == KT_FROM_ARGUMENTS ||
-           (layout.flags & FLAG_ENCODE) != 0;
+    return parameter.width != KT_ABSENT || parameter.precision != KT_ABSENT;
 }
 
-bool isBare(const kelto::Layout &layout)
+bool isOpen(const KTParameter &parameter)
+{
+    return (parameter.flags & FLAG_ENCODE) != 0 ||
+           (hasNumbers(parameter) &&
+            (parameter.width == KT_FROM_ARGUMENTS || parameter.precision == KT_FROM_ARGUMENTS));
+}
+
+bool isBare(const KTParameter &parameter)
 {
     constexpr int layoutFlags = FLAG_MINUS | FLAG_PLUS | FLAG_SPACE | FLAG_HASH | FLAG_ZERO;
-    return layout.width == KT_ABSENT && layout.precision == KT_ABSENT && (layout.flags & layoutFlags) == 0;
+    return !hasNumbers(parameter) && (parameter.flags & layoutFlags) == 0;
 }
 
 template <typename T> T *take(char *&at, size_t count)
@@ -160,7 +166,7 @@ private:
 class Preparation
 {
 public:
-    kelto::FormatVerdict run(const char *format, size_t length, formTable *table)
+    kelto::FormatVerdict run(const char *format, size_t length, formTable *table, kelto::PreparedOwner &prepared)
     {
         kelto::FormatVerdict verdict = kelto::checkFormat(format, length, table, m_many, m_places, &m_few);
         if (verdict.result != 0)
@@ -168,23 +174,24 @@ public:
         if (m_many != nullptr)
             m_parameters = m_many.get();
         m_count = kelto::completeParameters(m_parameters, false);
-        verdict.result = build(format, length, table);
+        prepared.reset(build(format, length, table));
+        if (prepared == nullptr)
+            verdict.result = KT_ERR_NO_MEMORY;
         return verdict;
     }
 
-    KTPreparedFormat *release() { return reinterpret_cast<KTPreparedFormat *>(m_block.release()); }
-
 private:
-    int build(const char *format, size_t length, formTable *table)
+    /** Null where memory ran out. */
+    KTPreparedFormat *build(const char *format, size_t length, formTable *table) const
     {
         const size_t stepCount = m_count.conversions + 1; // the last for the text behind them
         const TextSizes sizes = sizesOf(format, length);
-        m_block = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + stepCount * sizeof(PreparedStep) +
-                                                          m_count.slots * (sizeof(KTSlot) + sizeof(uint8_t)) +
-                                                          sizes.units * sizeof(UCS2) + sizes.bytes);
-        if (m_block == nullptr)
-            return KT_ERR_NO_MEMORY;
-        char *at = m_block.get();
+        char *at = kelto::allocate<char>(glbResHandle, sizeof(KTPreparedFormat) + stepCount * sizeof(PreparedStep) +
+                                                           m_count.slots * (sizeof(KTSlot) + sizeof(uint8_t)) +
+                                                           sizes.units * sizeof(UCS2) + sizes.bytes)
+                       .release();
+        if (at == nullptr)
+            return nullptr;
         auto *const prepared = take<KTPreparedFormat>(at, 1);
         auto *const steps = take<PreparedStep>(at, stepCount);
         auto *const slots = take<KTSlot>(at, m_count.slots);
@@ -205,7 +212,7 @@ private:
             kelto::noteEncodings(*prepared, encodings);
             prepared->encodings = encodings;
         }
-        return 0;
+        return prepared;
     }
 
     /** The sizes of the whole format, which hold its literal text. */
@@ -230,7 +237,7 @@ private:
     }
 
     /** Fills in the steps, the literal text of each in both encodings. @return whether any lies in an encoded region. */
-    bool fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals)
+    bool fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals) const
     {
         PreparedStep *step = steps;
         int flags = 0;
@@ -248,8 +255,8 @@ private:
             if (parameter != nullptr)
             {
                 step->layout = {parameter->width, parameter->precision, parameter->flags};
-                step->isOpen = isOpen(step->layout);
-                step->isBare = isBare(step->layout);
+                step->isOpen = isOpen(*parameter);
+                step->isBare = isBare(*parameter);
                 step->firstSlot = static_cast<uint32_t>(parameter->argIndex);
                 flags |= parameter->flags;
             }
@@ -272,7 +279,6 @@ private:
     kelto::TagBlock<KTParameter> m_many;
     KTParameter *m_parameters = m_few.records; // or those in m_many
     kelto::ConversionCounts m_count = {0, 0};
-    kelto::TagBlock<char> m_block;
 };
 
 } // namespace
@@ -287,9 +293,7 @@ namespace kelto
     if (isTooLong(length))
         return {KT_ERR_CONVERSION_INVALID_ARGUMENT, KT_RULE_NONE, 0, 0, 0};
     Preparation preparation;
-    const FormatVerdict verdict = preparation.run(format, length, table);
-    prepared.reset(preparation.release());
-    return verdict;
+    return preparation.run(format, length, table, prepared);
 }
 
 } // namespace kelto
