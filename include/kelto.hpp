@@ -14,10 +14,8 @@
  *
  * The header needs the C interface, kelto.h, and the standard library, nothing else. docs/cpp.md is its guide.
  *
- * **The ladder.** A message comes from the catalog of the user's first language. Where that lacks it, or where its text
- * is malformed, asks for other arguments than the call passes, fails while it is formatted or becomes too long, the
- * next language has its turn, then the text in the source, and at last "[store 3: report.txt, 12]". catalog::format()
- * thus always returns a text; on_problem is told what was passed over.
+ * **The ladder** is that of chapter 9 of kelto.h: catalog::format() always returns a text; on_problem is told what was
+ * passed over.
  *
  * **Errors.** What can fail has an overload that takes a std::error_code and throws nothing; with -fno-exceptions these
  * are the only ones. The others throw kelto::error, and what() is a line for a log: what was asked for, and of a format

@@ -133,14 +133,6 @@ template <class T> constexpr category category_of() noexcept
                                         : category::none;
 }
 
-/** Whether a type goes over as several arguments. */
-template <class T> constexpr bool is_pair_argument() noexcept
-{
-    if constexpr (category_of<T>() == category::converted)
-        return is_pair<std::decay_t<converted_of<T>>> || is_pair_argument<std::decay_t<converted_of<T>>>();
-    return false;
-}
-
 /** The second in which a time lies, since the epoch; beyond all dates for one that is too far away or no number. */
 template <class Duration> std::int64_t seconds_of(Duration sinceEpoch) noexcept
 {
@@ -219,23 +211,14 @@ struct no_argument
 };
 
 /* An argument, or what holds the memory that one points into; append_argument() makes arguments of it while the value
- * lives. The types that are passed most have functions of their own, since others take more time to compile. */
+ * lives. */
 
 template <class T> auto hold(const T &value);
 
-inline KTArgument hold(int value) noexcept
-{
-    return KT_INT(value);
-}
 inline KTArgument hold(const char *text) noexcept // and literals of any length
 {
     return KT_UTF8(text);
 }
-inline KTArgument hold(const std::string &text) noexcept
-{
-    return KT_UTF8N(text.data(), text.size());
-}
-
 inline const char *as_chars(const void *text) noexcept // a char8_t is one as well
 {
     return static_cast<const char *>(text);
@@ -292,10 +275,10 @@ template <class T> auto hold(const T &value)
         return identified_as<T>(&value);
     else if constexpr (kind == category::enumeration)
         return hold(static_cast<std::underlying_type_t<T>>(value));
-    else if constexpr (std::is_same_v<T, unsigned>)
-        return KT_UINT(value);
+    else if constexpr (kind == category::integer && sizeof(T) <= 4 && (std::is_signed_v<T> || sizeof(T) < 4))
+        return KT_INT(value);
     else if constexpr (kind == category::integer && sizeof(T) <= 4)
-        return hold(+value); // an int
+        return KT_UINT(value);
     else if constexpr (kind == category::integer && std::is_signed_v<T>)
         return KT_INT64(value);
     else if constexpr (kind == category::integer)

@@ -87,7 +87,7 @@ struct catalog_functions
 
 template <bool Catches> void tell(void *context, const KTCatalogProblem *told) noexcept
 {
-    running_call *const call = innermost_call();
+    running *const call = running::innermost();
     if (call != nullptr)
         call->thrown = nullptr; // while the sentence was made, after what had been thrown was asked for
     guarded<Catches>([&] {
@@ -101,7 +101,7 @@ template <bool Catches> void tell(void *context, const KTCatalogProblem *told) n
 
 inline bool has_thrown(void *) noexcept
 {
-    const running_call *const call = innermost_call();
+    const running *const call = running::innermost();
     return call != nullptr && call->thrown != nullptr;
 }
 
@@ -113,7 +113,7 @@ struct close_catalog
 } // namespace detail
 
 /**
- * Messages by number, in all the languages that a user may be given; chapter "The ladder" of kelto.hpp. There is a text
+ * Messages by number, in all the languages that a user may be given; see "The ladder" in kelto.h. There is a text
  * for each number, at last "[store 3: report.txt, 12]".
  */
 class catalog
@@ -284,7 +284,7 @@ private:
     {
         const detail::call_options shared(options);
         catalog opened;
-        KTCatalogOptions given = detail::c_options(shared);
+        KTCatalogOptions given = shared.given;
         given.languages = options.languages.empty() ? nullptr : options.languages.c_str();
         given.sourceLanguage = options.source_language.c_str();
         given.conversions = options.conversions.function;

@@ -263,15 +263,15 @@ constexpr types<First..., Second...> operator+(types<First...>, types<Second...>
 }
 
 /** The types that an argument goes over as: of a pair both, and those of what these are made of. */
-template <class T> constexpr auto types_of() noexcept
+template <class T, class As = T> constexpr auto types_of() noexcept
 {
-    using bare = std::decay_t<const T>;
-    if constexpr (is_pair<bare>)
-        return types_of<typename bare::first_type>() + types_of<typename bare::second_type>();
-    else if constexpr (is_pair_argument<bare>())
-        return types_of<converted_of<bare>>();
+    using made = std::decay_t<const As>;
+    if constexpr (is_pair<made>)
+        return types_of<typename made::first_type>() + types_of<typename made::second_type>();
+    else if constexpr (category_of<made>() == category::converted)
+        return types_of<T, converted_of<made>>();
     else
-        return types<bare>();
+        return types<std::decay_t<const T>>();
 }
 
 template <class Text, class... Arguments, std::size_t... Index>
@@ -359,10 +359,7 @@ template <class Text> struct default_text : detail::no_argument
 {
     template <class... Arguments> static constexpr std::string_view chosen(const Arguments &...) noexcept
     {
-        if constexpr ((detail::is_pair_argument<Arguments>() || ...))
-            detail::check_default<Text>((detail::types_of<Arguments>() + ...));
-        else
-            detail::check_default<Text>(detail::types<std::decay_t<const Arguments>...>());
+        detail::check_default<Text>((detail::types<>() + ... + detail::types_of<Arguments>()));
         return detail::parsed_default<Text>::text;
     }
 };

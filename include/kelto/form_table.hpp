@@ -31,37 +31,34 @@ namespace detail
 struct call_options;
 struct table_state;
 
-/** What runs during a call finds of it: the table, since an encoder is told nothing of its own, and what was thrown. */
-struct running_call
-{
-    const table_state *table;
-    std::exception_ptr thrown;
-};
 constexpr std::uint32_t running_kind = 0x6B2B2B03;
 
-inline running_call *innermost_call() noexcept
-{
-    return static_cast<running_call *>(KTCallValue(running_kind));
-}
-
-/** A call in this thread. Calls may lie in each other, where a conversion formats something itself. */
+/**
+ * A call in this thread. What runs during it finds the table here, since an encoder is told nothing of its own. Calls
+ * may lie in each other, where a conversion formats something itself.
+ */
 class running
 {
 public:
-    explicit running(const table_state *table) noexcept : call_{table, nullptr} { KTEnterCall(&context_); }
+    explicit running(const table_state *of) noexcept : table(of) { KTEnterCall(&context_); }
     ~running() { end(); }
     running(const running &) = delete;
     running &operator=(const running &) = delete;
 
+    static running *innermost() noexcept { return static_cast<running *>(KTCallValue(running_kind)); }
+
     /** Throws again what a function of the program threw during the call. */
     void rethrow()
     {
-        if (call_.thrown == nullptr)
+        if (thrown == nullptr)
             return;
-        const std::exception_ptr own = std::exchange(call_.thrown, nullptr);
+        const std::exception_ptr own = std::exchange(thrown, nullptr);
         end(); // here, since frames without exceptions call no destructors
         std::rethrow_exception(own);
     }
+
+    const table_state *const table;
+    std::exception_ptr thrown;
 
 private:
     void end() noexcept
@@ -70,8 +67,7 @@ private:
             KTLeaveCall(&context_);
     }
 
-    running_call call_;
-    KTCallContext context_ = {running_kind, &call_, nullptr};
+    KTCallContext context_ = {running_kind, this, nullptr};
     bool isEntered_ = true;
 };
 
@@ -89,7 +85,7 @@ template <bool Catches, class Function> int guarded(Function function) noexcept
     }
     catch (...)
     {
-        running_call *const call = innermost_call();
+        running *const call = running::innermost();
         if (call != nullptr && call->thrown == nullptr)
             call->thrown = std::current_exception();
         return KT_ERR_CONVERSION_FAILED;
@@ -154,7 +150,7 @@ struct table_state
 /** The encoder of all tables of this layer; only the calls of this layer can use it. */
 KELTO_SHARED inline int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
 {
-    const running_call *const call = innermost_call();
+    const running *const call = running::innermost();
     if (call != nullptr && call->table != nullptr && call->table->encode)
         return call->table->encode(value, dataType, size, out);
     *size = 0;

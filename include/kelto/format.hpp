@@ -172,27 +172,6 @@ template <class... Arguments> std::error_code *failure_of(std::error_code &failu
 {
     return &failure;
 }
-/** The options of a format call, with the table as what keeps it alive. */
-struct call_options
-{
-    explicit call_options(const format_options &options)
-        : table(options.table != nullptr ? options.table->state_ : nullptr),
-          flags(options.tag ? static_cast<unsigned>(KT_TAG) : 0U), pass_through(options.pass_through),
-          max_size(options.max_size)
-    {
-        if (table != nullptr && table->encodes_everywhere)
-            flags |= static_cast<unsigned>(KT_ENCODE_ALL);
-        if (options.isolate)
-            flags |= static_cast<unsigned>(KT_ISOLATE);
-    }
-    formTable *c_table() const noexcept { return table != nullptr ? &table->table : nullptr; }
-
-    std::shared_ptr<table_state> table;
-    unsigned flags;
-    void *pass_through;
-    std::size_t max_size;
-};
-
 /** Writes an object of the program's for the last rung and for errors. */
 inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
 {
@@ -202,18 +181,23 @@ inline int write_argument(void *, const KTArgument *argument, std::size_t *size,
     return (*object->type)(object->object, size, out);
 }
 
-/** The options as the C interface takes them. */
-inline KTCatalogOptions c_options(const call_options &options) noexcept
+/** The options as the C interface takes them, with the table, which they keep alive. */
+struct call_options
 {
+    explicit call_options(const format_options &from) : table(from.table != nullptr ? from.table->state_ : nullptr)
+    {
+        given.structSize = sizeof given;
+        given.table = table != nullptr ? &table->table : nullptr;
+        given.passThru = from.pass_through;
+        given.formatOptions = (from.tag ? unsigned{KT_TAG} : 0U) | (from.isolate ? unsigned{KT_ISOLATE} : 0U) |
+                              (table != nullptr && table->encodes_everywhere ? unsigned{KT_ENCODE_ALL} : 0U);
+        given.maxSize = from.max_size != 0 ? from.max_size : 1;
+        given.writeArgument = write_argument;
+    }
+
+    std::shared_ptr<table_state> table;
     KTCatalogOptions given = {};
-    given.structSize = sizeof given;
-    given.table = options.c_table();
-    given.passThru = options.pass_through;
-    given.formatOptions = options.flags;
-    given.maxSize = options.max_size != 0 ? options.max_size : 1;
-    given.writeArgument = write_argument;
-    return given;
-}
+};
 
 struct free_prepared
 {
@@ -309,7 +293,7 @@ private:
         if (const int result = detail::begin(use_))
             return result;
         KTPreparedFormat *prepared = nullptr;
-        const int result = KTPrepareFormat(text_.c_str(), options_.c_table(), &prepared);
+        const int result = KTPrepareFormat(text_.c_str(), options_.given.table, &prepared);
         format_.reset(prepared);
         return result;
     }
@@ -318,11 +302,11 @@ private:
     int call_library(const detail::argument_view &view, std::size_t *size, Unit *out) const noexcept
     {
         if constexpr (std::is_same_v<Unit, char>)
-            return KTFormatPreparedUTF8(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
-                                        view.count);
+            return KTFormatPreparedUTF8(format_.get(), options_.given.formatOptions, options_.given.passThru, size, out,
+                                        view.arguments, view.count);
         else
-            return KTFormatPrepared(format_.get(), options_.flags, options_.pass_through, size, out, view.arguments,
-                                    view.count);
+            return KTFormatPrepared(format_.get(), options_.given.formatOptions, options_.given.passThru, size, out,
+                                    view.arguments, view.count);
     }
 
     template <class Unit> int write_running(const detail::argument_view &view, std::size_t *size, Unit *out) const
@@ -342,8 +326,8 @@ private:
     {
         const int result = options_.table != nullptr ? write_running(view, size, out) : call_library(view, size, out);
         const bool isText = result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
-        if (!isText || *size <= options_.max_size ||
-            *size <= KTTextLimit(options_.max_size, view.arguments, view.count))
+        const std::size_t most = options_.given.maxSize;
+        if (!isText || *size <= most || *size <= KTTextLimit(most, view.arguments, view.count))
             return result;
         *size = 0;
         return KT_ERR_BUFFER_TOO_SMALL;
@@ -377,10 +361,9 @@ private:
         if (format_ == nullptr && result == KT_ERR_INVALID_PARAMETER)
             detail::throw_told(result, {"kelto::prepared_format: it holds no format"});
         const detail::running call(options_.table.get()); // what is thrown here was thrown before
-        const KTCatalogOptions options = detail::c_options(options_);
         detail::text_buffer<char> why;
         why.fill([&](std::size_t *size, char *out) {
-            return KTExplainFailure(text_.c_str(), result, &options, view.arguments, view.count, size, out);
+            return KTExplainFailure(text_.c_str(), result, &options_.given, view.arguments, view.count, size, out);
         });
         detail::throw_told(result, {why.view()});
     }
