@@ -24,7 +24,10 @@ bool Candidates::list(const char *languages, const char *source) noexcept
     return true;
 }
 
-/** Adds the names of a list that are new; the environment may name more of them than it did before. */
+/**
+ * Adds the names of a list that are new. The list was measured before, and the environment may have changed since: what
+ * has no room is left out.
+ */
 void Candidates::add(const char *list) noexcept
 {
     LanguageWalk walk(list);

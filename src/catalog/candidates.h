@@ -12,13 +12,15 @@ namespace kelto
 class Candidates
 {
 public:
-    /** Lists them; false where there is no memory for the list. @param languages, source  as in KTLanguages(). */
+    /**
+     * Lists the languages; false where there is no memory for the list. @param languages, source  as in KTLanguages().
+     */
     bool list(const char *languages, const char *source) noexcept;
 
     /** The names, each behind a blank. */
     std::string_view names() const noexcept { return {m_names.get(), m_length}; }
 
-    /** Calls `take(name)` for each, zero-terminated, as long as it returns true; whether it always did. */
+    /** Calls `take(name)` with each zero-terminated name, until it returns false. @return whether it never did. */
     template <typename Take> bool forEach(const Take &take) const noexcept
     {
         for (size_t at = 0; at < m_length;)

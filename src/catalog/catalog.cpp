@@ -57,7 +57,7 @@ int loadLanguage(const KTCatalog &catalog, Language &language) noexcept
 {
     Language::Refusals refusals;
     const int result = language.load(catalog.options, refusals);
-    // Without the lock: who is told may format something.
+    // The lock is not held here: onProblem may format something itself.
     for (size_t i = 0; i < refusals.count; ++i)
         reportFile(catalog, language.name(), refusals.files[i].path, refusals.files[i].result);
     return result;

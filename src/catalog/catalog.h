@@ -19,14 +19,14 @@ struct KTCatalog
     bool isUse = false; /**< whether it holds a use of the library */
 
     KTCatalog() = default;
-    [[gnu::visibility("hidden")]] ~KTCatalog(); // the type is the interface's, and what it can do is ours
+    [[gnu::visibility("hidden")]] ~KTCatalog(); // kelto.h names the type, and none of its functions
     KTCatalog(const KTCatalog &) = delete;
     KTCatalog &operator=(const KTCatalog &) = delete;
 
     /** Appends a language; false where there was no memory for it. */
     [[gnu::visibility("hidden")]] bool add(std::unique_ptr<kelto::Language> language) noexcept;
 
-    /** Whether there are other conversions than the built-in ones, any of which may have an encoder. */
+    /** Whether the catalog has other conversions than the built-in ones, and so perhaps an encoder. */
     bool mayEncode() const noexcept { return sourceConversions.table() != nullptr; }
 
     const char *nameOrNone() const noexcept { return name != nullptr ? name.get() : ""; }
@@ -40,10 +40,10 @@ constexpr size_t usualMaxSize = size_t{1} << 20;
 /** Reads the options of a call, of this version's record or another's; 0 or KT_ERR_INVALID_PARAMETER. */
 int readOptions(const KTCatalogOptions *given, KTCatalogOptions &options) noexcept;
 
-/** The messages of a language, which is loaded where that was not tried yet; null where there are none. */
+/** Loads a language unless that was tried before. @return its messages; null where it has none. */
 MessageTable *tableOf(const KTCatalog &catalog, Language &language) noexcept;
 
-/** Loads a language, and tells what was of no use. */
+/** Loads a language, and reports the files that are of no use. @return 0, or why it has no messages. */
 int loadLanguage(const KTCatalog &catalog, Language &language) noexcept;
 
 } // namespace kelto

@@ -3,7 +3,9 @@
 namespace
 {
 
-/** What a null catalog stands for: no name, no languages, and nothing that is kept. It never ends. */
+/**
+ * The catalog that a null pointer stands for: it has no name and no languages, keeps nothing, and is never destroyed.
+ */
 union NoCatalog
 {
     KTCatalog catalog;

@@ -20,7 +20,7 @@ using kelto::FailedCall;
 using kelto::say;
 using kelto::Sentence;
 
-/** The value of an argument: the beginning of a long one. */
+/** Says the value of an argument, or the beginning of a long one. */
 void sayValue(Sentence &sentence, const KTArgument &argument, const KTCatalogOptions &options)
 {
     constexpr size_t most = 60;
@@ -64,7 +64,7 @@ const char *nameOf(uint32_t slot)
     return slot == KT_SLOT_POINTER ? "an object" : kelto::slotName(slot);
 }
 
-/** The first argument of which a format wants another kind, or none, or which the call lacks. */
+/** The first argument that differs from what a format asks for: of another kind, surplus, or missing in the call. */
 KTProblem findMismatch(const KTPreparedFormat &format, const KTArgument *arguments, size_t count)
 {
     KTProblem problem = {};
@@ -85,7 +85,7 @@ KTProblem findMismatch(const KTPreparedFormat &format, const KTArgument *argumen
     return problem;
 }
 
-/** Says a problem, of which "the reference" goes by another name. */
+/** Says a problem as KTProblemText() does, with `reference` in place of "the reference". */
 void sayProblem(Sentence &sentence, const KTProblem &problem, std::string_view reference)
 {
     constexpr std::string_view other = "the reference";
@@ -103,7 +103,7 @@ void sayProblem(Sentence &sentence, const KTProblem &problem, std::string_view r
     }
 }
 
-/** Says the conversion specification of a position as it stands in a correct format, whose text may be unknown. */
+/** Says the conversion specification of a position in a correct format; the position alone where the format is null. */
 void sayConversion(Sentence &sentence, const char *format, unsigned position)
 {
     if (format == nullptr)
@@ -151,7 +151,7 @@ void sayQuoted(Sentence &sentence, const char *text)
     say(sentence, "\": ");
 }
 
-/** Prepares what is to be formatted; of what is refused the result and the problem. */
+/** Prepares the format or message of the call. @return for a refused one its result and its problem. */
 kelto::MessageVerdict prepare(const FailedCall &call, kelto::PreparedOwner &format)
 {
     kelto::MessageVerdict verdict = {KT_ERR_TABLE_NOT_FOUND, {}};
@@ -176,7 +176,7 @@ kelto::MessageVerdict prepare(const FailedCall &call, kelto::PreparedOwner &form
     return verdict;
 }
 
-/** The format that the arguments choose; null, and a sentence, where there is none. */
+/** The variant that the arguments choose. Where there is none it says so, and returns null. */
 const KTPreparedFormat *choose(Sentence &sentence, const FailedCall &call, const KTPreparedFormat &format)
 {
     int result = 0;

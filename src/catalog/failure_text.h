@@ -1,5 +1,5 @@
 /**
- * Why a format is not used for a call, as exactly as it can be told: what of its syntax is wrong, which argument is of
+ * Why a format cannot be used for a call, as exactly as possible: what is wrong with its syntax, which argument is of
  * another kind, or which conversion cannot write which value.
  */
 #ifndef KELTO_CATALOG_FAILURE_TEXT_H
@@ -10,7 +10,7 @@
 namespace kelto
 {
 
-/** What was asked of a format. */
+/** A call for which a format is of no use. */
 struct FailedCall
 {
     const char *text; /**< the format; null where there is none */
@@ -25,10 +25,13 @@ struct FailedCall
     formTable *conversions() const noexcept { return language != nullptr ? language->conversions() : sourceTable; }
 };
 
-/** Says why. */
+/** Says why the format is of no use for the call. */
 void sayWhy(Sentence &sentence, const FailedCall &call) noexcept;
 
-/** Says that a text does not encode the argument of a slot, from 0, as the text in the source does. */
+/**
+ * Says that a translation does not encode an argument which the text in the source encodes. @param slot  of the
+ * argument, from 0.
+ */
 void sayLostEncoding(Sentence &sentence, const char *text, uint32_t slot) noexcept;
 
 } // namespace kelto

@@ -27,7 +27,7 @@ std::unique_ptr<SourceText> SourceText::make(const char *text, size_t length, fo
     WithNil withNil(table);
     source->m_result = prepareFormat(source->text(), withNil.table(), source->m_format).result;
     if (source->m_format != nullptr)
-        source->m_format->table = table; // which gives the encoder
+        source->m_format->table = table; // the encoder is looked up there
     return source;
 }
 
@@ -83,7 +83,7 @@ const SourceText *KnownMessage::keepSource(std::unique_ptr<SourceText> &source) 
             if (there->is(source->text(), source->m_length))
                 return there;
         source->m_count = newest != nullptr ? newest->m_count + 1 : 1;
-        if (source->m_count > mostSources || source->m_result == KT_ERR_NO_MEMORY) // which may pass
+        if (source->m_count > mostSources || source->m_result == KT_ERR_NO_MEMORY) // memory may be there the next time
             return source.get();
         source->m_next.reset(newest);
         const bool isKept = m_sources.compare_exchange_strong(newest, source.get(), std::memory_order_acq_rel);

@@ -26,7 +26,7 @@ public:
 
     const KTPreparedFormat *get() const noexcept { return m_format.load(std::memory_order_acquire); }
 
-    /** Keeps a format, or the one that another thread has kept in the meantime. */
+    /** Keeps a format unless another thread has kept one in the meantime. @return the one that is kept. */
     const KTPreparedFormat *keep(PreparedOwner format) noexcept
     {
         KTPreparedFormat *there = nullptr;
@@ -65,8 +65,8 @@ public:
     int result() const noexcept { return m_result; }
 
     /**
-     * The first slot that this text encodes and its translation in a language does not; none where that does not
-     * happen. Looked for once.
+     * The first slot that this text encodes and its translation in a language does not, or `none`. It is computed once
+     * for each language.
      */
     uint32_t lostEncoding(size_t language, const KTPreparedFormat &translation) const noexcept;
     static constexpr uint32_t none = UINT32_MAX;
@@ -78,9 +78,9 @@ private:
     size_t m_length = 0;
     PreparedOwner m_format;
     int m_result = 0;
-    std::unique_ptr<std::atomic<uint32_t>[]> m_lost; // by language; the slot + 1, none for none, 0 for unknown
+    std::unique_ptr<std::atomic<uint32_t>[]> m_lost; // by language: the slot + 1, or `none`; 0 until it is computed
     std::unique_ptr<SourceText> m_next;
-    unsigned m_count = 0; // with those behind it
+    unsigned m_count = 0; // of the texts from this one on
 };
 
 class KnownMessage
@@ -95,9 +95,9 @@ public:
     uint32_t number() const noexcept { return m_number; }
     MessageInLanguage &in(size_t language) noexcept { return m_inLanguage[language]; }
 
-    /** The text in the source that is kept, or null. */
+    /** The kept text in the source that reads so, or null. */
     const SourceText *findSource(const char *text, size_t length) const noexcept;
-    /** Keeps one, if there is room; else it stays with the caller. */
+    /** Keeps a text in the source, if there is room for it; else the caller still owns it. */
     const SourceText *keepSource(std::unique_ptr<SourceText> &source) noexcept;
 
     std::atomic<const KTPreparedFormat *> first{nullptr}; /**< of the first language that has a format */

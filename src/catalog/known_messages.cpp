@@ -32,7 +32,7 @@ KnownMessage *KnownMessages::get(uint32_t number, size_t languages, bool isUnkno
         kept = keepInTree(message);
     else if (m_dense[number].compare_exchange_strong(kept, message.get(), std::memory_order_acq_rel))
         kept = message.release();
-    if (isUnknown && message != nullptr) // another thread's is there, or none
+    if (isUnknown && message != nullptr) // this record was not kept: another thread's is there, or memory was short
         m_unknownCount.fetch_sub(1, std::memory_order_relaxed);
     return kept;
 }
@@ -67,7 +67,10 @@ KnownMessage *KnownMessages::findInTree(uint32_t number) const noexcept
     }
 }
 
-/** Keeps a message, or leaves it to the caller: null without memory, else the one that is there. */
+/**
+ * Puts a message into the tree. @return the message that is there now: this one, or another thread's, and then the
+ * caller still owns this one; null without memory.
+ */
 KnownMessage *KnownMessages::keepInTree(std::unique_ptr<KnownMessage> &message) noexcept
 {
     const uint32_t number = message->number();

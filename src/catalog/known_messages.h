@@ -1,7 +1,8 @@
 /**
- * The messages that a catalog knows, by number, found without a lock. Numbers up to the highest of the first file stand
- * in an array, where that file has few gaps, as message files are; all others in a tree that is as deep as it must be
- * to tell them apart. Numbers that no file has may come from anywhere, a network say: only so many of them are kept.
+ * The messages that a catalog knows, by number, found without a lock. Where the first file has few gaps between its
+ * numbers, which is usual, these are the indices of an array. All other numbers are in a tree, which is as deep as
+ * telling them apart requires. A number that no file has may come from anywhere, a network say: only a limited count of
+ * such numbers is kept.
  */
 #ifndef KELTO_CATALOG_KNOWN_MESSAGES_H
 #define KELTO_CATALOG_KNOWN_MESSAGES_H
@@ -21,7 +22,7 @@ public:
     KnownMessages(const KnownMessages &) = delete;
     KnownMessages &operator=(const KnownMessages &) = delete;
 
-    /** Before it is used: makes the array, if there is memory for it. */
+    /** Makes the array, if there is memory for it. Called once, before any other function. */
     void setDense(uint32_t highestNumber) noexcept;
 
     KnownMessage *find(uint32_t number) const noexcept
@@ -36,7 +37,7 @@ public:
      */
     KnownMessage *get(uint32_t number, size_t languages, bool isUnknown) noexcept;
 
-    /** Tells that a number is in a file after all. */
+    /** Notes that the number of this message is in a file after all, and no longer counts towards the limit. */
     void setKnown(KnownMessage &message) noexcept;
 
 private:

@@ -19,14 +19,14 @@ using kelto::MessageInLanguage;
 using kelto::PreparedOwner;
 using kelto::SourceText;
 
-/** The number of a message as files have it: of no message for what is none of 32 bits. */
+/** The number of a message as files have it; noNumber, which no message has, for a number beyond 32 bits. */
 constexpr uint32_t noNumber = UINT32_MAX;
 constexpr uint32_t numberOf(const KTCatalogRequest &request)
 {
     return request.id >= 0 && request.id < noNumber ? static_cast<uint32_t>(request.id) : noNumber;
 }
 
-/** The number as a report has it. */
+/** The number of a message as reports name it. */
 int64_t reportedId(const KTCatalogRequest &request)
 {
     return request.isUnsigned && request.id < 0 ? INT64_MAX : request.id;
@@ -40,7 +40,7 @@ kelto::TypedCall callOf(const KTCatalog &catalog, const KTCatalogRequest &reques
 /** The bytes of UTF-8 that a unit of text has at most. */
 template <typename Unit> constexpr size_t bytesOf = sizeof(Unit) == 1 ? 1 : 3;
 
-/** One call on its way down. */
+/** One call on its way down the ladder. */
 template <typename Unit> class Descent
 {
 public:
@@ -50,7 +50,7 @@ public:
     {
     }
 
-    /** Tries the format that is known to be the first, then goes down from the top. */
+    /** Tries the format that was the first usable one before, then goes down the ladder from the top. */
     void run()
     {
         if (m_catalog.mayEncode() && writeFirst())
@@ -86,7 +86,7 @@ private:
         return first != nullptr && keepsEncoding(*first) && write(*first, m_catalog.options.maxSize) == 0;
     }
 
-    /** Formats; 0 where the text can be used, whether it fits into the room or not. */
+    /** Formats. @return 0 where the text can be used, whether it fits into the room or not. */
     int write(const KTPreparedFormat &format, size_t maxSize)
     {
         m_need = m_capacity;
@@ -100,7 +100,7 @@ private:
 
     kelto::TypedCall callOf() const { return ::callOf(m_catalog, m_request); }
 
-    /** Whether a text has no more bytes than it may have. */
+    /** Whether the text is within the limit of its bytes. */
     [[gnu::noinline]] bool isShortEnough(const KTPreparedFormat &format, size_t maxSize) const
     {
         size_t need = 0;
@@ -205,7 +205,7 @@ private:
         return result == 0;
     }
 
-    /** The format of a message in a language; null, and a result, where it has none. */
+    /** Prepares a message in a language. @return its format; null where it has none, and then `result` says why. */
     const KTPreparedFormat *prepare(const Language &language, size_t rung, const char *text, PreparedOwner &own,
                                     int &result)
     {
@@ -222,7 +222,7 @@ private:
             result = kelto::prepareMessage(table, m_number, language.locale(), language.conversions(), own).result;
         if (own != nullptr)
             return here != nullptr ? here->format.keep(std::move(own)) : own.get();
-        if (here != nullptr && result != KT_ERR_NO_MEMORY) // which may pass
+        if (here != nullptr && result != KT_ERR_NO_MEMORY) // memory may be there the next time
             here->refused.store(result, std::memory_order_relaxed);
         return nullptr;
     }
@@ -245,7 +245,7 @@ private:
         return text;
     }
 
-    /** Whether a message that is empty in this language has no text in those that follow or in the source. */
+    /** Whether neither the languages below this one nor the source have a text for a message that is empty here. */
     bool isEmptyBelow(Language &language, size_t rung)
     {
         for (Language *below = &language; below != nullptr; below = below->next.get(), ++rung)
@@ -286,7 +286,7 @@ private:
         return false;
     }
 
-    /** Tells what could not be told while there was no record of the number. */
+    /** Reports the languages above this one, which could not be reported while the number had no record. */
     void tellMissingAbove(const Language &language)
     {
         size_t rung = 0;
@@ -295,7 +295,7 @@ private:
                 tell(*above, rung, nullptr, KT_ERR_INVALID_MSG_ID, SourceText::none);
     }
 
-    /** Tells once that a language was passed over. */
+    /** Reports once that a language was passed over. */
     [[gnu::noinline]] void tell(const Language &language, size_t rung, const char *text, int result, uint32_t lost)
     {
         if (m_known == nullptr || m_catalog.options.onProblem == nullptr ||
@@ -323,9 +323,9 @@ private:
     KnownMessage *m_known;
     size_t m_need = 0;
     bool m_isStopped = false;
-    bool m_isFirst = true; // whether all rungs above are passed over in every call, and not in this one alone
+    bool m_isFirst = true; // whether the rungs above would be passed over in every call, not in this one alone
     const SourceText *m_source = nullptr;
-    std::unique_ptr<SourceText> m_ownSource; // one that is not kept
+    std::unique_ptr<SourceText> m_ownSource; // the text in the source, where it is not kept
 };
 
 template <typename Unit>
@@ -350,7 +350,7 @@ namespace kelto
 template <typename Unit>
 int writeMessage(const KTCatalog &catalog, const KTCatalogRequest &request, size_t *size, Unit *out) noexcept
 {
-    // What most calls are about: a message that was used before, in a catalog with the built-in conversions alone.
+    // The usual call, done first: a message that was used before, in a catalog with the built-in conversions alone.
     const KnownMessage *const known = catalog.messages.find(numberOf(request));
     const KTPreparedFormat *const first = known != nullptr ? known->first.load(std::memory_order_acquire) : nullptr;
     if (first != nullptr && !catalog.mayEncode() && isStarted())

@@ -12,7 +12,7 @@ namespace kelto
 
 /**
  * Writes a message.
- * @param request  whole, and with arguments where it counts some.
+ * @param request  with all members of this version, and with arguments where it counts some.
  * @param size     in: the capacity of out; out: the units of the text, the terminator not counted.
  * @return 0; KT_ERR_BUFFER_TOO_SMALL with as much as fits; KT_ERR_CONVERSION_FAILED where the program stopped the call.
  */

@@ -84,13 +84,13 @@ int Language::load(const KTCatalogOptions &options, Refusals &refusals) noexcept
     }
     if (table() != nullptr)
         m_conversions.set(options, locale());
-    m_data = nullptr; // which may end now
+    m_data = nullptr; // the caller may release the data now
     m_size = 0;
     m_isTried.store(true, std::memory_order_release);
     return result;
 }
 
-/** Loads what a compiled catalog was made from, if that lies beside it. */
+/** Loads the message file from which a compiled catalog was made, if it lies beside it. */
 int Language::loadSource(Refusals &refusals) noexcept
 {
     const int result = loadFrom(m_sourcePath);
@@ -104,10 +104,9 @@ int Language::loadSource(Refusals &refusals) noexcept
 int Language::loadFrom(const char *path) noexcept
 {
     MessageTable *table = nullptr;
-    const int result = m_data != nullptr ? KTLoadCompiledData(m_data, m_size, &table)
-                       : isCompiled(path)
-                           ? KTLoadCompiledMessages(path, &table)
-                           : KTLoadMessages(const_cast<char *>(path), &table); // which does not change it
+    const int result = m_data != nullptr  ? KTLoadCompiledData(m_data, m_size, &table)
+                       : isCompiled(path) ? KTLoadCompiledMessages(path, &table)
+                                          : KTLoadMessages(const_cast<char *>(path), &table); // the path is not changed
     if (result != 0)
         return result;
     KTTableFacts facts = {};

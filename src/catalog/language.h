@@ -23,7 +23,7 @@ public:
      * A language with a folder of its own, or one file as the only language (with an empty name); null without memory.
      */
     static std::unique_ptr<Language> ofFile(const char *name, const char *path) noexcept;
-    /** A compiled catalog in memory as the only language; it has to be loaded while the data is there. */
+    /** A compiled catalog in memory as the only language. load() reads the data, which must still be there. */
     static std::unique_ptr<Language> ofData(const void *data, size_t size) noexcept;
     ~Language();
     Language(const Language &) = delete;
@@ -31,9 +31,9 @@ public:
 
     /** The name of its folder; empty for a single file. */
     const char *name() const noexcept { return m_texts.get(); }
-    /** The same, of a single file what that says of itself, as "de_AT"; once it is loaded. */
+    /** The name of the language, as "de_AT": name(), or what a single file says of itself, once it is loaded. */
     const char *locale() const noexcept { return *name() != '\0' ? name() : m_ownName; }
-    /** The file; once it is loaded, the one that was loaded. */
+    /** The path of its file; after load() that of the file which was loaded. */
     const char *path() const noexcept { return m_path; }
     /** Its conversions, once it is loaded; null for the built-in ones. */
     formTable *conversions() const noexcept { return m_conversions.table(); }
@@ -45,7 +45,7 @@ public:
     /** A message as it stands; null where there is none. */
     const char *text(uint32_t number) const noexcept;
 
-    /** Files that are of no use, and why. */
+    /** The files that could not be loaded, and why. */
     struct Refusals
     {
         struct
@@ -58,7 +58,10 @@ public:
         void add(const char *path, int result) noexcept { files[count++] = {path, result}; }
     };
 
-    /** Loads the file where that was not tried yet. @param options  of the catalog. @return 0, or why there is none. */
+    /**
+     * Loads the file unless that was tried before. @param options  of the catalog. @return 0, or why it has no
+     * messages.
+     */
     int load(const KTCatalogOptions &options, Refusals &refusals) noexcept;
 
     std::unique_ptr<Language> next;
@@ -71,7 +74,7 @@ private:
 
     HeapBlock<char> m_texts; // the name, the path, and the path of what a compiled catalog may have been made from
     const char *m_path = nullptr;
-    char *m_sourcePath = nullptr; // null where that is not looked for
+    char *m_sourcePath = nullptr; // null where there is no such path
     char m_ownName[6] = {};
     RungConversions m_conversions;
     const void *m_data = nullptr; // in place of a file

@@ -1,7 +1,7 @@
 /**
  * The last rung: "[store 3: report.txt, 12]", the catalog, the number, the arguments. Where the catalog has an encoder,
  * each argument goes through it, since nobody knows whether its place would have been in an encoded region. It takes no
- * memory but for encoded arguments that are long; where there is none for one, a '?' stands in its place.
+ * memory but for encoded arguments that are long; where memory is short, a '?' stands in place of the argument.
  */
 #ifndef KELTO_CATALOG_LAST_RESORT_H
 #define KELTO_CATALOG_LAST_RESORT_H

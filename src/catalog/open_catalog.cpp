@@ -24,7 +24,10 @@ public:
             *catalog = nullptr;
     }
 
-    /** Begins with a use of the library. @return 0; KT_ERR_NOT_INITIALIZED, and there is a catalog all the same. */
+    /**
+     * Makes the catalog and begins a use of the library. @return 0; KT_ERR_NOT_INITIALIZED, and there is a catalog all
+     * the same.
+     */
     int begin(std::string_view name, const KTCatalogOptions *options)
     {
         KTCatalogOptions read;
@@ -53,7 +56,7 @@ public:
     {
         if (m_catalog == nullptr)
             return result;
-        m_catalog->options.languages = m_catalog->options.sourceLanguage = nullptr; // the caller's
+        m_catalog->options.languages = m_catalog->options.sourceLanguage = nullptr; // they belong to the caller
         *m_out = m_catalog.release();
         return result;
     }
@@ -77,7 +80,7 @@ bool isDense(const MessageTable *table)
     return kelto::SparseIndex::find(table) == nullptr;
 }
 
-/** Loads the first language that is of use; 0, or why the last one is not. */
+/** Loads languages until one is of use. @return 0, or why the last one is of no use. */
 int loadFirst(KTCatalog &catalog)
 {
     int result = 0;
@@ -140,7 +143,7 @@ bool addLanguages(KTCatalog &catalog, const char *directory)
     return true;
 }
 
-/** "messages/store.xlf" is "store". */
+/** The name of a catalog by its path: "store" of "messages/store.xlf". */
 std::string_view nameOfFile(std::string_view path)
 {
     const std::string_view file = path.substr(path.rfind('/') + 1);

@@ -1,7 +1,7 @@
 /**
- * An argument as it is, for a person to read, where no conversion writes it: on the last rung, and in what is said of a
- * format that does not take it. Numbers are decimal, times as "1970-01-01 00:00:00". Any argument can be written, one
- * of an unknown type or a null pointer too.
+ * An argument as a person reads it, where no conversion writes it: on the last rung, and in reports of a format that
+ * does not take it. Numbers are decimal, times as "1970-01-01 00:00:00". Any argument can be written, one of an unknown
+ * type or a null pointer too.
  */
 #ifndef KELTO_CATALOG_PLAIN_TEXT_H
 #define KELTO_CATALOG_PLAIN_TEXT_H
@@ -13,7 +13,7 @@
 namespace kelto
 {
 
-/** @param options  as readOptions() gives them; of them writeArgument. */
+/** @param options  from readOptions(); writeArgument and its context are used. */
 template <typename Unit>
 void writePlainly(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options) noexcept;
 

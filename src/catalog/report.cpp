@@ -11,7 +11,7 @@ struct CodePoints
     UChar32 first, last;
 };
 
-/** What moves the cursor, ends a line or turns the text around it. */
+/** The characters that move the cursor, end a line or turn the text around them. */
 constexpr CodePoints blanked[] = {{0, 0x1F}, {0x7F, 0x9F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
 
 bool isBlanked(UChar32 codePoint)
@@ -33,7 +33,7 @@ void say(Sentence &sentence, std::string_view text) noexcept
 void sayOnOneLine(Sentence &sentence, std::string_view text) noexcept
 {
     const char *const end = text.data() + text.size();
-    const char *plain = text.data(); // that is to be written as it is
+    const char *plain = text.data(); // where text begins that is written as it is
     for (const char *next = plain; next != end;)
     {
         const char *const begin = next;

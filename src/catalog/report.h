@@ -1,4 +1,4 @@
-/** What the program is told: that something was passed over on the way to a text, and a sentence that says why. */
+/** Reports to the program: something was passed over on the way to a text, and a sentence says why. */
 #ifndef KELTO_CATALOG_REPORT_H
 #define KELTO_CATALOG_REPORT_H
 
@@ -10,15 +10,17 @@
 namespace kelto
 {
 
-/** A sentence as it is written, to its end or as far as there is room. */
+/** A sentence on its way into a buffer. What does not fit is counted, and left out. */
 using Sentence = FormatOutput<char>;
 
 void say(Sentence &sentence, std::string_view text) noexcept;
 
-/** Writes a text as a part of one line of a log, without characters to which a terminal or a reader's eye listens. */
+/**
+ * Writes a text as a part of one line of a log, without the characters that steer a terminal or turn the text around.
+ */
 void sayOnOneLine(Sentence &sentence, std::string_view text) noexcept;
 
-/** What is passed over. */
+/** What was passed over, and the result that was the reason. */
 struct PassedOver
 {
     const char *language, *file;
@@ -26,7 +28,7 @@ struct PassedOver
     int result;
 };
 
-/** Tells of it, if anybody wants to know, with a sentence that `write` writes, perhaps twice: void(Sentence &). */
+/** Calls onProblem, where the program has set it. `write(Sentence &)` writes the sentence, perhaps twice. */
 template <typename Write>
 void report(const KTCatalog &catalog, const PassedOver &passedOver, const Write &write) noexcept
 {
@@ -52,7 +54,7 @@ void report(const KTCatalog &catalog, const PassedOver &passedOver, const Write 
     catalog.options.onProblem(catalog.options.context, &problem);
 }
 
-/** Tells that a file as a whole is of no use. @param language  empty where none is concerned. */
+/** Reports that a file as a whole is of no use. @param language  empty where no language is concerned. */
 void reportFile(const KTCatalog &catalog, const char *language, const char *path, int result) noexcept;
 
 } // namespace kelto

@@ -3,7 +3,7 @@
 namespace
 {
 
-/** Whether a table is the program's own, and not one of those that stand behind any other. */
+/** Whether a table is the program's own. The built-in ones and that of the language stand behind all others. */
 bool isOwn(const formTable *table, const formTable *ofLanguage)
 {
     formTable *variants = nullptr;

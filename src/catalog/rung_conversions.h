@@ -1,6 +1,7 @@
 /**
- * The conversions of one rung of the ladder: those of its language, with the program's own in front. A table of the
- * program's stands in front by copies of its heads, since it is chained to one place only; the records are its own.
+ * The conversions of one rung of the ladder: those of its language, with the program's own in front. A table can be
+ * chained to one other only. So the program's tables are copied to be put in front; the copies share the program's
+ * records.
  */
 #ifndef KELTO_CATALOG_RUNG_CONVERSIONS_H
 #define KELTO_CATALOG_RUNG_CONVERSIONS_H
@@ -14,7 +15,10 @@ namespace kelto
 class RungConversions
 {
 public:
-    /** Asks for the conversions of a language; without memory for the copies the program's own are all. */
+    /**
+     * Asks the program for the conversions of a language. Without memory for the copies only the program's own are
+     * used.
+     */
     void set(const KTCatalogOptions &options, const char *language) noexcept;
 
     /** The table; null for the built-in ones. */

@@ -1,4 +1,4 @@
-/** How much stack a thread has left, for those who are about to let a document decide how much is used. */
+/** How much stack a thread has left: asked before a document decides how much of it is used. */
 #ifndef KELTO_PLATFORM_STACK_H
 #define KELTO_PLATFORM_STACK_H
 

@@ -40,7 +40,7 @@ int ZEL_free(void *block);
 int ZEL_LMutexCreate(void **mutex, long parameter);
 /** Destroys an unlocked mutex and sets *mutex to null. */
 int ZEL_LMutexDestroy(void **mutex);
-/** Lock and unlock; what is not 0 is the system's error number, and means that the caller has broken the rules. */
+/** Lock and unlock. A result other than 0 is the system's error number: the caller has broken the rules. */
 int ZEL_LMutexAcquire(void *mutex);
 int ZEL_LMutexRelease(void *mutex);
 

@@ -114,7 +114,7 @@ ssize_t readFully(int descriptor, char *to, size_t bytes, uint64_t offset)
     return static_cast<ssize_t>(done);
 }
 
-/** A read as large as this one has nothing from bytes that were read ahead but a copy. */
+/** Reads without the buffer, which would only add a copy to a read of this size. */
 int readDirectly(int descriptor, uint64_t *offset, char *to, unsigned long *length)
 {
     const ssize_t got = readFully(descriptor, to, *length, *offset);

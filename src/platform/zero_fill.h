@@ -1,6 +1,6 @@
 /**
- * Clearing of blocks that may be far larger than what is ever used of them: the message block of a file with a huge
- * message ID is mostly pointers that stay null.
+ * Clears blocks of which a small part may ever be used: the message block of a file with a huge message ID is mostly
+ * pointers that stay null.
  */
 #ifndef KELTO_PLATFORM_ZERO_FILL_H
 #define KELTO_PLATFORM_ZERO_FILL_H

@@ -13,7 +13,7 @@
 namespace kelto
 {
 
-/** One operand. What is no integer equals none and lies in no range. */
+/** One operand. An operand that is no integer equals no number and lies in no range. */
 struct PluralOperand
 {
     uint64_t value;
@@ -49,7 +49,7 @@ template <typename... Sets> constexpr bool isNot(const PluralOperand &operand, c
     return !is(operand, sets...);
 }
 
-/** A language and its rules; of a region that has its own, also the region. */
+/** A language and its rules, with a region where that has rules of its own. */
 template <typename Rule> struct PluralLanguage
 {
     char code[4];

@@ -29,7 +29,10 @@ constexpr unsigned orderOf(const char *letters)
     return letterOf(letters[0]) * letterCount + letterOf(letters[1]);
 }
 
-/** The rules of every language of two letters, by its letters; what is none has those that know "other" alone. */
+/**
+ * The rules of every language of two letters, by its letters. Letters that are no language have the rules that know
+ * "other" alone.
+ */
 struct TwoLetterRules
 {
     LanguageRules of[letterCount * letterCount] = {};
@@ -49,7 +52,10 @@ constexpr TwoLetterRules indexTwoLetters()
     return rules;
 }
 
-/** Of the languages of three letters, where those of each first letter begin, and behind the last where they end. */
+/**
+ * Where the languages of three letters begin in the table, by their first letter. Behind the last letter stands the
+ * end.
+ */
 struct ThreeLetterIndex
 {
     uint16_t begin[letterCount + 1] = {};
@@ -97,7 +103,7 @@ bool isTwoLetters(const char *code)
     return letterOf(code[0]) < letterCount && letterOf(code[1]) < letterCount;
 }
 
-/** The rules of a region of two letters, where it has its own; else those of the language, of two letters too. */
+/** The rules of a region, where it has its own, else of its language. Both have two letters. */
 LanguageRules findRegion(const char *language, const char *region)
 {
     const unsigned wanted = orderOf(language);
@@ -109,7 +115,7 @@ LanguageRules findRegion(const char *language, const char *region)
     return twoLetterRules.of[wanted];
 }
 
-/** The rules of what is more than a language of two letters. */
+/** The rules of a name that is longer than a language of two letters. */
 [[gnu::noinline]] LanguageRules findLongName(const char *locale)
 {
     const unsigned letters = letterOf(locale[2]) < letterCount ? 3 : 2;
@@ -158,7 +164,7 @@ LanguageRules rulesOf(const char *language, const char *country) noexcept
     return isTwoLetters(country) ? findRegion(language, country) : twoLetterRules.of[orderOf(language)];
 }
 
-// By values, which stay in registers.
+// The operands are passed by value: they stay in registers.
 [[gnu::noinline]] int categoryOf(uint8_t rule, uint64_t i, uint64_t v, uint64_t f, uint64_t t) noexcept
 {
     return plural_table::categoryBy(static_cast<PluralRule>(rule), i, v, f, t);

@@ -1,7 +1,7 @@
 /**
- * The category of a number in a language: how a language's name leads to its rules, and what these say of a number. A
- * name is "pl", "de_AT", "pt-PT" or what an environment has ("pl_PL.UTF-8@euro"), in either case; a language without
- * rules takes "other" for every number. KTPluralCategory() is the face of this for programs.
+ * The category of a number in a language: how the name of a language leads to its rules, and what the rules say of a
+ * number. A name is "pl", "de_AT", "pt-PT" or what an environment has ("pl_PL.UTF-8@euro"), in either case; a language
+ * without rules takes "other" for every number. KTPluralCategory() is the face of this for programs.
  */
 #ifndef KELTO_PLURAL_PLURAL_RULES_H
 #define KELTO_PLURAL_PLURAL_RULES_H
@@ -19,7 +19,7 @@ struct LanguageRules
 
 LanguageRules rulesOf(const char *locale) noexcept;
 
-/** The same of a language and a country of two letters each; the country may be the empty text. */
+/** The rules of a language and a country of two letters each; the country may be the empty text. */
 LanguageRules rulesOf(const char *language, const char *country) noexcept;
 
 /** The category of a number by a rule: one of KTVariant, KT_VARIANT_ZERO to KT_VARIANT_OTHER. */

@@ -10,10 +10,10 @@ namespace
 // From 2^63 on no number has digits behind the mark; below it the integer fits into 64 bits.
 constexpr double wholeFrom = 9223372036854775808.0;
 
-// What a longer row of digits counts more than its last eighteen.
+// Added to the last eighteen digits of a longer row, to tell it from a short one.
 constexpr uint64_t eighteenDigits = 1'000'000'000'000'000'000;
 
-/** A row of decimal digits as a number: the last eighteen, and whether there are more that are not zeros. */
+/** A row of decimal digits as a number: the last eighteen, and whether others before them are not zero. */
 class DigitRow
 {
 public:
@@ -24,7 +24,7 @@ public:
         m_last = m_last % seventeenDigits * 10 + digit;
     }
 
-    /** Appends zeros, of which more than eighteen are as eighteen. */
+    /** Appends zeros. More than eighteen have the effect of eighteen. */
     void appendZeros(int count)
     {
         for (int i = std::min(count, 18); i > 0; --i)
@@ -75,13 +75,13 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         return true;
     const Real magnitude = std::fabs(value);
     DigitRow behind;
-    DigitRow significant; // of those behind the mark, up to the last that is not 0
+    DigitRow significant; // the digits behind the mark, up to the last that is not 0
     uint64_t integer = 0;
     if (magnitude >= Real{wholeFrom})
         integer = static_cast<uint64_t>(std::fmod(magnitude, Real{eighteenDigits})) + eighteenDigits;
     else
     {
-        constexpr int mostDigits = 1100; // those of every double
+        constexpr int mostDigits = 1100; // behind the mark: no double has more
         char text[mostDigits + 40];
         const int printed = std::min(digits, mostDigits);
         const char *const end = text + print(text, sizeof text, printed, magnitude);

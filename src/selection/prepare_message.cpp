@@ -1,5 +1,5 @@
-// The messages that a selector leads to are visited depth first. A message that is met again is known by its number,
-// and so is how many selectors stand below it: each is prepared once, and the work is bounded by their number.
+// The messages that a selector leads to are visited depth first. A message that is met again is found by its number,
+// together with the count of selectors below it. So each message is prepared once, and their number bounds the work.
 
 #include "selection/prepare_message.h"
 
@@ -26,7 +26,7 @@ using kelto::TableView;
 
 constexpr size_t maxMessages = 1024;
 
-constexpr const char *missing = "missing"; // what is said of an argument
+constexpr const char *missing = "missing"; // said of an argument
 
 constexpr KTProblem noProblem = {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 0};
 
@@ -35,7 +35,7 @@ struct Visited
 {
     uint32_t id;
     bool isSelector;
-    uint32_t height;          // the selectors from it on, itself counted; 0 of an ordinary message
+    uint32_t height;          // of the selectors from it on, itself counted; 0 for an ordinary message
     KTPreparedFormat *format; // null while its row is visited
     Selector selector;
 };
@@ -58,7 +58,7 @@ public:
     Visited *begin() { return m_messages.get(); }
     Visited *end() { return m_messages.get() + m_count; }
 
-    /** The message of a number, or null. It stays in its place until another is inserted. */
+    /** The message of a number, or null. It moves when another is inserted. */
     Visited *find(uint32_t id)
     {
         Visited *const place = placeOf(id);
@@ -77,7 +77,7 @@ public:
         return true;
     }
 
-    /** Hands the formats on: all that were visited but the one that owns the others. */
+    /** Gives up the formats: the first one owns them from now on. */
     void release() { m_count = 0; }
 
 private:
@@ -226,7 +226,7 @@ private:
             return refuse(verdict.result,
                           {0, rule, 0, verdict.position, verdict.offset, verdict.length, nullptr, nullptr, message.id});
         }
-        owner->table = m_forms; // which gives the encoder
+        owner->table = m_forms; // the encoder is looked up there
         message.format = owner.get();
         if (m_first == nullptr)
             m_first = message.format;
@@ -252,7 +252,7 @@ private:
         return refuse(KT_ERR_FORMAT_SYNTAX, problem);
     }
 
-    /** Whether the variants take an argument that a selector can select by. */
+    /** Checks that the variants take an integer or number at the place by which a selector selects. */
     int checkArgument(const Visited &message)
     {
         if (!message.isSelector)
@@ -294,7 +294,7 @@ private:
     formTable *m_forms;
     kelto::WithNil m_withNil;
     VisitedMessages m_messages;
-    const KTPreparedFormat *m_first = nullptr; // of the ordinary messages
+    const KTPreparedFormat *m_first = nullptr; // the first ordinary message
     KTProblem m_problem = noProblem;
 };
 

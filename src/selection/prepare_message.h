@@ -1,6 +1,7 @@
 /**
  * A message of a table as a prepared format: an ordinary one is prepared by itself, a selector with all that it leads
- * to, each message once, however many selectors lead to it. What is refused tells why, and in which message.
+ * to, each message once, however many selectors lead to it. A refused message comes with the reason, and with the
+ * number of the message concerned.
  */
 #ifndef KELTO_SELECTION_PREPARE_MESSAGE_H
 #define KELTO_SELECTION_PREPARE_MESSAGE_H
@@ -19,7 +20,7 @@ struct MessageVerdict
 };
 
 /**
- * KTPrepareMessage() for a table that was found.
+ * KTPrepareMessage() with the table itself in place of its handle.
  * @param locale  the language whose rules count; null for the file's.
  * @param forms   may be null.
  */

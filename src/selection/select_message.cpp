@@ -14,7 +14,7 @@ uint32_t firstThere(const kelto::TableView &table, uint32_t row, kelto::WantedPl
     return 0;
 }
 
-/** Follows selectors from a message; the number of the message that they lead to is 0 where there is none. */
+/** Follows selectors from a message to the number of the one that they lead to; 0 where there is none. */
 int follow(const kelto::TableView &table, kelto::LanguageRules rules, const KTArgument *arguments, size_t count,
            uint32_t &id)
 {

@@ -17,7 +17,7 @@
 namespace kelto
 {
 
-/* The next three widen 16 bytes, 8 and 4; false, and nothing is written, where one of them is not ASCII. */
+/* The next three widen 16, 8 and 4 bytes. Where one of these is not ASCII they write nothing and return false. */
 
 #ifdef __SSE2__
 
@@ -57,7 +57,7 @@ inline bool widenFour(const char *source, UCS2 *destination) noexcept
     return true;
 }
 
-/* The same without widening. */
+/* The next three copy bytes without widening. */
 
 inline bool copySixteen(const char *source, char *destination) noexcept
 {
@@ -87,7 +87,7 @@ inline bool copyFour(const char *source, char *destination) noexcept
     return true;
 }
 
-/* The same the other way round. */
+/* The next three narrow 16, 8 and 4 units to bytes. */
 
 inline bool isAscii(__m128i units) noexcept
 {
@@ -125,7 +125,7 @@ inline bool narrowFour(const UCS2 *source, char *destination) noexcept
     return true;
 }
 
-#else // any other machine, of which the compiler makes what it can
+#else // for any other machine the compiler chooses the instructions
 
 template <size_t count, typename From, typename To> bool copyIfAscii(const From *source, To *destination) noexcept
 {
@@ -151,8 +151,9 @@ constexpr auto *narrowSixteen = copyIfAscii<16, UCS2, char>, *narrowEight = copy
 #endif
 
 /**
- * Copies the ASCII at the start of a text by whole steps and one by one behind them; the length of the run. What is
- * left behind the last whole step is done by one more that ends with the text and overlaps the one before.
+ * Copies the ASCII at the start of a text in steps of many units. The rest behind the last whole step is copied by one
+ * more step, which ends where the text ends and overlaps the step before; where a step meets another character, the
+ * units are copied one by one. @return the length of the run.
  */
 template <typename From, typename To>
 size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixteen)(const From *, To *),
@@ -163,7 +164,7 @@ size_t copyAscii(const From *source, size_t limit, To *destination, bool (*sixte
     {
         while (limit - run >= 16 && sixteen(source + run, destination + run))
             run += 16;
-        // All before the tail is ASCII here; what overlaps is written again as it is.
+        // All units before the tail are ASCII here; those that overlap are written again, unchanged.
         if (limit - run < 16 && sixteen(source + limit - 16, destination + limit - 16))
             return limit;
     }

@@ -9,9 +9,12 @@ namespace
 {
 
 /**
- * Converts by way of UCS-2, with the two steps as functions of (size, UCS-2 buffer) and of (UCS-2 text).
+ * Converts by way of UCS-2.
  * @param room      the units of the buffer for the UCS-2 text.
- * @param capacity  what the first step is offered of them, the terminator counted; no source needs more than one less.
+ * @param capacity  the units of it that the first step may use, the terminator counted; every source fits into one
+ *                  less.
+ * @param toUCS2    the first step, a function of (size, UCS-2 buffer).
+ * @param fromUCS2  the second step, a function of (UCS-2 text).
  */
 template <typename ToUCS2, typename FromUCS2>
 int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fromUCS2, const size_t *sizeInOut,
@@ -54,7 +57,7 @@ int KTUCS2ToUTF8(const UCS2 *src, size_t *sizeInOut, char *dst)
     return kelto::ucs2ToUTF8(src, KTUCS2strlen(src), sizeInOut, dst);
 }
 
-// Flattened, since a short text feels each of the calls between the two steps.
+// Flattened: for a short text each call between the two steps counts.
 [[gnu::flatten]] int KTMultiByteToUTF8(const char *charSet, char reserved1, char reserved2, const char *src,
                                        size_t *sizeInOut, char *dst)
 {
