@@ -105,11 +105,6 @@ inline bool has_thrown(void *) noexcept
     return call != nullptr && call->thrown != nullptr;
 }
 
-struct close_catalog
-{
-    void operator()(KTCatalog *catalog) const noexcept { KTCloseCatalog(catalog); }
-};
-
 } // namespace detail
 
 /**
@@ -378,7 +373,7 @@ private:
 
     std::shared_ptr<void> conversions_;
     std::unique_ptr<detail::catalog_functions> functions_; // outlive what calls them
-    std::unique_ptr<KTCatalog, detail::close_catalog> catalog_;
+    std::unique_ptr<KTCatalog, detail::freed_by<KTCloseCatalog>> catalog_;
 };
 
 } // namespace kelto

@@ -23,30 +23,39 @@ struct slot
 };
 
 /**
- * Conversions of the built-in table and of the add-on's, and the slot that they take: for 16, 32 and 64 bits, or behind
- * 'l' or 'L'; and a slot that follows it. Those of the add-on are known to all programs, since a header that brought
- * them would make two texts of one.
+ * Conversions of the built-in table and of the add-on's, and the slot that they take without a modifier; and a slot that
+ * follows it. Those of the add-on are known to all programs, since a header that brought them would make two texts of
+ * one.
  */
 struct built_in
 {
     std::string_view names;
-    unsigned with_h, plain, with_bang, with_l, with_capital_l;
-    unsigned then = 0;
+    unsigned code, then = 0;
 };
 constexpr built_in built_ins[] = {
-    {" d number ago ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32},
-    {" s D T DT E IP date time datetime and or ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
-    {" u o x X EID unumber ", KT_SLOT_UINT16, KT_SLOT_UINT32, KT_SLOT_UINT64, KT_SLOT_UINT32, KT_SLOT_UINT32},
-    {" f decimal percent ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE},
-    {" c ", KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_CHAR, KT_SLOT_UNIT, KT_SLOT_CHAR},
-    {" U DND DNS ", KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2, KT_SLOT_UCS2},
-    {" l ", KT_SLOT_INT16, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64, KT_SLOT_INT64}, // the empty name behind 'l'
-    {" ul ", KT_SLOT_UINT16, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64, KT_SLOT_UINT64},
-    {" money ", KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8, KT_SLOT_UTF8},
-    {" unit ", KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_DOUBLE, KT_SLOT_LONG_DOUBLE, KT_SLOT_UTF8},
-    {" nil ", KT_SLOT_INT16, KT_SLOT_INT32, KT_SLOT_INT64, KT_SLOT_INT32, KT_SLOT_INT32}, // of variants
-    {" N O ", 0, 0, 0, 0, 0},                                                             // the markers take nothing
+    {" d number ago nil ", KT_SLOT_INT32}, // "nil" of variants
+    {" u o x X EID unumber ", KT_SLOT_UINT32},
+    {" l ", KT_SLOT_INT64}, // the empty name behind 'l'
+    {" ul ", KT_SLOT_UINT64},
+    {" f decimal percent ", KT_SLOT_DOUBLE},
+    {" c ", KT_SLOT_CHAR},
+    {" s D T DT E IP date time datetime and or ", KT_SLOT_UTF8},
+    {" U DND DNS ", KT_SLOT_UCS2},
+    {" money ", KT_SLOT_UTF8, KT_SLOT_UTF8},
+    {" unit ", KT_SLOT_DOUBLE, KT_SLOT_UTF8},
+    {" N O ", 0}, // the markers take nothing
 };
+
+/** The slot of a conversion behind a modifier, which changes the size of what it takes. */
+constexpr unsigned slot_behind(char modifier, unsigned code) noexcept
+{
+    const bool isInteger = code >= KT_SLOT_INT16 && code <= KT_SLOT_UINT64;
+    if (isInteger && (modifier == 'h' || modifier == '!'))
+        return (modifier == 'h' ? KT_SLOT_INT16 : KT_SLOT_INT64) + (code - KT_SLOT_INT16) % 2;
+    if (code == KT_SLOT_DOUBLE && modifier == 'L')
+        return KT_SLOT_LONG_DOUBLE;
+    return code == KT_SLOT_CHAR && modifier == 'l' ? static_cast<unsigned>(KT_SLOT_UNIT) : code;
+}
 
 /** Whether a name is one of some, each between blanks. */
 constexpr bool is_among(std::string_view names, std::string_view name) noexcept
@@ -163,11 +172,7 @@ private:
             if (is_among(row.names, name))
             {
                 found.then = row.then;
-                found.code = modifier == 'h'   ? row.with_h
-                             : modifier == 'l' ? row.with_l
-                             : modifier == 'L' ? row.with_capital_l
-                             : modifier == '!' ? row.with_bang
-                                               : row.plain;
+                found.code = slot_behind(modifier, row.code);
                 return true;
             }
         return false;
@@ -299,12 +304,10 @@ template <class Text, class... Arguments> constexpr void check_default(types<Arg
     static_assert(rule != KT_RULE_POSITION_REPEATED, "kelto: a position is used twice in this text");
     static_assert(rule != KT_RULE_POSITION_GAP,
                   "kelto: the positions of this text are not 1, 2, 3 and so on; one is left out");
-    constexpr bool isFormat = rule == KT_RULE_NONE;
-    constexpr bool isComplete = !isFormat || parsed::value.slot_count <= sizeof...(Arguments);
-    constexpr bool isExhausted = !isFormat || parsed::value.slot_count >= sizeof...(Arguments);
-    static_assert(isComplete, "kelto: this text takes more arguments than the call passes");
-    static_assert(isExhausted, "kelto: the call passes more arguments than this text takes");
-    if constexpr (isFormat && isComplete && isExhausted)
+    constexpr std::size_t wanted = rule == KT_RULE_NONE ? parsed::value.slot_count : sizeof...(Arguments);
+    static_assert(wanted <= sizeof...(Arguments), "kelto: this text takes more arguments than the call passes");
+    static_assert(wanted >= sizeof...(Arguments), "kelto: the call passes more arguments than this text takes");
+    if constexpr (rule == KT_RULE_NONE && wanted == sizeof...(Arguments))
         check_each<Text>(all, std::index_sequence_for<Arguments...>());
 }
 

@@ -152,6 +152,12 @@ private:
 }
 #endif
 
+/** Frees a handle of the C interface by its function. */
+template <auto Free> struct freed_by
+{
+    template <class Handle> void operator()(Handle *handle) const noexcept { Free(handle); }
+};
+
 /** One use of the library, or none. */
 struct end_use
 {

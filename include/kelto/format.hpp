@@ -199,11 +199,6 @@ struct call_options
     KTCatalogOptions given = {};
 };
 
-struct free_prepared
-{
-    void operator()(KTPreparedFormat *format) const noexcept { KTFreePrepared(format); }
-};
-
 } // namespace detail
 
 /**
@@ -372,7 +367,7 @@ private:
     detail::use use_;
     detail::call_options options_;
     std::string text_;
-    std::unique_ptr<KTPreparedFormat, detail::free_prepared> format_;
+    std::unique_ptr<KTPreparedFormat, detail::freed_by<KTFreePrepared>> format_;
 };
 
 } // namespace kelto
