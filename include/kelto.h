@@ -1184,8 +1184,8 @@ typedef struct KTSlot
 } KTSlot;
 
 /**
- * Tells what arguments a format asks for, in the order in which they are passed: for wrappers, checkers and language
- * bindings, which so need no parser of their own.
+ * Tells what arguments a format asks for, in the order in which they are passed. So wrappers, checkers and language
+ * bindings need no parser of their own.
  * @param slots  out: the first of them; it lives as long as the prepared format. Null is allowed.
  * @return their number.
  */
@@ -1245,8 +1245,8 @@ typedef int (*KTUTF8FormatFunction)(const char *convName, int width, int precisi
 int KTRegisterUTF8Format(const KTFormatter *formatter, KTUTF8FormatFunction function);
 
 /**
- * What a language binding has around a call of its program's, for the conversions and encoders that run during the call
- * and are not told of it: an encoder gets no pointer but to its text.
+ * What a language binding puts around a call, to be found by the conversions and encoders that run during the call: an
+ * encoder, for one, gets no pointer but that to its text.
  */
 typedef struct KTCallContext
 {
@@ -1255,10 +1255,10 @@ typedef struct KTCallContext
     struct KTCallContext *outer; /**< of KTEnterCall() */
 } KTCallContext;
 
-/** Puts a context around what this thread calls from now on, and inside of those that are there already. */
+/** Puts a context around all that this thread calls from now on. It lies inside the contexts that are there already. */
 void KTEnterCall(KTCallContext *context);
 
-/** Takes the context away again, which is the innermost one of this thread. */
+/** Takes a context away again. It must be the innermost one of this thread. */
 void KTLeaveCall(const KTCallContext *context);
 
 /**
@@ -1347,7 +1347,7 @@ int KTExplainFormat(const char *format, formTable *table, KTProblem *problem);
 
 /**
  * What stands at a '%' of a format. A conversion that is wrong by itself has a rule, up to KT_RULE_UNKNOWN_CONVERSION.
- * It ends where it will have been meant to end. Nothing but its place is told of it, and of an unknown one the
+ * It ends where its author will have meant it to end. Only its place is told, and where its name is unknown also its
  * position.
  */
 typedef struct KTConversion
@@ -1368,10 +1368,10 @@ typedef struct KTConversion
 } KTConversion;
 
 /**
- * Walks over the conversions of a format, right or not, in the order of the text: for checkers, editors and whoever
- * shows a format, which so need no parser of their own. What the format as a whole breaks (a position that is repeated,
- * missing, or higher than a format of this length can have) KTExplainFormat() tells. Needs no started library and takes
- * no memory; a walk takes time in proportion to the format.
+ * Walks over the conversions of a format, right or not, in the order of the text, so that checkers, editors and other
+ * programs that show a format need no parser of their own. KTExplainFormat() tells what is wrong with the format as a
+ * whole: a position that is repeated, missing, or higher than a format of this length can have. Needs no started
+ * library and takes no memory; a walk takes time in proportion to the format.
  * @param format      UTF-8, zero-terminated.
  * @param table       its conversions, or null for the built-in ones.
  * @param conversion  in: structSize, slots and slotRoom, and in offset and length the conversion before, behind which
@@ -1388,7 +1388,7 @@ bool KTNextConversion(const char *format, formTable *table, KTConversion *conver
  * Tells whether the arguments of one format may be passed to another, as a translation of it: as many, and each of the
  * same kind and size and in the same role (a value, or the width or precision of a '*'). Whether an integer is signed
  * does not matter, nor which letter shows it. A text that the reference writes in an encoded region has to lie in one
- * here too, or be written as a date, which is never more than that, or not at all ("IP", "%.0s[1]").
+ * here too, or be written as a date, which cannot be anything else, or not at all ("IP", "%.0s[1]").
  * @param format     the translation, UTF-8.
  * @param reference  the program's own format, UTF-8.
  * @param table      the conversions of both, or null for the built-in ones.
@@ -1687,8 +1687,8 @@ enum KTVariant
     KT_VARIANT_TWO = 2,
     KT_VARIANT_FEW = 3,
     KT_VARIANT_MANY = 4,
-    KT_VARIANT_OTHER = 5,     /**< for what the others are not there for */
-    KT_VARIANT_EXACTLY_0 = 6, /**< 0 without a digit behind the mark, before the category */
+    KT_VARIANT_OTHER = 5,     /**< for numbers of no other category */
+    KT_VARIANT_EXACTLY_0 = 6, /**< 0 shown without digits behind the mark; looked for before the category */
     KT_VARIANT_EXACTLY_1 = 7  /**< 1, not -1, likewise */
 };
 
@@ -1762,8 +1762,8 @@ int KTSelectMessage(MessageTable *table, unsigned int *id, const char *locale, c
 int KTExplainMessage(MessageTable *table, unsigned int id, formTable *forms, KTProblem *problem);
 
 /**
- * Gives a table that has "nil" and is chained to the shared built-in table, whose registered encoder it so has. It is
- * the library's, not to be changed, and may be chained to.
+ * Gives a table that has "nil" and is chained to the shared built-in table, so that its encoder is the one registered
+ * there. The table belongs to the library: it may be chained to, and must not be changed.
  * @return 0, KT_ERR_NOT_INITIALIZED (nothing is stored), or KT_ERR_INVALID_PARAMETER where table is null.
  */
 int KTGetVariantFormTable(formTable **table);

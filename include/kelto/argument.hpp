@@ -29,11 +29,11 @@ namespace kelto
  *     };
  *
  * or, for a conversion of the program's own (form_table.hpp), derive it from by_identity: the object itself is then
- * handed over, together with its type, which the conversion compares before it looks at it.
+ * handed over, with its type. The conversion compares the type before it looks at the object.
  *
  *     template <> struct kelto::argument_of<money> : kelto::by_identity<money> {};
  *
- * A function that makes a std::pair gives both to a conversion of two arguments, as "%money[1]" of the add-on.
+ * A `convert` that returns a std::pair gives two arguments, as "%money[1]" of the add-on takes them.
  *
  * Where no text can be formatted, such an object is written by the first conversion that takes it alone, by a function
  * `convert` as above if there is one too, or as the name of its type.
@@ -166,7 +166,7 @@ using object_writer = int (*)(const void *object, std::size_t *size, char *out);
 
 template <class T> int write_object(const void *object, std::size_t *size, char *out) noexcept;
 
-/** Its address is the identity of a type. Not constant, so that no two are folded into one. */
+/** The identity of a type is the address of this. It is not constant, so that no two are folded into one. */
 template <class T> inline object_writer type_tag = write_object<T>;
 
 /** The kind of all objects that go over with their identity; their types tell them apart. */
@@ -197,7 +197,7 @@ inline bool is_public_name(const char *name) noexcept
     return isPublic;
 }
 
-/** Whether an object is of a type. Shared objects with hidden visibility have a tag of each type for themselves. */
+/** Whether an object is of a type. With hidden visibility each shared object has a tag of its own for a type. */
 template <class T> bool is_of_type(const identified &object) noexcept
 {
     const char *const name = identified_as<T>(nullptr).name;
@@ -205,7 +205,7 @@ template <class T> bool is_of_type(const identified &object) noexcept
            (name != nullptr && object.name != nullptr && std::strcmp(name, object.name) == 0 && is_public_name(name));
 }
 
-/** What hold() gives for what stands in front of the arguments and is none; the texts in the source derive from it. */
+/** What hold() gives for a thing in front of the arguments that is none; the texts in the source derive from it. */
 struct no_argument
 {
 };
@@ -326,7 +326,7 @@ template <std::size_t Count> struct argument_list
     KTArgument arguments[Count != 0 ? Count : 1];
 };
 
-/** How an argument goes through a function: what is small by its value, a literal of any length as a pointer. */
+/** How an argument is passed on: a small one by its value, a literal of any length as a pointer. */
 template <class T>
 using passed = std::conditional_t<std::is_array_v<T>, std::decay_t<const T>,
                                   std::conditional_t<std::is_scalar_v<T>, T, const T &>>;

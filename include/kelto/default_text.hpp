@@ -311,7 +311,7 @@ template <class Text, class... Arguments> constexpr void check_default(types<Arg
         check_each<Text>(all, std::index_sequence_for<Arguments...>());
 }
 
-/** The text of a literal, for KELTO_DEFAULT, which makes what it expands to depend on a type: on this one. */
+/** The text of a literal. KELTO_DEFAULT makes its expansion depend on a type: on this one. */
 struct spelt_text
 {
     /** Whether a text is one, by how it is spelt. */

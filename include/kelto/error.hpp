@@ -30,16 +30,16 @@
 #define KELTO_HAS_EXCEPTIONS false
 #endif
 
-/** Kept out of the calls, so that each of them compiles to little code, and fast. */
+/** For what is kept out of the calls, so that each call compiles fast and to little code. */
 #define KELTO_OUT_OF_LINE __attribute__((noinline))
 
-/** What runs once per message or never; small rather than fast, which also saves its users time to compile. */
+/** For what runs once per message or never: small rather than fast, and quicker to compile. */
 #define KELTO_SELDOM __attribute__((noinline, cold))
 
 /** One in a process, whatever the visibility that the program is compiled with. */
 #define KELTO_SHARED __attribute__((visibility("default")))
 
-/** A parameter that what is returned points into. */
+/** For a parameter into which the returned value points. */
 #if defined(__clang__)
 #define KELTO_POINTED_INTO [[clang::lifetimebound]]
 #else
@@ -50,8 +50,8 @@ namespace kelto
 {
 
 /**
- * A function of the program's, with its state: what std::function is, without the large header that it comes with.
- * Copies share the function; one that is empty is false, and must not be called.
+ * A function of the program with its state: like std::function, without the large header of that one. Copies share the
+ * function. An empty one is false, and must not be called.
  */
 template <class Signature> class callback;
 template <class Result, class... Arguments> class callback<Result(Arguments...)>
@@ -132,7 +132,7 @@ namespace detail
 {
 
 #if KELTO_HAS_EXCEPTIONS
-/** An error that says all that there is to say, where the text of its code would only say less. */
+/** An error that is described by its own text alone; the text of its code would say less. */
 class KELTO_SHARED told_error final : public error
 {
 public:

@@ -2,7 +2,8 @@
  * @file form_table.hpp
  * Conversions and encoders of the program's own. Include kelto.hpp.
  *
- * What only a program with conversions needs are templates, also where nothing varies: so others need not compile it.
+ * What only programs with own conversions need is a template, even where nothing varies: other programs do not compile
+ * it.
  */
 #ifndef KELTO_FORM_TABLE_HPP
 #define KELTO_FORM_TABLE_HPP

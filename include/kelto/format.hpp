@@ -141,7 +141,7 @@ template <class Output> auto copy_to(Output out, std::string_view text)
 template <class Output> constexpr bool is_line = false;
 template <std::size_t Size> constexpr bool is_line<char (&)[Size]> = true;
 
-/** Hands a text to an output; gives back the stream, the iterator behind the text, or what fits into an array. */
+/** Hands a text to an output. @return the stream, the iterator behind the text, or what fits into an array. */
 template <class Output> decltype(auto) hand_over(Output &&out, std::string_view text)
 {
     using bare = std::remove_cv_t<std::remove_reference_t<Output>>;
