@@ -167,7 +167,7 @@ using object_writer = int (*)(const void *object, std::size_t *size, char *out);
 template <class T> int write_object(const void *object, std::size_t *size, char *out) noexcept;
 
 /** The identity of a type is the address of this. It is not constant, so that no two are folded into one. */
-template <class T> inline object_writer type_tag = write_object<T>;
+template <class T> inline object_writer type_mark = write_object<T>;
 
 /** The kind of all objects that go over with their identity; their types tell them apart. */
 constexpr std::uint32_t identity_kind = 0x6B2B2B02;
@@ -182,9 +182,9 @@ struct identified
 template <class T> identified identified_as(const void *object) noexcept
 {
 #if defined(__cpp_rtti) || defined(__GXX_RTTI)
-    return {&type_tag<T>, typeid(T).name(), object};
+    return {&type_mark<T>, typeid(T).name(), object};
 #else
-    return {&type_tag<T>, nullptr, object};
+    return {&type_mark<T>, nullptr, object};
 #endif
 }
 
@@ -197,11 +197,11 @@ inline bool is_public_name(const char *name) noexcept
     return isPublic;
 }
 
-/** Whether an object is of a type. With hidden visibility each shared object has a tag of its own for a type. */
+/** Whether an object is of a type. With hidden visibility each shared object has a mark of its own for a type. */
 template <class T> bool is_of_type(const identified &object) noexcept
 {
     const char *const name = identified_as<T>(nullptr).name;
-    return object.type == &type_tag<T> ||
+    return object.type == &type_mark<T> ||
            (name != nullptr && object.name != nullptr && std::strcmp(name, object.name) == 0 && is_public_name(name));
 }
 

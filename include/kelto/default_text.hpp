@@ -497,8 +497,8 @@ template <class... Arguments> using source_text_for = std::enable_if_t<true, det
 // The name that a variable becomes here is looked up only where the branch is taken, which it is for literals alone; so
 // the compiler has one sentence to say of a variable.
 #define KELTO_DEFAULT_OF(literal)                                                                                      \
-    ([](auto kelto_tag) {                                                                                              \
-        using kelto_spelt = decltype(kelto_tag);                                                                       \
+    ([](auto kelto_parameter) {                                                                                        \
+        using kelto_spelt = decltype(kelto_parameter);                                                                 \
         using kelto::detail::operator""_kelto_text;                                                                    \
         if constexpr (kelto_spelt::is_literal(#literal))                                                               \
         {                                                                                                              \
