@@ -1641,8 +1641,8 @@ int KTExplainFailure(const char *format, int result, const KTCatalogOptions *opt
 /**
  * Writes an argument as the last rung does, in UTF-8: a number in decimal, a time as "1970-01-01 00:00:00", a text as
  * it is.
- * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the text, the terminator not
- *              counted, also where it does not fit.
+ * @param size  in: the capacity of text in bytes, the terminator counted; out: the bytes of the text, the terminator
+ *              not counted, also where it does not fit.
  * @param text  out: the text, cut at a whole character where it does not fit. Null is allowed for a capacity of 0.
  * @return 0; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for a null where none is allowed.
  */

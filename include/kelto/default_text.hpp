@@ -23,9 +23,8 @@ struct slot
 };
 
 /**
- * Conversions of the built-in table and of the add-on's, and the slot that they take without a modifier; and a slot that
- * follows it. Those of the add-on are known to all programs, since a header that brought them would make two texts of
- * one.
+ * Conversions of the built-in table and of the add-on, the slot that they take without a modifier, and a second slot.
+ * All programs know those of the add-on: if a header brought them, one text would have two meanings.
  */
 struct built_in
 {
