@@ -46,7 +46,7 @@ int appendConversion(kelto::FormatOutput<UCS2> &text, const KTParameter &paramet
         return KT_ERR_INVALID_PARAMETER;
     if (formatter.argCount > 0 && *slot == nullptr)
         return KT_ERR_INVALID_PARAMETER;
-    const auto call = [&](const kelto::Layout &called, unsigned long *units, UCS2 *out) {
+    const auto call = [&formatter, &output, slot](const kelto::Layout &called, unsigned long *units, UCS2 *out) {
         return formatter.format(formatter.name, called.width, called.precision, called.flags, output.encoder,
                                 output.passThru, slot, units, out);
     };

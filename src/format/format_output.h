@@ -469,10 +469,11 @@ private:
 
     /**
      * Writes as much as fits of what a formatter has asked room for, unless that is a lot. Without room some formatters
-     * do not tell that they fail; so they are asked even where nothing of the text fits.
+     * do not tell that they fail; so they are asked even where nothing of the text fits. What it takes, it takes by
+     * value: the calls that do not come here then need not have it in memory.
      */
     template <typename Call>
-    [[gnu::noinline, gnu::cold]] int keepBeginning(const Call &call, const Layout &layout, unsigned long units) noexcept
+    [[gnu::noinline, gnu::cold]] int keepBeginning(Call call, Layout layout, unsigned long units) noexcept
     {
         const unsigned long asked = units + 1;
         const TagBlock<Unit> buffer = units < CalledText::alwaysAllowed ? allocate<Unit>(glbResHandle, asked) : nullptr;

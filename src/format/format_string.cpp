@@ -26,15 +26,24 @@ constexpr size_t growthStep = 10;
 // An array of this size grows by half at least, so that a string of any length is checked in linear time.
 constexpr size_t linearGrowthLimit = 100;
 
+/** Makes records empty: the rest of an empty record is never read. */
+template <size_t... index> void makeEmpty(KTParameter *records, std::index_sequence<index...> /*all*/)
+{
+    ((records[index].formatter = nullptr), ...);
+}
+
 /** The array behind a format string: one record per position, and always an empty one behind the highest. */
 class ParameterArray
 {
 public:
     /** Begins in the room of the caller's, if there is any. */
-    explicit ParameterArray(kelto::FewParameters *few) : m_few(few), m_records(few != nullptr ? few->records : nullptr)
+    explicit ParameterArray(kelto::FewParameters *few)
     {
-        if (few != nullptr)
-            m_records[0] = {};
+        if (few == nullptr)
+            return;
+        m_records = few->records;
+        m_capacity = kelto::FewParameters::count;
+        makeEmpty(m_records, std::make_index_sequence<kelto::FewParameters::count + 1>());
     }
 
     /** Stores a record at its position; false when memory ran out, and the array is then gone. */
@@ -77,12 +86,6 @@ public:
 private:
     bool growTo(size_t position)
     {
-        if (m_few != nullptr && position <= kelto::FewParameters::count)
-        {
-            std::fill_n(m_records + m_capacity + 1, position - m_capacity, KTParameter{});
-            m_capacity = position;
-            return true;
-        }
         size_t capacity = inSteps(position);
         if (m_capacity >= linearGrowthLimit)
             capacity = std::max(capacity, inSteps(m_capacity + m_capacity / 2));
@@ -97,10 +100,9 @@ private:
 
     static size_t inSteps(size_t capacity) { return (capacity + growthStep - 1) / growthStep * growthStep; }
 
-    kelto::FewParameters *m_few;
     kelto::TagBlock<KTParameter> m_block;
-    KTParameter *m_records; // in the block, or the caller's
-    size_t m_capacity = 0;  // as many positions have a record by now, behind which stands an empty one
+    KTParameter *m_records = nullptr; // in the block, or the caller's
+    size_t m_capacity = 0;            // as many positions have a record by now, behind which stands an empty one
 };
 
 constexpr kelto::FormatVerdict accepted = {0, KT_RULE_NONE, 0, 0, 0};

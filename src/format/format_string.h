@@ -92,8 +92,8 @@ constexpr bool isTooLong(size_t length) noexcept
 }
 
 /**
- * Room for the parameters of most formats, so that a check which hands none of them out needs no block. They end at an
- * empty one, as in checkSyntax(), behind which nothing is cleared.
+ * Room for the parameters of most formats, so that a check which hands none of them out needs no block. They end at
+ * one whose formatter is null, as in checkSyntax().
  */
 struct FewParameters
 {

@@ -37,6 +37,29 @@ constexpr SlotKind slotKinds[] = {
     {"a pointer", KT_ARGUMENT_POINTER, 0, 0, 0, KT_SLOT_POINTER},
 };
 
+/** The code of a slot, and which it has under a flag; the first of the two flags wins. */
+struct SlotCodes
+{
+    uint32_t usual;
+    int flag;
+    uint32_t flagged;
+    int lesserFlag;
+    uint32_t lesserFlagged;
+};
+
+// By KTArgumentCode, of those that take a slot.
+constexpr SlotCodes slotCodes[] = {
+    {},
+    {KT_SLOT_CHAR, FLAG_l, KT_SLOT_UNIT, 0, 0},
+    {KT_SLOT_UTF8, 0, 0, 0, 0},
+    {KT_SLOT_UCS2, 0, 0, 0, 0},
+    {KT_SLOT_INT32, FLAG_h, KT_SLOT_INT16, FLAG_BANG, KT_SLOT_INT64},
+    {KT_SLOT_UINT32, FLAG_h, KT_SLOT_UINT16, FLAG_BANG, KT_SLOT_UINT64},
+    {KT_SLOT_DOUBLE, FLAG_L, KT_SLOT_LONG_DOUBLE, 0, 0},
+    {KT_SLOT_POINTER, 0, 0, 0, 0},
+};
+static_assert(std::size(slotCodes) == KT_ARG_POINTER + 1);
+
 const SlotKind &kindOf(uint32_t slotCode)
 {
     return slotKinds[slotCode < std::size(slotKinds) ? slotCode : 0];
@@ -94,31 +117,10 @@ namespace kelto
 
 uint32_t slotCodeOf(int argumentCode, int flags) noexcept
 {
-    const bool isSigned = argumentCode == KT_ARG_SIGNED;
-    switch (argumentCode)
-    {
-    case KT_ARG_CHARACTER:
-        return (flags & FLAG_l) != 0 ? KT_SLOT_UNIT : KT_SLOT_CHAR;
-    case KT_ARG_UTF8:
-        return KT_SLOT_UTF8;
-    case KT_ARG_UCS2:
-        return KT_SLOT_UCS2;
-    case KT_ARG_DOUBLE:
-        return (flags & FLAG_L) != 0 ? KT_SLOT_LONG_DOUBLE : KT_SLOT_DOUBLE;
-    case KT_ARG_POINTER:
-        return KT_SLOT_POINTER;
-    default:
-        break;
-    }
-    switch (integerSize(flags))
-    {
-    case IntegerSize::bits16:
-        return isSigned ? KT_SLOT_INT16 : KT_SLOT_UINT16;
-    case IntegerSize::bits64:
-        return isSigned ? KT_SLOT_INT64 : KT_SLOT_UINT64;
-    default:
-        return isSigned ? KT_SLOT_INT32 : KT_SLOT_UINT32;
-    }
+    const SlotCodes &codes = slotCodes[argumentCode];
+    if ((flags & (codes.flag | codes.lesserFlag)) == 0)
+        return codes.usual;
+    return (flags & codes.flag) != 0 ? codes.flagged : codes.lesserFlagged;
 }
 
 const char *slotName(uint32_t slotCode) noexcept
