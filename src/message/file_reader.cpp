@@ -5,13 +5,6 @@
 
 #include <new>
 
-// What not every version of expat has; null where it is missing.
-extern "C" {
-__attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
-__attribute__((weak)) XML_Bool XML_SetBillionLaughsAttackProtectionActivationThreshold(XML_Parser parser,
-                                                                                       unsigned long long bytes);
-}
-
 namespace
 {
 
@@ -56,20 +49,6 @@ int kelto::openMessageFile(File &file, const char *path) noexcept
     default:
         return result;
     }
-}
-
-bool kelto::Parser::create() noexcept
-{
-    m_parser.reset();
-    m_parser.reset(XML_ParserCreate(nullptr));
-    if (m_parser == nullptr)
-        return false;
-    // A parser that puts off the end of a token would report it with a later chunk than others do.
-    if (XML_SetReparseDeferralEnabled != nullptr)
-        XML_SetReparseDeferralEnabled(get(), XML_FALSE);
-    if (XML_SetBillionLaughsAttackProtectionActivationThreshold != nullptr)
-        XML_SetBillionLaughsAttackProtectionActivationThreshold(get(), XmlLimits::unquestionedBytes);
-    return true;
 }
 
 int kelto::parseFile(File &file, const Parser &parser, XmlLimits &limits, bool (*isDone)(const void *),

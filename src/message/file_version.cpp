@@ -2,9 +2,9 @@
 
 #include "kelto.h"
 #include "lifecycle/global_state.h"
-#include "message/attributes.h"
-#include "message/element_names.h"
 #include "message/file_reader.h"
+#include "message/grammar/attributes.h"
+#include "message/grammar/elements.h"
 
 namespace
 {
@@ -53,7 +53,7 @@ void startElement(void *state, const char *name, const char **attrs)
     if (query.done || !kelto::equalNames(name, "file"))
         return;
     query.done = true;
-    const char *const version = getAttrValue(attrs, "product-version");
+    const char *const version = kelto::findAttribute(attrs, "product-version");
     const size_t length = version != nullptr ? std::strlen(version) : 0;
     if (version != nullptr && length <= maxVersionBytes)
         std::memcpy(query.version, version, length + 1);

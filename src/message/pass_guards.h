@@ -7,9 +7,9 @@
 #define KELTO_MESSAGE_PASS_GUARDS_H
 
 #include "message/first_pass.h"
+#include "message/grammar/xml_limits.h"
 #include "message/second_pass.h"
 #include "message/sparse_index.h"
-#include "message/xml_limits.h"
 
 #include <type_traits>
 

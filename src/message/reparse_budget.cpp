@@ -11,11 +11,10 @@
 namespace
 {
 
+using kelto::XmlLimits;
+
 constexpr uint64_t unquestionedRereading = uint64_t{1} << 20;
 constexpr uint64_t mostRereading = 32; // for each byte read
-
-// A longer token is refused, since the parser holds it as a whole.
-constexpr uint64_t longestToken = uint64_t{24} << 20;
 
 constexpr uint64_t wholeChunks(uint64_t bytes)
 {
@@ -27,12 +26,12 @@ constexpr uint64_t wholeChunks(uint64_t bytes)
 uint64_t kelto::ReparseBudget::nextStep(uint64_t fed) noexcept
 {
     const uint64_t unfinished = unfinishedBytes(fed);
-    if (unfinished > longestToken)
+    if (unfinished > XmlLimits::longestToken)
         return 0;
     m_reread += unfinished;
     if (m_reread <= unquestionedRereading + mostRereading * fed)
         return chunkBytes;
-    return wholeChunks(std::min(unfinished, longestToken + 1 - unfinished));
+    return wholeChunks(std::min(unfinished, XmlLimits::longestToken + 1 - unfinished));
 }
 
 // What the parser holds of a token whose end it has not seen.

@@ -7,8 +7,8 @@
 #define KELTO_MESSAGE_SECOND_PASS_H
 
 #include "kelto.h"
-#include "message/attributes.h"
-#include "message/element_names.h"
+#include "message/grammar/attributes.h"
+#include "message/grammar/elements.h"
 #include "message/stored_message.h"
 #include "message/table_list.h"
 

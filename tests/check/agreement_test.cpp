@@ -1,5 +1,6 @@
 #include "agreement.h"
 #include "check/checks.h"
+#include "check/resolved_text.h"
 #include "document.h"
 
 #include <algorithm>

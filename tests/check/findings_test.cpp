@@ -62,6 +62,15 @@ std::string numbered(int id, const std::string &text)
     return fmt::format("<trans-unit id='{}'><source>{}</source></trans-unit>", id, text);
 }
 
+/** A document type of many entities: each refers to the one before it, or all to the first. */
+std::string entities(bool isChain)
+{
+    std::string declarations = "<!ENTITY e0 'a'>";
+    for (int i = 1; i <= 110; ++i)
+        declarations += fmt::format("<!ENTITY e{} '&e{};'>", i, isChain ? i - 1 : 0);
+    return "<!DOCTYPE xliff [" + declarations + "]>";
+}
+
 // Texts stand in line 3 and begin at column 1; "<x ts='%d' id='1'/>" is 19 columns wide.
 const Row rows[] = {
     {unit("a"), ""},
@@ -76,6 +85,8 @@ const Row rows[] = {
     {"<xliff><file source-language='deu' product-name='' product-version='1'><header/></file></xliff>",
      "1:8-72 structure, 1:31-34 language, 1:50-50 attribute-missing"},
     {"<!DOCTYPE xliff [<!ENTITY e \"&#37;d[1]\">]>" + unit("&e; ") + "\n", "1:1-10 doctype, 3:1-4 typed-conversion"},
+    {entities(false) + unit("&e110; <b/> c"), "1:1-10 doctype, 3:8-12 structure"},
+    {entities(true) + unit("a"), "1:1-10 doctype, 1:1-10 xml-syntax"},
     {document(numbered(1, "a") + "<trans-unit><source/></trans-unit>"), "2:51-63 attribute-missing"},
     {"<xliff>\n a &amp; b<!-- -->c <file source-language='de' product-name='S' product-version='1'>\n<header>=</header>"
      "<body><trans-unit id='1'><source>a<context>d</context>e</source><note>n</note>f</trans-unit>\n\n<<",

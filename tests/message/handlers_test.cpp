@@ -2,6 +2,7 @@
 // know and no byte more.
 
 #include "message/escapes.h"
+#include "message/exported_grammar.h"
 #include "message/file_version.h"
 #include "message/first_pass.h"
 #include "message/loading.h"

@@ -2,6 +2,7 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/selectors.h"
+#include "message/grammar/attributes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -65,7 +66,7 @@ private:
             const Attributes all = taken(attributes);
             const std::string *const number = findAttribute(all, "ts");
             const std::string *const id = findAttribute(all, "id");
-            m_unit = check::messageId(number != nullptr ? number->c_str() : id != nullptr ? id->c_str() : "");
+            m_unit = kelto::readMessageId(attributes);
             if (number != nullptr && id != nullptr)
                 m_remarks.labels[m_unit] = *id;
             if (const std::string *const source = findAttribute(all, sourceDigest))

@@ -2,6 +2,7 @@
 
 #include "check/catalog.h"
 #include "check/formats.h"
+#include "check/resolved_text.h"
 
 #include <algorithm>
 #include <fmt/core.h>

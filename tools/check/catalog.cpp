@@ -164,37 +164,4 @@ size_t Catalog::behindExpanded(Range value, size_t utf8Bytes) const
     return at;
 }
 
-size_t escapeLength(std::string_view text)
-{
-    constexpr std::string_view escaped = "\\trn\"";
-    return text.size() > 1 && text[0] == '\\' && escaped.find(text[1]) != std::string_view::npos ? 2 : 0;
-}
-
-ResolvedText::ResolvedText(std::string_view raw) : m_text(raw), m_hasBackslash(raw.find('\\') != std::string_view::npos)
-{
-    if (!m_hasBackslash)
-        return;
-    for (size_t at = 0; at < raw.size();)
-    {
-        if (const size_t length = escapeLength(raw.substr(at)))
-        {
-            constexpr std::string_view written = "trn";
-            constexpr std::string_view meant = "\t\r\n";
-            const size_t row = written.find(raw[at + 1]);
-            m_escapes.push_back(m_resolved.size());
-            m_resolved += row != std::string_view::npos ? meant[row] : raw[at + 1];
-            at += length;
-        }
-        else
-            m_resolved += raw[at++];
-    }
-    m_text = m_resolved;
-}
-
-size_t ResolvedText::beforeEscapes(size_t offset) const
-{
-    return offset +
-           static_cast<size_t>(std::lower_bound(m_escapes.begin(), m_escapes.end(), offset) - m_escapes.begin());
-}
-
 } // namespace tool::check

@@ -1,8 +1,7 @@
 /**
- * A message file as the checker reads it: its messages, and where each byte of each stands in the file. The reader is
- * the XML parser with the rules of a message file; unlike the library's it goes on behind a fault, so that one run
- * tells all. Whether a file loads it decides as the library does, which a test compares; where a document type or a
- * huge token makes that a question of limits, it asks the library.
+ * A message file as the checker reads it: its messages, and where each byte of each stands in the file. The reader
+ * takes the library's own steps (src/message/grammar); unlike the loader it goes on behind a fault, so that one run
+ * tells all. Where a document type or a huge token makes loading a question of limits, it asks the library.
  */
 #ifndef KELTO_TOOLS_CHECK_CATALOG_H
 #define KELTO_TOOLS_CHECK_CATALOG_H
@@ -148,39 +147,6 @@ private:
     Attribute m_productVersion;
     bool m_isWhole = true;
 };
-
-/** A message with its escapes resolved, as a program gets it. */
-class ResolvedText
-{
-public:
-    /** @param raw  followed by a zero byte; it must outlive this. */
-    explicit ResolvedText(std::string_view raw);
-    ResolvedText(const ResolvedText &) = delete;
-    ResolvedText &operator=(const ResolvedText &) = delete;
-
-    /** Followed by a zero byte. */
-    std::string_view text() const { return m_text; }
-
-    /** Whether a backslash is left, or was there. */
-    bool hasBackslash() const { return m_hasBackslash; }
-
-    /** The same part of the text before the escapes were resolved. */
-    Range beforeEscapes(Range range) const { return {beforeEscapes(range.begin), beforeEscapes(range.end)}; }
-
-private:
-    size_t beforeEscapes(size_t offset) const;
-
-    std::string_view m_text;
-    bool m_hasBackslash;
-    std::string m_resolved;
-    std::vector<size_t> m_escapes; // where in it a byte stands for two
-};
-
-/** How many bytes an escape at the beginning of a text takes: 2, or 0 where there is none. */
-size_t escapeLength(std::string_view text);
-
-/** The number that a "trans-unit" has in an attribute; 0 where it is none from 1 on. */
-int messageId(const char *text);
 
 } // namespace tool::check
 

@@ -4,6 +4,7 @@
 
 #include "check/catalog.h"
 #include "check/formats.h"
+#include "check/resolved_text.h"
 
 #include <vector>
 

@@ -6,6 +6,7 @@
 #define KELTO_TOOLS_CHECK_SUBJECT_H
 
 #include "check/catalog.h"
+#include "check/resolved_text.h"
 
 #include <map>
 #include <optional>

@@ -1,5 +1,7 @@
 #include "check/variants.h"
 
+#include "check/resolved_text.h"
+#include "message/grammar/attributes.h"
 #include "text.h"
 
 #include <algorithm>
@@ -77,7 +79,7 @@ std::optional<Label> readLabel(const std::string &id)
         open != std::string::npos && open > 0 && id.back() == ']' && id.find_first_not_of("0123456789") == open;
     if (!isLabel)
         return std::nullopt;
-    return Label{messageId(id.substr(0, open).c_str()), id.substr(open + 1, id.size() - open - 2)};
+    return Label{kelto::parseMessageId(id.substr(0, open).c_str()), id.substr(open + 1, id.size() - open - 2)};
 }
 
 std::vector<Slot> slotsOf(const Format &format)

@@ -1,5 +1,6 @@
 #include "gen/header.h"
 
+#include "check/resolved_text.h"
 #include "check/utf8.h"
 #include "check/variants.h"
 #include "gen/c_function.h"

@@ -1,25 +1,12 @@
-#include "message/element_names.h"
-
-constexpr ElementMapRow elmtMapTable[11] = {
-    {"trans-unit", ELM_TRANS_UNIT, 3},
-    {"source", ELM_SOURCE, 4},
-    {"x", ELM_X, 5},
-    {"xliff", ELM_XLIFF, 0},
-    {"file", ELM_FILE, 1},
-    {"header", ELM_HEADER, 2},
-    {"body", ELM_BODY, 2},
-    {"context-group", ELM_CONTEXT_GROUP, 4},
-    {"context", ELM_CONTEXT, 5},
-    {"note", ELM_NOTE, 4},
-    {nullptr, ELM_UNKNOWN, -1},
-};
+#include "message/grammar/elements.h"
 
 namespace
 {
 
+using kelto::elements;
+
 constexpr size_t unknownRow = kelto::elementRows - 1;
 
-/** The length of the longest name of all rows. */
 constexpr size_t lengthOf(const char *name)
 {
     size_t length = 0;
@@ -31,7 +18,7 @@ constexpr size_t lengthOf(const char *name)
 constexpr size_t longestName = [] {
     size_t longest = 0;
     for (size_t i = 0; i < unknownRow; ++i)
-        longest = lengthOf(elmtMapTable[i].name) > longest ? lengthOf(elmtMapTable[i].name) : longest;
+        longest = lengthOf(elements[i].name) > longest ? lengthOf(elements[i].name) : longest;
     return longest;
 }();
 
@@ -56,14 +43,15 @@ const ElementMapRow &kelto::findElement(const char *name) noexcept
 {
 #pragma GCC unroll 16
     for (size_t i = 0; i < unknownRow; ++i)
-        if (isNamed(elmtMapTable[i], name))
-            return elmtMapTable[i];
-    return elmtMapTable[unknownRow];
+        if (isNamed(elements[i], name))
+            return elements[i];
+    return elements[unknownRow];
 }
 
-void mapElmtName(const char *name, ElementID *id, int *level)
+const ElementMapRow &kelto::rowOf(ElementID id) noexcept
 {
-    const ElementMapRow &row = kelto::findElement(name);
-    *id = row.id;
-    *level = row.level;
+    size_t row = 0;
+    while (row < unknownRow && elements[row].id != id)
+        ++row;
+    return elements[row];
 }

@@ -1,24 +1,12 @@
 /**
  * The attributes of a message file: what a "file", a "trans-unit" and an "x" say, and which of it is accepted. Both
- * passes of the loader take them apart here, so that they cannot disagree on what a file says.
+ * passes of the loader and the checker take them apart here, so that they cannot disagree on what a file says.
  */
-#ifndef KELTO_MESSAGE_ATTRIBUTES_H
-#define KELTO_MESSAGE_ATTRIBUTES_H
+#ifndef KELTO_MESSAGE_GRAMMAR_ATTRIBUTES_H
+#define KELTO_MESSAGE_GRAMMAR_ATTRIBUTES_H
 
 #include <cstddef>
 #include <cstring>
-
-extern "C" {
-#pragma GCC visibility push(default)
-
-/**
- * The value of the first attribute of this name, or null.
- * @param attrs  names and values in turn, ended by a null name, as the XML parser hands them out; it owns the value.
- */
-const char *getAttrValue(const char **attrs, const char *name);
-
-#pragma GCC visibility pop
-}
 
 namespace kelto
 {
@@ -27,6 +15,12 @@ inline bool equalNames(const char *a, const char *b) noexcept
 {
     return *a == *b && std::strcmp(a, b) == 0;
 }
+
+/**
+ * The value of the first attribute of this name, or null.
+ * @param attrs  names and values in turn, ended by a null name, as the XML parser hands them out; it owns the value.
+ */
+const char *findAttribute(const char **attrs, const char *name) noexcept;
 
 /** What a "file" element says; the texts are the parser's, null where an attribute is missing. */
 struct FileAttributes
@@ -41,11 +35,19 @@ struct FileAttributes
         return language != nullptr && productName != nullptr && productVersion != nullptr;
     }
     bool namesCountry() const noexcept { return languageLength == 5; }
+    bool namesLanguage() const noexcept { return languageLength == 2 || namesCountry(); }
     /** Whether a message file may say so: the language has its shape, and neither product text is empty. */
     bool areAccepted() const noexcept
     {
-        return areThere() && (languageLength == 2 || namesCountry()) && *productName != '\0' && *productVersion != '\0';
+        return areThere() && namesLanguage() && *productName != '\0' && *productVersion != '\0';
     }
+};
+
+/** The number of a "trans-unit" as it is written. */
+struct MessageNumber
+{
+    const char *attribute; /**< the name of the attribute that has it */
+    const char *digits;    /**< the parser's; null where there is none, and perhaps no number */
 };
 
 /** What an "x" element says; the texts are the parser's, null where an attribute is missing or empty. */
@@ -59,8 +61,11 @@ struct Placeholder
 /** Takes a "file" element apart. */
 FileAttributes readFileAttributes(const char **attrs) noexcept;
 
-/** The digits of a "trans-unit", null where it has none; they may be no number. */
-const char *findMessageId(const char **attrs) noexcept;
+/** Finds the number of a "trans-unit". */
+MessageNumber findMessageNumber(const char **attrs) noexcept;
+
+/** The message ID that such digits stand for, at least 1; 0 where they stand for none, or are null. */
+int parseMessageId(const char *digits) noexcept;
 
 /** The message ID of a "trans-unit", at least 1; 0 when there is none. */
 int readMessageId(const char **attrs) noexcept;

@@ -1,16 +1,8 @@
-#include "message/attributes.h"
+#include "message/grammar/attributes.h"
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
-
-const char *getAttrValue(const char **attrs, const char *name)
-{
-    for (; attrs[0] != nullptr; attrs += 2)
-        if (kelto::equalNames(attrs[0], name))
-            return attrs[1];
-    return nullptr;
-}
 
 namespace
 {
@@ -18,12 +10,12 @@ namespace
 /** The value of an attribute that has one; null when it is missing or empty. */
 const char *filledAttribute(const char **attrs, const char *name)
 {
-    const char *const value = getAttrValue(attrs, name);
+    const char *const value = kelto::findAttribute(attrs, name);
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
 /** The number as written, of which the low 32 bits count. Nearly all are a few digits and nothing else. */
-int parseId(const char *text)
+int parseNumber(const char *text)
 {
     constexpr int safeDigits = 9;
     int number = 0;
@@ -41,25 +33,37 @@ int parseId(const char *text)
 
 } // namespace
 
+const char *kelto::findAttribute(const char **attrs, const char *name) noexcept
+{
+    for (; attrs[0] != nullptr; attrs += 2)
+        if (equalNames(attrs[0], name))
+            return attrs[1];
+    return nullptr;
+}
+
 kelto::FileAttributes kelto::readFileAttributes(const char **attrs) noexcept
 {
-    const char *const language = getAttrValue(attrs, "source-language");
-    return {language, language != nullptr ? std::strlen(language) : 0, getAttrValue(attrs, "product-name"),
-            getAttrValue(attrs, "product-version")};
+    const char *const language = findAttribute(attrs, "source-language");
+    return {language, language != nullptr ? std::strlen(language) : 0, findAttribute(attrs, "product-name"),
+            findAttribute(attrs, "product-version")};
 }
 
 // An empty "ts" is not passed over in favour of "id".
-const char *kelto::findMessageId(const char **attrs) noexcept
+kelto::MessageNumber kelto::findMessageNumber(const char **attrs) noexcept
 {
-    const char *const digits = getAttrValue(attrs, "ts");
-    return digits != nullptr ? digits : getAttrValue(attrs, "id");
+    const char *const digits = findAttribute(attrs, "ts");
+    return digits != nullptr ? MessageNumber{"ts", digits} : MessageNumber{"id", findAttribute(attrs, "id")};
+}
+
+int kelto::parseMessageId(const char *digits) noexcept
+{
+    const int id = digits != nullptr ? parseNumber(digits) : 0;
+    return id > 0 ? id : 0;
 }
 
 int kelto::readMessageId(const char **attrs) noexcept
 {
-    const char *const digits = findMessageId(attrs);
-    const int id = digits != nullptr ? parseId(digits) : 0;
-    return id > 0 ? id : 0;
+    return parseMessageId(findMessageNumber(attrs).digits);
 }
 
 kelto::Placeholder kelto::readPlaceholder(const char **attrs) noexcept

@@ -3,11 +3,11 @@
  * declarations. Every pass over a document has limits of its own, which hear of each declaration and, where any
  * attribute was declared, of each element. A document beyond them stops the parser, which may have read far ahead.
  */
-#ifndef KELTO_MESSAGE_XML_LIMITS_H
-#define KELTO_MESSAGE_XML_LIMITS_H
+#ifndef KELTO_MESSAGE_GRAMMAR_XML_LIMITS_H
+#define KELTO_MESSAGE_GRAMMAR_XML_LIMITS_H
 
-#include "message/element_names.h"
-#include "message/entity_nesting.h"
+#include "message/grammar/elements.h"
+#include "message/grammar/entity_nesting.h"
 
 #include <cstdint>
 #include <expat.h>
@@ -21,6 +21,7 @@ class XmlLimits
 public:
     static constexpr uint64_t unquestionedBytes = uint64_t{64} << 20;
     static constexpr uint64_t mostForEachByte = 100;
+    static constexpr uint64_t longestToken = uint64_t{24} << 20; // a tag or a comment; the parser holds it as a whole
 
     void attach(XML_Parser parser) noexcept { m_parser = parser; }
 

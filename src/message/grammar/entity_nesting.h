@@ -8,8 +8,8 @@
  * is as deep as it has members, and then as deep as what these refer to: the strongly connected components of the graph
  * of references, of which a declaration joins those that lie on the circles that it closes.
  */
-#ifndef KELTO_MESSAGE_ENTITY_NESTING_H
-#define KELTO_MESSAGE_ENTITY_NESTING_H
+#ifndef KELTO_MESSAGE_GRAMMAR_ENTITY_NESTING_H
+#define KELTO_MESSAGE_GRAMMAR_ENTITY_NESTING_H
 
 #include <cstddef>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "message/entity_nesting.h"
+#include "message/grammar/entity_nesting.h"
 
 #include "platform/stack.h"
 

@@ -1,6 +1,6 @@
-#include "message/xml_limits.h"
+#include "message/grammar/xml_limits.h"
 
-#include "message/attributes.h"
+#include "message/grammar/attributes.h"
 
 #include <cstring>
 
@@ -12,9 +12,9 @@ namespace
 // quarter of a unit.
 constexpr uint64_t comparisonsForOne = 4;
 
-size_t rowOf(const ElementMapRow &element)
+size_t indexOf(const ElementMapRow &element)
 {
-    return static_cast<size_t>(&element - elmtMapTable);
+    return static_cast<size_t>(&element - kelto::elements);
 }
 
 } // namespace
@@ -36,7 +36,7 @@ void kelto::XmlLimits::addEntity(const char *name, std::string_view value) noexc
 
 void kelto::XmlLimits::addAttribute(const char *element, const char *type, const char *value) noexcept
 {
-    uint32_t &declared = m_declared[rowOf(findElement(element))];
+    uint32_t &declared = m_declared[indexOf(findElement(element))];
     if (value != nullptr || equalNames(type, "ID"))
         addWork(declared / comparisonsForOne);
     ++declared;
@@ -47,6 +47,6 @@ void kelto::XmlLimits::addAttribute(const char *element, const char *type, const
 // a pass reads those that it stores, which it counts, and the numbers of messages.
 bool kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
 {
-    const char *const id = element.id == ELM_TRANS_UNIT ? findMessageId(attrs) : nullptr;
-    return addWork(m_declared[rowOf(element)] + (id != nullptr ? std::strlen(id) : 0));
+    const char *const id = element.id == ELM_TRANS_UNIT ? findMessageNumber(attrs).digits : nullptr;
+    return addWork(m_declared[indexOf(element)] + (id != nullptr ? std::strlen(id) : 0));
 }

@@ -1,0 +1,74 @@
+/**
+ * The structure of a message file, a step for each start and each end of an element. The first pass of the loader takes
+ * these steps and ends at the first refusal; the checker takes them too, explains what is refused and goes on.
+ */
+#ifndef KELTO_MESSAGE_GRAMMAR_STRUCTURE_H
+#define KELTO_MESSAGE_GRAMMAR_STRUCTURE_H
+
+#include "message/grammar/elements.h"
+
+#include <cstdint>
+
+/** All zero at the start except `raw`. */
+struct FirstPassState
+{
+    bool raw;       /**< placeholders count without their positions */
+    int error;      /**< 0, or the result that ends the pass: all handlers return at once */
+    int depth;      /**< the elements that are open */
+    ElementID last; /**< the element of the latest event that sets it; what may come next depends on it */
+    int xliffSeen, fileSeen, headerSeen, bodySeen;
+    int sourceSeen;    /**< in the current "trans-unit" */
+    int highestId;     /**< of all messages so far */
+    uint64_t textSize; /**< the bytes that all messages need, with two zero bytes after each */
+};
+
+namespace kelto
+{
+
+struct ElementRule
+{
+    ElementID mustFollow;      /**< what `last` has to be at the start; ELM_UNKNOWN: anything */
+    int FirstPassState::*once; /**< the flag that the start must not find set, and sets; null: none */
+    bool (*onStart)(FirstPassState &, const char **attrs); /**< takes the attributes, unless null; false refuses them */
+    ElementID lastAtEnd;                                   /**< what `last` becomes at the end; ELM_UNKNOWN: it stays */
+    ElementID needed[2]; /**< what has to have started in it at its end; ELM_UNKNOWN: nothing */
+    unsigned bytesAtEnd; /**< what its end adds to `textSize` */
+};
+
+const ElementRule &ruleOf(ElementID id) noexcept;
+
+enum class Start : uint8_t
+{
+    accepted,
+    unknownElement,
+    wrongLevel,
+    wrongOrder, /**< the level is right, but not what stands in front */
+    repetition
+};
+
+/** Whether an element may start here, its attributes aside. */
+Start judgeStart(const FirstPassState &pass, const ElementMapRow &element) noexcept;
+
+/** Whether the element of a rule, of which there can be only one, has started. */
+inline bool hasStarted(const FirstPassState &pass, const ElementRule &rule) noexcept
+{
+    return pass.*rule.once != 0;
+}
+
+/* The steps of an element whose place was accepted: what it says, false where that is refused; its start; its end. */
+bool takeAttributes(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept;
+void openElement(FirstPassState &pass, const ElementMapRow &element) noexcept;
+void closeElement(FirstPassState &pass, const ElementMapRow &element) noexcept;
+
+/** Whether all that the element needs has started. */
+bool hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &element) noexcept;
+
+/** Text belongs to a message: it stands in a "source", and no other element in front of it or around it. */
+inline bool takesText(const FirstPassState &pass) noexcept
+{
+    return pass.last == ELM_SOURCE;
+}
+
+} // namespace kelto
+
+#endif
