@@ -13,11 +13,10 @@ void kelto::startInFirstPass(FirstPassState &pass, const ElementMapRow &element,
 // A program that drives the handlers may end what no start accepted; `depth` then stays, as where something is missing.
 void kelto::endInFirstPass(FirstPassState &pass, const ElementMapRow &element) noexcept
 {
-    const int depth = pass.depth;
     closeElement(pass, element);
     if (element.id != ELM_UNKNOWN && hasWhatItNeeds(pass, element))
         return;
-    pass.depth = depth;
+    ++pass.depth;
     pass.error = KT_ERR_BAD_MSG_FILE;
 }
 

@@ -26,8 +26,14 @@ void guardStart1(void *state, const char *name, const char **attrs)
         return;
     const ElementMapRow &element = kelto::findElement(name);
     if (!guard.limits.addElement(element, attrs))
+    {
+        guard.pass.error = KT_ERR_BAD_MSG_FILE; // the parser, which has stopped, may still tell of the end of "<x/>"
         return;
+    }
     kelto::startInFirstPass(guard.pass, element, attrs);
+    if (guard.pass.error != 0)
+        return;
+    guard.open[element.level] = &element;
     if (element.id == ELM_SOURCE)
     {
         guard.messageOffset = guard.pass.textSize;
@@ -37,12 +43,12 @@ void guardStart1(void *state, const char *name, const char **attrs)
         guard.pass.error = KT_ERR_BAD_MSG_FILE;
 }
 
-void guardEnd1(void *state, const char *name)
+void guardEnd1(void *state, const char *)
 {
     auto &guard = *static_cast<FirstPassGuard *>(state);
     if (guard.pass.error != 0)
         return;
-    const ElementMapRow &element = kelto::findElement(name);
+    const ElementMapRow &element = *guard.open[guard.pass.depth - 1];
     kelto::endInFirstPass(guard.pass, element);
     if (element.id != ELM_SOURCE)
         return;

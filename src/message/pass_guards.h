@@ -22,6 +22,7 @@ struct FirstPassGuard
     FirstPassState pass = {};
     uint64_t messageOffset = 0; /**< `textSize` where the current message began */
     size_t messages = 0;
+    const ElementMapRow *open[deepestLevel + 1] = {}; /**< by level: the elements that are open, found at their start */
     XmlLimits limits = {};
 };
 

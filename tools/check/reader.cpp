@@ -210,6 +210,7 @@ void Reader::startFile(const char **attributes, Range tag)
 
 void Reader::startUnit(const char **attributes, Range tag)
 {
+    m_structure.sourceSeen = false; // also where the number is refused
     m_message = {};
     m_message.unit = tag;
     m_message.id = kelto::readMessageId(attributes);
@@ -347,8 +348,8 @@ void Reader::end()
 
 void Reader::tellMissing(const OpenElement &closed)
 {
-    for (const ElementID needed : kelto::ruleOf(closed.element).needed)
-        if (needed != ELM_UNKNOWN && !kelto::hasStarted(m_structure, kelto::ruleOf(needed)))
+    for (const ElementID needed : kelto::elementRules[closed.element].needed)
+        if (needed != ELM_UNKNOWN && !kelto::hasStarted(m_structure, kelto::elementRules[needed]))
             find(Rule::structure, closed.tag,
                  {Text::elementMissing, {kelto::rowOf(closed.element).name, kelto::rowOf(needed).name}});
 }

@@ -7,9 +7,9 @@ namespace tool::check
 namespace
 {
 
+using kelto::elementRules;
 using kelto::elements;
 using kelto::judgeStart;
-using kelto::ruleOf;
 using kelto::Start;
 
 /** The name of an element; empty for the document. */
@@ -24,7 +24,7 @@ ElementID homeOf(const ElementMapRow &element)
 {
     if (element.id == ELM_CONTEXT)
         return ELM_CONTEXT_GROUP;
-    if (const ElementID before = ruleOf(element.id).mustFollow; before != ELM_UNKNOWN)
+    if (const ElementID before = elementRules[element.id].mustFollow; before != ELM_UNKNOWN)
         return before;
     for (const ElementMapRow &row : elements)
         if (row.level + 1 == element.level)
@@ -35,14 +35,14 @@ ElementID homeOf(const ElementMapRow &element)
 /** Whether an element may stand in a parent, whatever stands in front of it. */
 bool mayStandIn(ElementID parent, const ElementMapRow &element)
 {
-    const ElementID before = ruleOf(element.id).mustFollow;
+    const ElementID before = elementRules[element.id].mustFollow;
     return kelto::rowOf(parent).level + 1 == element.level && (before == ELM_UNKNOWN || before == parent);
 }
 
 /** Whether an element keeps away what its parent needs: behind it, that may no longer start. */
 bool keepsAway(const FirstPassState &pass, ElementID parent, const ElementMapRow &element)
 {
-    for (const ElementID needed : ruleOf(parent).needed)
+    for (const ElementID needed : elementRules[parent].needed)
     {
         if (needed == ELM_UNKNOWN || needed == element.id || judgeStart(pass, kelto::rowOf(needed)) != Start::accepted)
             continue;

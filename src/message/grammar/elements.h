@@ -50,6 +50,13 @@ inline constexpr ElementMapRow elements[] = {
 
 constexpr size_t elementRows = sizeof elements / sizeof *elements;
 
+constexpr int deepestLevel = [] {
+    int deepest = 0;
+    for (const ElementMapRow &row : elements)
+        deepest = row.level > deepest ? row.level : deepest;
+    return deepest;
+}();
+
 /** The row of the element with exactly this name. */
 const ElementMapRow &findElement(const char *name) noexcept;
 

@@ -20,6 +20,7 @@ bool takeMessage(FirstPassState &pass, const char **attrs)
         return false;
     if (id > pass.highestId)
         pass.highestId = id;
+    pass.sourceSeen = false;
     return true;
 }
 
@@ -36,8 +37,9 @@ bool takePlaceholder(FirstPassState &pass, const char **attrs)
 
 using Pass = FirstPassState;
 
-/** By ElementID. */
-constexpr kelto::ElementRule elementRules[] = {
+} // namespace
+
+constexpr kelto::ElementRule kelto::elementRules[] = {
     /* unknown       */ {},
     /* xliff         */ {ELM_UNKNOWN, &Pass::xliffSeen, nullptr, ELM_UNKNOWN, {ELM_FILE}, 0},
     /* file          */ {ELM_XLIFF, &Pass::fileSeen, takeFile, ELM_XLIFF, {ELM_HEADER, ELM_BODY}, 0},
@@ -51,58 +53,3 @@ constexpr kelto::ElementRule elementRules[] = {
     /* context       */ {},
     /* note          */ {},
 };
-static_assert(sizeof elementRules == (ELM_NOTE + 1) * sizeof(kelto::ElementRule));
-
-} // namespace
-
-const kelto::ElementRule &kelto::ruleOf(ElementID id) noexcept
-{
-    return elementRules[id];
-}
-
-kelto::Start kelto::judgeStart(const FirstPassState &pass, const ElementMapRow &element) noexcept
-{
-    const ElementRule &rule = elementRules[element.id];
-    if (element.id == ELM_UNKNOWN)
-        return Start::unknownElement;
-    if (element.level != pass.depth)
-        return Start::wrongLevel;
-    if (rule.mustFollow != ELM_UNKNOWN && pass.last != rule.mustFollow)
-        return Start::wrongOrder;
-    if (rule.once != nullptr && hasStarted(pass, rule))
-        return Start::repetition;
-    return Start::accepted;
-}
-
-bool kelto::takeAttributes(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept
-{
-    const ElementRule &rule = elementRules[element.id];
-    if (rule.once != nullptr)
-        pass.*rule.once = true;
-    return rule.onStart == nullptr || rule.onStart(pass, attrs);
-}
-
-void kelto::openElement(FirstPassState &pass, const ElementMapRow &element) noexcept
-{
-    if (element.id == ELM_TRANS_UNIT)
-        pass.sourceSeen = false;
-    ++pass.depth;
-    pass.last = element.id;
-}
-
-void kelto::closeElement(FirstPassState &pass, const ElementMapRow &element) noexcept
-{
-    const ElementRule &rule = elementRules[element.id];
-    if (rule.lastAtEnd != ELM_UNKNOWN)
-        pass.last = rule.lastAtEnd;
-    pass.textSize += rule.bytesAtEnd;
-    --pass.depth;
-}
-
-bool kelto::hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &element) noexcept
-{
-    for (const ElementID needed : elementRules[element.id].needed)
-        if (needed != ELM_UNKNOWN && !hasStarted(pass, elementRules[needed]))
-            return false;
-    return true;
-}

@@ -35,7 +35,8 @@ struct ElementRule
     unsigned bytesAtEnd; /**< what its end adds to `textSize` */
 };
 
-const ElementRule &ruleOf(ElementID id) noexcept;
+/** By ElementID. */
+extern const ElementRule elementRules[ELM_NOTE + 1];
 
 enum class Start : uint8_t
 {
@@ -46,22 +47,63 @@ enum class Start : uint8_t
     repetition
 };
 
-/** Whether an element may start here, its attributes aside. */
-Start judgeStart(const FirstPassState &pass, const ElementMapRow &element) noexcept;
-
 /** Whether the element of a rule, of which there can be only one, has started. */
 inline bool hasStarted(const FirstPassState &pass, const ElementRule &rule) noexcept
 {
     return pass.*rule.once != 0;
 }
 
-/* The steps of an element whose place was accepted: what it says, false where that is refused; its start; its end. */
-bool takeAttributes(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept;
-void openElement(FirstPassState &pass, const ElementMapRow &element) noexcept;
-void closeElement(FirstPassState &pass, const ElementMapRow &element) noexcept;
+/** Whether an element may start here, its attributes aside. */
+inline Start judgeStart(const FirstPassState &pass, const ElementMapRow &element) noexcept
+{
+    const ElementRule &rule = elementRules[element.id];
+    if (element.id == ELM_UNKNOWN)
+        return Start::unknownElement;
+    if (element.level != pass.depth)
+        return Start::wrongLevel;
+    if (rule.mustFollow != ELM_UNKNOWN && pass.last != rule.mustFollow)
+        return Start::wrongOrder;
+    if (rule.once != nullptr && hasStarted(pass, rule))
+        return Start::repetition;
+    return Start::accepted;
+}
 
-/** Whether all that the element needs has started. */
-bool hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &element) noexcept;
+/** Takes what an element says whose start was accepted. @return false where that is refused. */
+inline bool takeAttributes(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept
+{
+    const ElementRule &rule = elementRules[element.id];
+    if (rule.once != nullptr)
+        pass.*rule.once = true;
+    return rule.onStart == nullptr || rule.onStart(pass, attrs);
+}
+
+inline void openElement(FirstPassState &pass, const ElementMapRow &element) noexcept
+{
+    ++pass.depth;
+    pass.last = element.id;
+}
+
+inline void closeElement(FirstPassState &pass, const ElementMapRow &element) noexcept
+{
+    const ElementRule &rule = elementRules[element.id];
+    if (rule.lastAtEnd != ELM_UNKNOWN)
+        pass.last = rule.lastAtEnd;
+    pass.textSize += rule.bytesAtEnd;
+    --pass.depth;
+}
+
+/** Whether all that an element needs has started in it. */
+inline bool hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &element) noexcept
+{
+    for (const ElementID needed : elementRules[element.id].needed)
+    {
+        if (needed == ELM_UNKNOWN) // there are no further ones
+            return true;
+        if (!hasStarted(pass, elementRules[needed]))
+            return false;
+    }
+    return true;
+}
 
 /** Text belongs to a message: it stands in a "source", and no other element in front of it or around it. */
 inline bool takesText(const FirstPassState &pass) noexcept
