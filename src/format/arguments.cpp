@@ -21,7 +21,7 @@ template <typename Value> void *cellOf(Value value)
     return cell;
 }
 
-/* Each takes the next argument from the list into a cell, null where memory ran out. */
+/* Each of these takes the next argument from the list into a cell, and returns null where memory ran out. */
 
 void *takeCharacter(va_list *arguments, int flags)
 {
@@ -92,7 +92,7 @@ void *takeArgument(int type, va_list *arguments, int flags)
     }
 }
 
-/** Fills slots one after the other. One that cannot be filled is null, and so ends them. */
+/** Fills slots one after the other. A slot that cannot be filled is null, which ends the array. */
 class SlotWriter
 {
 public:

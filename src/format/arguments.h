@@ -1,7 +1,7 @@
 /**
  * The arguments of a format call as slots: an array of pointers in the order of the conversions' positions and, within
- * a conversion, width, precision, values. Slots are numbered once for all calls; a variable argument list is then
- * copied into cells, an array of pointers given by the caller is used as it is.
+ * a conversion, width, precision, values. The numbers of the slots are the same for all calls. A variable argument list
+ * is copied into cells; an array of pointers is used as it is.
  */
 #ifndef KELTO_FORMAT_ARGUMENTS_H
 #define KELTO_FORMAT_ARGUMENTS_H
@@ -14,7 +14,7 @@
 namespace kelto
 {
 
-/** How many conversions there are, the markers left out, and how many slots they take. */
+/** The number of conversions without the markers, and the number of slots that they take. */
 struct ConversionCounts
 {
     size_t conversions, slots;
@@ -27,7 +27,7 @@ struct ConversionCounts
  */
 ConversionCounts completeParameters(KTParameter *parameters, bool tag) noexcept;
 
-/** How many pointers an array holds that ends with null. */
+/** The number of pointers in an array that ends with null. */
 size_t countPointers(void *const *pointers) noexcept;
 
 /** The slots of a variable argument list, each a copy of its value in a cell of its own. */

@@ -66,7 +66,7 @@ constexpr formTable indexedTable()
 
 } // namespace
 
-// Data, not code that fills it at the start; an array takes the records of another only one by one.
+// The list is constant data, not filled by code at the start. So each record is named: arrays cannot be copied.
 KTFormatter builtInFormList[recordCount] = {
     records[0], records[1],  records[2],  records[3],  records[4],  records[5],  records[6],  records[7],  records[8],
     records[9], records[10], records[11], records[12], records[13], records[14], records[15], records[16], records[17]};

@@ -9,7 +9,7 @@
 namespace
 {
 
-/** Whether a text has to be copied for its terminator. */
+/** Whether a text has to be copied, since it may have no terminator. */
 bool isCopied(const KTArgument &argument)
 {
     if (argument.type == KT_ARGUMENT_CODE_POINT)
@@ -23,13 +23,13 @@ size_t unitSize(const KTArgument &argument)
     return argument.type == KT_ARGUMENT_UTF8 ? sizeof(char) : sizeof(UCS2);
 }
 
-/** The units of a text; it may end before the length that was given with it. */
+/** The units of a text, up to its first zero or its length. */
 size_t textLength(const KTArgument &argument)
 {
     return argument.type == KT_ARGUMENT_UTF8 ? kelto::utf8Of(argument).length : kelto::ucs2Of(argument).length;
 }
 
-/** The bytes that a copy takes, the next of which may be UCS-2; 0 for what is not copied. */
+/** The bytes that the copy of a text takes, rounded up so that UCS-2 may follow; 0 for a text that is not copied. */
 size_t copySize(const KTArgument &argument)
 {
     return isCopied(argument) ? ((textLength(argument) + 1) * unitSize(argument) + 1) & ~size_t{1} : 0;
@@ -94,7 +94,7 @@ void *CalledArguments::valueOf(const KTArgument &argument, uint32_t code, Cell &
 
 void *CalledArguments::textOf(const KTArgument &argument) noexcept
 {
-    static UCS2 empty = 0; // of either encoding
+    static UCS2 empty = 0; // the empty text in either encoding
     if (!isCopied(argument))
         return argument.value.p != nullptr ? const_cast<void *>(argument.value.p) : &empty;
     // A text that has grown since it was measured is cut to the room that is left.

@@ -1,6 +1,6 @@
 /**
- * Typed arguments as a formatter takes them when a prepared format calls it: slots that point to texts, and to cells of
- * values. While it runs, KTPointerOfKind() knows which of its slots hold pointers, and of which kind.
+ * Typed arguments as a formatter takes them when a prepared format calls it: slots that point to texts, and to cells
+ * with values. While the formatter runs, KTPointerOfKind() knows which of its slots hold pointers, and of which kind.
  */
 #ifndef KELTO_FORMAT_CALLED_ARGUMENTS_H
 #define KELTO_FORMAT_CALLED_ARGUMENTS_H
@@ -18,7 +18,7 @@ namespace kelto
 class CalledArguments
 {
 public:
-    /** False when memory ran out: a few arguments and short texts need none. */
+    /** Makes the slots; false when memory ran out. A few arguments and short texts need no memory. */
     bool make(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept;
 
     void **slots() const noexcept { return m_slots; }
@@ -44,7 +44,7 @@ private:
     char *m_end = nullptr;
 };
 
-/** Makes the slots of a formatter known for as long as it runs; it may itself format something. */
+/** Makes the slots of a formatter known while it runs. A formatter may itself format something. */
 class RunningSlots
 {
 public:
@@ -60,7 +60,7 @@ private:
     void **m_begin;
     const KTArgument *m_arguments;
     size_t m_count;
-    const RunningSlots *m_outer; // of the call in which this one runs, if any
+    const RunningSlots *m_outer; // the slots of the call in which this one runs, or null
 };
 
 } // namespace kelto

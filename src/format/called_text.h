@@ -15,7 +15,7 @@ namespace kelto
 class CalledText
 {
 public:
-    /** Units that a text may have wherever it goes. */
+    /** The units that a text may have whatever room is left. */
     static constexpr unsigned long alwaysAllowed = 1UL << 16;
 
     /**
@@ -42,7 +42,7 @@ public:
 
     const UCS2 *units() const noexcept { return m_units; }
 
-    /** Its units, or those that the formatter asked for. */
+    /** The units of the text, or those that the formatter asked for. */
     unsigned long count() const noexcept { return m_count; }
 
 private:

@@ -1,4 +1,4 @@
-/** What two prepared formats take, one beside the other. */
+/** Compares the arguments that two prepared formats take. */
 #ifndef KELTO_FORMAT_COMPARE_FORMATS_H
 #define KELTO_FORMAT_COMPARE_FORMATS_H
 
@@ -10,7 +10,7 @@ namespace kelto
 /** The first slot in which a format differs from the reference; its rule is KT_RULE_NONE where there is none. */
 KTProblem compareSlots(const KTPreparedFormat &format, const KTPreparedFormat &reference) noexcept;
 
-/** Notes where the conversion specification of the problem's position stands in a format that was accepted. */
+/** Stores in a problem where the conversion specification of its position stands in a correct format. */
 void findPlace(const char *format, KTProblem &problem) noexcept;
 
 } // namespace kelto

@@ -1,6 +1,6 @@
 /**
- * What parser, calls and formatters ask of the records in kelto.h (KTFormatter, KTParameter) beyond their members:
- * which codes take an argument, what a marker is, which record stands for it, how long a name can be.
+ * Questions of parser, calls and formatters to the records of kelto.h (KTFormatter, KTParameter): which codes take an
+ * argument, what a marker is, which record stands for it, how long a name can be.
  */
 #ifndef KELTO_FORMAT_CONVERSION_RECORD_H
 #define KELTO_FORMAT_CONVERSION_RECORD_H

@@ -22,7 +22,7 @@ struct FlagCharacter
     int flag;
 };
 
-/** Rows of them, spread out by character: one access for a unit instead of a search. */
+/** The rows of flags, spread out by character: one access for a unit in place of a search. */
 class FlagTable
 {
 public:
@@ -70,7 +70,7 @@ template <typename Unit> int takeNumber(const Unit *&cursor)
     return value < beyondInt ? static_cast<int>(value) : tooLarge;
 }
 
-/** Takes a width, or a precision behind its '.': '*', a number, or nothing, which counts as `ifMissing`. */
+/** Takes a width, or a precision behind its '.': '*', a number, or nothing. Nothing has the value `ifMissing`. */
 template <typename Unit> bool takeWidthOrPrecision(const Unit *&cursor, int ifMissing, int &value)
 {
     value = ifMissing;
@@ -155,7 +155,7 @@ kelto::FoundConversion resolveName(const kelto::ConversionName<Unit> &name, int 
     return kelto::findConversion(name, flags, table);
 }
 
-/** Where a refused conversion specification ends: behind its ']', else at the next white space or '%'. */
+/** Where a refused conversion specification ends: behind its ']', or else before the next white space or '%'. */
 template <typename Unit> const Unit *guessEnd(const Unit *percent)
 {
     const Unit *next = percent + 1;
@@ -183,7 +183,7 @@ template <typename Unit> ConversionSpec<Unit> parseSpecification(const Unit *per
     int flags = 0;
     int width = KT_ABSENT;
     int precision = KT_ABSENT;
-    // Flags, digits, '*' and '.' are all below 'A': where a letter follows the '%', there is nothing to take.
+    // Flags, digits, '*' and '.' are all below 'A': where a letter follows the '%', none of them is there.
     if (*cursor < 'A' && !takeOptions(cursor, flags, width, precision))
         return malformed<Unit>(KT_RULE_NUMBER_TOO_LARGE);
     flags |= takeModifier(cursor);

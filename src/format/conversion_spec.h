@@ -23,7 +23,7 @@ template <typename Unit> struct ConversionSpec
 /** Parses the conversion specification that begins at `percent`. */
 template <typename Unit> ConversionSpec<Unit> parseSpecification(const Unit *percent, formTable &table) noexcept;
 
-/** What is wrong with a conversion specification by itself, and how far its author will have meant it to go. */
+/** What is wrong with one conversion specification, and where its author will have meant it to end. */
 template <typename Unit> struct SpecFault
 {
     KTRule rule;

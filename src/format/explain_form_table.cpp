@@ -29,7 +29,7 @@ bool takesPointer(const KTFormatter &record)
     return false;
 }
 
-/** What is wrong with a table: all of it, with a colon in between. */
+/** All that is wrong with a table, with colons in between. */
 class Faults
 {
 public:

@@ -1,5 +1,5 @@
 /**
- * The next '%' of a format. Most literal texts are short, so the search takes eight units at a step. Behind some steps
+ * The next '%' of a format. Most literal texts are short, so the search takes eight units at a step. After some steps
  * it calls the C library, which is faster in the long run.
  */
 #ifndef KELTO_FORMAT_FIND_PERCENT_H
@@ -17,7 +17,7 @@ namespace kelto
 
 constexpr ptrdiff_t percentStep = 8;
 
-/* Eight units as bits, one for each byte of a unit: set where it is a '%'. */
+/* The next functions compare eight units: each byte of a unit has a bit, set where the unit is a '%'. */
 
 #ifdef __SSE2__
 
@@ -86,7 +86,7 @@ template <typename Unit> const Unit *findPercent(const Unit *format, const Unit 
     }
     if (end - format >= percentStep)
     {
-        // The last step ends with the text; what it has in front of `from` is left out.
+        // The last step ends where the text ends. Its units in front of `from` are left out.
         const Unit *const last = end - percentStep;
         const unsigned hits = percentsInStep(last) >> (static_cast<size_t>(from - last) * sizeof(Unit));
         return hits != 0 ? firstOf(hits, from) : end;

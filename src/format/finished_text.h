@@ -1,7 +1,4 @@
-/**
- * A text in UCS-2, terminated, on its way to an encoder: what a conversion has written, where that is encoded as a
- * whole.
- */
+/** The whole text of a conversion on its way to an encoder, in UCS-2 and terminated. */
 #ifndef KELTO_FORMAT_FINISHED_TEXT_H
 #define KELTO_FORMAT_FINISHED_TEXT_H
 

@@ -82,7 +82,7 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
 
 constexpr kelto::FoundConversion unknown = {nullptr, CONV_UNKNOWN, 0};
 
-/** Searches one table. @return whether the search is over; `found` is then what has come of it, and else unknown. */
+/** Searches one table. @return whether the search ends here; `found` is its outcome then, and unknown otherwise. */
 template <typename Unit>
 bool searchTable(const kelto::ConversionName<Unit> &name, int flags, formTable &table, kelto::FoundConversion &found)
 {
@@ -104,7 +104,7 @@ bool searchTable(const kelto::ConversionName<Unit> &name, int flags, formTable &
     return true;
 }
 
-/** Apart from the search of the first table, which is most often the only one and small enough to be inlined. */
+/** Kept apart from the search of the first table, which is mostly the only one and small enough to be inlined. */
 template <typename Unit>
 [[gnu::noinline]] kelto::FoundConversion findAlongChain(kelto::ConversionName<Unit> name, int flags, formTable *table)
 {
@@ -138,7 +138,7 @@ formTable *copyBuiltInTable(bool printfLikeOnly)
     auto *records = reinterpret_cast<KTFormatter *>(copy + 1);
     auto *names = reinterpret_cast<char *>(records + listLength);
 
-    // Field by field, since the encoder may be changing.
+    // The table is copied field by field, since another thread may be changing its encoder.
     copy->indexed = builtInFormTable.indexed;
     std::memcpy(copy->letterIndex, builtInFormTable.letterIndex, sizeof copy->letterIndex);
     copy->formList = records;

@@ -16,7 +16,7 @@ namespace
 // A call is: convert and check the format (CheckedFormat), number and fill the slots (arguments.h), write the text
 // (writeText). Its two forms, a list of arguments and pointers to them, differ in the second step alone.
 
-/** What does not depend on the arguments: where the text goes, and by which encoder. */
+/** What a call has besides its arguments: where the text goes, and which encoder it uses. */
 struct Output
 {
     KTEncoder encoder;
@@ -64,8 +64,8 @@ int writeText(const UCS2 *format, size_t length, kelto::PercentPlaces<UCS2> &pla
         const KTParameter &parameter = parameters[place.position - 1];
         if (kelto::isMarker(parameter))
             return true;
-        // Once the text is cut, the caller has to come again anyway: go on measuring, this conversion counting nothing;
-        // the next call tells what is wrong.
+        // Once the text is cut, the caller has to call again anyway. So the call goes on measuring, and this conversion
+        // counts nothing. The next call tells what is wrong.
         result = appendConversion(text, parameter, slots, output);
         return result == 0 || text.isTruncated();
     };
@@ -111,7 +111,7 @@ int buildBuffer(KTParameter *parameters, KTEncoder encoder, void *passThru, unsi
     return writeText(format, KTUCS2strlen(format), places, parameters, slots, {encoder, passThru, size, out});
 }
 
-// Flattened: the steps are many and small, and calling them would cost more than they do.
+// Flattened: the steps are many and small, and their calls would cost more than their work.
 [[gnu::flatten]] int KTvFormatStringWithPassThru(char * /*reserved*/, bool tag, formTable *table, void *passThru,
                                                  unsigned long *size, UCS2 *out, char *format, va_list arguments)
 {

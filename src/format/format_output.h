@@ -1,11 +1,11 @@
 /**
  * The text of a format call as it grows, in UCS-2 or UTF-8: written while it fits, measured to its end in any case.
- * Literal text and conversions are appended in the order of the text; a conversion of the library's own hands its
- * pieces over (layout.h), one of the caller's is called. Nothing is written beyond the room, whatever a length said
- * before.
+ * Literal text and conversions are appended in the order of the text. A conversion of the library hands over its pieces
+ * (layout.h); one of the caller is called. Nothing is written beyond the room, even where a length turns out to be
+ * wrong.
  *
- * Of a text that does not fit, the beginning may be wanted (Beginning::kept): it then reaches as far as there is room,
- * and ends with a whole character; else what was written of it is of no use.
+ * The beginning of a text that does not fit may be wanted (Beginning::kept): it then fills the room, and ends with a
+ * whole character. Otherwise (Beginning::ofNoUse) the units in the buffer mean nothing.
  *
  * In UTF-8 the text is what a conversion of the whole UCS-2 text would be: a high surrogate that ends one piece joins
  * the low one that begins the next, a surrogate by itself becomes U+FFFD, and U+0000 ends the text.
@@ -58,10 +58,10 @@ public:
     /** The units so far, written or not. */
     unsigned long length() const noexcept { return isTruncated() ? m_total : m_capacity - m_room; }
 
-    /** Whether so many more units may fit; false is certain. */
+    /** Whether so many more units may fit; false is certain, true is not. */
     bool canHold(uint64_t length) const noexcept { return fits(length, m_room); }
 
-    /** Appends units of literal text; what does not fit as a whole is written as far as it does. */
+    /** Appends units of literal text; the beginning where not all fit. */
     void appendLiteral(const Unit *units, size_t count) noexcept
     {
         if (!goOn(count))
@@ -72,7 +72,7 @@ public:
             cutLiteral(units, count);
     }
 
-    /** Appends pieces, each whole or not at all. @return 0: what does not fit is known in the end. */
+    /** Appends pieces, each whole or not at all. @return 0; finish() tells whether the text fits. */
     template <typename... Pieces> int write(Ending /*ending*/, const Pieces &...pieces) noexcept
     {
         if (!writeTogether(pieces...))
@@ -146,7 +146,7 @@ private:
     static constexpr UChar32 replacementCharacter = 0xFFFD;
     static constexpr Layout noLayout = {KT_ABSENT, KT_ABSENT, 0};
 
-    /** The room that a formatter is told of; some is left behind a text that did not fit, and was not written. */
+    /** The room that a formatter is told of. There is some behind a text that did not fit and was not written. */
     unsigned long room() const noexcept { return isTruncated() ? m_capacity - std::min(m_capacity, m_total) : m_room; }
 
     /** From here on the text is only measured. */
@@ -178,7 +178,7 @@ private:
             *where = 0;
     }
 
-    /** Counts units that fit as a whole; else false, and nothing is counted. */
+    /** Counts units that fit as a whole. @return false where they do not fit, and nothing is counted. */
     bool claim(uint64_t units) noexcept
     {
         if (!canHold(units))
@@ -187,7 +187,7 @@ private:
         return true;
     }
 
-    /** Counts units that do not fit as a whole, and tells how many of them are to be written. */
+    /** Counts units that do not fit as a whole. @return how many of them are to be written. */
     [[gnu::noinline, gnu::cold]] uint64_t cut(uint64_t units) noexcept
     {
         const uint64_t beginning = roomForBeginning();
@@ -204,10 +204,10 @@ private:
         addToTotal(count);
     }
 
-    /** The units that can be written of a text that does not fit as a whole. */
+    /** How many units of a text that does not fit as a whole can be written. */
     uint64_t roomForBeginning() const noexcept { return m_keepsBeginning && !isTruncated() ? m_room - 1 : 0; }
 
-    /** Drops the part of a character with which a text ends that was cut. */
+    /** Drops the part of a character at the end of a text that was cut. */
     [[gnu::noinline, gnu::cold]] void dropHalfCharacter() noexcept
     {
         if constexpr (isUTF8)

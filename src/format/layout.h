@@ -1,10 +1,10 @@
 /**
  * How one conversion's text is laid out, before any of it is written: a few pieces in a row, each a text or one unit
  * repeated. A conversion says its pieces once, to whatever takes them: the Field of a formatter, which adds them up,
- * answers "fits, or needs n" and writes them; or a FormatOutput (format_output.h) in either encoding. What numbers and
- * tagged values have in common, padding above all, is laid out here and nowhere else; which flag wins is a matter of
- * each kind of conversion. (A text that an encoder has written itself is only padded: formatters/text.cpp.) Counts are
- * 64 bits wide: a field may be far longer than any memory, since it is then measured only.
+ * answers "fits, or needs n" and writes them; or a FormatOutput (format_output.h) in either encoding. Only this file
+ * knows what numbers and tagged values have in common, padding above all; each kind of conversion knows which flag
+ * wins. (A text that an encoder has written itself is only padded: formatters/text.cpp.) Counts have 64 bits: a field
+ * may be far longer than any memory, and is then only measured.
  */
 #ifndef KELTO_FORMAT_LAYOUT_H
 #define KELTO_FORMAT_LAYOUT_H
@@ -60,7 +60,7 @@ struct NarrowText
         return out + count;
     }
 
-    /** The same in UTF-8, of ASCII alone. */
+    /** Writes the text as UTF-8; it is ASCII. */
     char *writeTo(char *out) const noexcept { return copyUnits(characters, count, out); }
 };
 
@@ -83,7 +83,7 @@ enum class Ending
     terminated
 };
 
-/** What a formatter is given to write to: room in, size out. It writes a text whole, or nothing of it. */
+/** The output of a formatter: room in, size out. It writes a text whole, or nothing of it. */
 class Field
 {
 public:
@@ -103,7 +103,7 @@ public:
         return 0;
     }
 
-    /** Writes a text that may lie in the output itself, padded; it is moved before anything else is written. */
+    /** Writes and pads a text that may lie in the output itself: the text is moved before anything else is written. */
     int writePadded(const Text &text, const Fill &padding, bool isPaddedBehind) noexcept
     {
         if (!claim(text.count + padding.count))
@@ -158,7 +158,7 @@ inline NarrowText signOf(bool isNegative, int flags) noexcept
     return {" ", (flags & FLAG_SPACE) != 0 ? 1U : 0U};
 }
 
-/** Lays a number out in its width and writes it: the one place where prefix, zeros, digits and padding meet. */
+/** Lays a number out in its width and writes it. Prefix, zeros, digits and padding meet here and nowhere else. */
 template <typename Out>
 [[gnu::always_inline]] inline int writeNumber(Out &out, const NumberText &number, int width, Padding padding) noexcept
 {

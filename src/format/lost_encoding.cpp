@@ -18,16 +18,16 @@ uint8_t encodingOf(const PreparedStep &step)
     {
     case Writer::utf8Text:
     case Writer::ucs2Text:
-        if (step.layout.precision == 0) // which leaves nothing of it
+        if (step.layout.precision == 0) // nothing is left of the text
             return 0;
         [[fallthrough]];
     case Writer::character:
     case Writer::called:
         return isInRegion ? slotIsEncoded : slotIsFree;
-    case Writer::error: // regions end at these
+    case Writer::error: // encoded regions have no effect on these
     case Writer::name:
         return slotIsFree;
-    default: // numbers and dates are never more than that
+    default: // a number or date cannot be anything else
         return 0;
     }
 }
@@ -74,7 +74,7 @@ uint32_t findLostEncoding(const KTPreparedFormat &format, const KTPreparedFormat
         return reference.slotCount;
     }
     uint32_t first = reference.slotCount;
-    if (reference.encodings == nullptr) // as of one that selects others
+    if (reference.encodings == nullptr) // as where the reference selects other messages
         return first;
     forEachSlot(format, [&](uint32_t slot, uint8_t encoding) {
         if (slot < first && encoding == slotIsFree && reference.encodings[slot] == slotIsEncoded)

@@ -1,7 +1,6 @@
 /**
- * Whether a format that stands in for another one leaves out an encoder: an argument that the reference writes in an
- * encoded region is one that its author takes for foreign, and a translation that writes it elsewhere lets it through
- * as it is.
+ * Whether a translation leaves out an encoder. The author of the reference does not trust the arguments that it writes
+ * in encoded regions. A translation that writes such an argument elsewhere lets it through as it is.
  */
 #ifndef KELTO_FORMAT_LOST_ENCODING_H
 #define KELTO_FORMAT_LOST_ENCODING_H
@@ -11,14 +10,14 @@
 namespace kelto
 {
 
-/** How a conversion writes the argument of a slot; bits. */
+/** Bits that tell how a conversion writes the argument of a slot. */
 enum SlotEncoding : uint8_t
 {
     slotIsEncoded = 1, /**< through the encoder */
     slotIsFree = 2     /**< as the text that it is */
 };
 
-/** Notes the bits of each slot; none for a '*'. @param encodings  room for them. */
+/** Stores the bits of each slot; the slot of a '*' has none. @param encodings  room for the bits of all slots. */
 void noteEncodings(const KTPreparedFormat &format, uint8_t *encodings) noexcept;
 
 /**

@@ -50,8 +50,9 @@ constexpr OwnFormatter ownFormatters[] = {
     {kelto::formatNil, KT_ARG_SIGNED, Writer::nothing},
 };
 
-// By the function in the record and not by its address in the list: private copies and tables of the caller's may hold
-// the built-in conversions too. One that is given other arguments than it knows is called like any other.
+// A formatter is known by the function in its record, not by the address of the record: private copies and tables of
+// the caller may hold the built-in conversions too. A record with other arguments than its function knows is called
+// like a conversion of the caller.
 Writer writerOf(const KTFormatter &formatter)
 {
     for (const OwnFormatter &own : ownFormatters)
@@ -159,7 +160,7 @@ private:
     UCS2 *m_units;
     char *m_bytes;
     size_t m_unitsLeft;
-    size_t m_spareBytes; // that are left beyond one for each unit
+    size_t m_spareBytes; // left beyond one byte for each unit
 };
 
 /** Lays a checked format out as a block. */
@@ -236,7 +237,9 @@ private:
             kelto::listSlots(m_parameters[position - 1], position, [&slot](const KTSlot &next) { *slot++ = next; });
     }
 
-    /** Fills in the steps, the literal text of each in both encodings. @return whether any lies in an encoded region. */
+    /**
+     * Fills in the steps, the literal text of each in both encodings. @return whether one lies in an encoded region.
+     */
     bool fill(const char *format, size_t length, PreparedStep *steps, LiteralText literals) const
     {
         PreparedStep *step = steps;

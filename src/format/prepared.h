@@ -1,7 +1,7 @@
 /**
- * A prepared format: what a check found of it, kept in one block. It is a row of steps in the order of the text, each
- * some literal text, which stands there in both encodings, and the conversion behind it; and the slots that the
- * conversions take, in the order in which arguments are passed.
+ * A prepared format: what the check of a format has found, kept in one block. It has steps in the order of the text:
+ * each is some literal text, kept in both encodings, and the conversion behind it. And it has the slots of the
+ * conversions, in the order in which arguments are passed.
  */
 #ifndef KELTO_FORMAT_PREPARED_H
 #define KELTO_FORMAT_PREPARED_H
@@ -15,7 +15,7 @@
 namespace kelto
 {
 
-/** What writes a conversion: a family of the library's own, or the function in its record. */
+/** Who writes a conversion: a family of the library, or the function in its record. */
 enum class Writer : uint8_t
 {
     none, /**< nothing, as behind the last literal text */
@@ -79,7 +79,10 @@ struct PreparedFree
 };
 using PreparedOwner = std::unique_ptr<KTPreparedFormat, PreparedFree>;
 
-/** KTPrepareFormat() for a format that is not null, while the library is started; of a refused one the reason. */
+/**
+ * KTPrepareFormat() for a format that is not null, while the library is started. @return with the reason where the
+ * format is refused.
+ */
 FormatVerdict prepareFormat(const char *format, formTable *table, PreparedOwner &prepared) noexcept;
 
 } // namespace kelto

@@ -26,7 +26,7 @@ using kelto::PreparedStep;
 using kelto::TypedCall;
 using kelto::Writer;
 
-/** What a call brings besides its output. It goes by value to what is a call itself: so most calls never store it. */
+/** What a call brings besides its output. It is passed by value to real calls, so that most calls never store it. */
 struct Call
 {
     const KTPreparedFormat &prepared;
@@ -42,7 +42,7 @@ int flagsOf(unsigned options)
     return ((options & KT_TAG) != 0 ? FLAG_TAG : 0) | ((options & KT_ENCODE_ALL) != 0 ? FLAG_ENCODE : 0);
 }
 
-/** Resolves what a '*' stands for; the argument behind those that were used. */
+/** Takes the values of the '*' of a conversion. @return the argument behind them. */
 const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
 {
     if (layout.width == KT_FROM_ARGUMENTS)
@@ -52,7 +52,7 @@ const KTArgument *takeLayout(const KTArgument *argument, Layout &layout)
     return argument;
 }
 
-/** Makes the slots of a formatter and has `append` append what it writes there. Its buffers are no others' business. */
+/** Makes the slots of a formatter, and has `append` append its text. The buffers for it live here alone. */
 template <typename Append>
 [[gnu::noinline]] int callFormatter(const KTFormatter &formatter, const KTArgument *values, Call call, Append append)
 {
@@ -67,7 +67,7 @@ template <typename Append>
     });
 }
 
-/** Calls what a conversion of the caller's own has for UTF-8. */
+/** Calls the function for UTF-8 of a conversion of the caller. */
 int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, const Layout &layout,
                    const KTArgument *values, const Call &call)
 {
@@ -87,7 +87,7 @@ template <typename Unit>
         return KT_ERR_CONVERSION_INVALID_ARGUMENT;
     if (isBare)
         return text.write(kelto::Ending::open, kelto::UTF8Text{value.begin, value.length, UINT64_MAX});
-    // How many units a text has is asked only where padding depends on it.
+    // The units of a text are counted only where padding depends on them.
     const uint64_t units = layout.width > 0 ? kelto::countUnits(value.begin, value.length) : UINT64_MAX;
     return kelto::writeText(text, layout, kelto::UTF8Text{value.begin, value.length, units});
 }
@@ -147,11 +147,11 @@ public:
     AloneFormat(const AloneFormat &) = delete;
     AloneFormat &operator=(const AloneFormat &) = delete;
 
-    /** Takes it out of its region. */
+    /** Takes the conversion out of its encoded region. */
     void leaveUnencoded()
     {
         m_step.layout.flags &= ~FLAG_ENCODE;
-        m_format.table = nullptr; // which is needed for the encoder alone
+        m_format.table = nullptr; // the table is needed for its encoder alone
     }
 
     const KTPreparedFormat &get() const { return m_format; }
@@ -161,7 +161,7 @@ private:
     KTPreparedFormat m_format;
 };
 
-/** How the text of a conversion is taken apart that is encoded as a whole. */
+/** How the text of a conversion that is encoded as a whole is taken apart. */
 struct FinishedParts
 {
     bool isEncoded;           /**< whether there is anything in it to be encoded */
@@ -266,7 +266,7 @@ template <typename Unit>
                          [&](const auto &called) { return text.appendCalled(called, layout); });
 }
 
-/** Writes an open conversion: what is open in it comes from the call. */
+/** Writes an open conversion: one whose layout depends on the call. */
 template <typename Unit> int writeResolved(kelto::FormatOutput<Unit> &text, const PreparedStep &step, const Call &call)
 {
     Layout layout = step.layout;
@@ -274,7 +274,7 @@ template <typename Unit> int writeResolved(kelto::FormatOutput<Unit> &text, cons
     const KTArgument *const argument = takeLayout(call.arguments + step.firstSlot, layout);
     if (call.encoder != nullptr && (layout.flags & FLAG_ENCODE) != 0)
     {
-        if (step.writer == Writer::character) // which has no precision
+        if (step.writer == Writer::character) // a character has no precision
             layout.precision = KT_ABSENT;
         if (isEncodedText(step.writer))
             return callFormatter(*step.formatter, argument, call,
@@ -286,14 +286,14 @@ template <typename Unit> int writeResolved(kelto::FormatOutput<Unit> &text, cons
     return writeValue(text, step, layout, argument, call);
 }
 
-/** Whether a conversion writes a text of somebody's own, which may run from right to left. */
+/** Whether a conversion writes a foreign text, which may run from right to left. */
 bool isForeign(const PreparedStep &step)
 {
     const bool isText = step.writer == Writer::utf8Text || step.writer == Writer::ucs2Text;
     return (isText && step.layout.precision != 0) || step.writer == Writer::error || step.writer == Writer::called;
 }
 
-/* What keeps the direction of a text from what stands around it. */
+/* These keep the direction of a text from turning the text around it. */
 constexpr UCS2 firstStrongIsolate = 0x2068;
 constexpr UCS2 popDirectionalIsolate = 0x2069;
 
@@ -400,14 +400,14 @@ template <typename Unit>
     return writeFormat(prepared, typed, size, out, beginning);
 }
 
-/** Whether a call can be answered, as most can. */
+/** Whether a call can be answered, which is usual. */
 [[gnu::always_inline]] inline bool isAnswerable(const KTPreparedFormat *prepared, const size_t *size, const void *out)
 {
     const bool isOne = kelto::isStarted() && prepared != nullptr && size != nullptr && (out != nullptr || *size == 0);
     return __builtin_expect(isOne, true);
 }
 
-/** Why one cannot. */
+/** Why a call cannot be answered. */
 [[gnu::noinline, gnu::cold]] int refusal()
 {
     return kelto::isStarted() ? KT_ERR_INVALID_PARAMETER : KT_ERR_NOT_INITIALIZED;

@@ -1,7 +1,7 @@
 /**
- * Calls on a prepared format for those who fall back on another one: what does not fit is written as far as it does,
- * and a conversion that fails counts also where the text has run out of room, so that the same format fails whatever
- * the room is.
+ * Calls on a prepared format for callers that fall back on another format. A text that does not fit is written as far
+ * as it does. A conversion that fails makes the call fail also where the text has run out of room: whether a format
+ * fails does not depend on the room.
  */
 #ifndef KELTO_FORMAT_PREPARED_CALL_H
 #define KELTO_FORMAT_PREPARED_CALL_H

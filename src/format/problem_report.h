@@ -10,7 +10,7 @@
 namespace kelto
 {
 
-/** The record that the caller wants filled, which may be null. */
+/** The record of the caller, which may be null. */
 class ProblemReport
 {
 public:
@@ -37,7 +37,7 @@ public:
     }
 
 private:
-    /** What the record had at first. */
+    /** The size that the record had in its first version. */
     static constexpr size_t smallestSize = offsetof(KTProblem, message);
 
     KTProblem *m_problem;

@@ -7,7 +7,7 @@
 namespace
 {
 
-/** A sentence with at most two numbers and two texts, by the letters of what it needs of a problem. */
+/** The sentence of a rule; letters behind a '$' stand for members of the problem. */
 struct Sentence
 {
     int rule;

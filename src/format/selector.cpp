@@ -60,7 +60,7 @@ bool takeName(const char *&cursor, SelectorKind &kind)
     return true;
 }
 
-/** Passes flags, width, precision and modifier of a conversion specification, as the parser of formats does. */
+/** Moves past flags, width, precision and modifier of a conversion specification, as the parser of formats does. */
 const char *skipLayout(const char *cursor)
 {
     cursor += std::strspn(cursor, "-+ #0");
@@ -92,7 +92,7 @@ WantedPlaces placesOfValue(uint64_t value, unsigned rowLength)
     return {0, value < rowLength ? static_cast<uint32_t>(value) | first << 8 : first};
 }
 
-/** Of a number whose integer digits are those, with `digits` behind the mark. */
+/** The places that a number wants, with these integer digits and with `digits` digits behind the mark. */
 WantedPlaces placesOfNumber(int category, uint64_t integer, bool isNegative, int digits)
 {
     constexpr uint32_t other = KT_VARIANT_OTHER | WantedPlaces::end << 8;
@@ -101,7 +101,7 @@ WantedPlaces placesOfNumber(int category, uint64_t integer, bool isNegative, int
     return {0, isExact ? (KT_VARIANT_EXACTLY_0 + static_cast<uint32_t>(integer)) | places << 8 : places};
 }
 
-/** Of an argument that is no integer. */
+/** The places that a number with a fraction wants. */
 [[gnu::noinline]] WantedPlaces placesOfReal(uint8_t rule, const KTArgument &argument, int digits)
 {
     kelto::ShownNumber number;
@@ -123,7 +123,7 @@ bool readSelector(const char *message, Selector &selector) noexcept
     if (*message != '%')
         return false;
     const char *cursor = message + 1;
-    if (!isDigit(cursor[0]) || (cursor[0] == '0' && isDigit(cursor[1]))) // where it is a flag
+    if (!isDigit(cursor[0]) || (cursor[0] == '0' && isDigit(cursor[1]))) // a 0 in front is a flag
         return false;
     const bool isRowZero = *cursor == '0';
     selector.row = takeNumber(cursor);

@@ -1,7 +1,7 @@
 /**
  * A selector: a message that is one conversion "plural", "ordinal" or "select" and nothing else, and stands for one of
- * the messages in a row. Its text is read here, and its choice made: which places of the row the arguments of a call
- * want. Where the messages of the row come from is their reader's affair.
+ * the messages in a row. This file reads its text and makes its choice: which places of the row the arguments of a call
+ * want. It does not know where the messages of the row come from.
  */
 #ifndef KELTO_FORMAT_SELECTOR_H
 #define KELTO_FORMAT_SELECTOR_H
@@ -31,24 +31,24 @@ struct Selector
     uint32_t argument; /**< that selects, from 1 */
     int digits;        /**< shown behind the mark */
 
-    /** The messages that its row may have. */
+    /** The most messages that its row has. */
     unsigned rowLength() const noexcept { return kind == SelectorKind::select ? 64 : KT_VARIANT_EXACTLY_1 + 1; }
 };
 
 /** Reads a message; false where it is no selector. */
 bool readSelector(const char *message, Selector &selector) noexcept;
 
-/** Why a message that was meant as a selector is none. */
+/** Why a message is no selector although it looks like one. */
 struct SelectorFault
 {
     KTRule rule;           /**< KT_RULE_NONE of a message that was not meant as one */
     size_t offset, length; /**< of the conversion that is at fault */
 };
 
-/** Looks through a message that is no selector. */
+/** Finds out why a message is no selector. */
 SelectorFault findSelectorFault(const char *message) noexcept;
 
-/** Whether a slot takes what the selector selects by. */
+/** Whether a slot takes an argument by which the selector can select. */
 bool selectsBy(const Selector &selector, uint32_t slotCode) noexcept;
 
 /** The places of a row that serve a call, the most wanted first, a byte each from the lowest on. */

@@ -60,7 +60,7 @@ inline uint64_t readUnsigned(const void *slot, int flags) noexcept
     }
 }
 
-/** The unit that a "c" shows: of an 8-bit character the one of the same number. */
+/** The unit that a "c" shows: an 8-bit character becomes the unit of the same number. */
 inline UCS2 readCharacter(const void *slot, int flags) noexcept
 {
     return (flags & FLAG_l) != 0 ? readSlot<UCS2>(slot) : readSlot<unsigned char>(slot);

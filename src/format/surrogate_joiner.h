@@ -1,7 +1,7 @@
 /**
- * How the surrogates of a UCS-2 text come together where the text grows by pieces and is written as UTF-8: a high one
- * that ends a piece is written as U+FFFD and waits, and a low one that begins the next makes one character of both.
- * U+0000 ends the text, as in a conversion of the whole.
+ * Joins the surrogates of a UCS-2 text that grows by pieces and is written as UTF-8. A high surrogate that ends a piece
+ * is written as U+FFFD and waits; a low one that begins the next piece makes one character of both. U+0000 ends the
+ * text, as in a conversion of the whole text.
  */
 #ifndef KELTO_FORMAT_SURROGATE_JOINER_H
 #define KELTO_FORMAT_SURROGATE_JOINER_H
@@ -17,7 +17,7 @@ namespace kelto
 class SurrogateJoiner
 {
 public:
-    /** Hears of units that are no surrogates, for none of which one can wait; false where the text has ended. */
+    /** Takes note of units that are no surrogates: none waits any more. @return false where the text has ended. */
     bool goOn(uint64_t count) noexcept
     {
         if (m_state == State::open)
@@ -30,17 +30,17 @@ public:
     bool hasEnded() const noexcept { return m_state == State::ended; }
     void end() noexcept { m_state = State::ended; }
 
-    /** A surrogate joins no other and was written as U+FFFD; a high one waits then. */
+    /** Takes note of a surrogate that joins no other and was written as U+FFFD. A high one waits from now on. */
     void wait(UCS2 surrogate) noexcept
     {
         m_high = surrogate;
         m_state = U16_IS_LEAD(surrogate) ? State::waiting : State::open;
     }
 
-    /** Whether a surrogate makes a character with the one that waits. */
+    /** Whether a surrogate makes one character with the waiting one. */
     bool joins(UCS2 surrogate) const noexcept { return m_state == State::waiting && U16_IS_TRAIL(surrogate); }
 
-    /** The character, after which none waits. */
+    /** Joins the waiting surrogate and a low one to their character; none waits any more. */
     UChar32 join(UCS2 low) noexcept
     {
         m_state = State::open;

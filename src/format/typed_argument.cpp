@@ -8,13 +8,13 @@
 namespace
 {
 
-/** What a kind of slot takes. */
+/** A kind of slot: its name for people, and the arguments that it takes. */
 struct SlotKind
 {
     const char *name;
     uint32_t type;       // of an argument; 0 for integers, which are compared by value
     int64_t least;       // of integers
-    uint64_t most;       // likewise
+    uint64_t most;       // of integers
     uint32_t sameSize;   // the signed type whose negative values count bit for bit in an unsigned slot
     uint32_t signedCode; // the slot's own code, or of an unsigned integer the one of the signed one
 };

@@ -1,7 +1,4 @@
-/**
- * Arguments that say what they are: whether one is what a format asks for, and its value in the form that a conversion
- * takes.
- */
+/** Typed arguments (KTArgument): whether one is what a format asks for, and its value as a conversion takes it. */
 #ifndef KELTO_FORMAT_TYPED_ARGUMENT_H
 #define KELTO_FORMAT_TYPED_ARGUMENT_H
 
@@ -30,13 +27,13 @@ template <typename Take> void listSlots(const KTParameter &conversion, uint32_t 
             take(KTSlot{slotCodeOf(*type, conversion.flags), position, KT_SLOT_VALUE});
 }
 
-/** What a person calls such an argument, as "a 32-bit integer". */
+/** The name of the arguments of a slot for people, as "a 32-bit integer". */
 const char *slotName(uint32_t slotCode) noexcept;
 
 /** Whether two slots take the same arguments; whether an integer is signed does not matter. */
 bool isSameKind(uint32_t slotCode, uint32_t otherCode) noexcept;
 
-/** Whether an argument goes with its slot as most do: some that are false here are accepted too. */
+/** Whether an argument is of the type that most arguments of its slot have; isAccepted() accepts others too. */
 inline bool isUsual(const KTArgument &argument, uint32_t slotCode) noexcept
 {
     if (slotCode == KT_SLOT_UTF8)
@@ -55,7 +52,7 @@ bool isAccepted(const KTArgument &argument, uint32_t slotCode) noexcept;
 /** Whether each of the arguments is accepted by its slot. */
 bool areAllAccepted(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept;
 
-/** The same without a call where they are as usual. */
+/** As areAllAccepted(), without a call where all arguments are usual. */
 [[gnu::always_inline]] inline bool areAccepted(const KTArgument *arguments, const KTSlot *slots, size_t count) noexcept
 {
     for (; count > 0 && isUsual(*arguments, slots->code); --count)
@@ -94,7 +91,7 @@ inline UCS2 unitOf(const KTArgument &argument) noexcept
     return argument.type == KT_ARGUMENT_CODE_POINT ? argument.value.units[0] : static_cast<UCS2>(argument.value.u);
 }
 
-/** Of a code point the units in the argument itself. */
+/** The text of an argument in UCS-2; of a code point the units in the argument itself. */
 ArgumentText<UCS2> ucs2Of(const KTArgument &argument) noexcept;
 ArgumentText<char> utf8Of(const KTArgument &argument) noexcept;
 

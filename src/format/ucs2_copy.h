@@ -1,6 +1,6 @@
 /**
- * A UTF-8 text in UCS-2, in one block of the memory tag: the format itself, and the argument of every conversion that
- * takes UTF-8 and writes it.
+ * A UTF-8 text in UCS-2, in one block of the memory tag: used for the format, and for the argument of every conversion
+ * that writes a UTF-8 text.
  */
 #ifndef KELTO_FORMAT_UCS2_COPY_H
 #define KELTO_FORMAT_UCS2_COPY_H

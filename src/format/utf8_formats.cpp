@@ -50,7 +50,7 @@ int KTRegisterUTF8Format(const KTFormatter *formatter, KTUTF8FormatFunction func
 {
     if (formatter == nullptr)
         return KT_ERR_INVALID_PARAMETER;
-    // Memory is taken and given back outside of the lock.
+    // The lock is not held while memory is allocated or freed.
     std::unique_ptr<Registration> spare(
         function != nullptr ? new (std::nothrow) Registration{formatter, function, nullptr} : nullptr);
     if (function != nullptr && spare == nullptr)

@@ -15,7 +15,7 @@ formTable nilTable = {false, {}, nilList, nullptr, &builtInFormTable};
 namespace kelto
 {
 
-// Like an address, it fits where there is no room at all.
+// "nil" fits where there is no room at all, as "IP" does.
 int formatNil(const char * /*convName*/, int /*width*/, int /*precision*/, int /*flags*/, KTEncoder /*passThru1*/,
               void * /*passThru2*/, void ** /*argSlot*/, unsigned long *sizeInOut, UCS2 * /*out*/) noexcept
 {

@@ -1,6 +1,6 @@
 /**
  * The conversion of variants, "nil": it takes an integer and writes nothing, so that a sentence without its number has
- * every position. It stands in a table of its own, since the built-in one is as it is.
+ * every position. It stands in a table of its own, since the built-in table cannot get further names.
  */
 #ifndef KELTO_FORMAT_VARIANT_FORM_TABLE_H
 #define KELTO_FORMAT_VARIANT_FORM_TABLE_H
@@ -10,14 +10,14 @@
 namespace kelto
 {
 
-/** Its formatter. */
+/** The formatter of "nil". */
 int formatNil(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
               void **argSlot, unsigned long *sizeInOut, UCS2 *out) noexcept;
 
-/** Has "nil" alone, and then the shared built-in conversions. */
+/** The table that has "nil" and is chained to the shared built-in table. */
 formTable &variantFormTable() noexcept;
 
-/** A table that has "nil" and then those of another, for as long as both live; the other where that has one itself. */
+/** A table that has "nil" and is chained to another, while both live; the other table itself where that has "nil". */
 class WithNil
 {
 public:

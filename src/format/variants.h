@@ -1,6 +1,6 @@
 /**
- * A prepared format that chooses: a selector whose row is prepared formats, which may be of this kind too. All that a
- * message leads to belongs to the first of them, and goes with it.
+ * A prepared format that chooses: a selector whose row consists of prepared formats, which may choose themselves. The
+ * first format owns all those to which it leads, and frees them.
  */
 #ifndef KELTO_FORMAT_VARIANTS_H
 #define KELTO_FORMAT_VARIANTS_H
@@ -11,7 +11,7 @@
 namespace kelto
 {
 
-/** What a prepared format has in place of text; it stands behind the head, in one block with it. */
+/** What a selector has in place of text; it stands behind the head, in the same block. */
 struct PreparedVariants
 {
     Selector selector;

@@ -7,13 +7,13 @@
 #include <cstring>
 
 // A text of at most 20 characters is a number of seconds since 1970; a longer one is a time stamp. Seconds become a day
-// number, and that a date in constant time: every fourth year is a leap year here, so any four years are equally long.
-// Both kinds of text fill the same six fields, which _formatDateTime() alone writes.
+// number, and the day number a date, in constant time: any four years are equally long here, since every fourth is a
+// leap year. Both kinds of text fill the same six fields, and _formatDateTime() alone writes these.
 
 namespace
 {
 
-/** The longest seconds text, a byte less than a time stamp; what is longer is read as one. */
+/** The longest text of seconds, a byte less than a time stamp. A longer text is read as a time stamp. */
 constexpr size_t maxSecondsLength = 20;
 
 constexpr uint64_t secondsPerDay = 86400;

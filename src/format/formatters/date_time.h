@@ -1,7 +1,7 @@
 /**
- * Dates and times: the formatter of "DT", "D" and "T" with its two readers and its one layout. The value is a text,
- * either a count of seconds since 1970-01-01 00:00:00 or a time stamp of exactly 21 bytes; there is no time zone and no
- * locale. The calendar has a leap year every four years, without exception.
+ * Dates and times: the formatter of "DT", "D" and "T" with its two readers and its one layout. The value is a text: a
+ * count of seconds since 1970-01-01 00:00:00, or a time stamp of exactly 21 bytes. There is no time zone and no locale.
+ * In this calendar every fourth year is a leap year, without exception.
  */
 #ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 #define KELTO_FORMAT_FORMATTERS_DATE_TIME_H
@@ -24,7 +24,7 @@ public:
 
     Text piece() const noexcept { return {m_units, KTUCS2strlen(m_units)}; }
 
-    /** The longest text that can be one: what is longer fails whatever it holds. */
+    /** The longest text that can be a date and time: a longer one fails whatever it holds. */
     static constexpr size_t maxLength = 21;
 
 private:

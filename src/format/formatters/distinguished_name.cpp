@@ -17,7 +17,7 @@ const UCS2 *findForward(const UCS2 *from, const UCS2 *end, UCS2 unit)
     return std::find(from, end, unit);
 }
 
-/** Behind the last such unit before `end`; null when there is none. */
+/** Finds the last such unit before `end`, and returns the place behind it; null when there is none. */
 const UCS2 *findBackward(const UCS2 *begin, const UCS2 *end, UCS2 unit)
 {
     while (end != begin && end[-1] != unit)
@@ -87,8 +87,8 @@ DistinguishedName::DistinguishedName(const UCS2 *name, size_t length) noexcept
 }
 
 /**
- * Of a typed name, the value behind the attribute's name. What is between two commas and holds no '=' is a part of the
- * attribute's name that follows, and no component.
+ * The value of a component in a typed name ("CN=alice"), behind the name of its attribute. A part between two commas
+ * without a '=' is no component: it belongs to the attribute's name that follows.
  */
 bool DistinguishedName::componentOf(const UCS2 *begin, const UCS2 *end, Component &component) const noexcept
 {

@@ -66,7 +66,7 @@ inline NameStyle nameStyle(Flag_t kind) noexcept
     return kind == CONV_DNS ? NameStyle{ucs2_slash[0], true} : NameStyle{ucs2_dot[0], false};
 }
 
-/** The third character of a conversion's name tells; one of fewer is taken for the dotted form. */
+/** The notation that the third character of a conversion's name asks for; the dotted one where the name is shorter. */
 Flag_t nameKindOf(const char *convName) noexcept;
 
 /** A converted name as a piece of a field. */

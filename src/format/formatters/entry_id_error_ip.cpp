@@ -7,7 +7,7 @@
 namespace
 {
 
-/** Of a longer argument the low 32 bits, of a shorter one all that there are. */
+/** The entry ID: the low 32 bits of a longer argument, all bits of a shorter one. */
 uint32_t readEntryId(const void *slot, int flags)
 {
     uint32_t value = 0;

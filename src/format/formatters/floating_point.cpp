@@ -102,7 +102,7 @@ template <typename Value> size_t minusLength(Value value)
 namespace kelto
 {
 
-// The same digits, since the C library rounds exactly too, at a fraction of the cost; for doubles of usual size.
+// For doubles of usual size: the digits of the C library, which rounds exactly too, at a fraction of its cost.
 bool Rendering::renderQuickly(int flags, int precision, double value) noexcept
 {
     uint64_t scaled = 0;
@@ -133,7 +133,7 @@ template <typename Value> bool Rendering::measure(int flags, int precision, Valu
 {
     if (renderQuickly(flags, precision, value))
         return true;
-    // With its sign, on which a directed rounding depends.
+    // The number keeps its sign here: a directed rounding depends on it.
     const int length = print(m_usual, usualSize, flags, precision, value);
     if (length < 0)
         return false;
@@ -141,7 +141,7 @@ template <typename Value> bool Rendering::measure(int flags, int precision, Valu
     m_digits = {size < usualSize ? m_usual + minusLength(value) : nullptr, size - minusLength(value)};
     if (!std::isfinite(value) || (precision == 0 && (flags & FLAG_HASH) == 0))
         return true;
-    // The mark as it is really written, whatever the locale says of it.
+    // The mark is taken from the text, whatever the locale says of it.
     char marked[32];
     const int markedLength = print(marked, sizeof marked, 0, 1, 0.0);
     for (const char *mark = marked + 1; mark < marked + markedLength - 1; ++mark)

@@ -1,7 +1,7 @@
 /**
  * Floating-point numbers as the C library's printf writes them in the current numeric locale, in fixed-point notation
- * and at any length. Padding and sign are laid out here, since no size is asked of the C library for a huge width or
- * precision; doubles of usual size are rendered by ourselves, with the same digits.
+ * and at any length. Padding and sign are laid out here: the C library is never asked to measure a huge width or
+ * precision. Doubles of usual size are rendered here too, with the same digits.
  */
 #ifndef KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
 #define KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
@@ -21,14 +21,17 @@ constexpr int mostDecimals = std::numeric_limits<Value>::digits - std::numeric_l
 static_assert(mostDecimals<double> == 1074);
 static_assert(mostDecimals<long double> == 16445 || mostDecimals<long double> == 16494); // of 80 bits, or of 128
 
-/** A number without its sign: in a fixed buffer, or where that is too small, and it is needed, in one from the tag. */
+/**
+ * A number without its sign: in a fixed buffer, or, where that is too small and the text is needed, in memory of the
+ * tag.
+ */
 class Rendering
 {
 public:
-    /** Renders, or where the text is too long for the buffer, only counts it; false when memory ran out. */
+    /** Renders the number, or only counts its text where that is too long for the buffer; false when memory ran out. */
     template <typename Value> bool measure(int flags, int precision, Value value) noexcept;
 
-    /** Renders what was only counted, from the same arguments; false when memory ran out. */
+    /** Renders a number that was only counted, from the same arguments; false when memory ran out. */
     template <typename Value> bool complete(int flags, int precision, Value value) noexcept;
 
     const NarrowText &digits() const noexcept { return m_digits; }

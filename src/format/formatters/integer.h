@@ -21,9 +21,9 @@ char *writeDecimal(char *end, uint64_t value) noexcept;
 class IntegerText
 {
 public:
-    /** In decimal digits. */
+    /** Writes decimal digits. */
     explicit IntegerText(int64_t value) noexcept;
-    /** In the digits of a conversion: CONV_u, CONV_o, CONV_x or CONV_X; any other has none. */
+    /** Writes the digits of a conversion: CONV_u, CONV_o, CONV_x or CONV_X. Any other has none. */
     IntegerText(Flag_t type, uint64_t value) noexcept;
 
     bool isNegative() const noexcept { return *begin() == '-'; }
@@ -57,7 +57,7 @@ inline uint64_t applyPrecision(int precision, char *digits, size_t count) noexce
     return 0;
 }
 
-/** What all integer conversions share once prefix and digits are known. */
+/** The part that all integer conversions share: prefix and digits are known. */
 template <typename Out>
 int writeInteger(Out &out, const Layout &layout, const NarrowText &prefix, char *digits, size_t count) noexcept
 {
@@ -74,7 +74,7 @@ template <typename Out>
     return writeInteger(out, layout, signOf(value < 0, layout.flags), text.begin() + minus, text.length() - minus);
 }
 
-/** "d" without anything that lays it out. */
+/** "d" without flags, width and precision. */
 template <typename Out> [[gnu::always_inline]] inline int writeBare(Out &out, int64_t value) noexcept
 {
     const IntegerText text(value);
@@ -91,7 +91,7 @@ template <typename Out> int writeUnsigned(Out &out, const Layout &layout, uint64
 /** The type that the first character of a name stands for, where it is one of "o", "x" and "X"; CONV_UNKNOWN else. */
 Flag_t octHexType(char name) noexcept;
 
-/** "o", "x" and "X". Of another name, which a table of the caller's may bring, the prefix is written, but no digits. */
+/** "o", "x" and "X". For another name, which a table of the caller may bring, the prefix is written, but no digits. */
 template <typename Out> int writeOctHex(Out &out, const Layout &layout, char name, uint64_t value) noexcept
 {
     const Flag_t type = octHexType(name);

@@ -17,7 +17,7 @@ extern const UCS2 date_tag_o[], date_tag_c[], year_tag_o[], year_tag_c[], month_
 extern const UCS2 time_tag_o[], time_tag_c[], hour_tag_o[], hour_tag_c[], minute_tag_o[], minute_tag_c[],
     second_tag_o[], second_tag_c[];
 extern const UCS2 dn_tag_o[], dn_tag_c[], eid_tag_o[], eid_tag_c[], error_tag_o[], error_tag_c[];
-/** Not written by any formatter: an address is formatted as nothing. */
+/** No formatter writes this: an address is formatted as nothing. */
 extern const UCS2 ip_tag_o[], ip_tag_c[];
 
 #pragma GCC visibility pop

@@ -14,8 +14,8 @@ KTEncoder encoderFor(int flags, KTEncoder passThru1)
 }
 
 /**
- * Pads a text that an encoder has put at `out` already; returns `status` where the padded text fits. The length counts
- * also where the encoder has failed.
+ * Pads a text that an encoder has put at `out`, and returns `status` where the padded text fits. The length counts also
+ * where the encoder has failed.
  */
 int padInPlace(unsigned long length, int width, int flags, int status, unsigned long *sizeInOut, UCS2 *out)
 {
