@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <utility>
 
-// The parts of a catalog are checked in the order in which they are believed: the header, and that the catalog has as
-// many bytes as it tells; the highest ID, which the last entry has; where few messages would make a large table, all
-// entries; then memory is taken, and each entry is checked once more as it becomes a pointer, since a file may change.
+// The parts of a catalog are checked in the order in which they are used: the header, and that the catalog has as many
+// bytes as it tells; the highest ID, which the last entry has; where few messages would make a large table, all
+// entries. Then memory is taken, and each entry is checked once more as it becomes a pointer, since a file may change.
 
 namespace
 {
@@ -168,14 +168,15 @@ bool endsInZeroBytes(const char *text, uint32_t length)
 }
 
 /**
- * Turns the entries that stand at the end of a table's pointers, right before the texts, into pointers. They are in the
- * order of the IDs, so the pointer of an entry belongs to its place, as where no number is left out, or in front of it.
+ * Turns the entries that stand at the end of a table's pointers, right before the texts, into pointers. The entries are
+ * in the order of the IDs. So the pointer of an entry belongs to its own place, where no number is left out, or in
+ * front of it.
  */
 bool turnIntoPointers(char **messages, size_t pointers, size_t entries, uint64_t textBytes)
 {
     char *const texts = reinterpret_cast<char *>(messages + pointers);
     uint64_t offset = 0;
-    size_t previous = 0; // ID 0, which has no message
+    size_t previous = 0; // ID 0 has no message
     for (size_t place = pointers - entries; place != pointers; ++place)
     {
         const CompiledEntry entry = entryAt(messages + place);

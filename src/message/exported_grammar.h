@@ -1,4 +1,4 @@
-/** What of the grammar is part of the interface: the table of the elements, and the search in it and in attributes. */
+/** The part of the grammar that is exported: the table of the elements, and the search in it and in attributes. */
 #ifndef KELTO_MESSAGE_EXPORTED_GRAMMAR_H
 #define KELTO_MESSAGE_EXPORTED_GRAMMAR_H
 

@@ -11,16 +11,17 @@
 namespace kelto
 {
 
-/** What is read at once; a step of the parser is a whole number of chunks. */
+/** The bytes that are read at once; a step of the parser is a whole number of such chunks. */
 constexpr unsigned long chunkBytes = 300;
 
 /** Opens a message file. @return 0, KT_ERR_FILE_NOT_OPENED, KT_ERR_FILE_UNAVAILABLE, or the platform's own value. */
 int openMessageFile(File &file, const char *path) noexcept;
 
 /**
- * Parses a file from its beginning until it ends or the handlers have seen enough, which is asked after each step. A
- * step is a chunk, or more where tags and comments are so long that the parser reads too much again (reparse_budget.h).
- * @param isDone  the question, put to `state`.
+ * Parses a file from its beginning until it ends or the handlers have seen enough; `isDone` is asked after each step. A
+ * step is one chunk, or several where tags and comments are so long that the parser reads too much again
+ * (reparse_budget.h).
+ * @param isDone  whether the handlers have seen enough; called with `state`.
  * @return 0; KT_ERR_BAD_MSG_FILE for XML that is not well-formed, exceeds a limit or has too long a tag;
  *         KT_ERR_NO_MEMORY; a read failure unchanged.
  */

@@ -11,7 +11,7 @@ namespace
 
 constexpr size_t maxVersionBytes = 19;
 
-/** The handler's state, and in front of the handler the limits of a document. */
+/** The state of the handler, with the limits of the document, which stand in front of the handler. */
 struct GuardedQuery
 {
     VersionQueryState query = {};

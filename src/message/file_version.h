@@ -1,6 +1,6 @@
 /**
- * The handler behind KTGetMsgFileVer(), which reads a file no further than its first "file" element, wherever that
- * stands: whether the file can be loaded is not asked.
+ * The handler behind KTGetMsgFileVer(). A file is read no further than its first "file" element, wherever that stands:
+ * whether the file can be loaded does not matter.
  */
 #ifndef KELTO_MESSAGE_FILE_VERSION_H
 #define KELTO_MESSAGE_FILE_VERSION_H

@@ -15,13 +15,13 @@ namespace
 constexpr const char *suffixes[] = {".ktc", ".xlf"};
 constexpr size_t suffixLength = 4;
 
-/** A name that is that of a file in a folder, and of none elsewhere. */
+/** Whether a name is that of a file in a folder, and leads to no other folder. */
 bool isFileName(const char *name)
 {
     return *name != '\0' && std::strchr(name, '/') == nullptr;
 }
 
-/** "directory/language/name.suffix"; out has the room. */
+/** Writes "directory/language/name.suffix" to `out`, which has room for it. */
 void writePath(char *out, size_t room, const char *directory, const char *language, const char *name,
                const char *suffix)
 {

@@ -21,7 +21,7 @@ void characterData1(void *state, const char *text, int length);
 namespace kelto
 {
 
-/* The same without a look at `error`, for an element that was found already. */
+/* The handlers without their look at `error`, for an element that was found already. */
 void startInFirstPass(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept;
 void endInFirstPass(FirstPassState &pass, const ElementMapRow &element) noexcept;
 

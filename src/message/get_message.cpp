@@ -8,8 +8,8 @@ namespace
 {
 
 /**
- * Holds `tableListMutex` to the end of the scope. The end is not inlined: a look-up is so short that what it would keep
- * of the lock until then costs more than the call.
+ * Holds `tableListMutex` to the end of the scope. The end is not inlined: a look-up is so short that keeping the values
+ * for it costs more than the call.
  */
 class ListLock
 {
@@ -34,7 +34,7 @@ int KTGetMessage(MessageTable *table, unsigned int id, char **message)
     if (msgTableList->find(table) == nullptr)
         return KT_ERR_TABLE_NOT_FOUND;
     const bool isOutside = id - 1 >= table->msgCount; // 0 too, since it wraps
-    if (__builtin_expect(isOutside, false))           // which saves the result a register of its own
+    if (__builtin_expect(isOutside, false))           // so that the result needs no register of its own
         return KT_ERR_INVALID_MSG_ID;
     *message = table->messages[id];
     return 0;

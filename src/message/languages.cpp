@@ -19,7 +19,7 @@ bool consistsOf(std::string_view text, std::string_view characters)
     return text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-/** Whether a name stands for the texts of the program itself. */
+/** Whether a name ("C", "POSIX") stands for the texts of the program itself. */
 bool isSourceLanguage(std::string_view name)
 {
     return name == "C" || name == "POSIX";
@@ -52,7 +52,7 @@ LanguageWalk::LanguageWalk(const char *list) noexcept : m_rest(list != nullptr ?
 {
 }
 
-/** Takes the next element that is a language; false at the end of the list, or where it names the source language. */
+/** Takes the next language of the list; false at the end of the list, or at a name for the texts of the program. */
 bool LanguageWalk::takeElement() noexcept
 {
     while (*m_rest != '\0')

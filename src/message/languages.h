@@ -1,8 +1,7 @@
 /**
- * The languages that a user wants, as the environment or a program names them, one after the other in the order in
- * which catalogs are looked for: "de_AT.UTF-8@euro:fr" is de_AT@euro, de_AT, de@euro, de, fr. A name that could be
- * anything but a folder of that name (it holds a '/', say) is passed over, so a list from anywhere can become part of a
- * path.
+ * The languages that a user wants, as the environment or a program names them. A walk gives them in the order in which
+ * catalogs are looked for: "de_AT.UTF-8@euro:fr" is de_AT@euro, de_AT, de@euro, de, fr. It passes over a name that
+ * could be more than the name of a folder, as one with a '/'. So a list from anywhere can become part of a path.
  */
 #ifndef KELTO_MESSAGE_LANGUAGES_H
 #define KELTO_MESSAGE_LANGUAGES_H

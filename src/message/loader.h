@@ -1,7 +1,7 @@
 /**
  * The loader behind KTLoadMessages() and KTLoadRawMessages(). It parses a file twice: the first pass checks the
- * structure and measures, the second fills one block of exactly the size measured. The file may change between them: a
- * file that does not fill the block exactly is refused.
+ * structure and measures, the second fills one block of exactly the size measured. The file may change in between: the
+ * second pass refuses a file that does not fill the block exactly.
  */
 #ifndef KELTO_MESSAGE_LOADER_H
 #define KELTO_MESSAGE_LOADER_H

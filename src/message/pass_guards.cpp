@@ -12,7 +12,7 @@ using kelto::SecondPassGuard;
 
 constexpr uint64_t maxMessageBytes = INT_MAX; // KTMsgLen() returns an int
 
-// The first pass: how much there is of everything.
+// The first pass measures: how many bytes and messages there are.
 
 bool isOutOfProportion(const FirstPassGuard &guard)
 {
@@ -63,9 +63,9 @@ bool isDone1(const void *state)
     return static_cast<const FirstPassGuard *>(state)->pass.error != 0;
 }
 
-// The second pass: whether there is a place for everything.
+// The second pass compares: whether the block has a place for each text.
 
-/** Takes the place of what starts, an open message above all; false where there is none. */
+/** Takes the place of an element that starts, above all that of a message; false where there is none. */
 class TakePlace
 {
 public:

@@ -1,7 +1,7 @@
 /**
- * What stands in front of the handlers when the library itself loads a file. Files are untrusted and may change between
- * the passes: guards see to it that no message is longer than can be told, that a document stays within its limits, and
- * that the second pass, whatever the file has become, writes inside the block, with two zero bytes behind each message.
+ * The guards in front of the handlers when the library itself loads a file. Files are untrusted, and may change between
+ * the passes. Guards refuse a message that is longer than KTMsgLen() can tell, and a document beyond its limits. They
+ * keep the second pass inside the block, whatever the file has become, with two zero bytes behind each message.
  */
 #ifndef KELTO_MESSAGE_PASS_GUARDS_H
 #define KELTO_MESSAGE_PASS_GUARDS_H
@@ -16,7 +16,7 @@
 namespace kelto
 {
 
-/** A state begins with the one that the handlers know. */
+/** The state of a guard. It begins with the state that the handlers know. */
 struct FirstPassGuard
 {
     FirstPassState pass = {};
@@ -44,7 +44,7 @@ static_assert(std::is_standard_layout_v<FirstPassGuard>);
 static_assert(std::is_standard_layout_v<SecondPassGuard>);
 #endif
 
-/** What a pass installs: handlers for its guarded state, and the question after each step whether it is over. */
+/** The handlers of a pass for its guarded state, and the question after each step whether the pass is over. */
 struct Handlers
 {
     XML_StartElementHandler start;

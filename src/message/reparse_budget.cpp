@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-// The parser's last event tells where the token begins that it could not finish. The bytes from there on are read again
-// with the next step. Their sum may grow with the file; where it grows faster, the next step is as long as what the
-// parser holds of the token, so that the bytes held double with each step and their sum stays linear.
+// The last event of the parser tells where its unfinished token begins. The bytes from there on are read again with the
+// next step. Their sum may grow with the file. Where it grows faster, the next step is as long as the unfinished token:
+// the token doubles with each step, and the sum stays linear.
 
 namespace
 {
@@ -34,7 +34,7 @@ uint64_t kelto::ReparseBudget::nextStep(uint64_t fed) noexcept
     return wholeChunks(std::min(unfinished, XmlLimits::longestToken + 1 - unfinished));
 }
 
-// What the parser holds of a token whose end it has not seen.
+// The bytes of a token whose end the parser has not seen.
 uint64_t kelto::ReparseBudget::unfinishedBytes(uint64_t fed) const noexcept
 {
     const XML_Index event = XML_GetCurrentByteIndex(m_parser); // negative where there is none

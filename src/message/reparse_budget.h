@@ -1,7 +1,7 @@
 /**
- * How much of a file is read before each call of the parser. A parser reads what it holds of an unfinished token (a
- * tag, a comment) anew with every call, which chunk by chunk is quadratic in the length of the token: so it may come to
- * a budget that every plausible file keeps, beyond which steps grow with the token.
+ * How much of a file is read before each call of the parser. With every call a parser reads its part of an unfinished
+ * token (a tag, a comment) again. Chunk by chunk the time for that is quadratic in the length of the token. So there is
+ * a budget for it, which every plausible file keeps. Once it is spent, steps grow with the token.
  */
 #ifndef KELTO_MESSAGE_REPARSE_BUDGET_H
 #define KELTO_MESSAGE_REPARSE_BUDGET_H

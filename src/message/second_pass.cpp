@@ -25,7 +25,7 @@ char *copyText(const char *text)
     return copy.release();
 }
 
-/** A handler by itself knows of no bounds: it writes what is there. */
+/** The takePlace of a handler without a guard: it knows no bounds, and accepts all that is there. */
 struct IsPresent
 {
     bool operator()(const kelto::FileAttributes &file) const { return file.areThere(); }

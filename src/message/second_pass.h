@@ -1,7 +1,7 @@
 /**
  * The second pass over a message file, which fills a table and the block of its messages. Its handlers keep to the
- * state below and rely on what the first pass accepted and measured: they write without a bound. The loader, whose file
- * may have changed in between, puts guards in front of them.
+ * state below. They rely on the first pass, which has checked and measured: they write without a bound. The file of the
+ * loader may have changed in between, so it puts guards in front of them.
  */
 #ifndef KELTO_MESSAGE_SECOND_PASS_H
 #define KELTO_MESSAGE_SECOND_PASS_H
@@ -58,8 +58,8 @@ void endInSecondPass(SecondPassState &pass, const ElementMapRow &element) noexce
 
 /**
  * The start of an element, for handler and guard.
- * @param takePlace  given the element's FileAttributes, message ID or WrittenPlaceholder before it is written; false
- *                   refuses the file.
+ * @param takePlace  called with the FileAttributes, message ID or WrittenPlaceholder of the element before that is
+ *                   written; false refuses the file.
  */
 template <typename TakePlace>
 void startInSecondPass(SecondPassState &pass, const ElementMapRow &element, const char **attrs,

@@ -10,7 +10,7 @@
 namespace
 {
 
-// A walk looks at some tens of null pointers between two messages faster than it finds its way in an index.
+// Looking at some tens of null pointers between two messages takes less time than a search in the index.
 constexpr uint32_t highId = 1U << 16;
 constexpr size_t wideGap = 64;
 
@@ -55,7 +55,7 @@ void kelto::SparseIndex::attach(std::unique_ptr<SparseIndex> index, const Messag
     }
 }
 
-// Others may attach theirs meanwhile, which come to stand in front: only the first link can change under our hands.
+// Other threads may attach indexes meanwhile, in front of the list: only its first link can change.
 void kelto::SparseIndex::detach(const MessageTable *table) noexcept
 {
     const std::unique_ptr<SparseIndex> detached(find(table));

@@ -1,7 +1,7 @@
 /**
  * The IDs of a table with few messages and high numbers, in their order, so that a walk over its messages need not look
- * at every number between them. Such a table has its index beside it from its loading to its release; other tables, and
- * those for whose index there was no memory, have none.
+ * at every number in between. The index of such a table is kept beside it from its loading to its release. Other tables
+ * have none, nor have those for whose index there was no memory.
  */
 #ifndef KELTO_MESSAGE_SPARSE_INDEX_H
 #define KELTO_MESSAGE_SPARSE_INDEX_H

@@ -1,8 +1,8 @@
 /**
- * The loaded message tables and the list that owns them. The loader inserts each table it completed; every call finds a
- * handle here before it uses it, so that a handle which is not in the list is never read through; KTFreeMessages()
- * takes it out. Start-up and the final clean-up create and destroy the one list, `msgTableList`. All memory comes from
- * the library's memory tag.
+ * The loaded message tables and the list that owns them. The loader inserts each table it completed; every call looks a
+ * handle up here before it uses it, so that a wrong handle is never dereferenced; KTFreeMessages() takes a table out.
+ * Start-up and the final clean-up create and destroy the one list, `msgTableList`. All memory comes from the library's
+ * memory tag.
  */
 #ifndef KELTO_MESSAGE_TABLE_LIST_H
 #define KELTO_MESSAGE_TABLE_LIST_H
@@ -49,10 +49,10 @@ public:
     tableItem *Head();
     /** The number of tables. */
     unsigned TableCount();
-    /** The node of a table, or null; never reads through the pointer. The caller holds `tableListMutex`. */
+    /** The node of a table, or null; the pointer is not dereferenced. The caller holds `tableListMutex`. */
     tableItem *IsInList(MessageTable *table);
     /**
-     * Puts a table first, which the list then owns; takes `tableListMutex`.
+     * Puts a table first; the list owns it from then on. Takes `tableListMutex`.
      * @return 0, or KT_ERR_NO_MEMORY: the table still belongs to the caller.
      */
     int Insert(MessageTable *table);
@@ -76,7 +76,7 @@ public:
 namespace kelto
 {
 
-/** Frees a table with all that it owns; what it does not own yet is null. */
+/** Frees a table with all that it owns; members that are null own nothing yet. */
 void freeTable(MessageTable *table) noexcept;
 
 } // namespace kelto

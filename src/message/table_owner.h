@@ -1,4 +1,4 @@
-/** A table on its way into the list, for those who build one: freed with all that it owns unless it gets there. */
+/** A table that is being built: it is freed with all that it owns, unless it gets into the list. */
 #ifndef KELTO_MESSAGE_TABLE_OWNER_H
 #define KELTO_MESSAGE_TABLE_OWNER_H
 

@@ -19,7 +19,7 @@ public:
     /** The message of a number, or null. */
     const char *message(uint64_t id) const noexcept
     {
-        return id - 1 < m_table->msgCount ? m_table->messages[id] : nullptr; // 0 too, since it wraps
+        return id - 1 < m_table->msgCount ? m_table->messages[id] : nullptr; // 0 gives null too: it wraps
     }
 
     /** The language that the file names, two letters, and the country, which may be the empty text. */

@@ -1,4 +1,4 @@
-/** A walk over the messages that a table has, for KTNextMessage() and those who write a table out. */
+/** A walk over the messages of a table, for KTNextMessage() and for writing a table out. */
 #ifndef KELTO_MESSAGE_TABLE_WALK_H
 #define KELTO_MESSAGE_TABLE_WALK_H
 
@@ -11,7 +11,9 @@ namespace kelto
 class TableWalk
 {
 public:
-    /** Looks a table up, and is good as long as the caller holds `tableListMutex`. @return whether it is there. */
+    /**
+     * Looks a table up. The walk is valid while the caller holds `tableListMutex`. @return whether the table is there.
+     */
     bool start(MessageTable *table) noexcept;
 
     /** The lowest ID above this one that has a message; 0 when there is none. */

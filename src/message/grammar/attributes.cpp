@@ -14,7 +14,7 @@ const char *filledAttribute(const char **attrs, const char *name)
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-/** The number as written, of which the low 32 bits count. Nearly all are a few digits and nothing else. */
+/** Reads a number as it is written; its low 32 bits count. Nearly all are a few digits and nothing else. */
 int parseNumber(const char *text)
 {
     constexpr int safeDigits = 9;
@@ -25,7 +25,7 @@ int parseNumber(const char *text)
     if (digits > 0 && digits < safeDigits)
         return number;
 
-    const int savedErrno = errno; // a number out of range must not show there
+    const int savedErrno = errno; // a number out of range must not change it
     const long parsed = std::strtol(text, nullptr, 10);
     errno = savedErrno;
     return static_cast<int>(static_cast<uint32_t>(parsed));

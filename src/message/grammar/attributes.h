@@ -1,5 +1,5 @@
 /**
- * The attributes of a message file: what a "file", a "trans-unit" and an "x" say, and which of it is accepted. Both
+ * The attributes of a message file: what a "file", a "trans-unit" and an "x" say, and whether that is accepted. Both
  * passes of the loader and the checker take them apart here, so that they cannot disagree on what a file says.
  */
 #ifndef KELTO_MESSAGE_GRAMMAR_ATTRIBUTES_H
@@ -36,7 +36,7 @@ struct FileAttributes
     }
     bool namesCountry() const noexcept { return languageLength == 5; }
     bool namesLanguage() const noexcept { return languageLength == 2 || namesCountry(); }
-    /** Whether a message file may say so: the language has its shape, and neither product text is empty. */
+    /** Whether these attributes are accepted: the language has its shape, and neither product text is empty. */
     bool areAccepted() const noexcept
     {
         return areThere() && namesLanguage() && *productName != '\0' && *productVersion != '\0';
@@ -64,7 +64,7 @@ FileAttributes readFileAttributes(const char **attrs) noexcept;
 /** Finds the number of a "trans-unit". */
 MessageNumber findMessageNumber(const char **attrs) noexcept;
 
-/** The message ID that such digits stand for, at least 1; 0 where they stand for none, or are null. */
+/** The message ID that the digits stand for, at least 1; 0 where the digits are null or stand for none. */
 int parseMessageId(const char *digits) noexcept;
 
 /** The message ID of a "trans-unit", at least 1; 0 when there is none. */

@@ -22,8 +22,8 @@ constexpr size_t longestName = [] {
     return longest;
 }();
 
-// Unrolled, the two loops below become a tree of comparisons with constants. It is asked twice for each element in each
-// pass, always for a short name that was written just now, which strcmp() takes longer to compare.
+// Unrolled, the two loops below become a tree of comparisons with constants. The search runs twice for each element in
+// each pass, always for a short name that was written just now; strcmp() would take longer to compare it.
 inline bool isNamed(const ElementMapRow &row, const char *name)
 {
 #pragma GCC unroll 16

@@ -1,7 +1,7 @@
 /**
- * The elements of a message file: their names, and the nesting level at which each may start. Which element may follow
- * which is said by structure.h. What lies in this folder is linked into the library and into the program, whose checker
- * so decides as the library does; nothing of it is exported.
+ * The elements of a message file: their names, and the nesting level at which each may start. structure.h says which
+ * element may follow which. This folder is linked into the library and into the program, so that the checker decides as
+ * the library does; nothing of it is exported.
  */
 #ifndef KELTO_MESSAGE_GRAMMAR_ELEMENTS_H
 #define KELTO_MESSAGE_GRAMMAR_ELEMENTS_H

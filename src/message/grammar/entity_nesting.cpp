@@ -10,9 +10,10 @@
 #include <utility>
 
 // Entities are the nodes of a graph, references its edges. The depth of a ring is the number of its members and the
-// depth of the deepest ring that they refer to. A declaration adds the edges of one entity: it may close a ring, which
-// consists of what it reaches among the rings that reach it; and it makes deeper what reaches it, which is followed
-// backwards as long as depths grow. They are at most 100, so each edge is followed as often at most.
+// depth of the deepest ring to which they refer. A declaration adds the edges of one entity, with two effects. It may
+// close a ring: of the rings that the entity reaches, those that also reach the entity. And the rings that reach the
+// entity become deeper: they are followed backwards as long as depths grow. A depth is 100 at most, so each edge is
+// followed 100 times at most.
 
 /** "from" has "to" in its value: one of the references of the former and of the referrers of the latter. */
 struct kelto::EntityNesting::Reference
@@ -21,7 +22,7 @@ struct kelto::EntityNesting::Reference
     Reference *nextOfReferrers, *nextOfReferences;
 };
 
-/** Its name stands behind it. */
+/** An entity; its name stands behind it in memory. */
 struct kelto::EntityNesting::Entity
 {
     std::string_view name;
@@ -30,11 +31,11 @@ struct kelto::EntityNesting::Entity
     Entity *ring = this; // the member that stands for the ring; most rings have this one alone
     Entity *nextMember = nullptr;
 
-    // Of the ring, in the member that stands for it.
+    // These belong to the ring, and are set in the member that stands for it.
     unsigned depth = 0; // 0: refers to no other, or was not declared yet
     unsigned members = 1;
     Entity *lastMember = this;
-    const Entity *leadsTo = nullptr; // for whose declaration findReferrers() came here last
+    const Entity *leadsTo = nullptr; // the entity for whose declaration findReferrers() came here last
     Entity *nextWaiting = nullptr;
     bool isWaiting = false;
 };
@@ -44,12 +45,12 @@ namespace
 
 constexpr unsigned deepestAnywhere = 100;
 
-// What expat needs for each level, with a good margin, and for the rest of its work and ours.
+// The stack that expat needs for each level, with a good margin, and the stack for all other work.
 constexpr size_t stackForLevel = 512;
 constexpr size_t stackForRest = 4096;
 
-// A declaration makes deeper what referred to the entity before, which is found by following references. Where entities
-// are declared before others refer to them, no reference is followed.
+// A declaration makes the entities deeper that referred to the new one before; following references finds them. Where
+// entities are declared before others refer to them, no reference is followed.
 constexpr size_t oftenFollowed = 8;
 
 unsigned deepestOnThisStack()
@@ -69,7 +70,7 @@ struct Passage
 
 constexpr Passage passages[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
 
-/** Takes the '<' at the front of a value, and the whole passage if it begins one. */
+/** Takes the '<' at the front of a value, or the whole passage that it begins. */
 void takeMarkup(std::string_view &value)
 {
     for (const Passage &passage : passages)
@@ -185,9 +186,9 @@ bool kelto::EntityNesting::refer(Entity *from, std::string_view to) noexcept
 }
 
 /**
- * Notes which rings refer to an entity that was declared, in any number of steps, and are less deep. Those that it
- * refers to are less deep, so the ring that it closes consists of such. deepen() has to follow all these references
- * anyway.
+ * Notes which rings refer to a newly declared entity, in any number of steps, and are less deep than it. All rings to
+ * which it refers are less deep, so the ring that it closes consists of noted ones. deepen() has to follow all these
+ * references anyway.
  */
 void kelto::EntityNesting::findReferrers(Entity *entity) noexcept
 {
@@ -210,7 +211,7 @@ void kelto::EntityNesting::findReferrers(Entity *entity) noexcept
     }
 }
 
-/** Makes one ring of an entity that was declared and of all that it refers to and that refer to it. */
+/** Makes one ring of a newly declared entity and of the rings on a circle with it. */
 void kelto::EntityNesting::closeRing(Entity *entity) noexcept
 {
     findReferrers(entity);

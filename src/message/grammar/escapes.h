@@ -5,7 +5,7 @@
 namespace kelto
 {
 
-/** 0 where the two stand for themselves. */
+/** The character that a backslash and this one stand for; 0 where they stand for themselves. */
 constexpr char meaningOfEscape(char written) noexcept
 {
     constexpr struct

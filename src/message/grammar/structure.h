@@ -1,6 +1,6 @@
 /**
- * The structure of a message file, a step for each start and each end of an element. The first pass of the loader takes
- * these steps and ends at the first refusal; the checker takes them too, explains what is refused and goes on.
+ * The structure of a message file: a step for each start and each end of an element. The first pass of the loader takes
+ * these steps, and ends at the first refusal. The checker takes them too, explains each refusal and goes on.
  */
 #ifndef KELTO_MESSAGE_GRAMMAR_STRUCTURE_H
 #define KELTO_MESSAGE_GRAMMAR_STRUCTURE_H
@@ -47,7 +47,7 @@ enum class Start : uint8_t
     repetition
 };
 
-/** Whether the element of a rule, of which there can be only one, has started. */
+/** Whether an element that a file or message has only once has started already. */
 inline bool hasStarted(const FirstPassState &pass, const ElementRule &rule) noexcept
 {
     return pass.*rule.once != 0;
@@ -68,7 +68,7 @@ inline Start judgeStart(const FirstPassState &pass, const ElementMapRow &element
     return Start::accepted;
 }
 
-/** Takes what an element says whose start was accepted. @return false where that is refused. */
+/** Takes the attributes of an element whose start was accepted. @return false where they are refused. */
 inline bool takeAttributes(FirstPassState &pass, const ElementMapRow &element, const char **attrs) noexcept
 {
     const ElementRule &rule = elementRules[element.id];
@@ -97,7 +97,7 @@ inline bool hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &elem
 {
     for (const ElementID needed : elementRules[element.id].needed)
     {
-        if (needed == ELM_UNKNOWN) // there are no further ones
+        if (needed == ELM_UNKNOWN) // the end of the list
             return true;
         if (!hasStarted(pass, elementRules[needed]))
             return false;
@@ -105,7 +105,7 @@ inline bool hasWhatItNeeds(const FirstPassState &pass, const ElementMapRow &elem
     return true;
 }
 
-/** Text belongs to a message: it stands in a "source", and no other element in front of it or around it. */
+/** Whether text belongs to a message: it stands in a "source", behind and inside no other element. */
 inline bool takesText(const FirstPassState &pass) noexcept
 {
     return pass.last == ELM_SOURCE;

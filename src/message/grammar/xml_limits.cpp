@@ -43,8 +43,8 @@ void kelto::XmlLimits::addAttribute(const char *element, const char *type, const
     m_declaresAttributes = true;
 }
 
-// The parser looks at every attribute that was declared for an element, whether it hands it out or not. Of their texts
-// a pass reads those that it stores, which it counts, and the numbers of messages.
+// The parser looks at every attribute that was declared for an element, whether it hands it out or not. A pass reads
+// the texts of the attributes that it stores, which it counts, and the numbers of messages.
 bool kelto::XmlLimits::addDeclaredAttributes(const ElementMapRow &element, const char **attrs) noexcept
 {
     const char *const id = element.id == ELM_TRANS_UNIT ? findMessageNumber(attrs).digits : nullptr;

@@ -1,7 +1,8 @@
 /**
- * What bounds the work that a hostile document makes without being long: texts and attributes that come out of its
- * declarations. Every pass over a document has limits of its own, which hear of each declaration and, where any
- * attribute was declared, of each element. A document beyond them stops the parser, which may have read far ahead.
+ * Limits on the work that a short but hostile document makes: its declarations can produce any amount of text and
+ * attributes. Every pass over a document has limits of its own. They are told of each declaration and, once an
+ * attribute was declared, of each element. A document beyond the limits stops the parser, which may have read far
+ * ahead.
  */
 #ifndef KELTO_MESSAGE_GRAMMAR_XML_LIMITS_H
 #define KELTO_MESSAGE_GRAMMAR_XML_LIMITS_H
@@ -33,13 +34,13 @@ public:
     /** Whether a document of the bytes read so far may give this much text. */
     bool allowsText(uint64_t bytes) const noexcept { return bytes <= m_allowed; }
 
-    /** An entity is declared with this value. */
+    /** Notes that an entity is declared with this value. */
     void addEntity(const char *name, std::string_view value) noexcept;
 
-    /** An attribute of an element is declared; `value` is null where it has no default. */
+    /** Notes that an attribute of an element is declared; `value` is null where it has no default. */
     void addAttribute(const char *element, const char *type, const char *value) noexcept;
 
-    /** An element starts. @return false where that is too much: it is not to be looked at. */
+    /** Notes that an element starts. @return false where the limits are exceeded: its attributes must not be read. */
     bool addElement(const ElementMapRow &element, const char **attrs) noexcept
     {
         return !m_declaresAttributes || addDeclaredAttributes(element, attrs);

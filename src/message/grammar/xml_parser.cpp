@@ -1,6 +1,6 @@
 #include "message/grammar/xml_parser.h"
 
-// What not every version of expat has; null where it is missing.
+// Functions that not every version of expat has; null where they are missing.
 extern "C" {
 __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
 __attribute__((weak)) XML_Bool XML_SetBillionLaughsAttackProtectionActivationThreshold(XML_Parser parser,
@@ -13,7 +13,7 @@ bool kelto::Parser::create() noexcept
     m_parser.reset(XML_ParserCreate(nullptr));
     if (m_parser == nullptr)
         return false;
-    // A parser that puts off the end of a token would report it with a later chunk than others do.
+    // Where a parser defers the end of a token, events come with a later chunk than they do from other versions.
     if (XML_SetReparseDeferralEnabled != nullptr)
         XML_SetReparseDeferralEnabled(get(), XML_FALSE);
     if (XML_SetBillionLaughsAttackProtectionActivationThreshold != nullptr)

@@ -1,4 +1,6 @@
-/** The XML parser of message files, set up alike wherever one is read, with the limits of a document in its handlers. */
+/**
+ * The XML parser of message files, set up in one way for all readers, with the limits of a document in its handlers.
+ */
 #ifndef KELTO_MESSAGE_GRAMMAR_XML_PARSER_H
 #define KELTO_MESSAGE_GRAMMAR_XML_PARSER_H
 
@@ -17,7 +19,7 @@ class Parser
 public:
     /**
      * Frees the parser of the pass before and creates one for the next.
-     * @param state  what the handlers receive first; its member `limits` hears of all declarations.
+     * @param state  the first argument of the handlers; its member `limits` is told of all declarations.
      * @return false when there is no memory for it.
      */
     template <typename State> bool restart(State *state) noexcept
