@@ -92,7 +92,7 @@ void writePlainly(FormatOutput<Unit> &out, const KTArgument &argument, const KTC
     case KT_ARGUMENT_UNIT:
     {
         const auto unit = static_cast<UCS2>(argument.value.u);
-        out.write(Ending::open, Text{&unit, unit != 0 ? 1U : 0U});
+        out.write(Ending::open, UCS2Text{&unit, unit != 0 ? 1U : 0U});
         return;
     }
     case KT_ARGUMENT_DOUBLE:
@@ -107,7 +107,7 @@ void writePlainly(FormatOutput<Unit> &out, const KTArgument &argument, const KTC
     case KT_ARGUMENT_CODE_POINT:
     {
         const auto value = ucs2Of(argument);
-        out.write(Ending::open, Text{value.begin, value.length});
+        out.write(Ending::open, UCS2Text{value.begin, value.length});
         return;
     }
     case KT_ARGUMENT_POINTER:

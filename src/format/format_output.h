@@ -228,7 +228,7 @@ private:
     /** Whether a piece is written as one unit of the text for each of its own, as a rule. */
     template <typename Piece>
     static constexpr bool isUsuallyEven = std::is_same_v<Piece, Fill> || std::is_same_v<Piece, NarrowText> ||
-                                          (!isUTF8 && std::is_same_v<Piece, Text>);
+                                          (!isUTF8 && std::is_same_v<Piece, UCS2Text>);
 
     /** Whether one that usually is so is no exception. */
     template <typename Piece> static constexpr bool isEven(const Piece &piece) noexcept
@@ -304,7 +304,7 @@ private:
         }
     }
 
-    void append(const Text &text) noexcept
+    void append(const UCS2Text &text) noexcept
     {
         if constexpr (isUTF8)
             for (const UCS2 *next = text.units; next != text.units + text.count; ++next)
@@ -315,7 +315,7 @@ private:
 
     void append(const NameText &name) noexcept
     {
-        name.forEachPart([this](const UCS2 *units, size_t count) { append(Text{units, count}); });
+        name.forEachPart([this](const UCS2 *units, size_t count) { append(UCS2Text{units, count}); });
     }
 
     // Most texts are ASCII from end to end, and fit.
@@ -500,7 +500,7 @@ private:
         if (result != 0)
             return result;
         if (text.isWritten())
-            return writeText(*this, behind, Text{text.units(), text.count()});
+            return writeText(*this, behind, UCS2Text{text.units(), text.count()});
         if (m_keepsBeginning && text.isRefused()) // it had the room that it had asked for
             return KT_ERR_CONVERSION_FAILED;
         if (goOn(text.count()))

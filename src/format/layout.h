@@ -36,7 +36,7 @@ struct Layout
 /* The pieces, each with its count of units. */
 
 /** A UCS-2 text. */
-struct Text
+struct UCS2Text
 {
     const UCS2 *units;
     uint64_t count;
@@ -104,7 +104,7 @@ public:
     }
 
     /** Writes and pads a text that may lie in the output itself: the text is moved before anything else is written. */
-    int writePadded(const Text &text, const Fill &padding, bool isPaddedBehind) noexcept
+    int writePadded(const UCS2Text &text, const Fill &padding, bool isPaddedBehind) noexcept
     {
         if (!claim(text.count + padding.count))
             return KT_ERR_BUFFER_TOO_SMALL;
@@ -176,8 +176,8 @@ int writeTagged(Out &out, int flags, const UCS2 *openTag, const UCS2 *closeTag, 
 {
     if ((flags & FLAG_TAG) == 0)
         return out.write(ending, pieces...);
-    return out.write(Ending::terminated, Text{openTag, KTUCS2strlen(openTag)}, pieces...,
-                     Text{closeTag, KTUCS2strlen(closeTag)});
+    return out.write(Ending::terminated, UCS2Text{openTag, KTUCS2strlen(openTag)}, pieces...,
+                     UCS2Text{closeTag, KTUCS2strlen(closeTag)});
 }
 
 } // namespace kelto

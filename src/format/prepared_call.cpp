@@ -203,12 +203,12 @@ template <typename Unit>
     };
     if (const int made = finished.make(write, parts.most))
         return made;
-    text.write(kelto::Ending::open, kelto::Text{parts.open, KTUCS2strlen(parts.open)});
+    text.write(kelto::Ending::open, kelto::UCS2Text{parts.open, KTUCS2strlen(parts.open)});
     const int result =
         text.appendCalled([&](const Layout &, unsigned long *units,
                               UCS2 *out) { return call.encoder(finished.units(), KT_ENCODE_UCS2, units, out); },
                           {KT_ABSENT, KT_ABSENT, 0});
-    text.write(kelto::Ending::open, kelto::Text{parts.close, KTUCS2strlen(parts.close)});
+    text.write(kelto::Ending::open, kelto::UCS2Text{parts.close, KTUCS2strlen(parts.close)});
     return result;
 }
 
@@ -243,7 +243,7 @@ template <typename Unit>
     case Writer::ucs2Text:
     {
         const auto value = kelto::ucs2Of(*argument);
-        return kelto::writeText(text, layout, kelto::Text{value.begin, value.length});
+        return kelto::writeText(text, layout, kelto::UCS2Text{value.begin, value.length});
     }
     case Writer::dateTime:
         return writeDateTime(text, formatter.name, layout.flags, *argument);
@@ -303,9 +303,9 @@ template <typename Unit>
 {
     if ((call.options & KT_ISOLATE) == 0 || !isForeign(step))
         return writeResolved(text, step, call);
-    text.write(kelto::Ending::open, kelto::Text{&firstStrongIsolate, 1});
+    text.write(kelto::Ending::open, kelto::UCS2Text{&firstStrongIsolate, 1});
     const int result = writeResolved(text, step, call);
-    text.write(kelto::Ending::open, kelto::Text{&popDirectionalIsolate, 1});
+    text.write(kelto::Ending::open, kelto::UCS2Text{&popDirectionalIsolate, 1});
     return result;
 }
 

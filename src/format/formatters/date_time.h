@@ -22,7 +22,7 @@ public:
      */
     int make(const char *text, size_t length, const char *convName, int flags) noexcept;
 
-    Text piece() const noexcept { return {m_units, KTUCS2strlen(m_units)}; }
+    UCS2Text piece() const noexcept { return {m_units, KTUCS2strlen(m_units)}; }
 
     /** The longest text that can be a date and time: a longer one fails whatever it holds. */
     static constexpr size_t maxLength = 21;

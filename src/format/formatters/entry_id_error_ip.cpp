@@ -31,7 +31,7 @@ int formatError(const char * /*convName*/, int /*width*/, int /*precision*/, int
     if (const int result = text.convert(static_cast<const char *>(*argSlot)))
         return result;
     kelto::Field field(sizeInOut, out);
-    return kelto::writeError(field, flags, kelto::Text{text.units(), text.length()});
+    return kelto::writeError(field, flags, kelto::UCS2Text{text.units(), text.length()});
 }
 
 // An address takes its place among the arguments and contributes no text. Unlike other empty texts, it fits where there

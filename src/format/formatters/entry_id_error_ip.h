@@ -19,7 +19,7 @@ template <typename Out> int writeEntryId(Out &out, int flags, uint32_t value) no
                        Fill{u'0', entryIdDigits - digits.length()}, NarrowText{digits.begin(), digits.length()});
 }
 
-/** @param text  a piece: Text or UTF8Text. */
+/** @param text  a piece: UCS2Text or UTF8Text. */
 template <typename Out, typename Piece> int writeError(Out &out, int flags, const Piece &text) noexcept
 {
     return writeTagged(out, flags, error_tag_o, error_tag_c, Ending::terminated, text);

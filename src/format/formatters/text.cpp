@@ -44,7 +44,7 @@ int writeOrEncode(const UCS2 *text, size_t length, int width, int precision, int
     if (encoder == nullptr)
     {
         kelto::Field field(sizeInOut, out);
-        return kelto::writeText(field, {width, precision, flags}, kelto::Text{text, length});
+        return kelto::writeText(field, {width, precision, flags}, kelto::UCS2Text{text, length});
     }
     unsigned long encodedLength = *sizeInOut;
     const int status = encoder(text, KT_ENCODE_UCS2, &encodedLength, out);

@@ -31,7 +31,7 @@ template <typename Out, typename Piece>
 /** "c", which has no precision. */
 template <typename Out> int writeCharacter(Out &out, const Layout &layout, UCS2 character) noexcept
 {
-    return writeText(out, {layout.width, KT_ABSENT, layout.flags}, Text{&character, 1});
+    return writeText(out, {layout.width, KT_ABSENT, layout.flags}, UCS2Text{&character, 1});
 }
 
 } // namespace kelto
