@@ -7,7 +7,7 @@
 namespace tool::check
 {
 
-bool libraryLoads(std::string_view bytes)
+bool mayBeLoaded(std::string_view bytes)
 {
     const MemoryFile file(bytes);
     if (!file.isThere())

@@ -7,8 +7,11 @@
 namespace tool::check
 {
 
-/** Whether the library takes these bytes for a message file that costs no more than it allows; also where it is not known. */
-bool libraryLoads(std::string_view bytes);
+/**
+ * Whether the library loads these bytes as a message file, at the cost that it allows; true also where that is not
+ * known.
+ */
+bool mayBeLoaded(std::string_view bytes);
 
 /** Whether these bytes are what KTCompileMessages() makes, which people may take for a message file. */
 bool isCompiled(std::string_view bytes);

@@ -419,7 +419,7 @@ void Reader::checkLimits()
     const std::string_view bytes = m_catalog.m_source.bytes();
     const bool mayCost =
         m_hasDoctype || bytes.size() > kelto::XmlLimits::longestToken; // a shorter one holds no such token
-    if (mayCost && std::none_of(findings.begin(), findings.end(), isError) && !libraryLoads(bytes))
+    if (mayCost && std::none_of(findings.begin(), findings.end(), isError) && !mayBeLoaded(bytes))
         find(Rule::xmlSyntax, m_doctype, {m_hasDoctype ? Text::costsTooMuch : Text::tokenTooLong});
 }
 
