@@ -53,6 +53,7 @@ private:
     void addToGroup(Entry &entry);
     void numberRows();
     void chooseForms(int number, Group &group);
+    std::vector<int> requiredPlaces(const Selector &selector) const;
     void countMessages();
     void count(int number, const std::vector<const Entry *> &entries, bool isTaken, bool isRefused);
     void checkEntries();
@@ -173,10 +174,22 @@ void Import::numberRows()
         }
 }
 
+/** Without which a row is of no use: in the language of the translation, and in what its message file is to name. */
+std::vector<int> Import::requiredPlaces(const Selector &selector) const
+{
+    if (selector.kind == Selector::Kind::select)
+        return {0}; // any other value
+    std::vector<int> places = neededPlaces(selector, m_rules);
+    for (const int place : neededPlaces(selector, m_language))
+        if (std::find(places.begin(), places.end(), place) == places.end())
+            places.push_back(place);
+    return places;
+}
+
 /** The forms of a row are taken all together: where one is missing that numbers need, none is of use. */
 void Import::chooseForms(int number, Group &group)
 {
-    std::vector<int> missing = neededPlaces(group.selector, m_rules);
+    std::vector<int> missing = requiredPlaces(group.selector);
     for (size_t i = 0; i < group.entries.size(); ++i)
         if (isTaken(*group.entries[i]))
             missing.erase(std::remove(missing.begin(), missing.end(), group.places[i]), missing.end());

@@ -1,6 +1,5 @@
 #include "bilingual/po_program.h"
 
-#include "charset.h"
 #include "failure.h"
 #include "output.h"
 #include "text.h"
@@ -23,9 +22,24 @@ namespace tool::bilingual
 namespace
 {
 
+// What is sanitized reserves more memory than there is.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+#else
+constexpr bool isSanitized = false;
+#endif
+
 constexpr rlim_t leastMemory = rlim_t{512} << 20;
 constexpr rlim_t memoryPerByte = 100;
 constexpr rlim_t leastSeconds = 20;
+constexpr size_t leastAnswer = size_t{16} << 20;
+constexpr size_t answerPerByte = 100;
 constexpr rlim_t bytesPerSecond = 1000000;
 
 class Descriptor
@@ -84,9 +98,8 @@ void limit(int resource, rlim_t most)
 {
     dup2(input, STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // these reserve more than there is
-    limit(RLIMIT_AS, std::max<rlim_t>(leastMemory, memoryPerByte * size));
-#endif
+    if (!isSanitized)
+        limit(RLIMIT_AS, std::max<rlim_t>(leastMemory, memoryPerByte * size));
     limit(RLIMIT_CPU, leastSeconds + size / bytesPerSecond);
     limit(RLIMIT_CORE, 0);
     std::array<char, 9> name{"kelto-po"};
@@ -96,7 +109,7 @@ void limit(int resource, rlim_t most)
     _exit(127);
 }
 
-std::string readAll(int descriptor)
+std::string readAll(int descriptor, size_t most)
 {
     std::string output;
     std::array<char, 65536> buffer{};
@@ -108,8 +121,8 @@ std::string readAll(int descriptor)
         if (got < 0 && errno != EINTR)
             fail(systemText(errno));
         output.append(buffer.data(), got > 0 ? static_cast<size_t>(got) : 0);
-        if (output.size() > longestText)
-            fail(say(Text::inputTooLarge));
+        if (output.size() > most)
+            fail(say(Text::poAnswerTooLong));
     }
 }
 
@@ -138,7 +151,7 @@ std::string runPo(const char *mode, std::string_view input)
     std::string why;
     try
     {
-        output = readAll(readEnd.get());
+        output = readAll(readEnd.get(), leastAnswer + answerPerByte * input.size());
     }
     catch (const Failure &failure)
     {
