@@ -5,6 +5,7 @@
 #include "bilingual/message_document.h"
 
 #include <algorithm>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -34,17 +35,19 @@ public:
                 reference.units.back().remarks.notes.push_back({{{"from", "developer"}}, text({})});
             if (below(6) == 0)
                 continue;
-            if (below(5) == 0) // the row of a selector, in both
+            if (below(4) == 0) // the row of a selector, in both
             {
-                const int row = 1000 + static_cast<int>(i) * 10;
-                const std::string selector = "%" + std::to_string(row) + "plural[1]";
+                const int row = 1000 + static_cast<int>(i) * 100; // of 64 places at most
+                const Kind kind = static_cast<Kind>(below(3));
+                const std::string selector = "%" + std::to_string(row) + kindNames[kind] + "[1]";
                 const std::vector<std::string> one = {"%d[1]", "%s[2]"};
+                const std::string &language = translation.attributes[0].second;
                 reference.units.back().text = selector;
                 translation.units.push_back(Unit{id, "", "", "", selector, {}});
-                for (const int place : {1, 5})
-                    reference.units.push_back(Unit{row + place, label(id, place), "", "", text(one) + "r", {}});
-                for (const int place : places(translation.attributes[0].second))
-                    translation.units.push_back(Unit{row + place, label(id, place), "", "", text(one) + "t", {}});
+                for (const int place : places(kind, "en"))
+                    reference.units.push_back(Unit{row + place, label(kind, id, place), "", "", text(one) + "r", {}});
+                for (const int place : places(kind, language))
+                    translation.units.push_back(Unit{row + place, label(kind, id, place), "", "", text(one) + "t", {}});
                 continue;
             }
             const bool isEmpty = below(20) == 0 && conversions.empty();
@@ -55,20 +58,32 @@ public:
     }
 
 private:
-    static std::string label(int id, int place)
+    enum Kind
+    {
+        plural,
+        ordinal,
+        select
+    };
+    static constexpr const char *kindNames[] = {"plural", "ordinal", "select"};
+
+    static std::string label(Kind kind, int id, int place)
     {
         constexpr const char *names[] = {"zero", "one", "two", "few", "many", "other", "=0", "=1"};
-        return std::to_string(id) + "[" + names[place] + "]";
+        const std::string name = kind == select ? "=" + std::to_string(place) : names[place];
+        return std::to_string(id) + "[" + name + "]";
     }
 
-    /** Those that integers need in a language, and sometimes exactly 0. */
-    std::vector<int> places(const std::string &language)
+    /** Those that integers need in a language, and sometimes exactly 0; of a value the first ones. */
+    std::vector<int> places(Kind kind, const std::string &language)
     {
-        std::vector<int> needed = language == "pl"      ? std::vector<int>{1, 3, 4}
-                                  : language == "ja"    ? std::vector<int>{5}
-                                  : language == "de"    ? std::vector<int>{1, 5}
-                                  : language == "pt-BR" ? std::vector<int>{1, 4, 5}
-                                                        : std::vector<int>{0, 1, 2, 3, 4, 5};
+        if (kind == select)
+            return {0, 1, 3};
+        const std::vector<int> all = {0, 1, 2, 3, 4, 5};
+        const std::map<std::string, std::vector<int>> ofLanguages[] = {
+            {{"en", {1, 5}}, {"pl", {1, 3, 4}}, {"ja", {5}}, {"de", {1, 5}}, {"pt-BR", {1, 4, 5}}},
+            {{"en", {1, 2, 3, 5}}, {"pl", {5}}, {"ja", {5}}, {"de", {5}}, {"pt-BR", {5}}, {"ar", {5}}}};
+        const auto found = ofLanguages[kind].find(language);
+        std::vector<int> needed = found != ofLanguages[kind].end() ? found->second : all;
         if (below(2) == 0)
             needed.push_back(6);
         return needed;

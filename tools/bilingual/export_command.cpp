@@ -47,16 +47,24 @@ bool isLoadable(Teller &teller, SourceFile &file, const Levels &levels)
     return teller.errors() == before;
 }
 
-void tellLosses(const std::string &path, const Losses &losses, bool tellsEmpty)
+void tell(const std::string &path, Text text, size_t count)
 {
-    const auto tell = [&path](Text text, size_t count) {
-        if (count > 0)
-            complain(inputName(path) + ": " + say(counted(text, count)));
-    };
-    tell(Text::countOfOutdated, losses.outdated);
-    tell(Text::countOfUnknown, losses.unknown);
-    if (tellsEmpty)
-        tell(Text::countOfLeftEmpty, losses.leftEmpty);
+    if (count > 0)
+        complain(inputName(path) + ": " + say(counted(text, count)));
+}
+
+void tellLosses(const std::string &path, const Losses &losses)
+{
+    tell(path, Text::countOfOutdated, losses.outdated);
+    tell(path, Text::countOfUnknown, losses.unknown);
+}
+
+/** Texts that are empty in one of both languages, which not all forms can say. */
+size_t countOfOneSided(const Bilingual &catalog)
+{
+    return static_cast<size_t>(std::count_if(catalog.entries.begin(), catalog.entries.end(), [](const Entry &entry) {
+        return !entry.isObsolete && entry.state != State::untranslated && entry.source.empty() != entry.target.empty();
+    }));
 }
 
 /** Says what was done; standard output may be the output itself. */
@@ -134,17 +142,11 @@ ExitStatus run(CommandLine &line)
     Bilingual catalog = bilingualOf(reference, language);
     std::optional<Changes> changes;
     if (translated)
-    {
-        Losses losses = addTranslation(catalog, *translated);
-        for (const Entry &entry : catalog.entries)
-            losses.leftEmpty += entry.source.empty() && !entry.target.empty() && !entry.isObsolete ? 1 : 0;
-        tellLosses(translation, losses, !form.knowsEmpty);
-    }
+        tellLosses(translation, addTranslation(catalog, *translated));
     else if (old)
-    {
-        dropEmpty(catalog);
         changes = update(catalog, old->content);
-    }
+    if (!form.knowsEmpty)
+        tell(translated ? translation : options.old, Text::countOfLeftEmpty, countOfOneSided(catalog));
     if (!options.language.empty())
         catalog.targetLanguage = options.language;
     dropEmpty(catalog);

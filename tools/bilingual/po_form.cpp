@@ -263,8 +263,15 @@ std::string poOf(const Bilingual &catalog, formTable *table)
                            xmlAttribute("kelto:header", escaped(headerOf(catalog))) + ">\n<body>\n";
     for (size_t i = 0; i < catalog.entries.size();)
     {
-        if (catalog.entries[i].source.empty()) // that is the header, whatever its context
+        const Entry &entry = catalog.entries[i];
+        if (entry.source.empty()) // that is the header, whatever its context
         {
+            if (entry.isObsolete && !entry.target.empty()) // nobody knows what it was translated from
+            {
+                Entry known = entry;
+                known.source = entry.target;
+                document += unitsOf({&known}, nullptr, table);
+            }
             ++i;
             continue;
         }

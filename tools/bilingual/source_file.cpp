@@ -214,7 +214,6 @@ private:
             if (!remarks->contexts.empty())
                 entry.remarks.contexts = remarks->contexts;
         }
-        m_losses.leftEmpty += entry.target.empty() && !entry.source.empty() ? 1 : 0;
         const auto made = m_translation.remarks.sources.find(message.id);
         if (made != m_translation.remarks.sources.end() && made->second != digestOf(entry.source))
         {

@@ -34,9 +34,8 @@ Bilingual bilingualOf(const SourceFile &reference, const std::string &language);
 /** What is left behind when a translation is put into a bilingual catalog. */
 struct Losses
 {
-    size_t outdated = 0;  // translated from another text: now fuzzy
-    size_t unknown = 0;   // messages that the reference lacks: now obsolete
-    size_t leftEmpty = 0; // texts that are empty, but not in the reference
+    size_t outdated = 0; // translated from another text: now fuzzy
+    size_t unknown = 0;  // messages that the reference lacks: now obsolete
 };
 
 /** Puts the messages of a translation beside those of the reference. */

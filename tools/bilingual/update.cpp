@@ -109,7 +109,7 @@ Changes update(Bilingual &catalog, const Bilingual &old)
             take(std::move(entry), *likely);
         else
         {
-            ++changes.fresh;
+            changes.fresh += entry.source.empty() ? 0 : 1; // what is empty is nobody's work
             entries.push_back(std::move(entry));
         }
     }

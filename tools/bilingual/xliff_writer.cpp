@@ -226,7 +226,8 @@ std::string xliff12Of(const Bilingual &catalog, formTable *table)
     forEachRow(
         catalog, [&](const Entry &entry) { document += unitOf12(entry, table); },
         [&](const Entry &first) {
-            document += "      <group" + xmlAttribute("id", std::to_string(first.key.number)) + ">\n";
+            const char *const kind = first.isObsolete ? "obsolete." : "";
+            document += "      <group" + xmlAttribute("id", kind + std::to_string(first.key.number)) + ">\n";
         },
         [&] { document += "      </group>\n"; });
     return document + "    </body>\n  </file>\n</xliff>\n";

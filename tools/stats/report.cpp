@@ -19,7 +19,7 @@ using namespace bilingual;
 
 constexpr const char *style = R"(
 :root { color-scheme: light dark; --ink: #1c2733; --paper: #fff; --line: #d5dbe1; --soft: #5b6875; --done: #2b7a4b;
-  --fuzzy: #b97a00; --refused: #b3261e; --missing: #e4e8ec; }
+  --fuzzy: #8f5f00; --refused: #b3261e; --missing: #e4e8ec; }
 @media (prefers-color-scheme: dark) { :root { --ink: #e3e8ee; --paper: #14181d; --line: #38424c; --soft: #9aa7b4;
   --done: #5fbf84; --fuzzy: #e0a93a; --refused: #ff8a80; --missing: #2a323a; } }
 * { box-sizing: border-box; }
@@ -42,7 +42,8 @@ th, td { text-align: start; vertical-align: top; padding: .5rem; border-bottom: 
 th { color: var(--soft); font-weight: normal; }
 th:first-child { width: 8rem; }
 th:nth-child(2) { width: 8rem; }
-td.text { white-space: pre-wrap; }
+.text { white-space: pre-wrap; }
+.text bdi { color: var(--soft); }
 td ul { margin: .25rem 0 0; padding: 0; list-style: none; }
 td code { font-size: .875em; color: var(--soft); }
 .state-fuzzy { color: var(--fuzzy); }
@@ -53,6 +54,7 @@ td code { font-size: .875em; color: var(--soft); }
   thead { position: absolute; clip-path: inset(50%); width: 1px; height: 1px; overflow: hidden; }
   tr { border-bottom: 1px solid var(--line); padding: .5rem 0; }
   td { border: 0; padding: .125rem 0; }
+  td:empty { display: none; }
   td::before { content: attr(data-label); display: block; color: var(--soft); font-size: .8125rem; }
 }
 )";
@@ -79,6 +81,41 @@ std::string visible(const std::string &text)
 std::string shown(const std::string &text)
 {
     return xmlText(visible(text));
+}
+
+/**
+ * A text of a message: its conversions and escapes are set apart, since among letters from right to left they would
+ * fall to pieces.
+ */
+std::string shownMessage(const std::string &message, formTable *table)
+{
+    constexpr const char *begin = "<bdi dir=\"ltr\">";
+    constexpr const char *end = "</bdi>";
+    std::string result;
+    for (const Part &part : roughPartsOf(message, table))
+    {
+        const std::string text = visible(part.text);
+        if (part.isPlaceholder)
+        {
+            result += begin + xmlText(text) + end;
+            continue;
+        }
+        for (size_t at = 0; at < text.size();)
+        {
+            const size_t escape = std::min(text.find('\\', at), text.size());
+            result += xmlText(std::string_view(text).substr(at, escape - at));
+            if (escape == text.size())
+                break;
+            constexpr size_t shortest = 2; // "\\n"
+            constexpr std::string_view hexadecimal = "0123456789ABCDEF";
+            const size_t number = escape + shortest;
+            at = text.compare(escape, shortest, "\\u") == 0
+                     ? std::min({text.find_first_not_of(hexadecimal, number), number + 6, text.size()})
+                     : std::min(number, text.size());
+            result += begin + xmlText(std::string_view(text).substr(escape, at - escape)) + end;
+        }
+    }
+    return result;
 }
 
 std::string label(Text text)
@@ -119,7 +156,8 @@ std::string cell(Text heading, const std::string &attributes, const std::string 
     return fmt::format("<td data-label=\"{}\"{}>{}</td>\n", label(heading), attributes, content);
 }
 
-std::string rowOf(const Unfinished &message, const Progress &progress, const std::string &sourceLanguage)
+std::string rowOf(const Unfinished &message, const Progress &progress, const std::string &sourceLanguage,
+                  formTable *table)
 {
     const StateRow state = rowOf(message.kind);
     std::string name = xmlText(message.key);
@@ -127,16 +165,17 @@ std::string rowOf(const Unfinished &message, const Progress &progress, const std
         name += fmt::format("<br><code>{}</code>", shown(message.name));
     if (!message.examples.empty())
         name += fmt::format("<br><span class=\"soft\">{}</span>", xmlText(message.examples));
-    std::string translation = shown(message.target);
+    std::string translation = shownMessage(message.target, table);
     std::string findings;
     for (const std::string &finding : message.findings)
         findings += "<li>" + shown(finding) + "</li>";
     std::string row = "<tr>\n" + cell(Text::columnMessage, "", name);
     row += cell(Text::columnState, fmt::format(" class=\"state-{}\"", state.name), label(state.text));
-    row += cell(Text::columnSource, " class=\"text\"" + languageAttributes(sourceLanguage), shown(message.source));
-    row += cell(Text::columnTarget, "",
-                fmt::format("<div class=\"text\"{}>{}</div>{}", languageAttributes(progress.language), translation,
-                            findings.empty() ? "" : "<ul>" + findings + "</ul>"));
+    row += cell(Text::columnSource, " class=\"text\"" + languageAttributes(sourceLanguage),
+                shownMessage(message.source, table));
+    if (!translation.empty())
+        translation = fmt::format("<div class=\"text\"{}>{}</div>", languageAttributes(progress.language), translation);
+    row += cell(Text::columnTarget, "", translation + (findings.empty() ? "" : "<ul>" + findings + "</ul>"));
     return row + "</tr>\n";
 }
 
@@ -153,7 +192,8 @@ std::string barOf(const Counts &counts)
 
 } // namespace
 
-std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all)
+std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all,
+                   formTable *table)
 {
     const std::string title = xmlText(say(Text::reportTitle, {visible(reference)}));
     std::string page =
@@ -186,7 +226,7 @@ std::string pageOf(const std::string &reference, const std::string &language, co
             page += "<th>" + label(heading) + "</th>";
         page += "</tr></thead>\n<tbody>\n";
         for (const Unfinished &message : progress.unfinished)
-            page += rowOf(message, progress, language);
+            page += rowOf(message, progress, language, table);
         page += "</tbody>\n</table>\n";
     }
     return page + "</body>\n</html>\n";

@@ -7,6 +7,8 @@
 
 #include "bilingual/import.h"
 
+#include "kelto.h"
+
 #include <string>
 #include <vector>
 
@@ -22,8 +24,12 @@ struct Progress
     std::vector<bilingual::Unfinished> unfinished;
 };
 
-/** @param reference  what was translated, and its language. */
-std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all);
+/**
+ * @param reference  what was translated, and its language.
+ * @param table      the conversions that are known.
+ */
+std::string pageOf(const std::string &reference, const std::string &language, const std::vector<Progress> &all,
+                   formTable *table);
 
 } // namespace tool::stats
 

@@ -120,7 +120,7 @@ ExitStatus run(CommandLine &line)
         printText(terminal().showBytes(all.back().language) + "  " + sentenceOf(all.back().counts) + "\n");
     });
     if (!html.empty())
-        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all));
+        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all, forms.get()));
     return status == ExitStatus::done && teller.errors() > 0 ? ExitStatus::negative : status;
 }
 
