@@ -193,8 +193,8 @@ int KTLoadRawMessages(char *path, MessageTable **table);
 int KTGetMessage(MessageTable *table, unsigned int id, char **message);
 
 /**
- * Writes a loaded table in the form of a compiled catalog, which KTLoadCompiledMessages() and KTLoadCompiledData() load
- * in a fraction of the time. The same messages give the same bytes whenever they are compiled on one kind of machine.
+ * Writes a loaded table as a compiled catalog, which KTLoadCompiledMessages() and KTLoadCompiledData() load in a fraction
+ * of the time. The same messages give the same bytes whenever they are compiled on one kind of machine.
  * @param size  in: the capacity of data in bytes; out: the bytes written, or those needed where the result is
  *              KT_ERR_BUFFER_TOO_SMALL. Untouched by other failures.
  * @param data  out: the catalog; untouched by failures. Null is allowed with a capacity of 0.
@@ -209,9 +209,8 @@ int KTCompileMessages(MessageTable *table, size_t *size, void *data);
  * @param path   the file; as in KTLoadMessages().
  * @param table  out: the handle; null after every failure but KT_ERR_NOT_INITIALIZED, which leaves it alone.
  * @return as KTLoadMessages(); KT_ERR_BAD_MSG_FILE for a file that is no compiled catalog, comes from a machine of
- *         another byte order or from a newer version of this form, or is damaged: nothing that it says is believed
- *         before it is checked. (There is no checksum: a changed letter is a changed text.)
- *         KT_ERR_INVALID_PARAMETER where table is null.
+ *         another byte order, has a newer layout, or is damaged: nothing that it says is believed before it is checked.
+ *         (There is no checksum: a changed letter is a changed text.) KT_ERR_INVALID_PARAMETER where table is null.
  *
  *     MessageTable *table;
  *     int result = KTLoadCompiledMessages("de.ktc", &table);

@@ -1,6 +1,6 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
-#include "message/compiled_form.h"
+#include "message/compiled_layout.h"
 #include "message/file_reader.h"
 #include "message/stored_message.h"
 #include "message/table_owner.h"
@@ -18,7 +18,7 @@ namespace
 
 using kelto::CompiledEntry;
 using kelto::CompiledHeader;
-using kelto::CompiledLayout;
+using kelto::CompiledParts;
 
 /** Where the bytes of a catalog come from. */
 class Source
@@ -103,7 +103,7 @@ bool isAccepted(const CompiledHeader &header)
 {
     constexpr uint64_t mostTextBytes = uint64_t{1} << 60; // no sum of lengths exceeds 64 bits
     const bool isOurs = std::memcmp(header.magic, kelto::compiledMagic, sizeof header.magic) == 0 &&
-                        header.byteOrder == kelto::nativeOrder && header.form == kelto::compiledForm;
+                        header.byteOrder == kelto::nativeOrder && header.layout == kelto::compiledLayout;
     return isOurs && header.highestId <= INT_MAX && header.messages <= header.highestId &&
            header.textBytes <= mostTextBytes && header.nameBytes > 1 && header.versionBytes > 1 &&
            header.language[2] == '\0' && header.country[2] == '\0' && header.unused[0] == '\0' &&
@@ -122,7 +122,7 @@ int takeText(Source &source, uint64_t offset, size_t bytes, char **text)
     return std::memchr(*text, '\0', bytes) == *text + bytes - 1 ? 0 : KT_ERR_BAD_MSG_FILE;
 }
 
-int checkHighestId(Source &source, const CompiledHeader &header, const CompiledLayout &layout)
+int checkHighestId(Source &source, const CompiledHeader &header, const CompiledParts &layout)
 {
     CompiledEntry last = {};
     const int result = header.messages > 0 ? source.take(layout.texts - sizeof last, &last, sizeof last) : 0;
@@ -139,7 +139,7 @@ CompiledEntry entryAt(char **place)
 }
 
 /** Checks all entries before the pointers are allocated, of which there are far more. */
-int checkEntries(Source &source, const CompiledHeader &header, const CompiledLayout &layout)
+int checkEntries(Source &source, const CompiledHeader &header, const CompiledParts &layout)
 {
     CompiledEntry entries[64];
     uint32_t previous = 0;
@@ -210,7 +210,7 @@ bool isAcceptedAndIndexed(char **entries, char **entriesEnd, kelto::SparseIndex 
     return true;
 }
 
-int takeMessages(Source &source, const CompiledHeader &header, const CompiledLayout &layout, MessageTable &table,
+int takeMessages(Source &source, const CompiledHeader &header, const CompiledParts &layout, MessageTable &table,
                  kelto::SparseIndex *index)
 {
     const size_t pointers = size_t{header.highestId} + 1;
@@ -239,7 +239,7 @@ int loadFrom(Source &source, MessageTable **loaded)
     int result = source.take(0, &header, sizeof header);
     if (result != 0 || !isAccepted(header))
         return result != 0 ? result : KT_ERR_BAD_MSG_FILE;
-    const CompiledLayout layout(header);
+    const CompiledParts layout(header);
     result = source.checkEnd(layout.end);
     if (result == 0)
         result = checkHighestId(source, header, layout);

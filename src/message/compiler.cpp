@@ -1,6 +1,6 @@
 #include "kelto.h"
 #include "lifecycle/global_state.h"
-#include "message/compiled_form.h"
+#include "message/compiled_layout.h"
 #include "message/stored_message.h"
 #include "message/table_walk.h"
 #include "platform/scoped.h"
@@ -10,7 +10,7 @@ namespace
 
 using kelto::CompiledEntry;
 using kelto::CompiledHeader;
-using kelto::CompiledLayout;
+using kelto::CompiledParts;
 
 CompiledHeader describe(const kelto::TableWalk &walk)
 {
@@ -18,7 +18,7 @@ CompiledHeader describe(const kelto::TableWalk &walk)
     CompiledHeader header = {};
     std::memcpy(header.magic, kelto::compiledMagic, sizeof header.magic);
     header.byteOrder = kelto::nativeOrder;
-    header.form = kelto::compiledForm;
+    header.layout = kelto::compiledLayout;
     header.highestId = table.msgCount;
     for (uint32_t id = walk.next(0); id != 0; id = walk.next(id))
     {
@@ -35,7 +35,7 @@ CompiledHeader describe(const kelto::TableWalk &walk)
 void write(const CompiledHeader &header, const kelto::TableWalk &walk, char *data)
 {
     const MessageTable &table = walk.table();
-    const CompiledLayout layout(header);
+    const CompiledParts layout(header);
     std::memcpy(data, &header, sizeof header);
     std::memcpy(data + layout.name, table.productName, header.nameBytes);
     std::memcpy(data + layout.version, table.productVersion, header.versionBytes);
@@ -65,7 +65,7 @@ int KTCompileMessages(MessageTable *table, size_t *size, void *data)
         return KT_ERR_TABLE_NOT_FOUND;
     const CompiledHeader header = describe(walk);
     const size_t capacity = *size;
-    *size = CompiledLayout(header).end;
+    *size = CompiledParts(header).end;
     if (*size > capacity)
         return KT_ERR_BUFFER_TOO_SMALL;
     write(header, walk, static_cast<char *>(data));

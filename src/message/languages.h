@@ -28,8 +28,8 @@ private:
     bool takeElement() noexcept;
 
     const char *m_rest; // of the list
-    char m_base[maxLanguageLength + 1] =
-        {}; // of the current element: what is left of "de_AT"; empty when it is used up
+    // Of the current element: what is left of "de_AT", empty when it is used up.
+    char m_base[maxLanguageLength + 1] = {};
     char m_modifier[maxLanguageLength + 1] = {}; // "@euro", or empty
     char m_name[maxLanguageLength + 1] = {};
     bool m_withModifier = false; // the next name carries it

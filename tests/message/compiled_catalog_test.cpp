@@ -1,4 +1,4 @@
-#include "message/compiled_form.h"
+#include "message/compiled_layout.h"
 #include "message/loading.h"
 #include "message/stored_message.h"
 #include "support/guarded.h"
@@ -115,7 +115,7 @@ TEST_F(CompiledCatalogTest, RefusesWhateverIsNotAsItShouldBe)
              {"a message file", MessageFile().xml()},
              {"no magic", with(data, 0, 'k')},
              {"another byte order", with(data, offsetof(Header, byteOrder), uint32_t{0x04030201})},
-             {"a newer form", with(data, offsetof(Header, form), kelto::compiledForm + 1)},
+             {"a newer layout", with(data, offsetof(Header, layout), kelto::compiledLayout + 1)},
              {"a byte less", data.substr(0, data.size() - 1)},
              {"a byte more", data + '\0'},
              {"the header alone", data.substr(0, name)},

@@ -2,7 +2,7 @@
 
 #include "kelto.h"
 #include "memory_file.h"
-#include "message/compiled_form.h"
+#include "message/compiled_layout.h"
 
 namespace tool::check
 {
