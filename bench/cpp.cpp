@@ -54,5 +54,13 @@ const Register againShort("W9c/again", bench::kelto, [] {
     });
 });
 
+const Register selecting("L2/catalog", bench::kelto, [] {
+    return job([store = kelto::catalog::load(catalog("plural.xlf")), out = std::string()]() mutable {
+        out.clear();
+        store.format_to(std::back_inserter(out), 12, 22, "Faktury");
+        return std::string_view(out);
+    });
+});
+
 } // namespace
 } // namespace bench

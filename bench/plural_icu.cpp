@@ -14,10 +14,10 @@ namespace
 {
 
 constexpr int number = 22;
+constexpr std::u16string_view pattern = u"{0,plural,one{Skopiowano # plik do {1}} few{Skopiowano # pliki do {1}} "
+                                        u"other{Skopiowano # plików do {1}}}";
 
 const Register icuL2("L2", "ICU umsg_format, kept open", [] {
-    const std::u16string pattern = u"{0,plural,one{Skopiowano # plik do {1}} few{Skopiowano # pliki do {1}} "
-                                   u"other{Skopiowano # plików do {1}}}";
     UErrorCode status = U_ZERO_ERROR;
     UMessageFormat *const format =
         umsg_open(pattern.data(), static_cast<int32_t>(pattern.size()), "pl", nullptr, &status);
@@ -28,6 +28,16 @@ const Register icuL2("L2", "ICU umsg_format, kept open", [] {
         const int32_t length = umsg_format(owner.get(), out.data(), static_cast<int32_t>(out.size()), &failure,
                                            double{number}, u"Faktury");
         return std::u16string_view(out.data(), static_cast<size_t>(length));
+    });
+});
+
+const Register icuL2First("L2/first", "ICU umsg_open", [] {
+    return job([pattern = std::u16string(pattern)] {
+        UErrorCode status = U_ZERO_ERROR;
+        UMessageFormat *const format =
+            umsg_open(pattern.data(), static_cast<int32_t>(pattern.size()), "pl", nullptr, &status);
+        umsg_close(format);
+        return std::string_view(U_SUCCESS(status) ? "prepared" : "");
     });
 });
 

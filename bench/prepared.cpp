@@ -20,10 +20,10 @@ using Bytes = std::array<char, formatRoom>;
 class Prepared
 {
 public:
-    explicit Prepared(const std::string &format)
+    explicit Prepared(const std::string &format, formTable *table = nullptr)
     {
         KTPreparedFormat *prepared = nullptr;
-        require(KTPrepareFormat(format.c_str(), nullptr, &prepared) == 0, "a format cannot be prepared");
+        require(KTPrepareFormat(format.c_str(), table, &prepared) == 0, "a format cannot be prepared");
         m_prepared.reset(prepared);
     }
 
@@ -66,6 +66,47 @@ const Register bytesW1("W1p/UTF-8", kelto, [] {
         return std::string_view(out.data(), bytes);
     });
 });
+
+/* A conversion of the program's own, which writes the numbers of one digit. */
+
+int writeDigit(const char * /*name*/, int /*width*/, int /*precision*/, int /*flags*/, KTEncoder /*encoder*/,
+               void * /*passThru*/, void **slot, unsigned long *size, UCS2 *out)
+{
+    const bool isFit = *size > 1;
+    *size = 1;
+    if (!isFit)
+        return KT_ERR_BUFFER_TOO_SMALL;
+    *out = static_cast<UCS2>('0' + *static_cast<const int *>(*slot));
+    return 0;
+}
+
+int writeDigitUTF8(const char * /*name*/, int /*width*/, int /*precision*/, int /*flags*/, KTEncoder /*encoder*/,
+                   void * /*passThru*/, const KTArgument *argument, size_t *size, char *out)
+{
+    const bool isFit = *size > 1;
+    *size = 1;
+    if (!isFit)
+        return KT_ERR_BUFFER_TOO_SMALL;
+    *out = static_cast<char>('0' + argument->value.i);
+    return 0;
+}
+
+std::unique_ptr<Job> ownConversion(const char *format)
+{
+    static KTFormatter records[] = {{"digit", nullptr, 1, signedIntList, writeDigit},
+                                    {"digitu", nullptr, 1, signedIntList, writeDigit},
+                                    {nullptr, nullptr, 0, nullptr, nullptr}};
+    static formTable table = {false, {}, records, nullptr, &builtInFormTable};
+    require(KTRegisterUTF8Format(&records[1], writeDigitUTF8) == 0, "a function cannot be registered");
+    return job([prepared = Prepared(format, &table), out = Bytes()]() mutable {
+        size_t bytes = out.size();
+        formatSwapped(prepared.get(), &bytes, out.data());
+        return std::string_view(out.data(), bytes);
+    });
+}
+
+const Register calledW1("W1o/called", kelto, [] { return ownConversion("%s[2]: %digit[1]"); });
+const Register calledBytesW1("W1o/UTF-8", kelto, [] { return ownConversion("%s[2]: %digitu[1]"); });
 
 const Register bytesW2("W2p", kelto, [] {
     return job([prepared = Prepared(tenConversions), a = TenArguments(), out = Bytes()]() mutable {
