@@ -348,7 +348,7 @@ private:
         return text.take();
     }
 
-    /** One function for all calls with arguments of the same types, which so compile to little. */
+    /** One function for all calls with arguments of the same types, so that each call compiles to little. */
     template <class... Arguments>
     KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
     {

@@ -47,7 +47,7 @@ struct SlotCodes
     uint32_t lesserFlagged;
 };
 
-// By KTArgumentCode, of those that take a slot.
+// By KTArgumentCode; only codes that take a slot are looked up.
 constexpr SlotCodes slotCodes[] = {
     {},
     {KT_SLOT_CHAR, FLAG_l, KT_SLOT_UNIT, 0, 0},

@@ -75,7 +75,7 @@ long KeltoInit(long handle)
     return reinterpret_cast<long>(msgTableList);
 }
 
-// The list goes first, since its blocks come from the tag and its mutex guards it.
+// The list goes first: its blocks come from the memory tag, and a mutex guards it.
 void KeltoClean(void)
 {
     delete msgTableList;

@@ -23,7 +23,9 @@ struct TagFree
 /** A block of the memory tag that holds `T`s, freed at the end of the scope unless release() hands it on. */
 template <typename T> using TagBlock = std::unique_ptr<T[], TagFree>;
 
-/** Room for `count` objects from the tag, not initialised; empty when there is none, or when the size overflows. */
+/**
+ * Room for `count` objects from the memory tag, not initialised; empty when there is none, or when the size overflows.
+ */
 template <typename T> TagBlock<T> allocate(void *tag, size_t count) noexcept
 {
     constexpr size_t size = sizeof(T); // NOLINT(bugprone-sizeof-expression): pointers too are kept in blocks

@@ -16,7 +16,7 @@
 namespace tool::check
 {
 
-/** In the order of the table; an error that is none in every file comes first. */
+/** The rules in the order of their table. The errors that no option can switch off come first: see isFixed(). */
 enum class Rule
 {
     xmlSyntax,
@@ -86,15 +86,15 @@ enum class Severity
 struct RuleRow
 {
     const char *name;
-    Severity severity; // as long as no option says otherwise
+    Severity severity; // unless an option says otherwise
     Text summary;
     Text explanation; // three sentences
-    Text wrong;       // an example, as the next
+    Text wrong;       // an example of a mistake; the next member is its correction
     Text right;
 };
 
 const RuleRow &rowOf(Rule rule);
-/** Whether it keeps a file from loading, and is an error whatever anybody wants. */
+/** Whether a rule keeps files from loading, and so is always an error, whatever the options say. */
 constexpr bool isFixed(Rule rule)
 {
     return rule <= Rule::language;

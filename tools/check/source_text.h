@@ -54,19 +54,22 @@ public:
     /** Takes note of the encoding that the XML declaration names, which counts where characters are bytes. */
     void declareEncoding(std::string_view name);
 
-    /** The code point at an offset below `end`, which moves behind it; U+FFFD for what is none. */
+    /** Takes the code point at an offset below `end`, and moves the offset behind it; U+FFFD for malformed bytes. */
     char32_t take(size_t &offset, size_t end) const;
 
     /** Whether a line begins at an offset. */
     bool beginsLine(size_t offset) const;
 
-    /** The bytes that a part of the file takes as UTF-8 where it is text, of any encoding. */
+    /** The bytes that a part of the file would take in UTF-8; the part is text in any encoding. */
     size_t sizeAsUtf8(Range range) const;
 
-    /** Where the code point stands that begins `utf8Bytes` bytes behind the beginning of a range, were it UTF-8. */
+    /**
+     * The offset of the code point that would begin `utf8Bytes` bytes behind the beginning of a range, were the file
+     * UTF-8.
+     */
     size_t behindUtf8(Range range, size_t utf8Bytes) const;
 
-    /** Counts lines and columns; needed once, before the two that follow. */
+    /** Counts lines and columns. Called once, before position() and excerpt(). */
     void index();
     Position position(size_t offset) const;
     Excerpt excerpt(Range range) const;

@@ -63,7 +63,7 @@ private:
     struct Found
     {
         size_t count = 0;
-        Range lastPlace{}; // of those that are told
+        Range lastPlace{}; // the place of the last finding that is told
     };
 
     void add(Rule rule, Range place, Phrase text, std::optional<Note> note);

@@ -22,8 +22,8 @@ static_assert(mostDecimals<double> == 1074);
 static_assert(mostDecimals<long double> == 16445 || mostDecimals<long double> == 16494); // of 80 bits, or of 128
 
 /**
- * A number without its sign: in a fixed buffer, or, where that is too small and the text is needed, in memory of the
- * tag.
+ * A number without its sign: in a fixed buffer, or, where that is too small and the text is needed, in a block of the
+ * memory tag.
  */
 class Rendering
 {
