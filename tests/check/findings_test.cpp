@@ -71,6 +71,12 @@ std::string entities(bool isChain)
     return "<!DOCTYPE xliff [" + declarations + "]>";
 }
 
+/** A file of the same language in another one. */
+std::string in(const std::string &language, std::string file)
+{
+    return file.replace(file.find("\"de\""), 4, "\"" + language + "\"");
+}
+
 // Texts stand in line 3 and begin at column 1; "<x ts='%d' id='1'/>" is 19 columns wide.
 const Row rows[] = {
     {unit("a"), ""},
@@ -91,6 +97,7 @@ const Row rows[] = {
     {"<xliff>\n a &amp; b<!-- -->c <file source-language='de' product-name='S' product-version='1'>\n<header>=</header>"
      "<body><trans-unit id='1'><source>a<context>d</context>e</source><note>n</note>f</trans-unit>\n\n<<",
      "2:2-20 stray-text, 3:9-10 stray-text, 3:73-74 stray-text, 3:97-98 stray-text, 5:2-3 xml-syntax"},
+    {document(numbered(1, "a") + "\n>>>>>>> b\n<!--\n=======\n-->"), "3:1-8 stray-text, 5:1-8 stray-text"},
     {"<xliff><file source-language='de_AT' product-name='S' product-version='1'><header/><body/></file></xliff>",
      "1:31-36 same-language",
      "<xliff><file source-language='DE-at' product-name='S' product-version='1'><header/><body/></file></xliff>"},
@@ -142,7 +149,7 @@ const Row rows[] = {
      "2:1-20 argument-missing",
      unit(x("%d", 1) + x("%d", 2) + x("%d", 3) + x("%s", 4))},
     {unit(x("%d", 1) + x("%d[2] ", 5) + x("%size", 3)), "3:27-33 bad-placeholder"},
-    {unit("100 %" + x("%s", 1)), "3:13-15 bad-placeholder", unit("%% " + x("%s", 1))},
+    {unit("100 %" + x("%s", 1)), "3:13-15 bad-placeholder", unit("100 %% " + x("%s", 1))},
     {unit(x("%s", 1)), "", unit(x("s", 1))},
     // Beside a reference.
     {unit(x("%s", 1)), "3:1-20 argument-type", unit(x("%d", 1))},
@@ -202,6 +209,46 @@ const Row rows[] = {
     {unit("--hilfe 88, 2.000 €"), "2:20-28 literal-changed, 2:20-28 literal-changed", unit("--help 80, €2,000")},
     {document("<trans-unit id='1' resname='a'><source>a</source></trans-unit>"), "2:29-30 attribute-differs",
      document("<trans-unit id='1' resname='b'><source>a</source></trans-unit>")},
+    {document("<trans-unit ts='1' id='a'><source>a</source></trans-unit>"), "2:24-25 attribute-differs",
+     document("<trans-unit ts='1' id='b'><source>a</source></trans-unit>")},
+    {unit("&lt;a href=\"https://a.b\">x&lt;/a>"), "", unit("&lt;a href=\"https://a.b\">online&lt;/a>")},
+    {unit("STORE_HAUS, 5 GB"), "2:20-28 literal-changed, 3:15-17 literal-changed", unit("STORE_HOME, 5 MB")},
+    {unit("24"), "3:1-3 literal-changed", unit("2")},
+    {unit("24.12.2026, 10.30"), "", unit("12/24/2026, 10:30")},
+    {unit("64–8"), "3:1-5 literal-changed", unit("8–64")},
+    {unit("%d[1] a"), "", unit("%d[1] b")},
+    {unit(x("%5d", 1) + x("%d", 2) + x("%9s", 3)), "3:1-21 conversion-changed, 3:21-40 conversion-changed",
+     unit(x("%-5d", 1) + x("%3d", 2) + x("%s", 3))},
+    // Arguments that are exchanged, and a sentence that only turns.
+    {unit(x("%s", 2) + " nach " + x("%s", 1)), "3:1-20 argument-order",
+     unit("copy " + x("%s", 1) + " to " + x("%s", 2))},
+    {unit(x("%s", 2) + " („" + x("%s", 1) + "“)"), "3:1-20 argument-order",
+     unit("“" + x("%s", 1) + "” (" + x("%s", 2) + ")")},
+    {unit(x("%d", 2) + "/" + x("%d", 1)), "3:1-20 argument-order", unit(x("%d", 1) + "/" + x("%d", 2))},
+    {unit("in " + x("%s", 2) + ": „" + x("%s", 1) + "“"), "", unit("“" + x("%s", 1) + "” of " + x("%s", 2))},
+    // Markup and keys.
+    {unit("&lt;b>a&lt;b>"), "2:20-28 markup-changed", unit("&lt;b>a&lt;/b>")},
+    {unit("&lt;a href=“b”>a&lt;/a>"), "3:1-6 markup-changed", unit("&lt;a href='b'>a&lt;/a>")},
+    {unit("&lt;datei> a"), "", unit("&lt;file> a")},
+    {unit("&amp;a &amp;b"), "3:1-6 access-key", unit("&amp;b")},
+    {document(numbered(1, "&amp;a") + "\n" + numbered(2, "b") + "\n" + numbered(3, "R&amp;D")), "3:20-28 access-key 2",
+     document(numbered(1, "&amp;b") + numbered(2, "b&amp;c") + numbered(3, "R&amp;D"))},
+    // What was not finished.
+    {unit("Der Name fehlt. Please choose another name."), "3:17-43 left-over",
+     unit("The name is missing. Please choose another name.")},
+    {unit("GNU General Public License (TODO)"), "3:29-33 left-over", unit("GNU General Public License (free)")},
+    {unit("das ist ist gut"), "3:5-12 left-over", unit("it is good")},
+    {unit("le fichier est dans la liste"), "2:20-28 wrong-language"},
+    {in("ja", unit("找不到打印机。请检查打印机。")), "2:20-28 wrong-language"},
+    {in("ru", unit("Ціна, Москва")), "3:2-3 wrong-language"},
+    {in("ru", unit("Ïîèñê, café")), "3:1-6 mojibake"},
+    {unit("gr³n"), "3:3-4 mojibake"},
+    // What another message says.
+    {document(numbered(1, "Leere Dateien zeigen") + "\n" + numbered(2, "Leere Dateien zeigen")),
+     "2:20-28 other-meaning, 3:20-28 other-meaning 2",
+     document(numbered(1, "Sort by date") + numbered(2, "Show empty files"))},
+    {unit("Die Datei wurde gefunden"), "2:20-28 other-meaning", unit("The file was not found")},
+    {unit("Die Datei fehlt hier"), "", unit("The file is not here")},
 };
 
 std::string inUtf16(const std::string &text, bool isBig)
@@ -282,6 +329,24 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
                       findingsIn(declared("utf-8", row.file), row.reference, m_table.get()));
         }
     }
+}
+
+TEST_F(CheckFindings, TellTextsThatAreFarShorterOrLongerThanTheOthersOfTheirFile)
+{
+    const std::string sentence = "A sentence of this length stands here";
+    std::string here;
+    std::string there;
+    for (int id = 1; id <= 30; ++id)
+    {
+        there += numbered(id, sentence + std::string(1, static_cast<char>('A' + id % 26)));
+        here +=
+            numbered(id, "Ein Satz dieser Größe steht da, er ist " + std::string(1, static_cast<char>('A' + id % 26)));
+    }
+    const std::string longer = "Ein Satz " + std::string(80, 'a');
+    EXPECT_EQ(findingsIn(document(here + "\n" + numbered(31, "Ein Satz") + "\n" + numbered(32, longer)),
+                         inEnglish(document(there + numbered(31, sentence + "x") + numbered(32, sentence + "y"))),
+                         m_table.get()),
+              "3:21-29 text-length 31, 4:21-29 text-length 32");
 }
 
 TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)

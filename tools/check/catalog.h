@@ -48,6 +48,7 @@ struct Message
     size_t endPiece = 0;
     std::string name; // the attribute "resname"
     bool hasName = false;
+    std::string label;    // the attribute "id" where "ts" is the number, for people
     std::string madeFrom; // the digest of the text that it was translated from, or empty
 };
 

@@ -1,8 +1,15 @@
 #include "check/checks.h"
 
+#include "check/access_keys.h"
 #include "check/damage.h"
 #include "check/directions.h"
 #include "check/identity.h"
+#include "check/left_over.h"
+#include "check/literals.h"
+#include "check/markup.h"
+#include "check/neighbours.h"
+#include "check/order.h"
+#include "check/other_language.h"
 #include "check/placeholders.h"
 #include "check/script.h"
 #include "check/subject.h"
@@ -67,6 +74,31 @@ bool showsOtherwise(const Conversion &here, const Conversion &there)
     const bool isText =
         !here.slots.empty() && (here.slots.back().kind == Kind::utf8 || here.slots.back().kind == Kind::ucs2);
     return precision != precisionOf(there) && !(isText && precision == ".0");
+}
+
+/** The flags in front of a width, which is 0 where there is none. */
+struct Layout
+{
+    std::string_view flags;
+    bool hasWidth;
+};
+
+Layout layoutOf(const Conversion &conversion)
+{
+    const std::string_view written = conversion.written;
+    const size_t end = std::min(written.find_first_not_of("-+ #0", 1), written.size());
+    const char next = end < written.size() ? written[end] : '\0';
+    return {written.substr(1, end - 1), next == '*' || (next >= '1' && next <= '9')};
+}
+
+/** Whether a column of a table or a sign is lost: a language may have another width, and one of its own. */
+bool losesLayout(const Conversion &here, const Conversion &there)
+{
+    const Layout ours = layoutOf(here);
+    const Layout theirs = layoutOf(there);
+    return (theirs.hasWidth && !ours.hasWidth) ||
+           std::any_of(theirs.flags.begin(), theirs.flags.end(),
+                       [&ours](char flag) { return ours.flags.find(flag) == std::string_view::npos; });
 }
 
 /** Whether a conversion only takes its argument, as in a sentence for a number that it does not show. */
@@ -394,7 +426,7 @@ void MessageCheck::compareArguments(const Format &format)
         {
             const bool isOther = here->name != there.name && !differInLanguageAlone(here->name, there.name);
             if (here->slots == there.slots && !writesNothing(*here) && !writesNothing(there) &&
-                (isOther || showsOtherwise(*here, there)))
+                (isOther || showsOtherwise(*here, there) || losesLayout(*here, there)))
                 find(Rule::conversionChanged, placeOf(here->place),
                      {Text::conversionChanged, {here->written, there.written}}, noteOn(there));
             else if (!agrees)
@@ -534,6 +566,10 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
     const std::vector<Message> &originals = reference != nullptr ? reference->catalog().messages() : none;
     auto original = originals.begin();
     const Scripts scripts(catalog.language());
+    std::optional<Neighbours> neighbours;
+    if (reference != nullptr)
+        neighbours.emplace(catalog, reference->catalog());
+    AccessKeys accessKeys;
     int done = 0; // the number of the last message that was looked at, here or there
     const Variants variants(catalog);
     const Variants *const theirs = reference != nullptr ? &reference->variants() : nullptr;
@@ -573,17 +609,28 @@ Findings checkMessages(const Catalog &catalog, formTable *table, const Reference
             .run();
         checkDamage(subject);
         scripts.check(subject);
+        if (!isSelector)
+            checkLanguageOfText(subject);
         if (isComparable)
         {
             if (path == nullptr)
                 compareName(subject);
             compareAge(subject);
             compareWording(subject);
+            compareLiterals(subject);
+            compareOrder(subject);
+            compareMarkup(subject);
+            findLeftOver(subject);
+            accessKeys.compare(subject);
+            neighbours->add(subject);
         }
         else if (!isSelector)
             checkSlashes(subject);
         subject.finish();
     }
+    accessKeys.finish(findings);
+    if (neighbours)
+        neighbours->finish(findings);
     missBelow(int64_t{INT_MAX} + 1);
     if (table != nullptr)
         variants.check(table, findings);

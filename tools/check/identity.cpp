@@ -103,6 +103,12 @@ void compareName(Subject &subject)
             Rule::attributeDiffers, subject.catalog().locateAttribute(here.unit, "resname"),
             {Text::attributeDiffers, {"resname", quotation(here.name), quotation(there.name)}},
             Note{true, subject.reference().locateAttribute(there.unit, "resname"), {Text::referenceHasItHere}});
+    const auto isOfVariant = [](const std::string &label) { return label.find('[') != std::string::npos; };
+    if (!here.label.empty() && !there.label.empty() && here.label != there.label && !isOfVariant(here.label) &&
+        !isOfVariant(there.label))
+        subject.find(Rule::attributeDiffers, subject.catalog().locateAttribute(here.unit, "id"),
+                     {Text::attributeDiffers, {"id", quotation(here.label), quotation(there.label)}},
+                     Note{true, subject.reference().locateAttribute(there.unit, "id"), {Text::referenceHasItHere}});
 }
 
 void compareAge(Subject &subject)

@@ -222,7 +222,11 @@ void Reader::startUnit(const char **attributes, Range tag)
         m_message.name = resname;
         m_message.hasName = true;
     }
-    keep(m_message.madeFrom.size() + m_message.name.size());
+    const char *const label =
+        kelto::findAttribute(attributes, "ts") != nullptr ? kelto::findAttribute(attributes, "id") : nullptr;
+    if (label != nullptr)
+        m_message.label = label;
+    keep(m_message.madeFrom.size() + m_message.name.size() + m_message.label.size());
 }
 
 void Reader::startSource(Range tag)

@@ -17,6 +17,16 @@ Subject::Subject(const Catalog &catalog, const Message &message, const Catalog *
 {
 }
 
+const Tokens &Subject::tokens()
+{
+    return m_tokens ? *m_tokens : m_tokens.emplace(text());
+}
+
+const Tokens &Subject::originalTokens()
+{
+    return m_originalTokens ? *m_originalTokens : m_originalTokens.emplace(originalText());
+}
+
 void Subject::add(Rule rule, Range place, Phrase text, std::optional<Note> note)
 {
     Found &found = m_found[rule];

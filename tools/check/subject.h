@@ -7,6 +7,7 @@
 
 #include "check/catalog.h"
 #include "check/resolved_text.h"
+#include "check/tokens.h"
 
 #include <map>
 #include <optional>
@@ -33,6 +34,10 @@ public:
     std::string_view text() const { return m_text.text(); }
     std::string_view originalText() const { return m_originalText.text(); }
 
+    /** The same, taken apart. */
+    const Tokens &tokens();
+    const Tokens &originalTokens();
+
     /** Where a part of the text, or of that of the original, stands in its file. */
     Range placeOf(Range range) const { return m_catalog.locate(m_message, m_text.beforeEscapes(range)); }
     Range placeOfOriginal(Range range) const
@@ -52,6 +57,9 @@ public:
 
     /** How many findings there are, of the whole file. */
     size_t findings() const { return m_findings.size(); }
+
+    /** Whether anything was found against a rule. */
+    bool has(Rule rule) const { return m_found.find(rule) != m_found.end(); }
 
     /** Whether enough was found against a rule. */
     bool isFull(Rule rule) const;
@@ -75,6 +83,8 @@ private:
     Findings &m_findings;
     ResolvedText m_text;
     ResolvedText m_originalText;
+    std::optional<Tokens> m_tokens; // made where they are needed
+    std::optional<Tokens> m_originalTokens;
     std::map<Rule, Found> m_found;
 };
 

@@ -61,7 +61,11 @@ void compareEdges(Subject &subject)
     if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
         subject.find(Rule::whiteSpace, subject.placeOf({0, edges.begin}), {Text::spaceAtBeginning},
                      noteAt(subject, {0, originals.begin}));
-    if (here.substr(edges.end) != there.substr(originals.end))
+    const char32_t last = characterBefore(here, edges.end);
+    const bool hasWideMark =
+        (last >= 0x3001 && last <= 0x3002) || (last >= 0xFF01 && last <= 0xFF5E); // with a blank in itself
+    const bool isBlankOfMark = hasWideMark && edges.end == here.size() && there.substr(originals.end) == " ";
+    if (here.substr(edges.end) != there.substr(originals.end) && !isBlankOfMark)
         subject.find(Rule::whiteSpace, subject.placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
                      noteAt(subject, {originals.end, there.size()}));
 }
@@ -142,6 +146,23 @@ struct Break
 constexpr Break breaks[] = {{'\n', "/n", Text::breaksFewer, Text::breaksMore},
                             {'\t', "/t", Text::tabsFewer, Text::tabsMore}};
 
+/** Whether a text is broken where its lines are full, which each language does at other places. */
+bool isFilled(std::string_view text)
+{
+    constexpr size_t full = 45;
+    constexpr unsigned several = 2;
+    unsigned lines = 0;
+    bool hasFullLine = false;
+    size_t begin = 0;
+    for (size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1))
+    {
+        ++lines;
+        hasFullLine = hasFullLine || at - begin >= full;
+        begin = at + 1;
+    }
+    return hasFullLine && lines >= several;
+}
+
 /** Whether a slash stands where a backslash was meant. */
 bool compareBreaks(Subject &subject)
 {
@@ -162,7 +183,8 @@ bool compareBreaks(Subject &subject)
         }
         const unsigned ours = count(part(here, coreOf(here)), row.character);
         const unsigned theirs = count(part(there, coreOf(there)), row.character);
-        if (ours != theirs && !here.empty() && !there.empty())
+        const bool isOtherwiseFilled = row.character == '\n' && ours > 0 && isFilled(part(there, coreOf(there)));
+        if (ours != theirs && !here.empty() && !there.empty() && !isOtherwiseFilled)
             subject.find(Rule::lineBreak, subject.message().source,
                          {ours < theirs ? row.fewer : row.more, {ours, theirs}},
                          Note{true, subject.original().source, {Text::referenceIsHere}});
@@ -284,144 +306,6 @@ void comparePairs(Subject &subject)
                      {here.hasOddQuote ? Text::quoteUnbalanced : Text::bracketUnbalanced});
 }
 
-// What is no word
-
-/** A text in which every decimal digit is ASCII, and what parts groups of digits is left out. */
-std::string withPlainNumbers(std::string_view text)
-{
-    std::string plain;
-    bool isBehindDigit = false;
-    for (size_t at = 0; at < text.size();)
-    {
-        const size_t begin = at;
-        const char32_t character = takeUtf8(text, at);
-        const int32_t digit = u_charDigitValue(static_cast<UChar32>(character));
-        size_t next = at;
-        const bool isParting =
-            isBehindDigit &&
-            (std::u32string_view(U".,'’٫٬ \u00A0\u202F").find(character) != std::u32string_view::npos) &&
-            at < text.size() && u_charDigitValue(static_cast<UChar32>(takeUtf8(text, next))) >= 0;
-        if (isParting)
-            continue;
-        isBehindDigit = digit >= 0;
-        if (isBehindDigit)
-            plain += static_cast<char>('0' + digit);
-        else
-            plain += text.substr(begin, at - begin);
-    }
-    return plain;
-}
-
-/** Whether a word is the same in every language: an address, an option, a number of two digits and more. */
-bool isLiteral(std::string_view word)
-{
-    const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
-    const auto isName = [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; };
-    const size_t at = word.find('@');
-    const bool isAddress = word.find("://") != std::string_view::npos || word.substr(0, 4) == "www." ||
-                           (at != std::string_view::npos && at > 0 && word.find('.', at) != std::string_view::npos);
-    const bool isOption = word.size() > 3 && word.substr(0, 2) == "--" && word[2] != '-' &&
-                          std::all_of(word.begin() + 2, word.end(), isName);
-    return isAddress || isOption || (word.size() > 1 && std::all_of(word.begin(), word.end(), isDigit));
-}
-
-/** Whether a character may stand around a word, or between words, and is no part of what is the same everywhere. */
-bool isAround(char32_t character)
-{
-    constexpr std::u32string_view ascii = U"\"'()<>[]{},;:.!?";
-    return character < 0x80 ? ascii.find(character) != std::u32string_view::npos
-                            : u_ispunct(static_cast<UChar32>(character)) != 0;
-}
-
-std::string_view withoutPunctuation(std::string_view word)
-{
-    for (size_t next = 0; !word.empty() && isAround(takeUtf8(word, next)); next = 0)
-        word.remove_prefix(next);
-    while (!word.empty() && isAround(characterBefore(word, word.size())))
-        word = word.substr(0, stepBackUtf8(word, word.size()));
-    return word;
-}
-
-/** Of a word that holds an address, that alone: what stands in front of its scheme and behind a quote is text. */
-std::string_view addressIn(std::string_view word)
-{
-    constexpr std::string_view ofScheme = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+-.";
-    const size_t colon = word.find("://");
-    if (colon == std::string_view::npos)
-        return word;
-    const size_t begin = word.substr(0, colon).find_last_not_of(ofScheme) + 1; // 0 where all are
-    size_t end = colon;
-    for (size_t next = end; end < word.size(); end = next)
-    {
-        const char32_t character = takeUtf8(word, next);
-        if (character == '\'' || isWhiteSpace(character) || (character >= 0x80 && isAround(character)))
-            break;
-    }
-    return withoutPunctuation(word.substr(begin, end - begin));
-}
-
-void compareLiterals(Subject &subject)
-{
-    constexpr std::string_view between = " \t\n\r\"<>";
-    const std::string_view there = subject.originalText();
-    std::string here; // made where it is needed
-    for (size_t begin = there.find_first_not_of(between);
-         begin < there.size() && !subject.isFull(Rule::literalChanged);)
-    {
-        const size_t end = std::min(there.find_first_of(between, begin), there.size());
-        const std::string_view whole = there.substr(begin, end - begin);
-        const std::string_view word = addressIn(withoutPunctuation(whole));
-        const std::string plain = withPlainNumbers(word);
-        if (whole.find('%') == std::string_view::npos && isLiteral(plain))
-        {
-            if (here.empty())
-                here = withPlainNumbers(subject.text());
-            const auto first = static_cast<size_t>(word.data() - there.data());
-            if (here.find(plain) == std::string::npos)
-                subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
-                             noteAt(subject, {first, first + word.size()}));
-        }
-        begin = there.find_first_not_of(between, end);
-    }
-}
-
-/** Whether a text has a percent sign of its own, and not only those of placeholders. */
-bool hasPercent(const Catalog &catalog, const Message &message)
-{
-    const std::string_view raw = catalog.rawText(message);
-    for (size_t at = raw.find('%'); at < raw.size(); at = raw.find('%', at + 1))
-        if (catalog.isText(message, at))
-            return true;
-    return raw.find("٪") != std::string_view::npos || raw.find("％") != std::string_view::npos;
-}
-
-void comparePercent(Subject &subject)
-{
-    const size_t there = subject.originalText().find("%%");
-    if (there != std::string_view::npos && !hasPercent(subject.catalog(), subject.message()))
-        subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {"%"}},
-                     noteAt(subject, {there, there + 2}));
-}
-
-void compareWhole(Subject &subject)
-{
-    const std::string_view text = subject.text();
-    if (text != subject.originalText() || languageOf(subject.catalog()) == languageOf(subject.reference()))
-        return;
-    bool hasWord = false;
-    unsigned letters = 0;
-    for (size_t at = 0; at < text.size() && !hasWord;)
-    {
-        const size_t begin = at;
-        const bool isLetter = u_isalpha(static_cast<UChar32>(takeUtf8(text, at))) != 0 && subject.isTyped({begin, at});
-        letters = isLetter ? letters + 1 : 0;
-        hasWord = letters > 1;
-    }
-    if (hasWord)
-        subject.find(Rule::untranslated, subject.message().source, {Text::sameAsReference},
-                     Note{true, subject.original().source, {Text::referenceIsHere}});
-}
-
 } // namespace
 
 Range coreOf(std::string_view text)
@@ -450,9 +334,6 @@ void compareWording(Subject &subject)
         return;
     compareEndings(subject);
     comparePairs(subject);
-    compareLiterals(subject);
-    comparePercent(subject);
-    compareWhole(subject);
 }
 
 void checkSlashes(Subject &subject)

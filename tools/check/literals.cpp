@@ -1,0 +1,375 @@
+#include "check/literals.h"
+
+#include "check/utf8.h"
+#include "check/wording.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <unicode/uchar.h>
+
+namespace tool::check
+{
+namespace
+{
+
+bool isWhiteSpace(char32_t character)
+{
+    constexpr std::string_view ascii = " \t\n\v\f\r";
+    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
+                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
+}
+
+char32_t characterBefore(std::string_view text, size_t end)
+{
+    if (end == 0)
+        return 0;
+    size_t at = stepBackUtf8(text, end);
+    return takeUtf8(text, at);
+}
+
+Note noteAt(const Subject &subject, Range original)
+{
+    return {true, subject.placeOfOriginal(original), {Text::referenceIsHere}};
+}
+
+/** A text in which every decimal digit is ASCII, and what parts groups of digits is left out. */
+std::string withPlainNumbers(std::string_view text)
+{
+    std::string plain;
+    bool isBehindDigit = false;
+    for (size_t at = 0; at < text.size();)
+    {
+        const size_t begin = at;
+        const char32_t character = takeUtf8(text, at);
+        const int32_t digit = u_charDigitValue(static_cast<UChar32>(character));
+        size_t next = at;
+        const bool isParting =
+            isBehindDigit &&
+            (std::u32string_view(U".,'’٫٬ \u00A0\u202F").find(character) != std::u32string_view::npos) &&
+            at < text.size() && u_charDigitValue(static_cast<UChar32>(takeUtf8(text, next))) >= 0;
+        if (isParting)
+            continue;
+        isBehindDigit = digit >= 0;
+        if (isBehindDigit)
+            plain += static_cast<char>('0' + digit);
+        else
+            plain += text.substr(begin, at - begin);
+    }
+    return plain;
+}
+
+constexpr bool isDigit(char byte)
+{
+    return byte >= '0' && byte <= '9';
+}
+
+constexpr bool isAsciiLetter(char byte)
+{
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+}
+
+bool isIdentifier(std::string_view word)
+{
+    return !word.empty() && std::all_of(word.begin(), word.end(), [](char byte) {
+        return isAsciiLetter(byte) || isDigit(byte) || byte == '_' || byte == '.';
+    });
+}
+
+/** As "store.conf" and "*.jpg". */
+bool isFileName(std::string_view word)
+{
+    constexpr std::string_view endings[] = {
+        "bat",  "c",   "cfg", "conf", "cpp",  "csv", "dll", "exe", "gif",  "gz",  "h",   "htm", "html", "ini",
+        "jpeg", "jpg", "js",  "json", "log",  "md",  "mo",  "mp3", "mp4",  "pdf", "png", "po",  "py",   "sh",
+        "so",   "sql", "svg", "tar",  "toml", "txt", "xlf", "xml", "yaml", "yml", "zip", "com", "net",  "org"};
+    const size_t dot = word.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || (!isIdentifier(word.substr(0, dot)) && word.substr(0, dot) != "*"))
+        return false;
+    return std::find(std::begin(endings), std::end(endings), word.substr(dot + 1)) != std::end(endings);
+}
+
+/** As "/etc/store". */
+bool isPath(std::string_view word)
+{
+    constexpr std::string_view others = "/._-~+";
+    return (word[0] == '/' || word.substr(0, 2) == "~/") && std::count(word.begin(), word.end(), '/') > 1 &&
+           std::all_of(word.begin(), word.end(), [others](char byte) {
+               return isAsciiLetter(byte) || isDigit(byte) || others.find(byte) != std::string_view::npos;
+           });
+}
+
+/** As "STORE_HOME" and "$HOME"; names in small letters stand for something else as often as for themselves. */
+bool isVariable(std::string_view word)
+{
+    if (word[0] == '$')
+        return isIdentifier(word.substr(1)) && isAsciiLetter(word[1]);
+    const size_t low = word.find('_');
+    const auto isOfConstant = [](char byte) { return (byte >= 'A' && byte <= 'Z') || isDigit(byte) || byte == '_'; };
+    return low != std::string_view::npos && low > 1 && low + 2 < word.size() &&
+           std::all_of(word.begin(), word.end(), isOfConstant);
+}
+
+/** Whether a word is the same in every language: an address, an option, a name, a number of two digits and more. */
+bool isLiteral(std::string_view word)
+{
+    if (word.size() < 2)
+        return false;
+    const auto isName = [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; };
+    const size_t at = word.find('@');
+    const bool isAddress = word.find("://") != std::string_view::npos || word.substr(0, 4) == "www." ||
+                           (at != std::string_view::npos && at > 0 && word.find('.', at) != std::string_view::npos);
+    const bool isOption = word.size() > 3 && word.substr(0, 2) == "--" && word[2] != '-' &&
+                          std::all_of(word.begin() + 2, word.end(), isName);
+    const bool isShortOption = word.size() == 2 && word[0] == '-' && isAsciiLetter(word[1]);
+    return isAddress || isOption || isShortOption || isVariable(word) || isFileName(word) || isPath(word) ||
+           std::all_of(word.begin(), word.end(), isDigit);
+}
+
+/** Whether a character may stand around a word, or between words, and is no part of what is the same everywhere. */
+bool isAround(char32_t character)
+{
+    constexpr std::u32string_view ascii = U"\"'()<>[]{},;:.!?";
+    return character < 0x80 ? ascii.find(character) != std::u32string_view::npos
+                            : u_ispunct(static_cast<UChar32>(character)) != 0;
+}
+
+std::string_view withoutPunctuation(std::string_view word)
+{
+    for (size_t next = 0; !word.empty() && isAround(takeUtf8(word, next)); next = 0)
+        word.remove_prefix(next);
+    while (!word.empty() && isAround(characterBefore(word, word.size())))
+        word = word.substr(0, stepBackUtf8(word, word.size()));
+    return word;
+}
+
+/** Of a word that holds an address, that alone: what stands in front of its scheme and behind a quote is text. */
+std::string_view addressIn(std::string_view word)
+{
+    constexpr std::string_view ofScheme = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+-.";
+    const size_t colon = word.find("://");
+    if (colon == std::string_view::npos)
+        return word;
+    const size_t begin = word.substr(0, colon).find_last_not_of(ofScheme) + 1; // 0 where all are
+    size_t end = colon;
+    for (size_t next = end; end < word.size(); end = next)
+    {
+        const char32_t character = takeUtf8(word, next);
+        if (character == '\'' || isWhiteSpace(character) || (character >= 0x80 && isAround(character)))
+            break;
+    }
+    return withoutPunctuation(word.substr(begin, end - begin));
+}
+
+void compareWords(Subject &subject)
+{
+    constexpr std::string_view between = " \t\n\r\"<>";
+    const std::string_view there = subject.originalText();
+    std::string here; // made where it is needed
+    for (size_t begin = there.find_first_not_of(between);
+         begin < there.size() && !subject.isFull(Rule::literalChanged);)
+    {
+        const size_t end = std::min(there.find_first_of(between, begin), there.size());
+        const std::string_view whole = there.substr(begin, end - begin);
+        const std::string_view word = addressIn(withoutPunctuation(whole));
+        const std::string plain = withPlainNumbers(word);
+        if (whole.find('%') == std::string_view::npos && isLiteral(plain))
+        {
+            if (here.empty())
+                here = withPlainNumbers(subject.text());
+            const auto first = static_cast<size_t>(word.data() - there.data());
+            if (here.find(plain) == std::string::npos)
+                subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
+                             noteAt(subject, {first, first + word.size()}));
+        }
+        begin = there.find_first_not_of(between, end);
+    }
+}
+
+/** Whether a text has a percent sign of its own, and not only those of placeholders. */
+bool hasPercent(const Catalog &catalog, const Message &message)
+{
+    const std::string_view raw = catalog.rawText(message);
+    for (size_t at = raw.find('%'); at < raw.size(); at = raw.find('%', at + 1))
+        if (catalog.isText(message, at))
+            return true;
+    return raw.find("٪") != std::string_view::npos || raw.find("％") != std::string_view::npos;
+}
+
+void comparePercent(Subject &subject)
+{
+    const size_t there = subject.originalText().find("%%");
+    if (there != std::string_view::npos && !hasPercent(subject.catalog(), subject.message()))
+        subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {"%"}},
+                     noteAt(subject, {there, there + 2}));
+}
+
+// Numbers
+
+/** A number that stands for itself: its digits, what parts groups of them left out. */
+struct Number
+{
+    std::string digits;
+    Range place;
+};
+
+/** Whether a mark parts groups of digits, or a fraction from them. */
+bool isParting(const Token &token)
+{
+    return token.kind == Token::Kind::mark && token.isJoined &&
+           std::u32string_view(U".,'’٫٬").find(token.content) != std::u32string_view::npos;
+}
+
+/** How many numbers stand in a row from an index on, with a point or a comma between two. */
+size_t numbersInRow(const Tokens &tokens, size_t index)
+{
+    size_t count = 1;
+    for (size_t at = index + 2; at < tokens.size() && isParting(tokens[at - 1]) && tokens[at].isJoined &&
+                                tokens[at].kind == Token::Kind::number;
+         at += 2)
+        ++count;
+    return count;
+}
+
+/** Whether such a row is one number: groups of three digits and a fraction, and no date, version or address. */
+bool isOneNumber(const Tokens &tokens, size_t index, size_t count)
+{
+    size_t groups = 0;
+    for (size_t i = 1; i < count; ++i)
+        groups += tokens[index + 2 * i].letters == 3 ? 1 : 0;
+    return groups + 2 >= count;
+}
+
+std::vector<Number> numbersIn(const Tokens &tokens)
+{
+    std::vector<Number> numbers;
+    const auto add = [&](size_t first, size_t last) {
+        Number number{"", {tokens[first].begin, tokens[last].end}};
+        for (size_t i = first; i <= last; ++i)
+            if (tokens[i].kind == Token::Kind::number)
+                number.digits += withPlainNumbers(tokens.text(tokens[i]));
+        numbers.push_back(number);
+    };
+    for (size_t i = 0; i < tokens.size(); ++i)
+    {
+        if (tokens[i].kind != Token::Kind::number)
+            continue;
+        const size_t count = numbersInRow(tokens, i);
+        const size_t last = i + 2 * (count - 1);
+        size_t end = last;
+        if (isOneNumber(tokens, i, count))
+        {
+            while (end + 1 < tokens.size() && tokens[end + 1].kind == Token::Kind::number &&
+                   tokens[end + 1].letters == 3)
+                ++end; // groups with a blank between
+            add(i, end);
+        }
+        else
+            for (size_t each = i; each <= last; each += 2)
+                add(each, each);
+        i = end;
+    }
+    return numbers;
+}
+
+/** The first number of a list that another has not, of one digit or of more. */
+const Number *missingIn(const std::vector<Number> &other, const std::vector<Number> &numbers, bool isOfOneDigit)
+{
+    for (const Number &number : numbers)
+        if ((number.digits.size() == 1) == isOfOneDigit &&
+            std::none_of(other.begin(), other.end(), [&](const Number &each) { return each.digits == number.digits; }))
+            return &number;
+    return nullptr;
+}
+
+// Of one digit a number may be written as a word, but not as another number.
+void compareNumbers(Subject &subject, bool isTold)
+{
+    const std::vector<Number> here = numbersIn(subject.tokens());
+    if (here.empty())
+        return;
+    const std::vector<Number> there = numbersIn(subject.originalTokens());
+    const Number *const lost = missingIn(here, there, true);
+    const Number *const other = missingIn(there, here, true);
+    if (lost != nullptr && other != nullptr)
+        subject.find(Rule::literalChanged, subject.placeOf(other->place), {Text::literalMissing, {lost->digits}},
+                     noteAt(subject, lost->place));
+    const Number *const extra = isTold ? nullptr : missingIn(there, here, false);
+    std::string all; // a time may be "10:30" there and "10.30" here
+    for (const Number &number : there)
+        all += number.digits;
+    if (extra != nullptr && all.find(extra->digits) == std::string::npos)
+        subject.find(Rule::literalChanged, subject.placeOf(extra->place),
+                     {Text::numberExtra,
+                      {quotation(subject.text().substr(extra->place.begin, extra->place.end - extra->place.begin))}});
+}
+
+// Units
+
+/** How many thousands a unit of bytes is, by its word: 1 for "KB"; 0 for what is none. */
+unsigned powerOf(uint32_t word)
+{
+    static const WordSet powers[] = {WordSet("kb kib ko kio кб киб кбайт"), WordSet("mb mib mo mio мб миб мбайт"),
+                                     WordSet("gb gib go gio гб гиб гбайт"), WordSet("tb tib tio тб тиб тбайт")};
+    for (size_t i = 0; i < std::size(powers); ++i)
+        if (powers[i].has(word))
+            return static_cast<unsigned>(i + 1);
+    return 0;
+}
+
+/** The first unit behind a number or an argument. */
+const Token *unitIn(const Tokens &tokens)
+{
+    for (size_t i = 1; i < tokens.size(); ++i)
+        if (tokens[i].isWord() && !tokens[i - 1].isWord() && tokens[i - 1].kind != Token::Kind::mark &&
+            powerOf(tokens[i].content) > 0)
+            return &tokens[i];
+    return nullptr;
+}
+
+void compareUnits(Subject &subject)
+{
+    const Token *const there = unitIn(subject.originalTokens());
+    const Token *const here = there != nullptr ? unitIn(subject.tokens()) : nullptr;
+    if (here == nullptr || powerOf(here->content) == powerOf(there->content))
+        return;
+    const auto hasPower = [](const Tokens &tokens, unsigned power) {
+        return std::any_of(tokens.begin(), tokens.end(),
+                           [power](const Token &token) { return token.isWord() && powerOf(token.content) == power; });
+    };
+    if (!hasPower(subject.tokens(), powerOf(there->content)) &&
+        !hasPower(subject.originalTokens(), powerOf(here->content)))
+        subject.find(Rule::literalChanged, subject.placeOf({here->begin, here->end}),
+                     {Text::literalMissing, {quotation(subject.originalTokens().text(*there))}},
+                     noteAt(subject, {there->begin, there->end}));
+}
+
+/** As "{name}" and "{0}", which a program replaces. */
+void compareBraces(Subject &subject)
+{
+    const std::string_view there = subject.originalText();
+    for (size_t at = there.find('{'); at < there.size(); at = there.find('{', at + 1))
+    {
+        const size_t end = there.find('}', at);
+        if (end == std::string_view::npos)
+            return;
+        const std::string_view name = there.substr(at, end + 1 - at);
+        if (isIdentifier(name.substr(1, name.size() - 2)) && subject.text().find(name) == std::string_view::npos)
+            return subject.find(Rule::literalChanged, subject.message().source,
+                                {Text::literalMissing, {quotation(name)}}, noteAt(subject, {at, end + 1}));
+    }
+}
+
+} // namespace
+
+void compareLiterals(Subject &subject)
+{
+    const size_t before = subject.findings();
+    compareWords(subject);
+    compareNumbers(subject, subject.findings() > before); // a number that is lost is told, and not another one for it
+    comparePercent(subject);
+    compareUnits(subject);
+    compareBraces(subject);
+}
+
+} // namespace tool::check

@@ -1,0 +1,17 @@
+/**
+ * What is no word, and the same in every language: addresses, options, names of files and variables, numbers and units.
+ */
+#ifndef KELTO_TOOLS_CHECK_LITERALS_H
+#define KELTO_TOOLS_CHECK_LITERALS_H
+
+#include "check/subject.h"
+
+namespace tool::check
+{
+
+/** Compares a message with its original, which it has. */
+void compareLiterals(Subject &subject);
+
+} // namespace tool::check
+
+#endif

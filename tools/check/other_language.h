@@ -1,0 +1,18 @@
+/**
+ * Texts in another language than the file's where the script is the same, which is seen from letters that the language
+ * lacks and from small words; and letters of a one-byte charset that was read as another.
+ */
+#ifndef KELTO_TOOLS_CHECK_OTHER_LANGUAGE_H
+#define KELTO_TOOLS_CHECK_OTHER_LANGUAGE_H
+
+#include "check/subject.h"
+
+namespace tool::check
+{
+
+/** @param subject  with its original or without. */
+void checkLanguageOfText(Subject &subject);
+
+} // namespace tool::check
+
+#endif
