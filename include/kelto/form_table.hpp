@@ -180,12 +180,11 @@ template <bool Catches, class Function> struct own_encoder
                                            : *static_cast<const UCS2 *>(value)};
             std::u16string text = dataType == KT_ENCODE_UCS2 ? static_cast<const UCS2 *>(value) : character;
             const bool isHalf = dataType == KT_ENCODE_UNIT && (*character & 0xF800) == 0xD800;
-            if (isHalf) // of a character: it has nothing to encode
-                ;
-            else if constexpr (std::is_invocable_v<Function &, std::string_view>)
-                text = to_ucs2(function(std::string_view(to_utf8(text))));
+            // Half of a character has nothing to encode.
+            if constexpr (std::is_invocable_v<Function &, std::string_view>)
+                text = isHalf ? text : to_ucs2(function(std::string_view(to_utf8(text))));
             else
-                text = to_ucs2(function(std::u16string_view(text)));
+                text = isHalf ? text : to_ucs2(function(std::u16string_view(text)));
             text.copy(out, room < text.size() ? room : text.size());
             *size = text.size();
             return 0;

@@ -1,7 +1,7 @@
 #include "format/form_table.h"
 #include "format/format_output.h"
 
-#include <cstring>
+#include <algorithm>
 #include <string_view>
 
 namespace
@@ -15,10 +15,8 @@ bool canBeNamed(std::string_view name)
     if (!isLetter || first == 'h' || first == 'l' || first == 'L' || name == "N" || name == "O" ||
         name.size() > kelto::maxNameLength)
         return false;
-    for (const char c : name)
-        if (c == '[' || static_cast<unsigned char>(c) >= 0x80)
-            return false;
-    return true;
+    return std::all_of(name.begin(), name.end(),
+                       [](char c) { return c != '[' && static_cast<unsigned char>(c) < 0x80; });
 }
 
 bool takesPointer(const KTFormatter &record)
