@@ -44,7 +44,7 @@
  *     ago                   a signed integer, seconds, negative for the past: "vor 3 Tagen", "in 2 Stunden"
  *     and, or               a UTF-8 text, an item a line: "a, b und c", "a, b oder c"
  *
- * **Threads.** A language never changes for those who use it: any number of threads may format with it at once.
+ * **Threads.** An open language never changes: any number of threads may format with it at once.
  *
  * **The environment.** No locale of the process is read or set, and no variable decides what is written.
  *
@@ -71,8 +71,8 @@ typedef struct KTLLanguage KTLLanguage;
  * so a short while ago, is opened again at almost no cost.
  * @param locale    a BCP 47 tag ("pl", "ar-EG", "th-TH-u-nu-thai", "de-u-ca-buddhist") or a POSIX name ("pl_PL.UTF-8",
  *                  "sr_RS@latin"; modifiers but latin, cyrillic, devanagari and valencia are ignored). A language that
- *                  ICU does not know, "C", "POSIX", the empty text, and what is neither of both, have the rules of the
- *                  root, which belong to no language; KTLLanguageName() tells so.
+ *                  ICU does not know, "C", "POSIX", the empty text and any other text have the rules of the root, which
+ *                  belong to no language; KTLLanguageName() tells so.
  * @param timeZone  where dates and times are shown: a name of the time zone database ("Europe/Warsaw") or "GMT+02:00";
  *                  null for UTC.
  * @param language  out: the language, which the caller closes with KTLCloseLanguage(); null on failure.
@@ -90,7 +90,7 @@ void KTLCloseLanguage(KTLLanguage *language);
 
 /**
  * The form table of a language. It lives as long as the language is open, and is not to be changed; its records are not
- * to be copied, since each finds its language by where its name stands. To put conversions in front, chain to it.
+ * to be copied, since each finds its language by the address of its name. To put conversions in front, chain to it.
  * @return null for null.
  */
 formTable *KTLFormTable(KTLLanguage *language);

@@ -24,7 +24,7 @@ int convertByWayOfUCS2(size_t room, size_t capacity, ToUCS2 toUCS2, FromUCS2 fro
     if (text == nullptr)
         return KT_ERR_NO_MEMORY;
 
-    // ICU takes no larger capacity. A source that needs it is too long for ICU as well, and is refused by it.
+    // ICU takes no larger capacity. A source that needs more is too long for ICU too, and ICU refuses it.
     size_t length = std::min<size_t>(capacity, INT32_MAX);
     int result = toUCS2(&length, text.get());
     text[room - 1] = 0;
