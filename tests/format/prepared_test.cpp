@@ -86,6 +86,29 @@ TEST_F(Prepared, FindsAConversionWhereverItStands)
             }
 }
 
+TEST_F(Prepared, WritesTextsAndPaddingsOfEveryLength)
+{
+    const Owner prepared = prepare("%*d[1]|%-*d[2]|%0*d[3]|%s[4]|%s[5]");
+    for (int length = 0; length < 70; ++length)
+    {
+        const int number = length % 2 != 0 ? -length * length * length : length;
+        const std::string digits = std::to_string(std::abs(number));
+        const std::string sign = number < 0 ? "-" : "";
+        const size_t used = sign.size() + digits.size();
+        const auto missing = [&](char unit) { return std::string(std::max<size_t>(used, length) - used, unit); };
+        std::string text(static_cast<size_t>(length), 't');
+        std::string mixed = text;
+        if (length > 0)
+            mixed.replace(static_cast<size_t>(length * 5 / 7), 1, "\u00E9");
+        const KTArgument width = KT_INT(length);
+        const KTArgument value = KT_INT(number);
+        EXPECT_EQ(formatted(prepared,
+                            {width, value, width, value, width, value, KT_UTF8(text.c_str()), KT_UTF8(mixed.c_str())}),
+                  missing(' ') + sign + digits + '|' + sign + digits + missing(' ') + '|' + sign + missing('0') +
+                      digits + '|' + text + '|' + mixed);
+    }
+}
+
 TEST_F(Prepared, KeepsToItsBlockWhereTheFormatChangesMeanwhile)
 {
     const struct
