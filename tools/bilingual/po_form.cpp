@@ -85,6 +85,8 @@ std::string headerOf(const Bilingual &catalog)
     setField(fields, "Content-Transfer-Encoding", "8bit");
     setField(fields, "Plural-Forms", pluralHeaderOf(catalog.targetLanguage));
     setField(fields, "X-Source-Language", oneLine(catalog.sourceLanguage));
+    if (!catalog.targetLanguage.empty()) // without it Qt Linguist knows no plural forms, and drops them
+        setField(fields, "X-Language", oneLine(withUnderscore(catalog.targetLanguage)));
     std::string header;
     for (const auto &[name, value] : fields)
         header.append(name).append(": ").append(value).append("\n");
@@ -383,10 +385,23 @@ public:
         }
         for (const Finding &finding : m_document.findings)
             m_file.findings.push_back(inPo(finding));
+        findZero();
         return std::move(m_file);
     }
 
 private:
+    /** A text ends at a zero byte, for libgettextpo: what stands behind it would be lost. */
+    void findZero()
+    {
+        const std::string_view bytes = m_file.source.bytes();
+        const size_t zero = bytes.find('\0');
+        if (zero == std::string_view::npos)
+            return;
+        const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), zero);
+        const Range place = lineAt(static_cast<size_t>(behind - m_lines.begin()));
+        m_file.findings.push_back({Rule::structure, 0, place.begin, place, {Text::controlCharacters}, std::nullopt});
+    }
+
     /** The file's text, whatever charset it is in; its lines are the same. */
     SourceText inUtf8(SourceText source) const
     {

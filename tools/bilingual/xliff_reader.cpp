@@ -598,7 +598,7 @@ void Reader::endUnit()
         return;
     m_entry.source = unescaped(m_source.raw);
     m_entry.target = unescaped(m_entry.written.raw);
-    const bool isEmpty = m_entry.written.raw.empty();
+    const bool isEmpty = m_entry.written.raw.empty() && m_entry.written.isComplete; // what was refused is something
     const bool isFinished = m_approved == "yes" || (m_state && *m_state == State::finished && !m_isUnsure);
     const bool isFuzzy = !isFinished && (m_state || m_isUnsure || m_approved == "no");
     if (!m_entry.hasTarget || m_lacksTarget || (isEmpty && !isFinished))
