@@ -50,7 +50,7 @@ int appendConversion(kelto::FormatOutput<UCS2> &text, const KTParameter &paramet
         return formatter.format(formatter.name, called.width, called.precision, called.flags, output.encoder,
                                 output.passThru, slot, units, out);
     };
-    return text.appendCalled(call, layout);
+    return text.appendCalledWhole(call, layout);
 }
 
 /** buildBuffer() for a format of known length, whose places may be noted. */

@@ -100,6 +100,13 @@ public:
             return appendInPlace(call, layout);
     }
 
+    /** The same for a text whose beginning is of no use; UCS-2. */
+    template <typename Call> int appendCalledWhole(const Call &call, const Layout &layout) noexcept
+    {
+        static_assert(!isUTF8);
+        return appendInPlace<false>(call, layout);
+    }
+
     /**
      * The same for a formatter of the library's that calls an encoder. In UTF-8 its text is padded here, so that a huge
      * width takes no memory; and cut here where the encoder wants room for the whole text.
@@ -442,7 +449,8 @@ private:
             putWritable(codePoint);
     }
 
-    template <typename Call> int appendInPlace(const Call &call, const Layout &layout) noexcept
+    template <bool mayKeepBeginning = true, typename Call>
+    int appendInPlace(const Call &call, const Layout &layout) noexcept
     {
         unsigned long units = room();
         const unsigned long given = units;
@@ -461,7 +469,9 @@ private:
                 m_room -= units;
             return 0;
         }
-        const int kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
+        int kept = 0;
+        if constexpr (mayKeepBeginning)
+            kept = m_keepsBeginning ? keepBeginning(call, layout, units) : 0;
         truncate();
         addToTotal(units);
         return kept;
