@@ -214,6 +214,9 @@ void findRemarks(Subject &subject)
     const Tokens &here = subject.tokens();
     const Tokens &there = subject.originalTokens();
     int depth = 0;
+    const std::string &language = subject.catalog().language();
+    const std::string region = language.size() == 5 ? language.substr(3) : "";
+    const bool isPseudo = region == "XA" || region == "XB"; // whose texts are filled up
     size_t repeated = 0;
     for (size_t i = 0; i < here.size(); ++i)
     {
@@ -222,7 +225,7 @@ void findRemarks(Subject &subject)
         {
             depth += isOneOf(token.content, U"([{（【［") ? 1 : isOneOf(token.content, U")]}）】］") ? -1 : 0;
             repeated = i > 0 && token.isJoined && isSame(token, here[i - 1]) ? repeated + 1 : 0;
-            const bool isShout = repeated == 2 && isOneOf(token.content, U"!#*@$~");
+            const bool isShout = repeated == 2 && !isPseudo && isOneOf(token.content, U"!#*@$~");
             const std::string_view text =
                 subject.text().substr(here[i - repeated].begin, token.end - here[i - repeated].begin);
             if (isShout && subject.originalText().find(text) == std::string_view::npos)
