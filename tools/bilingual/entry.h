@@ -7,6 +7,7 @@
 
 #include "bilingual/message_document.h"
 #include "check/catalog.h"
+#include "selector.h"
 
 #include <map>
 #include <optional>
@@ -52,12 +53,7 @@ struct Key
 /** What a message says that stands for one of a row. */
 struct Selector
 {
-    enum class Kind
-    {
-        plural,
-        ordinal,
-        select
-    };
+    using Kind = tool::Selector::Kind;
 
     Kind kind;
     int row;

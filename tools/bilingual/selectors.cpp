@@ -3,75 +3,34 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
 #include "check/catalog_builder.h"
+#include "selector.h"
 #include "text.h"
 
 #include <algorithm>
 #include <climits>
-#include <set>
 
 namespace tool::bilingual
 {
-namespace
-{
-
-constexpr std::string_view digits = "0123456789";
-
-/** Takes a number off the beginning of a text; nothing where there is none, or a large one. */
-std::optional<int> takeNumber(std::string_view &text)
-{
-    const size_t end = std::min(text.find_first_not_of(digits), text.size());
-    int64_t number = 0;
-    for (const char digit : text.substr(0, end))
-        if ((number = number * 10 + (digit - '0')) > INT_MAX)
-            return std::nullopt;
-    text.remove_prefix(end);
-    return end > 0 ? std::optional(static_cast<int>(number)) : std::nullopt;
-}
-
-bool takeWord(std::string_view &text, std::string_view word)
-{
-    if (text.substr(0, word.size()) != word)
-        return false;
-    text.remove_prefix(word.size());
-    return true;
-}
-
-constexpr std::pair<std::string_view, Selector::Kind> kinds[] = {
-    {"plural", Selector::Kind::plural}, {"ordinal", Selector::Kind::ordinal}, {"select", Selector::Kind::select}};
-
-} // namespace
 
 std::optional<Selector> readSelector(const std::string &message)
 {
-    std::string_view rest = message;
-    if (!takeWord(rest, "%"))
+    const std::optional<tool::Selector> selector = tool::readSelector(message);
+    if (!selector || selector->row == 0) // the row of no message
         return std::nullopt;
-    const std::optional<int> row = takeNumber(rest);
-    if (!row || *row == 0)
-        return std::nullopt;
-    int shown = 0;
-    if (takeWord(rest, "."))
-        shown = takeNumber(rest).value_or(0);
-    for (const auto &[name, kind] : kinds)
-        if (takeWord(rest, name))
-        {
-            const bool isClosed = takeWord(rest, "[") && takeNumber(rest) && rest == "]";
-            return isClosed ? std::optional(Selector{kind, *row, shown, message}) : std::nullopt;
-        }
-    return std::nullopt;
+    return Selector{selector->kind, static_cast<int>(selector->row), selector->digits, message};
 }
 
 std::string labelAt(const Selector &selector, int place)
 {
-    return selector.kind == Selector::Kind::select ? "=" + std::to_string(place) : variantLabels[place];
+    return placeName(selector.kind, static_cast<unsigned>(place));
 }
 
 std::optional<int> placeOf(const Selector &selector, const std::string &label)
 {
-    for (int place = 0; place < selector.places(); ++place)
-        if (label == labelAt(selector, place))
-            return place;
-    return std::nullopt;
+    const std::optional<unsigned> place = placeNamed(selector.kind, label);
+    if (!place || placeName(selector.kind, *place) != label) // a form has one name in bilingual files
+        return std::nullopt;
+    return static_cast<int>(*place);
 }
 
 Rows::Rows(const check::Catalog &catalog)
