@@ -41,7 +41,7 @@ Arguments::Arguments(const ParsedMessage &message, const std::vector<std::string
     }
 }
 
-/** What is wrong with an argument, behind its number, its text, and what it is for. */
+/** The fault of an argument, behind its number, its text, and its use. */
 Failure Arguments::fault(size_t index, const std::string &what) const
 {
     return Failure(

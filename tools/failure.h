@@ -15,7 +15,7 @@ class Failure : public std::exception
 {
 public:
     explicit Failure(std::string text) : m_text(std::move(text)) {}
-    /** What the library answered to work on the subject: a file, a charset. */
+    /** The library's result for work on a subject: a file, a charset. */
     Failure(const std::string &subject, int result);
 
     const char *what() const noexcept override { return m_text.c_str(); }

@@ -31,7 +31,7 @@ unsigned readId(const CommandLine &line, const std::string &word)
     return id;
 }
 
-/** The message that the words select, and what it is called. */
+/** The message that the words select, and its name for the user. */
 struct Chosen
 {
     unsigned id;

@@ -35,7 +35,7 @@ CharacterSet charactersOf(UConverter *converter);
 /** Whether byte 00 is U+0000 in a charset, and part of no other character. */
 bool zeroByteEndsText(const std::string &charset);
 
-/** What a whole text lost, or would lose, on its way out of a charset. */
+/** The loss of a whole text on its way out of a charset. */
 struct DecodingLoss
 {
     size_t characters = 0; // malformed, or without a meaning in the charset: replaced
@@ -43,7 +43,7 @@ struct DecodingLoss
 };
 DecodingLoss lossOfDecoding(const std::string &charset, std::string_view bytes, std::u16string_view decoded);
 
-/** What a whole text lost on its way into a charset. */
+/** The loss of a whole text on its way into a charset. */
 struct EncodingLoss
 {
     size_t characters = 0;   // that the charset cannot show: replaced, or left out

@@ -1,5 +1,7 @@
 #include "language_conversions.h"
 
+#include "kelto.h"
+
 #include <algorithm>
 #include <iterator>
 

@@ -6,10 +6,10 @@
 #ifndef KELTO_TOOLS_LANGUAGE_CONVERSIONS_H
 #define KELTO_TOOLS_LANGUAGE_CONVERSIONS_H
 
-#include "kelto.h"
-
 #include <string>
 #include <string_view>
+
+struct formTable; // kelto.h
 
 namespace tool
 {
@@ -20,7 +20,7 @@ formTable *namedConversions();
 /** Whether they can be written. */
 bool hasLanguageConversions();
 
-/** Those of a language, as "de_AT", for formatting; the named ones where there are no others. */
+/** The conversions of a language, as "de_AT", for formatting; namedConversions() where it has none. */
 formTable *conversionsOf(const std::string &language);
 
 /**

@@ -63,7 +63,7 @@ public:
     MessageFile(const MessageFile &) = delete;
     MessageFile &operator=(const MessageFile &) = delete;
 
-    /** What the file says of itself; its texts are the file's. */
+    /** The facts that the file states about itself; their texts are the file's. */
     KTTableFacts facts() const;
 
     /** Whether the file is a compiled catalog. */

@@ -49,7 +49,7 @@ std::string followLinks(std::string path)
     return path;
 }
 
-/** What a signal that ends the program takes away: one file at a time is written. */
+/** The file that a signal removes when it ends the program: one file at a time is written. */
 std::array<char, PATH_MAX> unfinished = {};
 
 void setUnfinished(const std::string &path)

@@ -20,7 +20,7 @@ class OutputFile
 {
 public:
     explicit OutputFile(const std::string &path);
-    /** Takes away what was not finished. */
+    /** Removes a file that was not finished. */
     ~OutputFile();
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;

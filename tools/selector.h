@@ -44,7 +44,7 @@ std::optional<Selector> readSelector(const std::string &message);
 /** Whether a conversion specification, as "%-101plural[1]", has the name of a selector. */
 bool namesSelector(std::string_view specification);
 
-/** What the message at a place is for: "few", "=0", or of a value of the program's "=3". */
+/** The case that the message at a place is for: "few", "=0", or of a value of the program's "=3". */
 std::string placeName(Selector::Kind kind, unsigned place);
 
 /** The place of such a name, or nothing. */

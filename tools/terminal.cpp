@@ -1,6 +1,7 @@
 #include "terminal.h"
 
 #include "charset.h"
+#include "invisible.h"
 #include "kelto.h"
 
 #include <algorithm>
@@ -49,28 +50,11 @@ std::string systemCharset()
     return charset;
 }
 
-bool isJoiner(UChar32 character)
-{
-    return character == 0x200C || character == 0x200D; // which spelling needs
-}
-
-/**
- * Controls, the format characters that change the order of reading or hide, separators, surrogates without a partner.
- */
+/** Whether a character could change or hide others; joiners are kept. */
 bool needsEscape(UChar32 character)
 {
-    switch (u_charType(character))
-    {
-    case U_CONTROL_CHAR:
-    case U_LINE_SEPARATOR:
-    case U_PARAGRAPH_SEPARATOR:
-    case U_SURROGATE:
-        return true;
-    case U_FORMAT_CHAR:
-        return !isJoiner(character);
-    default:
-        return false;
-    }
+    const auto code = static_cast<char32_t>(character);
+    return isInvisible(code) && !isJoiner(code);
 }
 
 std::u16string escapeOf(UChar32 character)

@@ -6,11 +6,11 @@
 #ifndef KELTO_TOOLS_TEXT_H
 #define KELTO_TOOLS_TEXT_H
 
-#include "kelto.h"
-
 #include <cstdint>
 #include <string>
 #include <vector>
+
+struct KTProblem; // kelto.h
 
 namespace tool
 {

@@ -1,4 +1,5 @@
 #include "bilingual/plural_forms.h"
+#include "kelto.h"
 
 #include <gtest/gtest.h>
 #include <unicode/uloc.h>
@@ -49,6 +50,7 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
         {" nplurals = 3 ;\tplural = n%10==1&&n%100!=11?0:n!=0?1:2;", 3, {{21, 0}, {11, 1}, {0, 2}}},
         {"nplurals=3; plural=n==1 ? 0 : !(n-2) ? 1 : 2;", 3, {{1, 0}, {2, 1}, {3, 2}}},
         {"nplurals=2; plural=n*0+n/2*3-2<n||0;", 2, {{1, 0}}},
+        {"nplurals=2; plural=1+n*2==7;", 2, {{2, 0}, {3, 1}}},
         {"nplurals=2; plural=n;", 2, {{1, 1}, {2, -1}}},
         {"nplurals=2; plural=1/n;", 2, {{1, 1}, {0, -1}}},
         {"nplurals=2; plural=n%0;", -1},

@@ -1,3 +1,4 @@
+#include "kelto.h"
 #include "text.h"
 
 #include <gtest/gtest.h>

@@ -19,7 +19,7 @@ namespace
 
 using namespace check;
 
-/** The texts of an entry as messages have them; what they cannot have is a finding against it. */
+/** The texts of an entry as messages have them; a part that no message can have is a finding against it. */
 class MessageTexts
 {
 public:
@@ -206,7 +206,7 @@ private:
         return refused;
     }
 
-    /** What the checker says of the file as it would be, at the places in the template. */
+    /** The checker's findings in the file as it would be, at their places in the template. */
     void checkDocument()
     {
         const std::set<int> refused = refusedNumbers(); // whose texts are not what they ought to be

@@ -11,7 +11,7 @@ namespace
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view flags = "-+ #0";
 
-/** Those of a locale, which C writes with an apostrophe. */
+/** The conversions of a locale, which C writes with an apostrophe. */
 constexpr std::string_view number = "number";
 constexpr std::string_view decimal = "decimal";
 

@@ -18,10 +18,10 @@
 namespace tool::bilingual
 {
 
-/** The namespace of what is ours in files of others. */
+/** The namespace of our own attributes in files of other programs. */
 constexpr const char *ourNamespace = "urn:kelto:translation";
 
-/** The kind of a unit in XLIFF 1.2 whose message is gone. */
+/** The kind of an XLIFF 1.2 unit whose message is gone. */
 constexpr const char *obsoleteType = "x-obsolete";
 
 /** Whose notes the hints are, in files that say so. */
@@ -37,7 +37,7 @@ enum class State
     finished
 };
 
-/** What an entry is called: the number of its message, for a variant that of its selector and a label. */
+/** The name of an entry: the number of its message; of a variant, the number of its selector and a label. */
 struct Key
 {
     int number = 0;
@@ -50,7 +50,7 @@ struct Key
     }
 };
 
-/** What a message says that stands for one of a row. */
+/** The content of a message that stands for one of a row. */
 struct Selector
 {
     using Kind = tool::Selector::Kind;

@@ -67,7 +67,7 @@ size_t countOfOneSided(const Bilingual &catalog)
     }));
 }
 
-/** Says what was done; standard output may be the output itself. */
+/** Tells the counts; standard output may be the catalog itself. */
 void tellChanges(const std::string &output, const Changes &changes)
 {
     const std::string text =
@@ -78,7 +78,7 @@ void tellChanges(const std::string &output, const Changes &changes)
         std::fputs(terminal().encodedLines(text).c_str(), stderr);
 }
 
-/** What is empty in the reference is so in every language, unless somebody has put a text there. */
+/** A text that is empty in the reference is empty in every language, unless somebody has put one there. */
 void dropEmpty(Bilingual &catalog)
 {
     const auto isEmpty = [](const Entry &entry) { return entry.source.empty() && entry.target.empty(); };

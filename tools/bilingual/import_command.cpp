@@ -40,7 +40,7 @@ struct Options
     bool isQuiet = false;
 };
 
-/** A message file that somebody has changed since it was made holds what is nowhere else. */
+/** A message file that somebody has changed since it was made holds texts that stand nowhere else. */
 void refuseEdited(const std::string &output)
 {
     std::error_code error;

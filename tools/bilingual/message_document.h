@@ -7,11 +7,12 @@
 
 #include "bilingual/xml.h"
 #include "check/catalog.h"
-#include "kelto.h"
 
 #include <map>
 #include <string>
 #include <vector>
+
+struct formTable; // kelto.h
 
 namespace tool::bilingual
 {
@@ -35,7 +36,7 @@ struct ContextGroup
     }
 };
 
-/** What a unit says to people. */
+/** The parts of a unit that are meant for people. */
 struct Remarks
 {
     std::vector<Note> notes;
@@ -58,7 +59,7 @@ struct MessageDocument
     std::vector<MessageUnit> units;
 };
 
-/** What a message file says of itself and to people, which the checker has no use for. */
+/** The attributes and notes of a message file, for which the checker has no use. */
 struct FileRemarks
 {
     Attributes attributes; // of "file"

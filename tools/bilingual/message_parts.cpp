@@ -15,7 +15,7 @@ namespace
 using check::Format;
 using check::Range;
 
-/** The parts of which these places, which ascend, are placeholders. */
+/** The parts of a text whose placeholders stand at these places, in ascending order. */
 Parts cut(const std::string &message, const std::vector<Range> &placeholders)
 {
     Parts parts;

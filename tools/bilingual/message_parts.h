@@ -6,11 +6,12 @@
 #define KELTO_TOOLS_BILINGUAL_MESSAGE_PARTS_H
 
 #include "check/digest.h"
-#include "kelto.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
+
+struct formTable; // kelto.h
 
 namespace tool::bilingual
 {
@@ -49,7 +50,7 @@ std::string textOf(const Parts &parts);
 /** A text as message files write it: backslashes, tabs and line ends as escapes. */
 std::string escaped(std::string_view text);
 
-/** What an escaped text means. */
+/** The text that an escaped text stands for. */
 std::string unescaped(std::string_view text);
 
 using check::digestOf;

@@ -1,6 +1,7 @@
 #include "bilingual/plural_forms.h"
 
 #include "bilingual/plural_expressions.h"
+#include "kelto.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -33,8 +34,7 @@ public:
 
     std::optional<uint64_t> run()
     {
-        const uint64_t value = conditional();
-        skipBlanks();
+        const uint64_t value = conditional(); // which looks for operators, and so takes the blanks at the end too
         return m_isValid && m_at == m_text.size() ? std::optional(value) : std::nullopt;
     }
 
@@ -87,7 +87,7 @@ private:
         size_t level;
     };
 
-    /** From the loosest on; of those that begin alike the longer one comes first. */
+    /** From the loosest operator on; of two that begin alike the longer one comes first. */
     static constexpr Operator operators[] = {{"||", 0}, {"&&", 1}, {"==", 2}, {"!=", 2}, {"<=", 3}, {">=", 3}, {"<", 3},
                                              {">", 3},  {"+", 4},  {"-", 4},  {"*", 5},  {"/", 5},  {"%", 5}};
     static constexpr size_t tightest = 5;
@@ -174,7 +174,7 @@ private:
     bool m_isValid = true;
 };
 
-/** What stands behind "NAME=" in a header, up to the next ';'. */
+/** The value behind "NAME=" in a header, up to the next ';'. */
 std::optional<std::string> fieldOf(std::string_view header, std::string_view name)
 {
     size_t at = header.find(name);

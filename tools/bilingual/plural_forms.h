@@ -5,8 +5,6 @@
 #ifndef KELTO_TOOLS_BILINGUAL_PLURAL_FORMS_H
 #define KELTO_TOOLS_BILINGUAL_PLURAL_FORMS_H
 
-#include "kelto.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>

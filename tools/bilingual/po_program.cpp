@@ -93,7 +93,7 @@ void limit(int resource, rlim_t most)
     setrlimit(static_cast<__rlimit_resource>(resource), &limits);
 }
 
-/** What is left of this process before it becomes the other. */
+/** The last steps of this process before it becomes the other program. */
 [[noreturn]] void become(const char *path, const char *mode, int input, int output, size_t size)
 {
     dup2(input, STDIN_FILENO);

@@ -13,7 +13,7 @@ namespace
 
 constexpr std::string_view digits = "0123456789";
 
-/** What a modifier of C says of an integer. `long` and what is as wide count as 64 bits, as on most systems. */
+/** The meaning of a modifier of C for an integer. `long` and types as wide count as 64 bits, as on most systems. */
 constexpr struct
 {
     std::string_view theirs, ours;

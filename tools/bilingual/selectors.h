@@ -35,7 +35,7 @@ public:
     const std::map<int, Selector> &selectors() const { return m_selectors; }
     const Selector *find(int number) const;
 
-    /** What a message of a row is called; nothing for any other. */
+    /** The name of a message of a row; nothing for any other message. */
     const Key *keyOf(int id) const;
 
     /** The message at a place of a row; null where there is none, or it is a selector. */

@@ -31,7 +31,7 @@ struct SourceFile
  */
 Bilingual bilingualOf(const SourceFile &reference, const std::string &language);
 
-/** What is left behind when a translation is put into a bilingual catalog. */
+/** The translations that lose something on their way into a bilingual catalog, counted. */
 struct Losses
 {
     size_t outdated = 0; // translated from another text: now fuzzy
@@ -41,7 +41,7 @@ struct Losses
 /** Puts the messages of a translation beside those of the reference. */
 Losses addTranslation(Bilingual &catalog, const SourceFile &translation);
 
-/** The notes without those that are the developer's. */
+/** The notes without the developer's. */
 std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::vector<Note> &hints);
 
 } // namespace tool::bilingual

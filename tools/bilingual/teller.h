@@ -1,4 +1,4 @@
-/** What the commands share: they tell findings in the forms of `kelto check`, and count them. */
+/** Findings as all bilingual commands tell them, in the forms of `kelto check`, and their counts. */
 #ifndef KELTO_TOOLS_BILINGUAL_TELLER_H
 #define KELTO_TOOLS_BILINGUAL_TELLER_H
 

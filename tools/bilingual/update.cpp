@@ -18,7 +18,7 @@ bool isOurs(const Note &note)
     return attributeOf(note.attributes, "from") == ourselves;
 }
 
-/** Gives an entry of the reference what the old one has. */
+/** Gives an entry of the reference the translation and the remarks of the old entry. */
 void takeOver(Entry &entry, const Entry &old, Changes &changes)
 {
     entry.target = old.target;

@@ -16,7 +16,7 @@ struct Changes
 };
 
 /**
- * Takes over what an old catalog has.
+ * Takes over the translations and remarks of an old catalog.
  * @param catalog  the entries of the reference as it is now.
  */
 Changes update(Bilingual &catalog, const Bilingual &old);

@@ -63,7 +63,7 @@ constexpr ElementRow elements[] = {
     {"seg-source", Element::skipped}, {"finding", Element::finding},
 };
 
-/** What a tag says; the pointers are the parser's. */
+/** Name and attributes of a tag; the pointers are the parser's. */
 class Tag
 {
 public:
@@ -161,7 +161,7 @@ void unwrap(WrittenText &text)
     text.raw = std::move(result);
 }
 
-/** What an attribute "state" says. */
+/** The meaning of an attribute "state". */
 std::optional<State> meaningOf(const std::string &state)
 {
     constexpr struct
@@ -573,7 +573,7 @@ void Reader::end()
     }
 }
 
-/** What is between sentences may be left out of a translation, and then is as in the source. */
+/** A translation may leave out the text between sentences, which then is as in the source. */
 void Reader::endSegment()
 {
     if (m_segmentHasTarget)

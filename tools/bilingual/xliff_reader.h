@@ -10,14 +10,14 @@
 namespace tool::bilingual
 {
 
-/** What the units of a document are known by. */
+/** The key of the units of a document. */
 enum class Keys
 {
     numbers,
     contexts // which are anything; the units are counted
 };
 
-/** Reads a document; what is wrong with it is among its findings. */
+/** Reads a document; its faults are among its findings. */
 BilingualFile readXliff(check::SourceText source, Keys keys = Keys::numbers);
 
 } // namespace tool::bilingual

@@ -185,7 +185,7 @@ std::string unitOf2(const Entry &entry, formTable *table)
     return unit + "      </segment>\n    </unit>\n";
 }
 
-/** Writes all entries, those of a row between what begins and ends it. */
+/** Writes all entries; the entries of a row stand between its begin and its end. */
 template <typename Write, typename Begin, typename End>
 void forEachRow(const Bilingual &catalog, Write write, Begin begin, End end)
 {

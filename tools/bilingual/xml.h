@@ -14,7 +14,7 @@ namespace tool::bilingual
 using Attribute = std::pair<std::string, std::string>;
 using Attributes = std::vector<Attribute>;
 
-/** A text between tags; what a reader would take for another character is a reference. */
+/** A text between tags; a character that a reader would take for another is written as a reference. */
 std::string xmlText(std::string_view text);
 
 /** ` name="value"`. */

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <cstdlib>
 
+// A message consists of pieces, each of which knows its part of the text and its place in the file. A part of a text is
+// found by the pieces that it begins and ends in. Inside a piece of plain text bytes are counted; inside a placeholder
+// the attribute is read again, with its references; a piece that replaces something is found as a whole.
+
 namespace tool::check
 {
 namespace

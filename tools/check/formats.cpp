@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <fmt/core.h>
 
+// The library walks over the conversions of a text and says what each takes. Where it refuses one, the walk goes on
+// behind the part that looks like a conversion, so that all faults of a text are found at once.
+
 namespace tool::check
 {
 namespace

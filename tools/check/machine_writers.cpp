@@ -1,5 +1,6 @@
 #include "check/utf8.h"
 #include "check/writers.h"
+#include "invisible.h"
 #include "kelto.h"
 
 #include <fmt/core.h>
@@ -11,21 +12,11 @@ namespace tool::check
 namespace
 {
 
-/** What a reader of the document, or a terminal that it is printed on, could take for something else. */
+/** Whether a reader of the document, or a terminal that shows it, could take a character for something else. */
 bool needsEscape(UChar32 character)
 {
-    switch (u_charType(character))
-    {
-    case U_CONTROL_CHAR:
-    case U_FORMAT_CHAR:
-    case U_LINE_SEPARATOR:
-    case U_PARAGRAPH_SEPARATOR:
-    case U_SURROGATE:
-    case U_UNASSIGNED:
-        return true;
-    default:
-        return character == '"' || character == '\\';
-    }
+    const auto code = static_cast<char32_t>(character);
+    return isInvisible(code) || isUnassigned(code) || character == '"' || character == '\\';
 }
 
 std::string jsonEscape(UChar32 character)

@@ -14,6 +14,9 @@
 #include <thread>
 #include <utility>
 
+// Workers check files in the order of the list, each taking the next one; their reports are told in that order too, so
+// that the output does not depend on their number.
+
 namespace tool::check
 {
 namespace

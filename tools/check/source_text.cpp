@@ -6,6 +6,9 @@
 #include <strings.h>
 #include <unicode/utf16.h>
 
+// A place is found by its line, in an ascending list of the offsets at which lines begin, and its column by the code
+// points in front of it: their number is known at the beginning of each block of bytes and counted from there on.
+
 namespace tool::check
 {
 namespace

@@ -11,7 +11,7 @@
 namespace tool::gen
 {
 
-/** What a function is made of. */
+/** The parts of a generated function. */
 struct CFunction
 {
     std::string name;    // with the prefix that stands for the namespace

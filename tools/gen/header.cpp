@@ -5,11 +5,11 @@
 #include "check/variants.h"
 #include "gen/c_function.h"
 #include "gen/names.h"
+#include "invisible.h"
 #include "language_conversions.h"
 
 #include <algorithm>
 #include <fmt/core.h>
-#include <unicode/uchar.h>
 
 namespace tool::gen
 {
@@ -17,22 +17,6 @@ namespace
 {
 
 using namespace check;
-
-/** What an editor would not show as it is. */
-bool isInvisible(char32_t character)
-{
-    switch (u_charType(static_cast<UChar32>(character)))
-    {
-    case U_CONTROL_CHAR:
-    case U_FORMAT_CHAR:
-    case U_LINE_SEPARATOR:
-    case U_PARAGRAPH_SEPARATOR:
-    case U_UNASSIGNED:
-        return true;
-    default:
-        return false;
-    }
-}
 
 /** A text as a literal of C and C++. */
 std::string literalOf(std::string_view text)
@@ -49,8 +33,8 @@ std::string literalOf(std::string_view text)
         else if (character == '"' || character == '\\')
             literal += fmt::format("\\{}", static_cast<char>(character));
         else if (character == '?' && literal.back() == '?')
-            literal += "\\?"; // no trigraph
-        else if (isInvisible(character))
+            literal += "\\?";                                       // no trigraph
+        else if (isInvisible(character) || isUnassigned(character)) // an editor would not show it as it is
             for (const char byte : text.substr(begin, at - begin))
                 literal += fmt::format("\\{:03o}", static_cast<unsigned char>(byte));
         else

@@ -11,7 +11,7 @@ namespace tool::gen
 namespace
 {
 
-/** Of C and C++, up to their newest standards; and what a generated function uses itself. */
+/** The words of C and C++ up to their newest standards, and the names that a generated function uses itself. */
 constexpr std::string_view words[] = {
     "alignas",     "alignof",
     "and",         "and_eq",

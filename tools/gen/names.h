@@ -22,10 +22,10 @@ std::string inCapitals(std::string_view name);
 /** Beside the constant for the number of a message, the one for its text. */
 std::string textConstant(std::string_view constant);
 
-/** What the name of a constant begins with, of a namespace of this name. */
+/** The beginning of the names of all constants in a namespace of this name. */
 std::string prefixOf(std::string_view nameSpace);
 
-/** The names of the messages of a catalog, in their order; what is wrong with them is appended to `findings`. */
+/** The names of the messages of a catalog, in their order; the faults of names are appended to `findings`. */
 std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view nameSpace, check::Findings &findings);
 
 } // namespace tool::gen

@@ -151,7 +151,7 @@ std::string unescaped(const std::string &text)
     return result;
 }
 
-/** The lines of the msgstr of each entry, of which libgettextpo tells none. */
+/** The line of each entry's msgstr; libgettextpo tells none of them. */
 class Lines
 {
 public:
@@ -276,7 +276,7 @@ std::string Reader::text(const char *original)
     return escaped(utf8, m_hasControls);
 }
 
-/** A note for each run of comment lines, of which empty ones separate. */
+/** A note for each run of comment lines; empty ones separate the runs. */
 std::string Reader::comments(const char *comment, const char *from)
 {
     std::string utf8;

@@ -3,11 +3,11 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/xml.h"
 #include "check/utf8.h"
+#include "invisible.h"
 #include "text.h"
 
 #include <algorithm>
 #include <fmt/core.h>
-#include <unicode/uchar.h>
 #include <unicode/uloc.h>
 
 namespace tool::stats
@@ -59,7 +59,7 @@ td code { font-size: .875em; color: var(--soft); }
 }
 )";
 
-/** A text of a file, in which what a browser would not show, or be moved by, is an escape. */
+/** A text of a file; characters that a browser would not show, or be moved by, are escapes. */
 std::string visible(const std::string &text)
 {
     std::string result;
@@ -68,12 +68,9 @@ std::string visible(const std::string &text)
     {
         const size_t begin = at;
         const char32_t character = check::takeUtf8(plain, at);
-        const int8_t type = u_charType(static_cast<UChar32>(character));
-        const bool isInvisible = type == U_CONTROL_CHAR || type == U_FORMAT_CHAR || type == U_SURROGATE ||
-                                 type == U_LINE_SEPARATOR || type == U_PARAGRAPH_SEPARATOR;
-        const bool joins = character == 0x200C || character == 0x200D || character == 0x00AD;
-        result += isInvisible && !joins ? fmt::format("\\u{:04X}", static_cast<uint32_t>(character))
-                                        : plain.substr(begin, at - begin);
+        const bool isKept = isJoiner(character) || character == 0x00AD; // SOFT HYPHEN
+        result += isInvisible(character) && !isKept ? fmt::format("\\u{:04X}", static_cast<uint32_t>(character))
+                                                    : plain.substr(begin, at - begin);
     }
     return result;
 }
