@@ -95,7 +95,8 @@ const Row rows[] = {
     {entities(false) + unit("&e110; <b/> c"), "1:1-10 doctype, 3:8-12 structure"},
     {entities(true) + unit("a"), "1:1-10 doctype, 1:1-10 xml-syntax"},
     {document(numbered(1, "a") + "<trans-unit><source/></trans-unit>"), "2:51-63 attribute-missing"},
-    {"<xliff>\n a &amp; b<!-- -->c <file source-language='de' product-name='S' product-version='1'>\n<header>=23456789</header>"
+    {"<xliff>\n a &amp; b<!-- -->c <file source-language='de' product-name='S' "
+     "product-version='1'>\n<header>=23456789</header>"
      "<body><trans-unit id='1'><source>a<context>d</context>e</source><note>n</note>f</trans-unit>\n\n<<",
      "2:2-20 stray-text, 3:9-18 stray-text, 3:81-82 stray-text, 3:105-106 stray-text, 5:2-3 xml-syntax"},
     {document(numbered(1, "a") + "\n>>>>>>> b\n<!--\n=======\n-->"), "3:1-8 stray-text, 5:1-8 stray-text"},
