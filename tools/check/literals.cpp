@@ -102,12 +102,22 @@ bool isPath(std::string_view word)
 /** As "STORE_HOME" and "$HOME"; names in small letters stand for something else as often as for themselves. */
 bool isVariable(std::string_view word)
 {
-    if (word[0] == '$')
-        return isIdentifier(word.substr(1)) && isAsciiLetter(word[1]);
-    const size_t low = word.find('_');
     const auto isOfConstant = [](char byte) { return (byte >= 'A' && byte <= 'Z') || isDigit(byte) || byte == '_'; };
+    if (word[0] == '$')
+        return std::all_of(word.begin() + 1, word.end(), isOfConstant) && isAsciiLetter(word[1]);
+    const size_t low = word.find('_');
     return low != std::string_view::npos && low > 1 && low + 2 < word.size() &&
            std::all_of(word.begin(), word.end(), isOfConstant);
+}
+
+/** Whether a text is about options, where words in capitals stand for what a user writes. */
+bool hasOption(std::string_view text)
+{
+    for (size_t at = text.find('-'); at != std::string_view::npos && at + 1 < text.size(); at = text.find('-', at + 1))
+        if ((at == 0 || text[at - 1] == ' ' || text[at - 1] == '[') &&
+            (isAsciiLetter(text[at + 1]) || text[at + 1] == '-'))
+            return true;
+    return text.find(':') < text.find("\n    ") && text.find("\n    ") != std::string_view::npos;
 }
 
 /** Whether a word is the same in every language: an address, an option, a name, a number of two digits and more. */
@@ -122,7 +132,7 @@ bool isLiteral(std::string_view word)
     const bool isOption = word.size() > 3 && word.substr(0, 2) == "--" && word[2] != '-' &&
                           std::all_of(word.begin() + 2, word.end(), isName);
     const bool isShortOption = word.size() == 2 && word[0] == '-' && isAsciiLetter(word[1]);
-    return isAddress || isOption || isShortOption || isVariable(word) || isFileName(word) || isPath(word) ||
+    return isAddress || isOption || isShortOption || isFileName(word) || isPath(word) ||
            std::all_of(word.begin(), word.end(), isDigit);
 }
 
@@ -173,7 +183,8 @@ void compareWords(Subject &subject)
         const std::string_view whole = there.substr(begin, end - begin);
         const std::string_view word = addressIn(withoutPunctuation(whole));
         const std::string plain = withPlainNumbers(word);
-        if (whole.find('%') == std::string_view::npos && isLiteral(plain))
+        if (whole.find('%') == std::string_view::npos &&
+            (isLiteral(plain) || (word.size() > 1 && isVariable(word) && !hasOption(there))))
         {
             if (here.empty())
                 here = withPlainNumbers(subject.text());
@@ -354,7 +365,8 @@ void compareBraces(Subject &subject)
         if (end == std::string_view::npos)
             return;
         const std::string_view name = there.substr(at, end + 1 - at);
-        if (isIdentifier(name.substr(1, name.size() - 2)) && subject.text().find(name) == std::string_view::npos)
+        if (isIdentifier(name.substr(1, name.size() - 2)) && name[1] != '.' &&
+            subject.text().find(name) == std::string_view::npos)
             return subject.find(Rule::literalChanged, subject.message().source,
                                 {Text::literalMissing, {quotation(name)}}, noteAt(subject, {at, end + 1}));
     }

@@ -163,6 +163,15 @@ bool isFilled(std::string_view text)
     return hasFullLine && lines >= several;
 }
 
+/** How many lines of a text go on in a column, as in the help on options. */
+unsigned linesOfColumn(std::string_view text)
+{
+    unsigned lines = 0;
+    for (size_t at = text.find("\n        "); at != std::string_view::npos; at = text.find("\n        ", at + 1))
+        ++lines;
+    return lines;
+}
+
 /** Whether a slash stands where a backslash was meant. */
 bool compareBreaks(Subject &subject)
 {
@@ -181,8 +190,13 @@ bool compareBreaks(Subject &subject)
             isMistyped = true;
             continue;
         }
-        const unsigned ours = count(part(here, coreOf(here)), row.character);
-        const unsigned theirs = count(part(there, coreOf(there)), row.character);
+        unsigned ours = count(part(here, coreOf(here)), row.character);
+        unsigned theirs = count(part(there, coreOf(there)), row.character);
+        if (row.character == '\n' && ours != theirs && doubleBlankIn(there))
+        {
+            ours -= linesOfColumn(part(here, coreOf(here)));
+            theirs -= linesOfColumn(part(there, coreOf(there)));
+        }
         const bool isOtherwiseFilled = row.character == '\n' && ours > 0 && isFilled(part(there, coreOf(there)));
         if (ours != theirs && !here.empty() && !there.empty() && !isOtherwiseFilled)
             subject.find(Rule::lineBreak, subject.message().source,
