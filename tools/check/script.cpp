@@ -12,8 +12,15 @@ namespace tool::check
 namespace
 {
 
+constexpr bool isAsciiLetter(char32_t character)
+{
+    return (character | 0x20U) >= 'a' && (character | 0x20U) <= 'z';
+}
+
 UScriptCode scriptOf(char32_t character)
 {
+    if (character < 0x80)
+        return isAsciiLetter(character) ? USCRIPT_LATIN : USCRIPT_COMMON;
     UErrorCode status = U_ZERO_ERROR;
     return uscript_getScript(static_cast<UChar32>(character), &status);
 }
@@ -26,7 +33,7 @@ bool looksLatin(UScriptCode script)
 
 bool isLetter(char32_t character)
 {
-    return u_isalpha(static_cast<UChar32>(character)) != 0;
+    return character < 0x80 ? isAsciiLetter(character) : u_isalpha(static_cast<UChar32>(character)) != 0;
 }
 
 std::string nameOf(UScriptCode script)
@@ -77,7 +84,8 @@ void Scripts::check(Subject &subject) const
         while (at < text.size())
         {
             const char32_t character = takeUtf8(text, at);
-            if (!isLetter(character) && u_charType(static_cast<UChar32>(character)) != U_NON_SPACING_MARK)
+            if (!isLetter(character) &&
+                (character < 0x80 || u_charType(static_cast<UChar32>(character)) != U_NON_SPACING_MARK))
                 break;
             end = at;
             ++letters;

@@ -304,6 +304,9 @@ Balance balanceOf(std::string_view text)
     for (size_t at = 0; at < text.size();)
     {
         const char32_t character = takeUtf8(text, at);
+        const bool isPlain = character == ' ' || (character | 0x20U) - 'a' < 26; // as most are
+        if (isPlain)
+            continue;
         balance.hasOddQuote = balance.hasOddQuote != (quotes.find(character) != std::u32string_view::npos);
         for (size_t i = 0; i < std::size(pairs); ++i)
             if (const size_t place = pairs[i].find(character); place != std::u32string_view::npos)
