@@ -122,6 +122,8 @@ public:
     {
         if (coreOf(m_text.text()).end == 0)
             checkEmpty();
+        else
+            checkSurplus();
         if (m_text.hasBackslash())
             checkEscapes();
         checkDirections();
@@ -141,6 +143,7 @@ private:
     Note noteOn(const Conversion &conversion) const;
 
     void checkEmpty();
+    void checkSurplus();
     void checkEscapes();
     void checkDirections();
     void compareDirections(const std::vector<DirectionControl> &here);
@@ -173,6 +176,13 @@ void MessageCheck::checkEmpty()
     const bool mayBeBlank = !m_text.text().empty() && !m_subject.hasOriginal();
     if (!isMeant && !mayBeBlank)
         find(Rule::emptyMessage, m_message.source, {Text::noText});
+}
+
+/** A text where the original has none, and is meant to have none. */
+void MessageCheck::checkSurplus()
+{
+    if (m_subject.hasOriginal() && coreOf(m_subject.originalText()).end == 0)
+        find(Rule::otherMeaning, m_message.source, {Text::textForNone});
 }
 
 void MessageCheck::checkEscapes()

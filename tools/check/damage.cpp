@@ -41,6 +41,16 @@ bool isInvisible(char32_t character, std::string_view language)
            (character >= 0xFFF9 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
 }
 
+/** Whether a place lies between ASCII letters and blanks, as in a command, where nothing is to be parted. */
+bool isInAscii(std::string_view text, Range place)
+{
+    const auto isOfWord = [](char byte) {
+        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
+               byte == ' ' || byte == '-';
+    };
+    return place.begin > 0 && place.end < text.size() && isOfWord(text[place.begin - 1]) && isOfWord(text[place.end]);
+}
+
 struct Damage
 {
     Rule rule;
@@ -73,7 +83,8 @@ void checkCharacters(Subject &subject)
         }
         const size_t begin = at;
         const char32_t character = takeUtf8(text, at);
-        const std::optional<Damage> damage = damageOf(character, language);
+        const std::optional<Damage> damage =
+            damageOf(character, isInAscii(text, {begin, at}) ? std::string_view() : language);
         if (!damage)
             continue;
         const auto [known, isNew] = inOriginal.try_emplace(character);

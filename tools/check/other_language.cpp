@@ -144,9 +144,9 @@ std::optional<std::string_view> otherEastAsian(std::string_view language, const 
         return "zh";
     if (base == "ko" && count.hangul == 0 && count.han >= some)
         return count.kana > 0 ? "ja" : "zh";
-    if (base != "zh" || language.size() < 5)
+    if (base != "zh")
         return std::nullopt;
-    const std::string_view country = language.substr(3);
+    const std::string_view country = language.size() < 5 ? "CN" : language.substr(3); // "zh" alone is simplified
     const bool isTraditional = country == "TW" || country == "HK" || country == "MO";
     if (isTraditional && count.simplified > 1 && count.simplified > 3 * count.traditional)
         return "zh-CN";

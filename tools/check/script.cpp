@@ -1,5 +1,6 @@
 #include "check/script.h"
 
+#include "check/language_words.h"
 #include "check/utf8.h"
 
 #include <array>
@@ -42,6 +43,42 @@ std::string nameOf(UScriptCode script)
     return name != nullptr ? name : "?";
 }
 
+/** The ASCII letters and digits of a text, in small letters and without what is between. */
+std::string lettersOf(std::string_view text)
+{
+    std::string letters;
+    for (const char byte : text)
+        if ((byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z'))
+            letters += byte;
+        else if (byte >= 'A' && byte <= 'Z')
+            letters += static_cast<char>(byte - 'A' + 'a');
+    return letters;
+}
+
+/** Typed with the keyboard of another script: a text of one or more Latin words alone, which the original has not. */
+void checkKeyboard(Subject &subject)
+{
+    constexpr uint8_t shortest = 4;
+    if (!subject.hasOriginal() || isWrittenInLatin(std::string_view(subject.catalog().language()).substr(0, 2)))
+        return;
+    const std::string original = lettersOf(subject.originalText());
+    std::optional<Range> found;
+    for (const Token &token : subject.tokens())
+    {
+        if (!token.isWord())
+            continue;
+        const std::string_view word = subject.text().substr(token.begin, token.end - token.begin);
+        const std::string letters = lettersOf(word);
+        if (letters.size() != word.size() || original.find(letters) != std::string::npos)
+            return; // of the script, or taken over
+        if (!found && token.letters >= shortest && letters == word)
+            found = Range{token.begin, token.end};
+    }
+    if (found)
+        subject.find(Rule::wrongScript, subject.placeOf(*found),
+                     {Text::foreignScript, {nameOf(USCRIPT_LATIN), subject.catalog().language()}});
+}
+
 } // namespace
 
 Scripts::Scripts(const std::string &language)
@@ -58,6 +95,7 @@ void Scripts::check(Subject &subject) const
 {
     if (m_scripts.empty())
         return;
+    checkKeyboard(subject);
     const auto isOwn = [this](UScriptCode script) {
         return script == USCRIPT_LATIN || script == USCRIPT_COMMON || script == USCRIPT_INHERITED ||
                script == USCRIPT_UNKNOWN || script == USCRIPT_BOPOMOFO || m_scripts.count(script) > 0;

@@ -215,6 +215,10 @@ std::vector<Report> References::reports(const Inputs &inputs, const Setting &set
     {
         Catalog &catalog = m_rows[i]->catalog;
         Findings findings = findingsOf(catalog, nullptr, setting);
+        if (!inputs.isReferenceChecked) // a text that is empty in what others are made from is meant so
+            findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                          [](const Finding &each) { return each.rule == Rule::emptyMessage; }),
+                           findings.end());
         for (const Input &missing : inputs.missing)
             if (missing.reference == i)
                 findings.push_back({Rule::messageMissing, 0, catalog.body().begin, catalog.body(),

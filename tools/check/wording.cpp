@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
 
@@ -264,6 +265,74 @@ Ending endingOf(std::string_view text, std::string_view language)
     return Ending::none;
 }
 
+/** Whether a text ends with a short word and a full stop, as "λεπ." for minutes. */
+bool endsInAbbreviation(std::string_view text)
+{
+    constexpr size_t longest = 4;
+    size_t end = endOfWords(text);
+    if (end == 0 || text[end - 1] != '.')
+        return false;
+    --end;
+    size_t letters = 0;
+    while (end > 0 && u_isalpha(static_cast<UChar32>(characterBefore(text, end))) != 0)
+    {
+        end = stepBackUtf8(text, end);
+        ++letters;
+    }
+    return letters > 0 && letters <= longest;
+}
+
+/** Marks of questions and exclamations that a language has for itself. */
+struct OwnMark
+{
+    std::string_view language;
+    std::string_view plain;   // what the text ends with
+    std::string_view opening; // has to stand in the text then, or is empty
+    std::string_view closing; // has to stand in its place, or is empty
+};
+constexpr OwnMark ownMarks[] = {
+    {"es", "?", "¿", ""}, {"es", "!", "¡", ""}, {"el", "?", "", ";"},
+    {"ar", "?", "", "؟"}, {"fa", "?", "", "؟"}, {"ur", "?", "", "؟"},
+};
+
+void checkOwnMarks(Subject &subject, std::string_view language)
+{
+    const std::string_view text = subject.text();
+    const size_t end = endOfWords(text);
+    for (const OwnMark &row : ownMarks)
+    {
+        const bool isMeant = row.language == language && end > 1 && text.substr(end - 1, 1) == row.plain &&
+                             subject.originalText().find(row.plain) != std::string_view::npos;
+        if (!isMeant || (!row.opening.empty() && text.find(row.opening) != std::string_view::npos))
+            continue;
+        const bool opens = !row.opening.empty();
+        subject.find(Rule::endPunctuation, subject.placeOf({end - 1, end}),
+                     {opens ? Text::markOpens : Text::markOfLanguage,
+                      {std::string(row.plain), std::string(opens ? row.opening : row.closing)}});
+    }
+}
+
+/** The place of a colon in front of an argument, as in "Date: %s". */
+std::optional<Range> colonOfField(std::string_view text)
+{
+    for (size_t at = text.find(':'); at < text.size(); at = text.find(':', at + 1))
+    {
+        const size_t next = text.find_first_not_of(' ', at + 1);
+        if (next < text.size() && text[next] == '%' && text.substr(next, 2) != "%%")
+            return Range{at, at + 1};
+    }
+    return std::nullopt;
+}
+
+void compareFieldColons(Subject &subject)
+{
+    const std::optional<Range> there = colonOfField(subject.originalText());
+    const std::string_view here = subject.text();
+    const auto has = [here](std::string_view mark) { return here.find(mark) != std::string_view::npos; };
+    if (there && !has(":") && !has("：") && !has("៖") && !has("。") && !has("—") && !has("–"))
+        subject.find(Rule::endPunctuation, subject.message().source, {Text::colonLost}, noteAt(subject, *there));
+}
+
 void compareEndings(Subject &subject)
 {
     // Sentences of these may end without a mark.
@@ -275,7 +344,10 @@ void compareEndings(Subject &subject)
     const auto isFree = [isMarkless](Ending ending) {
         return isMarkless && ending != Ending::colon && ending != Ending::ellipsis;
     };
+    checkOwnMarks(subject, language);
     if (here == there || (isFree(here) && isFree(there)) || coreOf(subject.text()).end == 0)
+        return;
+    if (here == Ending::stop && there == Ending::none && endsInAbbreviation(subject.text()))
         return;
     const size_t end = endOfWords(subject.text());
     if (end == 0)
@@ -292,6 +364,7 @@ struct Balance
 {
     std::array<int, 3> brackets{};
     bool hasOddQuote = false;
+    bool closesFirst = false; // one is closed before it is opened
 
     bool isFull() const { return brackets == std::array<int, 3>{} && !hasOddQuote; }
 };
@@ -310,7 +383,10 @@ Balance balanceOf(std::string_view text)
         balance.hasOddQuote = balance.hasOddQuote != (quotes.find(character) != std::u32string_view::npos);
         for (size_t i = 0; i < std::size(pairs); ++i)
             if (const size_t place = pairs[i].find(character); place != std::u32string_view::npos)
+            {
                 balance.brackets[i] += place % 2 == 0 ? 1 : -1;
+                balance.closesFirst = balance.closesFirst || balance.brackets[i] < 0;
+            }
     }
     return balance;
 }
@@ -318,9 +394,33 @@ Balance balanceOf(std::string_view text)
 void comparePairs(Subject &subject)
 {
     const Balance here = balanceOf(subject.text());
-    if (!here.isFull() && balanceOf(subject.originalText()).isFull())
+    if (here.isFull() && !here.closesFirst)
+        return;
+    const Balance there = balanceOf(subject.originalText());
+    if (!here.isFull() && there.isFull())
         subject.find(Rule::unbalanced, subject.message().source,
                      {here.hasOddQuote ? Text::quoteUnbalanced : Text::bracketUnbalanced});
+    else if (here.isFull() && !there.closesFirst)
+        subject.find(Rule::unbalanced, subject.message().source, {Text::bracketsTurned});
+}
+
+/** Whether a text begins with a quotation mark of any kind, or ends with one. */
+bool touchesQuote(std::string_view text)
+{
+    constexpr std::u32string_view quotes = U"\"'„“”«»‘’‚‹›「」『』";
+    const Range core = coreOf(text);
+    size_t next = core.begin;
+    return core.begin < core.end && (quotes.find(takeUtf8(text, next)) != std::u32string_view::npos ||
+                                     quotes.find(characterBefore(text, core.end)) != std::u32string_view::npos);
+}
+
+/** As a cell of a table in text form is wrapped, and stays so when it is copied. */
+void compareWrapping(Subject &subject)
+{
+    const Range core = coreOf(subject.text());
+    const std::string_view here = part(subject.text(), core);
+    if (here.size() > 2 && here.front() == '"' && here.back() == '"' && !touchesQuote(subject.originalText()))
+        subject.find(Rule::unbalanced, subject.message().source, {Text::wrappedInQuotes});
 }
 
 } // namespace
@@ -350,7 +450,9 @@ void compareWording(Subject &subject)
     if (coreOf(subject.text()).end == 0)
         return;
     compareEndings(subject);
+    compareFieldColons(subject);
     comparePairs(subject);
+    compareWrapping(subject);
 }
 
 void checkSlashes(Subject &subject)
