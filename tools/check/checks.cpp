@@ -181,7 +181,7 @@ void MessageCheck::checkEmpty()
 /** A text where the original has none, and is meant to have none. */
 void MessageCheck::checkSurplus()
 {
-    if (m_subject.hasOriginal() && coreOf(m_subject.originalText()).end == 0)
+    if (m_subject.hasOriginal() && m_subject.originalText().empty())
         find(Rule::otherMeaning, m_message.source, {Text::textForNone});
 }
 

@@ -139,7 +139,11 @@ bool isLeft(const Tokens &here, const Tokens &there, const Run &run, bool isLati
     const size_t thereEnd = run.there + (run.end - run.begin);
     const bool isSentence = beginsSentence(there, run.there) && endsSentence(there, thereEnd) && run.words > 1;
     constexpr size_t enough = 3;
-    return (run.words >= enough && run.foreign > (isLatin ? 1 : 0)) || (isSentence && run.words > run.foreign / 2);
+    const auto isSmallWord = [](const Token &token) { return token.isWord() && !token.isCapital; };
+    const bool isName = std::none_of(here.begin() + static_cast<std::ptrdiff_t>(run.begin),
+                                     here.begin() + static_cast<std::ptrdiff_t>(run.end), isSmallWord);
+    return (run.words >= enough && !isName && run.foreign > (isLatin ? 1 : 0)) ||
+           (isSentence && run.words > run.foreign / 2);
 }
 
 void findWordsLeft(Subject &subject)
@@ -267,7 +271,8 @@ std::optional<Range> doubledWordIn(const Tokens &tokens)
 bool isTwiceTheSame(const Tokens &tokens)
 {
     const size_t half = tokens.size() / 2;
-    if (tokens.size() % 2 != 0 || half < 2 || tokens.words() < 4)
+    constexpr size_t longEnough = 30; // in bytes, where words have no blanks between them
+    if (tokens.size() % 2 != 0 || half < 2 || (tokens.words() < 4 && tokens.text().size() < longEnough))
         return false;
     return std::equal(tokens.begin(), tokens.begin() + static_cast<std::ptrdiff_t>(half),
                       tokens.begin() + static_cast<std::ptrdiff_t>(half), isSame);
@@ -295,7 +300,11 @@ void findLeftOver(Subject &subject)
 {
     if (subject.text() == subject.originalText())
     {
-        if (languageOf(subject.catalog()) != languageOf(subject.reference()) && hasWordsToTranslate(subject))
+        // In other letters than those of the language it cannot be that both share the words.
+        if (!isWrittenInLatin(languageOf(subject.catalog())))
+            findWordsLeft(subject);
+        if (!subject.has(Rule::leftOver) && languageOf(subject.catalog()) != languageOf(subject.reference()) &&
+            hasWordsToTranslate(subject))
             subject.find(Rule::untranslated, subject.message().source, {Text::sameAsReference},
                          Note{true, subject.original().source, {Text::referenceIsHere}});
         return;

@@ -184,7 +184,7 @@ void compareWords(Subject &subject)
         const std::string_view word = addressIn(withoutPunctuation(whole));
         const std::string plain = withPlainNumbers(word);
         if (whole.find('%') == std::string_view::npos &&
-            (isLiteral(plain) || (word.size() > 1 && isVariable(word) && !hasOption(there))))
+            (isLiteral(plain) || (word.size() > 1 && isVariable(word) && (word[0] == '$' || !hasOption(there)))))
         {
             if (here.empty())
                 here = withPlainNumbers(subject.text());
@@ -293,6 +293,19 @@ const Number *missingIn(const std::vector<Number> &other, const std::vector<Numb
     return nullptr;
 }
 
+/** The first number of one digit in a list that another has too, but less often. */
+const Number *repeatedIn(const std::vector<Number> &numbers, const std::vector<Number> &other)
+{
+    for (const Number &number : numbers)
+    {
+        const auto isSame = [&number](const Number &each) { return each.digits == number.digits; };
+        const auto there = std::count_if(other.begin(), other.end(), isSame);
+        if (number.digits.size() == 1 && there > 0 && std::count_if(numbers.begin(), numbers.end(), isSame) > there)
+            return &number;
+    }
+    return nullptr;
+}
+
 // Of one digit a number may be written as a word, but not as another number.
 void compareNumbers(Subject &subject, bool isTold)
 {
@@ -301,7 +314,9 @@ void compareNumbers(Subject &subject, bool isTold)
         return;
     const std::vector<Number> there = numbersIn(subject.originalTokens());
     const Number *const lost = missingIn(here, there, true);
-    const Number *const other = missingIn(there, here, true);
+    const Number *other = missingIn(there, here, true);
+    if (lost != nullptr && other == nullptr)
+        other = repeatedIn(here, there);
     if (lost != nullptr && other != nullptr)
         subject.find(Rule::literalChanged, subject.placeOf(other->place), {Text::literalMissing, {lost->digits}},
                      noteAt(subject, lost->place));
@@ -355,6 +370,48 @@ void compareUnits(Subject &subject)
                      noteAt(subject, {there->begin, there->end}));
 }
 
+/** The bars of a table's row, and the commas of a list that a program takes apart. */
+void compareSeparators(Subject &subject)
+{
+    constexpr unsigned fewestCommas = 3;
+    const auto separatorsIn = [](std::string_view text, char mark) {
+        unsigned count = 0;
+        for (size_t at = text.find(mark); at < text.size(); at = text.find(mark, at + 1))
+            count += mark == '|' || (at > 0 && text[at - 1] != ' ' && at + 1 < text.size() && text[at + 1] != ' ' &&
+                                     !isDigit(text[at + 1]) && text[at + 1] != '\n')
+                         ? 1
+                         : 0;
+        return count;
+    };
+    for (const char mark : {'|', ','})
+    {
+        const unsigned there = separatorsIn(subject.originalText(), mark);
+        const unsigned here = there == 0 ? 0 : separatorsIn(subject.text(), mark);
+        if (here < there && (mark == '|' || (here > 0 && there >= fewestCommas)))
+            subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {std::string(1, mark)}},
+                         noteAt(subject, {subject.originalText().find(mark), subject.originalText().find(mark) + 1}));
+    }
+}
+
+/** Temperatures of one scale that became those of the other. */
+void compareDegrees(Subject &subject)
+{
+    constexpr std::string_view scales[] = {"°C", "°F"};
+    for (size_t i = 0; i < std::size(scales); ++i)
+    {
+        const std::string_view scale = scales[i];
+        const std::string_view other = scales[1 - i];
+        const auto has = [](std::string_view text, std::string_view part) {
+            return text.find(part) != std::string_view::npos;
+        };
+        const size_t there = subject.originalText().find(scale);
+        if (there != std::string_view::npos && !has(subject.text(), scale) && has(subject.text(), other) &&
+            !has(subject.originalText(), other))
+            subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(scale)}},
+                         noteAt(subject, {there, there + scale.size()}));
+    }
+}
+
 /** As "{name}" and "{0}", which a program replaces. */
 void compareBraces(Subject &subject)
 {
@@ -381,6 +438,8 @@ void compareLiterals(Subject &subject)
     compareNumbers(subject, subject.findings() > before); // a number that is lost is told, and not another one for it
     comparePercent(subject);
     compareUnits(subject);
+    compareDegrees(subject);
+    compareSeparators(subject);
     compareBraces(subject);
 }
 

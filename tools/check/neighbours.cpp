@@ -118,6 +118,12 @@ char32_t plain(char32_t letter)
     return letter >= 0xC0 && letter <= 0xFF ? static_cast<unsigned char>(letters[letter - 0xC0]) : letter;
 }
 
+/** How many words of a text are kept. */
+template <typename Stems> unsigned stemsOf(const Stems &stems)
+{
+    return static_cast<unsigned>(stems.size()) - static_cast<unsigned>(std::count(stems.begin(), stems.end(), 0U));
+}
+
 } // namespace
 
 Neighbours::Neighbours(const Catalog &catalog, const Catalog &reference)
@@ -195,6 +201,9 @@ void Neighbours::add(Subject &subject, const Tokens &tokens, const Tokens &origi
     said.originalDenies = denies(m_originalLanguage, original);
     said.sentences = sentencesIn(tokens);
     said.originalSentences = sentencesIn(original);
+    if (original.words() == 1)
+        said.originalWord =
+            std::find_if(original.begin(), original.end(), [](const Token &token) { return token.isWord(); })->content;
     said.stems = stemsIn(tokens, languageBit(m_language));
     said.originalStems = stemsIn(original, languageBit(m_originalLanguage));
     m_said.push_back(said);
@@ -211,13 +220,26 @@ void Neighbours::find(Findings &findings, Rule rule, const Said &said, Phrase te
                         other == nullptr ? note : Note{false, other->message->source, {Text::otherIsHere}}});
 }
 
+/** Whether the originals are two words that no language has one word for. */
+bool Neighbours::areOpposites(const Said &a, const Said &b)
+{
+    constexpr std::pair<std::string_view, std::string_view> pairs[] = {
+        {"yes", "no"},        {"on", "off"},          {"true", "false"},    {"start", "stop"},      {"open", "close"},
+        {"show", "hide"},     {"enable", "disable"},  {"left", "right"},    {"up", "down"},         {"first", "last"},
+        {"next", "previous"}, {"minimum", "maximum"}, {"min", "max"},       {"from", "to"},         {"in", "out"},
+        {"add", "remove"},    {"before", "after"},    {"import", "export"}, {"upload", "download"}, {"and", "or"},
+    };
+    const auto is = [](const Said &said, std::string_view word) { return said.originalWord == hashOfWord(word); };
+    return a.originalWord != 0 && b.originalWord != 0 &&
+           std::any_of(std::begin(pairs), std::end(pairs), [&](const auto &pair) {
+               return (is(a, pair.first) && is(b, pair.second)) || (is(a, pair.second) && is(b, pair.first));
+           });
+}
+
 /** Whether nothing in their originals lets two messages say the same. */
 bool Neighbours::isDistinct(const Said &a, const Said &b)
 {
-    const auto sizeOf = [](const Stems &stems) {
-        return static_cast<unsigned>(stems.size()) - static_cast<unsigned>(std::count(stems.begin(), stems.end(), 0U));
-    };
-    const unsigned shorter = std::min(sizeOf(a.originalStems), sizeOf(b.originalStems));
+    const unsigned shorter = std::min(stemsOf(a.originalStems), stemsOf(b.originalStems));
     const unsigned shared = common(a.originalStems, b.originalStems);
     return shorter > 0 && (shared == 0 || (shorter - shared > 1 && 2 * shared <= shorter));
 }
@@ -235,10 +257,14 @@ void Neighbours::findRepeated(Findings &findings) const
     {
         const Said &one = *sorted[i];
         const Said &next = *sorted[i + 1];
-        if (one.hash != next.hash || !isDistinct(one, next))
+        if (one.hash != next.hash)
             continue;
         constexpr uint32_t longEnough = 6; // in characters, where words cannot be counted
         const bool isNear = next.message->id - one.message->id <= 2;
+        const bool isOfOther = isNear && std::max(stemsOf(one.originalStems), stemsOf(next.originalStems)) > 1;
+        if (!isDistinct(one, next) && !areOpposites(one, next) &&
+            (!isOfOther || common(one.originalStems, next.originalStems) > 0))
+            continue;
         const bool isLong = m_countsWords ? one.words > 1 : one.size >= longEnough;
         if (!isNear && !isLong)
             continue;

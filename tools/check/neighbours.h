@@ -44,7 +44,8 @@ private:
         uint8_t originalSentences = 1;
         bool denies = false;
         bool originalDenies = false;
-        bool isSame = false; // as the original
+        bool isSame = false;       // as the original
+        uint32_t originalWord = 0; // the hash of an original that is one word
         Stems stems{};
         Stems originalStems{};
     };
@@ -59,6 +60,7 @@ private:
     static Stems stemsIn(const Tokens &tokens, uint32_t language);
     static unsigned common(const Stems &a, const Stems &b);
     static bool isDistinct(const Said &a, const Said &b);
+    static bool areOpposites(const Said &a, const Said &b);
 
     const Catalog &m_catalog;
     std::string_view m_language;

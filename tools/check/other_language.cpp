@@ -100,18 +100,20 @@ bool isTraditional(char32_t character)
 
 struct EastAsian
 {
-    size_t han = 0, kana = 0, hangul = 0, simplified = 0, traditional = 0, chinese = 0;
+    size_t han = 0, longestHan = 0, kana = 0, hangul = 0, simplified = 0, traditional = 0, chinese = 0;
     Range first{}; // the first that tells
 };
 
 EastAsian countIn(std::string_view text)
 {
     EastAsian count;
+    size_t inRow = 0;
     for (size_t at = 0; at < text.size();)
     {
         if (static_cast<unsigned char>(text[at]) < 0xE1)
         {
             ++at;
+            inRow = 0;
             continue;
         }
         const size_t begin = at;
@@ -123,6 +125,7 @@ EastAsian countIn(std::string_view text)
         else if (character >= 0x4E00 && character <= 0x9FFF)
         {
             ++count.han;
+            count.longestHan = std::max(count.longestHan, ++inRow);
             const bool tellsSimplified = isSimplified(character);
             count.simplified += tellsSimplified ? 1 : 0;
             count.traditional += isTraditional(character) ? 1 : 0;
@@ -140,7 +143,8 @@ std::optional<std::string_view> otherEastAsian(std::string_view language, const 
     constexpr size_t some = 5;
     const std::string_view base = language.substr(0, 2);
     if (base == "ja" && count.hangul == 0 &&
-        (count.simplified > 0 || (count.kana == 0 && (count.han >= many || (count.han >= some && count.chinese > 0)))))
+        (count.simplified > 0 || (count.kana == 0 && ((count.han >= many && count.longestHan >= some) ||
+                                                      (count.han >= some && count.chinese > 0)))))
         return "zh";
     if (base == "ko" && count.hangul == 0 && count.han >= some)
         return count.kana > 0 ? "ja" : "zh";
