@@ -181,7 +181,8 @@ void MessageCheck::checkEmpty()
 /** A text where the original has none, and is meant to have none. */
 void MessageCheck::checkSurplus()
 {
-    if (m_subject.hasOriginal() && m_subject.originalText().empty())
+    const Range original = coreOf(m_subject.originalText());
+    if (m_subject.hasOriginal() && original.begin == original.end)
         find(Rule::otherMeaning, m_message.source, {Text::textForNone});
 }
 
