@@ -4,8 +4,8 @@ find_package(ICU REQUIRED COMPONENTS uc)
 # Older versions of expat have no limit on the time that exploding entities take.
 find_package(EXPAT 2.4 REQUIRED)
 
-# The grammar of message files, which the program has as well: hidden objects in both, so that its checker decides as the
-# loader does.
+# The grammar of message files, which the program has as well: hidden objects in both, so that its checker decides as
+# the loader does.
 file(GLOB KELTO_GRAMMAR_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/message/grammar/*.cpp")
 list(APPEND KELTO_GRAMMAR_SOURCES "${PROJECT_SOURCE_DIR}/src/platform/stack.cpp")
 add_library(kelto_grammar OBJECT ${KELTO_GRAMMAR_SOURCES})
@@ -49,7 +49,8 @@ if(KELTO_CAN_LTO)
     PROPERTIES COMPILE_OPTIONS -fno-lto)
   # The program is not linked this way: its objects need code as well, which other compilers do not put beside the rest.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    set_target_properties(kelto_grammar PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON INTERPROCEDURAL_OPTIMIZATION_DEBUG OFF)
+    set_target_properties(kelto_grammar PROPERTIES
+      INTERPROCEDURAL_OPTIMIZATION ON INTERPROCEDURAL_OPTIMIZATION_DEBUG OFF)
     target_compile_options(kelto_grammar PRIVATE -ffat-lto-objects)
   endif()
 endif()

@@ -1,7 +1,7 @@
 // An input is a bilingual file as translators' programs might leave it, beside the reference bilingual.xlf: one target
-// for each form, which differ in what they begin with and in what an updated file is written as. What is imported loads,
-// and the checker accepts it; what an update writes is read as it was meant. Some PO files are read as those of a
-// program that used gettext. kelto-po is started for each, with its sanitizers: that it ends without a signal is a
+// for each form, which differ in what they begin with and in what an updated file is written as. What is imported
+// loads, and the checker accepts it; what an update writes is read as it was meant. Some PO files are read as those of
+// a program that used gettext. kelto-po is started for each, with its sanitizers: that it ends without a signal is a
 // property too.
 
 #include "bilingual/assign.h"

@@ -193,8 +193,8 @@ int KTLoadRawMessages(char *path, MessageTable **table);
 int KTGetMessage(MessageTable *table, unsigned int id, char **message);
 
 /**
- * Writes a loaded table as a compiled catalog, which KTLoadCompiledMessages() and KTLoadCompiledData() load in a fraction
- * of the time. The same messages give the same bytes whenever they are compiled on one kind of machine.
+ * Writes a loaded table as a compiled catalog, which KTLoadCompiledMessages() and KTLoadCompiledData() load in a
+ * fraction of the time. The same messages give the same bytes whenever they are compiled on one kind of machine.
  * @param size  in: the capacity of data in bytes; out: the bytes written, or those needed where the result is
  *              KT_ERR_BUFFER_TOO_SMALL. Untouched by other failures.
  * @param data  out: the catalog; untouched by failures. Null is allowed with a capacity of 0.

@@ -1,7 +1,7 @@
 /**
- * The layout of a compiled catalog, as docs/compiled-catalogs.md describes it: a header, the name and the version of the
- * product, an entry for each message in the order of the IDs, and the texts in the order of the entries. All numbers
- * are in the byte order of the machine that wrote them. A catalog may lie at any address.
+ * The layout of a compiled catalog, as docs/compiled-catalogs.md describes it: a header, the name and the version of
+ * the product, an entry for each message in the order of the IDs, and the texts in the order of the entries. All
+ * numbers are in the byte order of the machine that wrote them. A catalog may lie at any address.
  */
 #ifndef KELTO_MESSAGE_COMPILED_LAYOUT_H
 #define KELTO_MESSAGE_COMPILED_LAYOUT_H

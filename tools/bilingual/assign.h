@@ -1,6 +1,7 @@
 /**
- * Coming from gettext, whose programs know a message by its text: each gets a number, and a text that messages can hold.
- * The template of such a program becomes the reference, and its translations, by the same numbers, what `import` reads.
+ * Coming from gettext, whose programs know a message by its text: each gets a number, and a text that messages can
+ * hold. The template of such a program becomes the reference, and its translations, by the same numbers, what `import`
+ * reads.
  */
 #ifndef KELTO_TOOLS_BILINGUAL_ASSIGN_H
 #define KELTO_TOOLS_BILINGUAL_ASSIGN_H

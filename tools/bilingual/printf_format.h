@@ -1,6 +1,6 @@
 /**
- * Texts of programs that use printf: their conversions become those of messages, with positions. What C has and messages
- * have not is refused in words, since nothing else would write the same.
+ * Texts of programs that use printf: their conversions become those of messages, with positions. What C has and
+ * messages have not is refused in words, since nothing else would write the same.
  */
 #ifndef KELTO_TOOLS_BILINGUAL_PRINTF_FORMAT_H
 #define KELTO_TOOLS_BILINGUAL_PRINTF_FORMAT_H

@@ -8,9 +8,9 @@
 #include <map>
 #include <unicode/uchar.h>
 
-// Each character beyond ASCII is turned back into the byte that a charset reads as it. Where such bytes, from a lead byte
-// on, are UTF-8, the text was perhaps read in that charset by mistake. One character alone proves it where its lead byte
-// stands for a letter that hardly occurs in front of such signs; else it takes two in a row.
+// Each character beyond ASCII is turned back into the byte that a charset reads as it. Where such bytes, from a lead
+// byte on, are UTF-8, the text was perhaps read in that charset by mistake. One character alone proves it where its
+// lead byte stands for a letter that hardly occurs in front of such signs; else it takes two in a row.
 
 namespace tool::check
 {

@@ -1,6 +1,6 @@
 /**
- * What is seen from many messages of a file together: a text that stands at two messages whose originals have nothing in
- * common, texts of two neighbours that are exchanged, and texts that are far shorter or longer than the others would
+ * What is seen from many messages of a file together: a text that stands at two messages whose originals have nothing
+ * in common, texts of two neighbours that are exchanged, and texts that are far shorter or longer than the others would
  * let one expect.
  */
 #ifndef KELTO_TOOLS_CHECK_NEIGHBOURS_H

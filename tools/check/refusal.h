@@ -1,4 +1,4 @@
-/** Why the library's steps (message/grammar/structure.h) refuse an element, in words of somebody who writes messages. */
+/** Why the library's steps (message/grammar/structure.h) refuse an element, in words of those who write messages. */
 #ifndef KELTO_TOOLS_CHECK_REFUSAL_H
 #define KELTO_TOOLS_CHECK_REFUSAL_H
 

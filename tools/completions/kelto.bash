@@ -10,8 +10,8 @@ _kelto_options() {
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
     export) echo '--to= --reference= --update= --output= --language= --form= --help' ;;
     import)
-        echo '--reference= --output= --assign --numbers= --fuzzy --keep-going --check --force --language= --format= --form=
-            --quiet --help -Werror'
+        echo '--reference= --output= --assign --numbers= --fuzzy --keep-going --check --force --language= --format=
+            --form= --quiet --help -Werror'
         ;;
     stats) echo '--reference= --html= --used --namespace= --form= --help' ;;
     pseudo) echo '--output= --expand= --bidi --form= --help' ;;
