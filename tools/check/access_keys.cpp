@@ -74,7 +74,8 @@ void AccessKeys::compare(Subject &subject)
             continue;
         const Marks theirs = marksIn(there, mark);
         const Marks ours = marksIn(here, mark);
-        const bool isLabel = theirs.count == 1 && theirs.isPlain && (mark == '&' || there.find('=') == there.npos);
+        const bool isLabel =
+            theirs.count == 1 && theirs.isPlain && (mark == '&' || there.find('=') == std::string_view::npos);
         const std::string name(1, mark);
         const auto note = [&] {
             return Note{true, subject.placeOfOriginal({theirs.first, theirs.first + 1}), {Text::referenceHasItHere}};

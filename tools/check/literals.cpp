@@ -309,20 +309,20 @@ const Number *repeatedIn(const std::vector<Number> &numbers, const std::vector<N
 // Of one digit a number may be written as a word, but not as another number.
 void compareNumbers(Subject &subject, bool isTold)
 {
-    const std::vector<Number> here = numbersIn(subject.tokens());
-    if (here.empty())
+    const std::vector<Number> ours = numbersIn(subject.tokens());
+    if (ours.empty())
         return;
-    const std::vector<Number> there = numbersIn(subject.originalTokens());
-    const Number *const lost = missingIn(here, there, true);
-    const Number *other = missingIn(there, here, true);
+    const std::vector<Number> theirs = numbersIn(subject.originalTokens());
+    const Number *const lost = missingIn(ours, theirs, true);
+    const Number *other = missingIn(theirs, ours, true);
     if (lost != nullptr && other == nullptr)
-        other = repeatedIn(here, there);
+        other = repeatedIn(ours, theirs);
     if (lost != nullptr && other != nullptr)
         subject.find(Rule::literalChanged, subject.placeOf(other->place), {Text::literalMissing, {lost->digits}},
                      noteAt(subject, lost->place));
-    const Number *const extra = isTold ? nullptr : missingIn(there, here, false);
+    const Number *const extra = isTold ? nullptr : missingIn(theirs, ours, false);
     std::string all; // a time may be "10:30" there and "10.30" here
-    for (const Number &number : there)
+    for (const Number &number : theirs)
         all += number.digits;
     if (extra != nullptr && all.find(extra->digits) == std::string::npos)
         subject.find(Rule::literalChanged, subject.placeOf(extra->place),

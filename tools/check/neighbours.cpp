@@ -127,7 +127,7 @@ template <typename Stems> unsigned stemsOf(const Stems &stems)
 } // namespace
 
 Neighbours::Neighbours(const Catalog &catalog, const Catalog &reference)
-    : m_catalog(catalog), m_language(std::string_view(catalog.language()).substr(0, 2)),
+    : m_language(std::string_view(catalog.language()).substr(0, 2)),
       m_originalLanguage(std::string_view(reference.language()).substr(0, 2))
 {
     constexpr std::string_view withoutBlanks = "bo dz ja km lo my th zh";
@@ -213,7 +213,7 @@ void Neighbours::add(Subject &subject, const Tokens &tokens, const Tokens &origi
                      Note{true, subject.original().source, {Text::referenceIsHere}});
 }
 
-void Neighbours::find(Findings &findings, Rule rule, const Said &said, Phrase text, const Said *other) const
+void Neighbours::find(Findings &findings, Rule rule, const Said &said, Phrase text, const Said *other)
 {
     const Note note{true, said.original->source, {Text::referenceIsHere}};
     findings.push_back({rule, said.message->id, said.message->unit.begin, said.message->source, std::move(text),
@@ -292,8 +292,8 @@ void Neighbours::findExchanged(Findings &findings) const
     const double usual = usualRatio();
     if (usual == 0)
         return;
-    const auto distance = [usual](const Said &text, const Said &original) {
-        return std::abs(std::log((text.size + 1) / ((original.originalSize + 1) * usual)));
+    const auto distance = [usual](const Said &said, const Said &other) {
+        return std::abs(std::log((said.size + 1) / ((other.originalSize + 1) * usual)));
     };
     const bool knowsDenials = knowsDenial(m_language) && knowsDenial(m_originalLanguage);
     for (size_t i = 0; i + 1 < m_said.size(); ++i)
@@ -302,16 +302,16 @@ void Neighbours::findExchanged(Findings &findings) const
         const Said &next = m_said[i + 1];
         if (one.isSame || next.isSame || one.placeholders != next.placeholders || !isDistinct(one, next))
             continue;
-        const double lengths = distance(one, one) + distance(next, next) - distance(one, next) - distance(next, one);
+        const double closer = distance(one, one) + distance(next, next) - distance(one, next) - distance(next, one);
         const int words =
             static_cast<int>(common(one.stems, next.originalStems) + common(next.stems, one.originalStems)) -
             static_cast<int>(common(one.stems, one.originalStems) + common(next.stems, next.originalStems));
         const bool deniesOther = knowsDenials && one.originalDenies != next.originalDenies &&
                                  one.denies == next.originalDenies && next.denies == one.originalDenies;
         constexpr double enough = 2;
-        if (lengths <= 0 || words < 0 || lengths + words + (deniesOther ? 1.5 : 0) < enough)
+        if (closer <= 0 || words < 0 || closer + words + (deniesOther ? 1.5 : 0) < enough)
             continue;
-        if (words == 0 && !deniesOther && lengths < 2 * enough)
+        if (words == 0 && !deniesOther && closer < 2 * enough)
             continue;
         find(findings, Rule::otherMeaning, one, {Text::textsExchanged, {static_cast<unsigned>(next.message->id)}},
              &next);

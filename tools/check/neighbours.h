@@ -54,7 +54,7 @@ private:
     void findExchanged(Findings &findings) const;
     void findLengths(Findings &findings) const;
     double usualRatio() const;
-    void find(Findings &findings, Rule rule, const Said &said, Phrase text, const Said *other) const;
+    static void find(Findings &findings, Rule rule, const Said &said, Phrase text, const Said *other);
 
     /** @param language  the bit of the one whose small words are left out. */
     static Stems stemsIn(const Tokens &tokens, uint32_t language);
@@ -62,7 +62,6 @@ private:
     static bool isDistinct(const Said &a, const Said &b);
     static bool areOpposites(const Said &a, const Said &b);
 
-    const Catalog &m_catalog;
     std::string_view m_language;
     std::string_view m_originalLanguage;
     bool m_countsWords;

@@ -154,13 +154,11 @@ bool isExchanged(bool a, bool b, bool aThere, bool bThere)
 /** Whether something that stands beside one of two arguments stands beside the other one here. */
 bool sideIsExchanged(const Pair &a, const Pair &b, uint32_t Surrounding::*side)
 {
-    for (const auto &[one, other] : {std::make_pair(&a, &b), std::make_pair(&b, &a)})
-    {
-        const uint32_t mark = one->there->*side;
-        if (mark != 0 && other->there->*side != mark && one->here->*side != mark && other->here->*side == mark)
-            return true;
-    }
-    return false;
+    const auto isAtOther = [side](const Pair &one, const Pair &other) {
+        const uint32_t mark = one.there->*side;
+        return mark != 0 && other.there->*side != mark && one.here->*side != mark && other.here->*side == mark;
+    };
+    return isAtOther(a, b) || isAtOther(b, a);
 }
 
 /** "from", "to" and "of" in front of the one there, of the other here. */
