@@ -182,7 +182,8 @@ void MessageCheck::checkEmpty()
 void MessageCheck::checkSurplus()
 {
     const Range original = coreOf(m_subject.originalText());
-    if (m_subject.hasOriginal() && original.begin == original.end)
+    const Range text = coreOf(m_text.text());
+    if (m_subject.hasOriginal() && original.begin == original.end && text.begin < text.end)
         find(Rule::otherMeaning, m_message.source, {Text::textForNone});
 }
 
