@@ -73,6 +73,10 @@ std::vector<bench::Work> listWorks()
         {"depth", "a hostile file, 100 elements deep", 2},
         {"attributes", "an element with 200 attributes nobody reads", 2},
         {"catalogs", "a lookup in the oldest of 5 catalogs", 1000},
+        {"export XLIFF 1.2", "25 messages for translators", 1},
+        {"import XLIFF 1.2", "the same, read and checked", 1},
+        {"export XLIFF 2.0", "25 messages for translators", 1},
+        {"import XLIFF 2.0", "the same, read and checked", 1},
     };
     for (const Family &family : families)
         for (const char *size : {"1", "4", "16", "64"})

@@ -61,12 +61,13 @@ class Programs:
             sys.exit("scripts/bench: the contenders do not do the same work; nothing was measured")
 
 
-def build(root):
+def build(root, with_program):
+    """The program takes minutes more, and what it measures no budget."""
     quietly(["scripts/bootstrap", "bench"], root)
     folder = root / "build" / "bench"
     configured = quietly(
         ["cmake", "--preset", "release", "-B", str(folder), "-DKELTO_BUILD_BENCHMARKS=ON", "-DKELTO_BUILD_TESTS=OFF",
-         "-DKELTO_BUILD_TOOLS=OFF"], root)
+         "-DKELTO_BUILD_TOOLS=" + ("ON" if with_program else "OFF")], root)
     for line in configured.splitlines():
         if "Benchmarks:" in line:
             print(line.lstrip("- "), file=sys.stderr)
