@@ -26,7 +26,8 @@ struct Marks
 {
     size_t count = 0;
     size_t first = 0;
-    bool isPlain = true; // nothing else in the text looks like the mark
+    bool isPlain = true;   // nothing else in the text looks like the mark
+    bool isInWord = false; // one stands within a word, which may be one of capitals with a key
 };
 
 /** The places where a mark stands in front of a letter; two of them are one for itself. */
@@ -51,6 +52,7 @@ Marks marksIn(std::string_view text, char mark)
         if (!isBeforeKey || isInWord || (mark == '&' && isOfMarkup(text, at)))
         {
             marks.isPlain = false;
+            marks.isInWord = marks.isInWord || isInWord;
             continue;
         }
         if (marks.count++ == 0)
@@ -82,7 +84,8 @@ void AccessKeys::compare(Subject &subject)
         };
         if (isLabel && ours.count == 1)
             ++m_kept;
-        else if (isLabel && ours.count == 0 && (mark == '&' || here.find(mark) == std::string_view::npos))
+        else if (isLabel && !ours.isInWord && ours.count == 0 &&
+                 (mark == '&' || here.find(mark) == std::string_view::npos))
             m_lost.push_back({Rule::accessKey, subject.message().id, subject.message().unit.begin,
                               subject.message().source, Phrase{Text::accessKeyLost, {name}}, note()});
         else if (isLabel && ours.count > 1)

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <unicode/uchar.h>
+#include <unicode/unorm2.h>
 
 namespace tool::check
 {
@@ -92,6 +93,32 @@ void checkCharacters(Subject &subject)
             known->second = originalHas(subject, text.substr(begin, at - begin));
         if (!known->second)
             subject.find(damage->rule, subject.placeOf({begin, at}), {damage->text, {codePoint(character)}});
+    }
+}
+
+/** Letters in parts, an accent behind its letter, as some file systems and programs write them. */
+void checkComposition(Subject &subject)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const UNormalizer2 *const composed = unorm2_getNFCInstance(&status);
+    const std::string_view text = subject.text();
+    char32_t before = 0;
+    for (size_t at = 0; U_SUCCESS(status) && at < text.size();)
+    {
+        if (static_cast<unsigned char>(text[at]) < 0xC0)
+        {
+            before = static_cast<unsigned char>(text[at++]);
+            continue;
+        }
+        const size_t begin = at;
+        const char32_t character = takeUtf8(text, at);
+        const bool isPart =
+            unorm2_composePair(composed, static_cast<UChar32>(before), static_cast<UChar32>(character)) >= 0 ||
+            (character == 0x307 && before == 'i');
+        if (isPart)
+            return subject.find(Rule::invisibleCharacter, subject.placeOf({begin, at}),
+                                {Text::letterInParts, {codePoint(character)}});
+        before = character;
     }
 }
 
@@ -216,6 +243,7 @@ void checkDamage(Subject &subject)
                          {Text::misread, {quotation(misreading->meant), misreading->charset}});
         else
             checkCharacters(subject);
+        checkComposition(subject);
     }
     checkQuestionMarks(subject);
     checkEscapedTwice(subject);

@@ -69,6 +69,16 @@ bool hasWordsToTranslate(Subject &subject)
     return (isLatin ? words > 1 && small > 0 : small > 0) || (!isEnglish && words > 1);
 }
 
+/** Whether two words and more are there, one of them a small English one. */
+bool hasEnglishWords(Subject &subject)
+{
+    const Tokens &tokens = subject.tokens();
+    bool isThere = false;
+    for (size_t i = 0; i < tokens.size(); ++i)
+        isThere = isThere || (isForeign(tokens, i, 0) && !tokens[i].isCapital && !isOfName(tokens, i));
+    return isThere && tokens.words() > 1 && languageOf(subject.reference()) == "en";
+}
+
 /** A part of both texts that is word for word the same. */
 struct Run
 {
@@ -301,12 +311,10 @@ void findLeftOver(Subject &subject)
     if (subject.text() == subject.originalText())
     {
         // In other letters than those of the language it cannot be that both share the words.
-        if (!isWrittenInLatin(languageOf(subject.catalog())))
-            findWordsLeft(subject);
-        if (!subject.has(Rule::leftOver) && languageOf(subject.catalog()) != languageOf(subject.reference()) &&
-            hasWordsToTranslate(subject))
-            subject.find(Rule::untranslated, subject.message().source, {Text::sameAsReference},
-                         Note{true, subject.original().source, {Text::referenceIsHere}});
+        const bool isOfOtherLetters = !isWrittenInLatin(languageOf(subject.catalog())) && hasEnglishWords(subject);
+        if (languageOf(subject.catalog()) != languageOf(subject.reference()) && hasWordsToTranslate(subject))
+            subject.find(isOfOtherLetters ? Rule::leftOver : Rule::untranslated, subject.message().source,
+                         {Text::sameAsReference}, Note{true, subject.original().source, {Text::referenceIsHere}});
         return;
     }
     findWordsLeft(subject);

@@ -171,6 +171,32 @@ std::string_view addressIn(std::string_view word)
     return withoutPunctuation(word.substr(begin, end - begin));
 }
 
+/** The part of a word that is the same everywhere: an address up to its first placeholder, an option up to its value. */
+std::string_view literalIn(std::string_view word)
+{
+    if (word.find("://") != std::string_view::npos)
+        word = word.substr(0, word.find('%'));
+    if (word.substr(0, 2) == "--")
+        word = word.substr(0, word.find('='));
+    return addressIn(withoutPunctuation(word));
+}
+
+unsigned occurrencesIn(std::string_view text, std::string_view part)
+{
+    unsigned count = 0;
+    for (size_t at = text.find(part); at < text.size(); at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
+/** Whether a text lacks a literal of its original; addresses it has as often as that. */
+bool lacks(std::string_view here, std::string_view literal, std::string_view there)
+{
+    const bool isAddress = literal.find_first_of("@:") != std::string_view::npos;
+    return isAddress ? occurrencesIn(here, literal) < occurrencesIn(there, literal)
+                     : here.find(literal) == std::string_view::npos;
+}
+
 void compareWords(Subject &subject)
 {
     constexpr std::string_view between = " \t\n\r\"<>";
@@ -180,16 +206,15 @@ void compareWords(Subject &subject)
          begin < there.size() && !subject.isFull(Rule::literalChanged);)
     {
         const size_t end = std::min(there.find_first_of(between, begin), there.size());
-        const std::string_view whole = there.substr(begin, end - begin);
-        const std::string_view word = addressIn(withoutPunctuation(whole));
+        const std::string_view word = literalIn(there.substr(begin, end - begin));
         const std::string plain = withPlainNumbers(word);
-        if (whole.find('%') == std::string_view::npos &&
+        if (word.find('%') == std::string_view::npos &&
             (isLiteral(plain) || (word.size() > 1 && isVariable(word) && (word[0] == '$' || !hasOption(there)))))
         {
             if (here.empty())
                 here = withPlainNumbers(subject.text());
             const auto first = static_cast<size_t>(word.data() - there.data());
-            if (here.find(plain) == std::string::npos)
+            if (lacks(here, plain, withPlainNumbers(there)))
                 subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
                              noteAt(subject, {first, first + word.size()}));
         }
@@ -370,7 +395,7 @@ void compareUnits(Subject &subject)
                      noteAt(subject, {there->begin, there->end}));
 }
 
-/** The bars of a table's row, and the commas of a list that a program takes apart. */
+/** The bars of a table's row, and the marks between the fields of a list that a program takes apart. */
 void compareSeparators(Subject &subject)
 {
     constexpr unsigned fewestCommas = 3;
@@ -383,11 +408,12 @@ void compareSeparators(Subject &subject)
                          : 0;
         return count;
     };
-    for (const char mark : {'|', ','})
+    for (const char mark : {'|', ';', ','})
     {
         const unsigned there = separatorsIn(subject.originalText(), mark);
         const unsigned here = there == 0 ? 0 : separatorsIn(subject.text(), mark);
-        if (here < there && (mark == '|' || (here > 0 && there >= fewestCommas)))
+        const bool isRow = mark == '|' || (mark == ';' ? there > 1 : here > 0 && there >= fewestCommas);
+        if (here < there && isRow)
             subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {std::string(1, mark)}},
                          noteAt(subject, {subject.originalText().find(mark), subject.originalText().find(mark) + 1}));
     }

@@ -24,9 +24,9 @@ struct LengthRow
 };
 
 constexpr LengthRow lengths[] = {{25, 0, 0, 0, 0},
-                                 {40, 0.38, 2.2, 0.3, 2.6},
-                                 {60, 0.48, 2.2, 0.35, 2.9},
-                                 {100, 0.55, 2.1, 0.35, 3},
+                                 {40, 0.38, 2.2, 0.25, 2.6},
+                                 {60, 0.44, 2.2, 0.28, 2.9},
+                                 {100, 0.55, 2.1, 0.3, 3},
                                  {UINT32_MAX, 0.55, 1.85, 0.4, 2.7}};
 
 uint32_t charactersOf(std::string_view text, const Tokens &tokens)

@@ -390,7 +390,7 @@ std::optional<Range> misreadEastAsianIn(std::string_view text)
     {
         const size_t begin = at;
         const char32_t character = takeUtf8(text, at);
-        if (character >= 0x80 && isAmong(character, U"縺繧繝锟斤拷ƒ"))
+        if (character >= 0x80 && isAmong(character, U"縺繧繝锟斤拷쏙옙ƒ"))
         {
             first = count == 0 ? begin : first;
             if (++count == 2)
