@@ -69,14 +69,18 @@ bool hasWordsToTranslate(Subject &subject)
     return (isLatin ? words > 1 && small > 0 : small > 0) || (!isEnglish && words > 1);
 }
 
-/** Whether two words and more are there, one of them a small English one. */
+/** Whether a text has English words and is no name, whose words all begin with capitals. */
 bool hasEnglishWords(Subject &subject)
 {
     const Tokens &tokens = subject.tokens();
-    bool isThere = false;
+    bool isEnglish = false;
+    bool hasSmall = false;
     for (size_t i = 0; i < tokens.size(); ++i)
-        isThere = isThere || (isForeign(tokens, i, 0) && !tokens[i].isCapital && !isOfName(tokens, i));
-    return isThere && tokens.words() > 1 && languageOf(subject.reference()) == "en";
+    {
+        isEnglish = isEnglish || (isForeign(tokens, i, 0) && !isOfName(tokens, i));
+        hasSmall = hasSmall || (tokens[i].isWord() && !tokens[i].isCapital);
+    }
+    return isEnglish && hasSmall && tokens.words() > 1 && languageOf(subject.reference()) == "en";
 }
 
 /** A part of both texts that is word for word the same. */
