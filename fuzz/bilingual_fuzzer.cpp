@@ -48,7 +48,7 @@ void requireAccepted(MessageDocument document, Setting &setting, const check::Re
 {
     const std::string file = messageFileOf(std::move(document), setting.forms.get());
     require(originOf(file) == Origin::untouched, "what is written knows that it is ours");
-    const check::Catalog catalog(check::SourceText("out", file), check::Catalog::Placeholders::positioned);
+    const check::Catalog catalog(check::SourceText("out", file), Placeholders::positioned);
     require(catalog.findings().empty(), "what is imported is a message file");
     for (const check::Finding &finding : checkMessages(catalog, setting.forms.get(), reference))
         require(setting.levels[finding.rule] != check::Severity::error, sayInEnglish(finding.text).c_str());

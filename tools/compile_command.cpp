@@ -18,7 +18,7 @@ ExitStatus run(CommandLine &line)
     if (output.empty())
         throw line.misuse(say(Text::optionMissing, {"--output"}));
     requireOtherFile(output, {input});
-    const MessageFile file(input, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
+    const MessageFile file(input, raw ? Placeholders::raw : Placeholders::positioned);
     if (file.isCompiled())
         throw Failure(inputName(input) + ": " + say(Text::compiledCatalog));
     const std::string catalog = file.compiled();

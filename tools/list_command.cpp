@@ -39,7 +39,7 @@ ExitStatus run(CommandLine &line)
     const Words files = line.files();
     bool first = true;
     return forEachFile(files, [&](const std::string &path) {
-        const MessageFile file(path, raw ? MessageFile::Placeholders::raw : MessageFile::Placeholders::positioned);
+        const MessageFile file(path, raw ? Placeholders::raw : Placeholders::positioned);
         if (files.size() > 1)
             printText((first ? "" : "\n") + inputName(path) + ":\n");
         first = false;

@@ -8,6 +8,7 @@
 #include "failure.h"
 #include "kelto.h"
 #include "memory_file.h"
+#include "placeholder_mode.h"
 
 #include <optional>
 #include <string>
@@ -50,12 +51,6 @@ private:
 class MessageFile
 {
 public:
-    enum class Placeholders
-    {
-        positioned, // for formatting: %s[1]
-        raw         // as the file has them: %s
-    };
-
     explicit MessageFile(const std::string &path, Placeholders placeholders = Placeholders::positioned);
     /** Takes over a table that is loaded. */
     explicit MessageFile(MessageTable *table) : m_table(table) {}

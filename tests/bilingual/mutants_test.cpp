@@ -58,7 +58,7 @@ TEST(Mutants, OfXliffGiveMessagesThatTheCheckerAccepts)
             Imported result = import(readBilingual(check::SourceText("m", "<" + mutant(document, random).substr(1))),
                                      source, reference, check::Levels(), {forms.get(), true, "de"});
             const std::string file = messageFileOf(std::move(result.document), forms.get());
-            const check::Catalog again(check::SourceText("out", file), check::Catalog::Placeholders::positioned);
+            const check::Catalog again(check::SourceText("out", file), Placeholders::positioned);
             ASSERT_TRUE(again.findings().empty()) << file;
             imported += again.messages().size();
             if (!catalog.selectors.empty()) // the rows of the translation are not those of the reference

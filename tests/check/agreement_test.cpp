@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 using namespace tool::check;
+using tool::Placeholders;
 
 namespace
 {
@@ -84,7 +85,7 @@ std::string disagreement(const std::string &bytes, bool *loads)
         *loads = result == 0;
     if (result == KT_ERR_NO_MEMORY)
         return "";
-    const Catalog catalog(SourceText("file", bytes), Catalog::Placeholders::positioned);
+    const Catalog catalog(SourceText("file", bytes), Placeholders::positioned);
     const bool isClean = std::all_of(catalog.findings().begin(), catalog.findings().end(), [](const Finding &finding) {
         return rowOf(finding.rule).severity == Severity::warning;
     });
@@ -254,8 +255,8 @@ TEST(CheckAgreement, WithTheLibraryOnWhatMayStandForWhat)
     {
         const std::string format = randomFormat(random);
         const std::string reference = random() % 4 == 0 ? format : randomFormat(random);
-        const Catalog catalog(SourceText("file", unit(format)), Catalog::Placeholders::positioned);
-        const Catalog original(SourceText("reference", unit(reference)), Catalog::Placeholders::positioned);
+        const Catalog catalog(SourceText("file", unit(format)), Placeholders::positioned);
+        const Catalog original(SourceText("reference", unit(reference)), Placeholders::positioned);
         const Findings findings =
             checkMessages(catalog, &builtInFormTable, std::make_unique<Reference>(original, &builtInFormTable).get());
         if (KTExplainFormat(reference.c_str(), nullptr, nullptr) != 0)

@@ -8,6 +8,7 @@
 #include <iterator>
 
 using namespace tool::check;
+using tool::Placeholders;
 
 namespace
 {
@@ -15,14 +16,14 @@ namespace
 /** "LINE:COLUMN-COLUMN RULE MESSAGE" of each finding; "LINE:COLUMN-LINE:COLUMN" where it reaches over a line's end. */
 std::string findingsIn(const std::string &bytes, const std::string &reference, formTable *table)
 {
-    Catalog catalog(SourceText("file", bytes), Catalog::Placeholders::positioned);
+    Catalog catalog(SourceText("file", bytes), Placeholders::positioned);
     Findings findings = catalog.findings();
     Findings others;
     if (reference.empty())
         others = checkMessages(catalog, table, nullptr);
     else
     {
-        Catalog original(SourceText("reference", reference), Catalog::Placeholders::positioned);
+        Catalog original(SourceText("reference", reference), Placeholders::positioned);
         original.source().index();
         const Reference compared(original, table);
         others = checkMessages(catalog, table, &compared);
@@ -379,7 +380,7 @@ TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)
 {
     for (const char *tail : {"\n", "<", "\xD8"})
     {
-        Catalog catalog(SourceText("file", inUtf16(unit("a"), false) + tail), Catalog::Placeholders::positioned);
+        Catalog catalog(SourceText("file", inUtf16(unit("a"), false) + tail), Placeholders::positioned);
         const std::vector<Diagnostic> found = report(catalog.findings(), catalog.source(), nullptr, Levels());
         ASSERT_EQ(found.size(), 1U);
         EXPECT_LE(found[0].place.bytes.end, catalog.source().bytes().size());

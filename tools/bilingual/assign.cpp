@@ -210,8 +210,7 @@ private:
     void checkDocument()
     {
         const std::set<int> refused = refusedNumbers(); // whose texts are not what they ought to be
-        const Catalog catalog(SourceText("", messageFileOf(m_result.document, m_table)),
-                              Catalog::Placeholders::positioned);
+        const Catalog catalog(SourceText("", messageFileOf(m_result.document, m_table)), Placeholders::positioned);
         Findings found = catalog.findings();
         for (Finding &finding : checkMessages(catalog, m_table, nullptr))
             found.push_back(std::move(finding));

@@ -14,7 +14,7 @@ namespace tool::bilingual
 using namespace check;
 
 SourceFile::SourceFile(SourceText source)
-    : catalog(std::move(source), Catalog::Placeholders::positioned), remarks(remarksIn(catalog.source().bytes()))
+    : catalog(std::move(source), Placeholders::positioned), remarks(remarksIn(catalog.source().bytes()))
 {
 }
 

@@ -9,6 +9,7 @@
 #include "check/finding.h"
 #include "check/source_text.h"
 #include "check/suppressions.h"
+#include "placeholder_mode.h"
 
 #include <memory>
 #include <string>
@@ -61,12 +62,6 @@ struct Attribute
 class Catalog
 {
 public:
-    enum class Placeholders
-    {
-        positioned, // as KTLoadMessages() makes them
-        raw         // as KTLoadRawMessages() does
-    };
-
     /** Reads a file. What does not let it load, and a document type, are findings. */
     Catalog(SourceText source, Placeholders placeholders);
 

@@ -232,7 +232,7 @@ ExitStatus run(CommandLine &line)
         if (const std::string fault = forms.add(form); !fault.empty())
             throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
     setting.table = options.isRaw ? nullptr : forms.get();
-    setting.placeholders = options.isRaw ? Catalog::Placeholders::raw : Catalog::Placeholders::positioned;
+    setting.placeholders = options.isRaw ? Placeholders::raw : Placeholders::positioned;
     setting.stdinName = options.stdinName;
     constexpr unsigned most = 999999999;
     if (!options.complete.empty())

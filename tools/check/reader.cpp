@@ -29,12 +29,12 @@ constexpr size_t unitDepth = 4; // what is open around a "trans-unit", the docum
 class Reader
 {
 public:
-    Reader(Catalog &catalog, Catalog::Placeholders placeholders) : m_catalog(catalog)
+    Reader(Catalog &catalog, Placeholders placeholders) : m_catalog(catalog)
     {
         if (!m_parser.restart(this))
             throw std::bad_alloc();
         limits.setBytesRead(catalog.m_source.bytes().size());
-        m_structure.raw = placeholders == Catalog::Placeholders::raw;
+        m_structure.raw = placeholders == Placeholders::raw;
         m_open.push_back({ELM_UNKNOWN, {}, false});
     }
 

@@ -21,7 +21,7 @@ namespace tool::check
 /** What all files are checked with. */
 struct Setting
 {
-    Catalog::Placeholders placeholders = Catalog::Placeholders::positioned;
+    Placeholders placeholders = Placeholders::positioned;
     formTable *table = nullptr; // null with --raw
     Levels levels;
     std::string stdinName;

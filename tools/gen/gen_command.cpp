@@ -74,7 +74,7 @@ ExitStatus run(CommandLine &line)
     requireOtherFile(output, {input});
     requireOtherFile(depfile == "-" ? "./-" : depfile, {input});
     const std::string name = input == "-" ? "<stdin>" : input;
-    Catalog catalog(SourceText(name, readMessageFile(input)), Catalog::Placeholders::positioned);
+    Catalog catalog(SourceText(name, readMessageFile(input)), Placeholders::positioned);
     Findings findings = catalog.findings();
     const Findings others = checkMessages(catalog, forms.get(), nullptr);
     findings.insert(findings.end(), others.begin(), others.end());

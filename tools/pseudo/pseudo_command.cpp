@@ -65,8 +65,7 @@ ExitStatus run(CommandLine &line)
     addForms(line, formWords, forms);
     requireOtherFile(output, {input});
 
-    Catalog catalog(SourceText(input == "-" ? "<stdin>" : input, readMessageFile(input)),
-                    Catalog::Placeholders::positioned);
+    Catalog catalog(SourceText(input == "-" ? "<stdin>" : input, readMessageFile(input)), Placeholders::positioned);
     const Levels levels;
     Teller teller(line, "text", true, "", levels);
     teller.tell(errorsIn(report(catalog.findings(), catalog.source(), nullptr, levels)));
