@@ -171,7 +171,7 @@ std::string_view addressIn(std::string_view word)
     return withoutPunctuation(word.substr(begin, end - begin));
 }
 
-/** The part of a word that is the same everywhere: an address up to its first placeholder, an option up to its value. */
+/** What of a word is the same everywhere: an address up to its first placeholder, an option up to its value. */
 std::string_view literalIn(std::string_view word)
 {
     if (word.find("://") != std::string_view::npos)
@@ -312,9 +312,11 @@ std::vector<Number> numbersIn(const Tokens &tokens)
 const Number *missingIn(const std::vector<Number> &other, const std::vector<Number> &numbers, bool isOfOneDigit)
 {
     for (const Number &number : numbers)
-        if ((number.digits.size() == 1) == isOfOneDigit &&
-            std::none_of(other.begin(), other.end(), [&](const Number &each) { return each.digits == number.digits; }))
+    {
+        const auto isSame = [&number](const Number &each) { return each.digits == number.digits; };
+        if ((number.digits.size() == 1) == isOfOneDigit && std::none_of(other.begin(), other.end(), isSame))
             return &number;
+    }
     return nullptr;
 }
 
