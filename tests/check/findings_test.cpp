@@ -229,6 +229,7 @@ const Row rows[] = {
     {unit(")a("), "2:20-28 unbalanced", unit("(a)")},
     {unit("\"Öffnen\""), "2:20-28 unbalanced", unit("Open")},
     {unit("Nein"), "2:20-28 other-meaning", unit("")},
+    {unit(" "), "2:20-28 empty-message", unit("Open")},
     {document(numbered(1, "Ja") + "\n" + numbered(2, "Ja")), "2:20-28 other-meaning, 3:20-28 other-meaning 2",
      document(numbered(1, "Yes") + "\n" + numbered(2, "No"))},
     {in("he", unit("chyuk")), "3:1-6 wrong-script", unit("Cancel")},
@@ -356,6 +357,20 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
                       findingsIn(declared("utf-8", row.file), row.reference, m_table.get()));
         }
     }
+}
+
+// What is compared part by part would take hours for texts that nobody can read.
+TEST_F(CheckFindings, OfMegabytesAreThoseThatTakeNoHours)
+{
+    std::string here;
+    std::string there;
+    for (int i = 0; i < 50000; ++i)
+    {
+        here += fmt::format("please AA_B a@b.c &lt;b&gt; {} ", i);
+        there += fmt::format("please x AA_C a@b.d &lt;i&gt; {} ", 50000 - i);
+    }
+    EXPECT_EQ(findingsIn(unit(here + "."), inEnglish(unit(there)), m_table.get()).substr(0, 1), "3");
+    EXPECT_EQ(findingsIn(unit(here), inEnglish(unit(there)), m_table.get()), "");
 }
 
 TEST_F(CheckFindings, TellTextsThatAreFarShorterOrLongerThanTheOthersOfTheirFile)

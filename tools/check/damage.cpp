@@ -1,7 +1,7 @@
 #include "check/damage.h"
 
+#include "check/characters.h"
 #include "check/mojibake.h"
-#include "check/utf8.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -20,16 +20,6 @@ std::string codePoint(char32_t character)
     return fmt::format("U+{:04X}", static_cast<uint32_t>(character));
 }
 
-bool isLetter(char32_t character)
-{
-    return u_isalpha(static_cast<UChar32>(character)) != 0;
-}
-
-bool originalHas(const Subject &subject, std::string_view part)
-{
-    return subject.originalText().find(part) != std::string_view::npos;
-}
-
 /** What cannot be seen and is hardly ever meant; nothing is said where the original has it too. */
 bool isInvisible(char32_t character, std::string_view language)
 {
@@ -46,8 +36,7 @@ bool isInvisible(char32_t character, std::string_view language)
 bool isInAscii(std::string_view text, Range place)
 {
     const auto isOfWord = [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-               byte == ' ' || byte == '-';
+        return isAsciiLetter(byte) || isAsciiDigit(byte) || byte == ' ' || byte == '-';
     };
     return place.begin > 0 && place.end < text.size() && isOfWord(text[place.begin - 1]) && isOfWord(text[place.end]);
 }
@@ -73,7 +62,7 @@ std::optional<Damage> damageOf(char32_t character, std::string_view language)
 void checkCharacters(Subject &subject)
 {
     const std::string_view text = subject.text();
-    const std::string_view language = std::string_view(subject.catalog().language()).substr(0, 2);
+    const std::string_view language = subject.language();
     std::map<char32_t, bool> inOriginal;
     for (size_t at = 0; at < text.size();)
     {
@@ -90,7 +79,7 @@ void checkCharacters(Subject &subject)
             continue;
         const auto [known, isNew] = inOriginal.try_emplace(character);
         if (isNew)
-            known->second = originalHas(subject, text.substr(begin, at - begin));
+            known->second = subject.originalHas(text.substr(begin, at - begin));
         if (!known->second)
             subject.find(damage->rule, subject.placeOf({begin, at}), {damage->text, {codePoint(character)}});
     }
@@ -133,7 +122,7 @@ bool replaceLetters(const Subject &subject, std::string_view word, Range marks)
     size_t next = marks.end;
     const auto behind = static_cast<UChar32>(takeUtf8(word, next));
     if (marks.begin == 0)
-        return u_islower(behind) != 0 && subject.hasOriginal() && !originalHas(subject, "?");
+        return u_islower(behind) != 0 && subject.hasOriginal() && !subject.originalHas("?");
     size_t last = stepBackUtf8(word, marks.begin);
     return isLetter(takeUtf8(word, last)) && u_isalpha(behind) != 0 && u_isupper(behind) == 0;
 }
@@ -150,7 +139,7 @@ void checkQuestionMarksOf(Subject &subject, std::string_view word, size_t offset
         mark = word.find('?', marks.end);
         if (!replaceLetters(subject, word, marks))
             continue;
-        if (!isNew && originalHas(subject, word))
+        if (!isNew && subject.originalHas(word))
             return;
         isNew = true;
         subject.find(Rule::lostCharacter, subject.placeOf({offset + marks.begin, offset + marks.end}),
@@ -163,7 +152,7 @@ void checkQuestionMarks(Subject &subject)
     const auto isBlank = [](char byte) { return static_cast<unsigned char>(byte) <= ' '; };
     const std::string_view text = subject.text();
     size_t mark = text.find('?');
-    if (mark == std::string_view::npos || originalHas(subject, "??"))
+    if (mark == std::string_view::npos || subject.originalHas("??"))
         return;
     while (mark < text.size())
     {
@@ -204,7 +193,7 @@ void checkEscapedTwice(Subject &subject)
     for (size_t at = text.find('&'); at < text.size() && !subject.isFull(Rule::doubleEscape);
          at = text.find('&', at + 1))
         if (const size_t length = referenceLength(text.substr(at));
-            length > 0 && !originalHas(subject, text.substr(at, length)))
+            length > 0 && !subject.originalHas(text.substr(at, length)))
             subject.find(Rule::doubleEscape, subject.placeOf({at, at + length}),
                          {Text::escapedTwice, {quotation(text.substr(at, length))}});
 }
@@ -222,7 +211,7 @@ void checkMergeMarks(Subject &subject)
             const size_t end = std::min(text.find_first_not_of(mark, at), text.size());
             const bool isLine = (at == 0 || text[at - 1] == '\n') && end - at == marks.size() &&
                                 (end == text.size() || text[end] == '\n' || text[end] == ' ');
-            if (isLine && !originalHas(subject, marks))
+            if (isLine && !subject.originalHas(marks))
                 subject.find(Rule::strayText, subject.placeOf({at, end}), {Text::mergeMark});
             at = end;
         }
@@ -237,8 +226,8 @@ void checkDamage(Subject &subject)
     if (!isLatin1 || !beyondAscii(subject.catalog().source().bytes())) // else that is told of the whole
     {
         const std::optional<Misreading> misreading = findMisreading(subject.text());
-        if (misreading && !originalHas(subject, subject.text().substr(misreading->place.begin,
-                                                                      misreading->place.end - misreading->place.begin)))
+        if (misreading && !subject.originalHas(subject.text().substr(misreading->place.begin,
+                                                                     misreading->place.end - misreading->place.begin)))
             subject.find(Rule::mojibake, subject.placeOf(misreading->place),
                          {Text::misread, {quotation(misreading->meant), misreading->charset}});
         else

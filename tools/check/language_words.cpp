@@ -111,17 +111,15 @@ private:
 
     void add(std::string_view words, uint32_t bits)
     {
-        for (size_t begin = words.find_first_not_of(' '); begin < words.size();)
-        {
-            const size_t end = std::min(words.find(' ', begin), words.size());
-            const uint32_t hash = hashOfWord(words.substr(begin, end - begin));
+        anyWordOf(words, [this, bits](std::string_view word) {
+            const uint32_t hash = hashOfWord(word);
             size_t at = hash % m_cells.size();
             while (m_cells[at].bits != 0 && m_cells[at].hash != hash)
                 at = (at + 1) % m_cells.size();
             m_cells[at].hash = hash;
             m_cells[at].bits |= bits;
-            begin = words.find_first_not_of(' ', end);
-        }
+            return false;
+        });
     }
 
     std::array<Cell, 4096> m_cells{};
@@ -180,30 +178,23 @@ struct Prepositions
     WordSet source, goal, whole;
 };
 
-const Prepositions *prepositionsOf(std::string_view language)
+/** The row of a language, made ready to be asked once for all; null where there is none. */
+template <typename Ready, typename Rows> const Ready *readyRowOf(const Rows &list, std::string_view language)
 {
-    static const std::vector<Prepositions> made(std::begin(prepositions), std::end(prepositions));
-    const auto found = std::find_if(made.begin(), made.end(),
-                                    [language](const Prepositions &row) { return row.language == language; });
+    static const std::vector<Ready> made(std::begin(list), std::end(list));
+    const auto found =
+        std::find_if(made.begin(), made.end(), [language](const Ready &row) { return row.language == language; });
     return found != made.end() ? &*found : nullptr;
 }
 
-/** Whether something holds for one of the words of a list. */
-template <typename Test> bool anyOf(std::string_view words, const Test &test)
+const Prepositions *prepositionsOf(std::string_view language)
 {
-    for (size_t begin = words.find_first_not_of(' '); begin < words.size();)
-    {
-        const size_t end = std::min(words.find(' ', begin), words.size());
-        if (test(words.substr(begin, end - begin)))
-            return true;
-        begin = words.find_first_not_of(' ', end);
-    }
-    return false;
+    return readyRowOf<Prepositions>(prepositions, language);
 }
 
 bool beginsWithOneOf(std::string_view text, std::string_view words)
 {
-    return anyOf(words, [text](std::string_view word) { return text.substr(0, word.size()) == word; });
+    return anyWordOf(words, [text](std::string_view word) { return text.substr(0, word.size()) == word; });
 }
 
 /** Of which only the first letter may be a capital. */
@@ -266,10 +257,7 @@ struct Denial
 
 const Denial *denialOf(std::string_view language)
 {
-    static const std::vector<Denial> made(std::begin(denials), std::end(denials));
-    const auto found =
-        std::find_if(made.begin(), made.end(), [language](const Denial &row) { return row.language == language; });
-    return found != made.end() ? &*found : nullptr;
+    return readyRowOf<Denial>(denials, language);
 }
 
 } // namespace
@@ -330,13 +318,6 @@ Relation markedBehind(std::string_view language, std::string_view behind)
     return Relation::none;
 }
 
-bool hasRelations(std::string_view language)
-{
-    return prepositionsOf(language) != nullptr ||
-           std::any_of(std::begin(particles), std::end(particles),
-                       [language](const RelationRow &row) { return row.language == language; });
-}
-
 bool knowsDenial(std::string_view language)
 {
     return denialOf(language) != nullptr;
@@ -348,8 +329,9 @@ bool denies(std::string_view language, const Tokens &tokens)
     if (row == nullptr)
         return false;
     if (!row->parts.empty())
-        return anyOf(row->parts,
-                     [&tokens](std::string_view part) { return tokens.text().find(part) != std::string_view::npos; });
+        return anyWordOf(row->parts, [&tokens](std::string_view part) {
+            return tokens.text().find(part) != std::string_view::npos;
+        });
     return std::any_of(tokens.begin(), tokens.end(),
                        [row](const Token &token) { return token.isWord() && row->words.has(token.content); });
 }

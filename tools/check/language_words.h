@@ -43,9 +43,6 @@ bool marksInFront(std::string_view language, uint32_t word, Relation relation);
 /** By what follows it, in a language that puts its particles there. */
 Relation markedBehind(std::string_view language, std::string_view behind);
 
-/** Whether anything is said about the words of a language. */
-bool hasRelations(std::string_view language);
-
 /** Whether a text denies something by a word for that, in one of the languages that are known. */
 bool denies(std::string_view language, const Tokens &tokens);
 

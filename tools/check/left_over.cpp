@@ -1,7 +1,7 @@
 #include "check/left_over.h"
 
+#include "check/characters.h"
 #include "check/language_words.h"
-#include "check/utf8.h"
 
 #include <algorithm>
 
@@ -10,23 +10,13 @@ namespace tool::check
 namespace
 {
 
-std::string_view languageOf(const Catalog &catalog)
-{
-    return std::string_view(catalog.language()).substr(0, 2);
-}
-
-bool isOneOf(char32_t character, std::u32string_view characters)
-{
-    return characters.find(character) != std::u32string_view::npos;
-}
-
 /** Whether a word touches what makes a name of it, as in "--help", "store.txt", "a/b". */
 bool isOfName(const Tokens &tokens, size_t index)
 {
     constexpr std::u32string_view marks = U"-/\\._@=<>[]{}$#~|";
     const auto isAt = [&](size_t place) {
         return place < tokens.size() && tokens[place].kind == Token::Kind::mark &&
-               isOneOf(tokens[place].content, marks);
+               isAmong(tokens[place].content, marks);
     };
     const bool isInFront = index > 0 && tokens[index].isJoined && isAt(index - 1);
     const bool isBehind =
@@ -47,8 +37,8 @@ bool isForeign(const Tokens &tokens, size_t index, uint32_t own)
 /** Whether a text that is that of its reference has words to be translated. */
 bool hasWordsToTranslate(Subject &subject)
 {
-    const std::string_view language = languageOf(subject.catalog());
-    const bool isEnglish = languageOf(subject.reference()) == "en";
+    const std::string_view language = subject.language();
+    const bool isEnglish = subject.originalLanguage() == "en";
     const bool isLatin = isWrittenInLatin(language);
     const Tokens product(subject.reference().productName().value);
     const uint32_t own = languageBit(language);
@@ -80,7 +70,7 @@ bool hasEnglishWords(Subject &subject)
         isEnglish = isEnglish || (isForeign(tokens, i, 0) && !isOfName(tokens, i));
         hasSmall = hasSmall || (tokens[i].isWord() && !tokens[i].isCapital);
     }
-    return isEnglish && hasSmall && tokens.words() > 1 && languageOf(subject.reference()) == "en";
+    return isEnglish && hasSmall && tokens.words() > 1 && subject.originalLanguage() == "en";
 }
 
 /** A part of both texts that is word for word the same. */
@@ -102,7 +92,7 @@ bool isOfSentence(const Tokens &tokens, size_t index)
 {
     const Token &token = tokens[index];
     constexpr std::u32string_view marks = U",'’\"“”()";
-    return token.isWord() ? !isOfName(tokens, index) : token.kind != Token::Kind::mark || isOneOf(token.content, marks);
+    return token.isWord() ? !isOfName(tokens, index) : token.kind != Token::Kind::mark || isAmong(token.content, marks);
 }
 
 Run runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, uint32_t own)
@@ -128,21 +118,21 @@ Run runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, 
 bool endsSentence(const Tokens &tokens, size_t behind)
 {
     return behind >= tokens.size() ||
-           (tokens[behind].kind == Token::Kind::mark && isOneOf(tokens[behind].content, U".!?")) ||
-           (behind > 0 && tokens[behind - 1].kind == Token::Kind::mark && isOneOf(tokens[behind - 1].content, U".!?"));
+           (tokens[behind].kind == Token::Kind::mark && isAmong(tokens[behind].content, U".!?")) ||
+           (behind > 0 && tokens[behind - 1].kind == Token::Kind::mark && isAmong(tokens[behind - 1].content, U".!?"));
 }
 
 bool beginsSentence(const Tokens &tokens, size_t begin)
 {
-    return begin == 0 || (tokens[begin - 1].kind == Token::Kind::mark && isOneOf(tokens[begin - 1].content, U".!?"));
+    return begin == 0 || (tokens[begin - 1].kind == Token::Kind::mark && isAmong(tokens[begin - 1].content, U".!?"));
 }
 
 bool isQuotedWord(const Tokens &tokens, const Run &run)
 {
     constexpr std::u32string_view quotes = U"\"'„“”«»‘’‚‹›「」『』`<>()（）[]";
     return run.begin > 0 && run.end < tokens.size() && tokens[run.begin - 1].kind == Token::Kind::mark &&
-           isOneOf(tokens[run.begin - 1].content, quotes) && tokens[run.end].kind == Token::Kind::mark &&
-           isOneOf(tokens[run.end].content, quotes);
+           isAmong(tokens[run.begin - 1].content, quotes) && tokens[run.end].kind == Token::Kind::mark &&
+           isAmong(tokens[run.end].content, quotes);
 }
 
 /** Whether so many words are left that nobody meant them. */
@@ -162,11 +152,11 @@ bool isLeft(const Tokens &here, const Tokens &there, const Run &run, bool isLati
 
 void findWordsLeft(Subject &subject)
 {
-    if (languageOf(subject.reference()) != "en" || languageOf(subject.catalog()) == "en")
+    if (subject.originalLanguage() != "en" || subject.language() == "en")
         return;
     const Tokens &here = subject.tokens();
     const Tokens &there = subject.originalTokens();
-    const std::string_view language = languageOf(subject.catalog());
+    const std::string_view language = subject.language();
     const uint32_t own = languageBit(language);
     const bool isLatin = isWrittenInLatin(language);
     for (size_t at = 0; at < here.size(); ++at)
@@ -241,9 +231,9 @@ void findRemarks(Subject &subject)
         const Token &token = here[i];
         if (token.kind == Token::Kind::mark)
         {
-            depth += isOneOf(token.content, U"([{（【［") ? 1 : isOneOf(token.content, U")]}）】］") ? -1 : 0;
+            depth += isAmong(token.content, U"([{（【［") ? 1 : isAmong(token.content, U")]}）】］") ? -1 : 0;
             repeated = i > 0 && token.isJoined && isSame(token, here[i - 1]) ? repeated + 1 : 0;
-            const bool isShout = repeated == 2 && !isPseudo && isOneOf(token.content, U"!#*@$~");
+            const bool isShout = repeated == 2 && !isPseudo && isAmong(token.content, U"!#*@$~");
             const std::string_view text =
                 subject.text().substr(here[i - repeated].begin, token.end - here[i - repeated].begin);
             if (isShout && subject.originalText().find(text) == std::string_view::npos)
@@ -298,7 +288,7 @@ void findDoubled(Subject &subject)
     const Tokens &tokens = subject.tokens();
     if (isTwiceTheSame(tokens) && !isTwiceTheSame(subject.originalTokens()))
         return subject.find(Rule::leftOver, subject.message().source, {Text::textTwice});
-    if (reduplicating.find(languageOf(subject.catalog())) != std::string_view::npos)
+    if (reduplicating.find(subject.language()) != std::string_view::npos)
         return;
     const std::optional<Range> found = doubledWordIn(tokens);
     if (!found || doubledRightly().has(tokens[found->end].content) || doubledWordIn(subject.originalTokens()))
@@ -315,8 +305,8 @@ void findLeftOver(Subject &subject)
     if (subject.text() == subject.originalText())
     {
         // In other letters than those of the language it cannot be that both share the words.
-        const bool isOfOtherLetters = !isWrittenInLatin(languageOf(subject.catalog())) && hasEnglishWords(subject);
-        if (languageOf(subject.catalog()) != languageOf(subject.reference()) && hasWordsToTranslate(subject))
+        const bool isOfOtherLetters = !isWrittenInLatin(subject.language()) && hasEnglishWords(subject);
+        if (subject.language() != subject.originalLanguage() && hasWordsToTranslate(subject))
             subject.find(isOfOtherLetters ? Rule::leftOver : Rule::untranslated, subject.message().source,
                          {Text::sameAsReference}, Note{true, subject.original().source, {Text::referenceIsHere}});
         return;

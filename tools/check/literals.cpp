@@ -1,6 +1,6 @@
 #include "check/literals.h"
 
-#include "check/utf8.h"
+#include "check/characters.h"
 #include "check/wording.h"
 
 #include <algorithm>
@@ -12,26 +12,6 @@ namespace tool::check
 {
 namespace
 {
-
-bool isWhiteSpace(char32_t character)
-{
-    constexpr std::string_view ascii = " \t\n\v\f\r";
-    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
-                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
-}
-
-char32_t characterBefore(std::string_view text, size_t end)
-{
-    if (end == 0)
-        return 0;
-    size_t at = stepBackUtf8(text, end);
-    return takeUtf8(text, at);
-}
-
-Note noteAt(const Subject &subject, Range original)
-{
-    return {true, subject.placeOfOriginal(original), {Text::referenceIsHere}};
-}
 
 /** A text in which every decimal digit is ASCII, and what parts groups of digits is left out. */
 std::string withPlainNumbers(std::string_view text)
@@ -59,20 +39,10 @@ std::string withPlainNumbers(std::string_view text)
     return plain;
 }
 
-constexpr bool isDigit(char byte)
-{
-    return byte >= '0' && byte <= '9';
-}
-
-constexpr bool isAsciiLetter(char byte)
-{
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-}
-
 bool isIdentifier(std::string_view word)
 {
     return !word.empty() && std::all_of(word.begin(), word.end(), [](char byte) {
-        return isAsciiLetter(byte) || isDigit(byte) || byte == '_' || byte == '.';
+        return isAsciiLetter(byte) || isAsciiDigit(byte) || byte == '_' || byte == '.';
     });
 }
 
@@ -95,14 +65,16 @@ bool isPath(std::string_view word)
     constexpr std::string_view others = "/._-~+";
     return (word[0] == '/' || word.substr(0, 2) == "~/") && std::count(word.begin(), word.end(), '/') > 1 &&
            std::all_of(word.begin(), word.end(), [others](char byte) {
-               return isAsciiLetter(byte) || isDigit(byte) || others.find(byte) != std::string_view::npos;
+               return isAsciiLetter(byte) || isAsciiDigit(byte) || others.find(byte) != std::string_view::npos;
            });
 }
 
 /** As "STORE_HOME" and "$HOME"; names in small letters stand for something else as often as for themselves. */
 bool isVariable(std::string_view word)
 {
-    const auto isOfConstant = [](char byte) { return (byte >= 'A' && byte <= 'Z') || isDigit(byte) || byte == '_'; };
+    const auto isOfConstant = [](char byte) {
+        return (byte >= 'A' && byte <= 'Z') || isAsciiDigit(byte) || byte == '_';
+    };
     if (word[0] == '$')
         return std::all_of(word.begin() + 1, word.end(), isOfConstant) && isAsciiLetter(word[1]);
     const size_t low = word.find('_');
@@ -133,7 +105,7 @@ bool isLiteral(std::string_view word)
                           std::all_of(word.begin() + 2, word.end(), isName);
     const bool isShortOption = word.size() == 2 && word[0] == '-' && isAsciiLetter(word[1]);
     return isAddress || isOption || isShortOption || isFileName(word) || isPath(word) ||
-           std::all_of(word.begin(), word.end(), isDigit);
+           std::all_of(word.begin(), word.end(), [](char byte) { return isAsciiDigit(byte); });
 }
 
 /** Whether a character may stand around a word, or between words, and is no part of what is the same everywhere. */
@@ -201,7 +173,8 @@ void compareWords(Subject &subject)
 {
     constexpr std::string_view between = " \t\n\r\"<>";
     const std::string_view there = subject.originalText();
-    std::string here; // made where it is needed
+    std::string here; // both without marks in numbers, made where they are needed
+    std::string plainThere;
     for (size_t begin = there.find_first_not_of(between);
          begin < there.size() && !subject.isFull(Rule::literalChanged);)
     {
@@ -211,12 +184,15 @@ void compareWords(Subject &subject)
         if (word.find('%') == std::string_view::npos &&
             (isLiteral(plain) || (word.size() > 1 && isVariable(word) && (word[0] == '$' || !hasOption(there)))))
         {
-            if (here.empty())
+            if (plainThere.empty())
+            {
                 here = withPlainNumbers(subject.text());
+                plainThere = withPlainNumbers(there);
+            }
             const auto first = static_cast<size_t>(word.data() - there.data());
-            if (lacks(here, plain, withPlainNumbers(there)))
+            if (lacks(here, plain, plainThere))
                 subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(word)}},
-                             noteAt(subject, {first, first + word.size()}));
+                             subject.noteInOriginal({first, first + word.size()}));
         }
         begin = there.find_first_not_of(between, end);
     }
@@ -237,7 +213,7 @@ void comparePercent(Subject &subject)
     const size_t there = subject.originalText().find("%%");
     if (there != std::string_view::npos && !hasPercent(subject.catalog(), subject.message()))
         subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {"%"}},
-                     noteAt(subject, {there, there + 2}));
+                     subject.noteInOriginal({there, there + 2}));
 }
 
 // Numbers
@@ -346,7 +322,7 @@ void compareNumbers(Subject &subject, bool isTold)
         other = repeatedIn(ours, theirs);
     if (lost != nullptr && other != nullptr)
         subject.find(Rule::literalChanged, subject.placeOf(other->place), {Text::literalMissing, {lost->digits}},
-                     noteAt(subject, lost->place));
+                     subject.noteInOriginal(lost->place));
     const Number *const extra = isTold ? nullptr : missingIn(theirs, ours, false);
     std::string all; // a time may be "10:30" there and "10.30" here
     for (const Number &number : theirs)
@@ -394,7 +370,7 @@ void compareUnits(Subject &subject)
         !hasPower(subject.originalTokens(), powerOf(here->content)))
         subject.find(Rule::literalChanged, subject.placeOf({here->begin, here->end}),
                      {Text::literalMissing, {quotation(subject.originalTokens().text(*there))}},
-                     noteAt(subject, {there->begin, there->end}));
+                     subject.noteInOriginal({there->begin, there->end}));
 }
 
 /** The bars of a table's row, and the marks between the fields of a list that a program takes apart. */
@@ -405,7 +381,7 @@ void compareSeparators(Subject &subject)
         unsigned count = 0;
         for (size_t at = text.find(mark); at < text.size(); at = text.find(mark, at + 1))
             count += mark == '|' || (at > 0 && text[at - 1] != ' ' && at + 1 < text.size() && text[at + 1] != ' ' &&
-                                     !isDigit(text[at + 1]) && text[at + 1] != '\n')
+                                     !isAsciiDigit(text[at + 1]) && text[at + 1] != '\n')
                          ? 1
                          : 0;
         return count;
@@ -416,8 +392,9 @@ void compareSeparators(Subject &subject)
         const unsigned here = there == 0 ? 0 : separatorsIn(subject.text(), mark);
         const bool isRow = mark == '|' || (mark == ';' ? there > 1 : here > 0 && there >= fewestCommas);
         if (here < there && isRow)
-            subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {std::string(1, mark)}},
-                         noteAt(subject, {subject.originalText().find(mark), subject.originalText().find(mark) + 1}));
+            subject.find(
+                Rule::literalChanged, subject.message().source, {Text::literalMissing, {std::string(1, mark)}},
+                subject.noteInOriginal({subject.originalText().find(mark), subject.originalText().find(mark) + 1}));
     }
 }
 
@@ -436,7 +413,7 @@ void compareDegrees(Subject &subject)
         if (there != std::string_view::npos && !has(subject.text(), scale) && has(subject.text(), other) &&
             !has(subject.originalText(), other))
             subject.find(Rule::literalChanged, subject.message().source, {Text::literalMissing, {quotation(scale)}},
-                         noteAt(subject, {there, there + scale.size()}));
+                         subject.noteInOriginal({there, there + scale.size()}));
     }
 }
 
@@ -453,7 +430,7 @@ void compareBraces(Subject &subject)
         if (isIdentifier(name.substr(1, name.size() - 2)) && name[1] != '.' &&
             subject.text().find(name) == std::string_view::npos)
             return subject.find(Rule::literalChanged, subject.message().source,
-                                {Text::literalMissing, {quotation(name)}}, noteAt(subject, {at, end + 1}));
+                                {Text::literalMissing, {quotation(name)}}, subject.noteInOriginal({at, end + 1}));
     }
 }
 

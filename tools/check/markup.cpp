@@ -1,6 +1,6 @@
 #include "check/markup.h"
 
-#include "check/utf8.h"
+#include "check/characters.h"
 
 #include <algorithm>
 #include <optional>
@@ -10,14 +10,9 @@ namespace tool::check
 namespace
 {
 
-constexpr bool isLetter(char byte)
-{
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-}
-
 constexpr bool isOfName(char byte)
 {
-    return isLetter(byte) || (byte >= '0' && byte <= '9') || byte == '-' || byte == '_' || byte == ':';
+    return isAsciiLetter(byte) || isAsciiDigit(byte) || byte == '-' || byte == '_' || byte == ':';
 }
 
 constexpr bool isBlank(char byte)
@@ -87,7 +82,7 @@ std::optional<Tag> tagAt(std::string_view text, size_t begin)
     size_t at = begin + 1;
     if (at < text.size() && text[at] == '/')
         ++at;
-    if (at >= text.size() || !isLetter(text[at]))
+    if (at >= text.size() || !isAsciiLetter(text[at]))
         return std::nullopt;
     while (at < text.size() && isOfName(text[at]))
         ++at;
@@ -172,7 +167,8 @@ void compareReferences(Subject &subject)
         if (end == std::string_view::npos)
             return;
         const std::string_view name = there.substr(at + 1, end - at - 1);
-        if (name.size() < 2 || name.size() > 8 || !std::all_of(name.begin(), name.end(), isLetter))
+        if (name.size() < 2 || name.size() > 8 ||
+            !std::all_of(name.begin(), name.end(), [](char byte) { return isAsciiLetter(byte); }))
             continue;
         const std::string whole = "&" + std::string(name) + ";";
         if (here.find(whole) != std::string_view::npos)

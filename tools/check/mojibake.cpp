@@ -1,6 +1,6 @@
 #include "check/mojibake.h"
 
-#include "check/utf8.h"
+#include "check/characters.h"
 #include "icu.h"
 
 #include <algorithm>
@@ -70,11 +70,6 @@ const std::array<ByteOf, std::size(rows)> &tables()
         return all;
     }();
     return made;
-}
-
-bool isLetter(char32_t character)
-{
-    return u_isalpha(static_cast<UChar32>(character)) != 0;
 }
 
 bool isPunctuation(char32_t character)

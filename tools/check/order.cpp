@@ -1,5 +1,6 @@
 #include "check/order.h"
 
+#include "check/characters.h"
 #include "check/language_words.h"
 
 #include <algorithm>
@@ -28,13 +29,13 @@ struct Surrounding
 bool isQuote(char32_t mark)
 {
     constexpr std::u32string_view quotes = U"\"'`„“”«»‘’‚‹›「」『』";
-    return quotes.find(mark) != std::u32string_view::npos;
+    return isAmong(mark, quotes);
 }
 
 bool isDash(char32_t mark)
 {
     constexpr std::u32string_view dashes = U"-–—~～〜‑‐−";
-    return dashes.find(mark) != std::u32string_view::npos;
+    return isAmong(mark, dashes);
 }
 
 /** The same for all forms of a mark. */
@@ -52,7 +53,7 @@ uint32_t classOf(char32_t mark)
 bool isLoose(char32_t mark)
 {
     constexpr std::u32string_view marks = U".,;!?…。、，；！？،؛؟";
-    return marks.find(mark) != std::u32string_view::npos;
+    return isAmong(mark, marks);
 }
 
 std::string_view nameIn(std::string_view placeholder)
@@ -195,8 +196,8 @@ bool rowIsExchanged(Subject &subject, const Pair &a, const Pair &b)
 
 void compareArgumentOrder(Subject &subject)
 {
-    const std::string_view language = std::string_view(subject.catalog().language()).substr(0, 2);
-    const std::string_view original = std::string_view(subject.reference().language()).substr(0, 2);
+    const std::string_view language = subject.language();
+    const std::string_view original = subject.originalLanguage();
     const std::vector<Surrounding> theirs = surroundingsIn(subject.originalTokens(), subject.originalText(), original);
     const std::vector<Surrounding> ours = surroundingsIn(subject.tokens(), subject.text(), language);
     for (size_t i = 0; i < theirs.size(); ++i)

@@ -1,7 +1,7 @@
 #include "check/other_language.h"
 
+#include "check/characters.h"
 #include "check/language_words.h"
-#include "check/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -13,28 +13,6 @@ namespace tool::check
 {
 namespace
 {
-
-UScriptCode scriptOf(char32_t character)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    return uscript_getScript(static_cast<UChar32>(character), &status);
-}
-
-bool isLetter(char32_t character)
-{
-    return u_isalpha(static_cast<UChar32>(character)) != 0;
-}
-
-std::string asUtf8(char32_t character)
-{
-    std::string text;
-    if (character < 0x800)
-        text = {static_cast<char>(0xC0U | character >> 6U), static_cast<char>(0x80U | (character & 0x3FU))};
-    else
-        text = {static_cast<char>(0xE0U | character >> 12U), static_cast<char>(0x80U | (character >> 6U & 0x3FU)),
-                static_cast<char>(0x80U | (character & 0x3FU))};
-    return text;
-}
 
 // Letters
 
@@ -69,11 +47,6 @@ constexpr std::u32string_view traditional =
     U"讀"
     U"則給結讓還過實際種樣從電腦嗎買賣書東車門問見覺觀語課調誰謝談記許論詞譯試該詳訴"
     U"鐘錢鐵銀鏈鎖鍵鏡長聞閱隊階陽陰陳難預顏額風飛飯館馬驅驗鳥魚龍";
-
-bool isAmong(char32_t character, std::u32string_view characters)
-{
-    return characters.find(character) != std::u32string_view::npos;
-}
 
 /** The characters of one form that are none of the other, in their order. */
 std::u32string onlyIn(std::u32string_view form, std::u32string_view other)
@@ -159,11 +132,6 @@ std::optional<std::string_view> otherEastAsian(std::string_view language, const 
     return std::nullopt;
 }
 
-bool originalHas(const Subject &subject, std::string_view part)
-{
-    return subject.originalText().find(part) != std::string_view::npos;
-}
-
 bool findOtherEastAsian(Subject &subject, std::string_view language)
 {
     const std::string_view base = language.substr(0, 2);
@@ -196,10 +164,10 @@ bool findForeignLetter(Subject &subject, std::string_view language)
         const size_t begin = at;
         const char32_t character = takeUtf8(text, at);
         const auto small = static_cast<char32_t>(u_tolower(static_cast<UChar32>(character)));
-        if (!isAmong(small, row->foreign) || originalHas(subject, text.substr(begin, at - begin)))
+        if (!isAmong(small, row->foreign) || subject.originalHas(text.substr(begin, at - begin)))
             continue;
         subject.find(Rule::wrongLanguage, subject.placeOf({begin, at}),
-                     {Text::letterOfOther, {asUtf8(character), std::string(language)}});
+                     {Text::letterOfOther, {std::string(text.substr(begin, at - begin)), std::string(language)}});
         return true;
     }
     return false;
@@ -419,7 +387,7 @@ bool findOtherCharset(Subject &subject, std::string_view language)
         if (!found)
             found = misreadEastAsianIn(text);
     }
-    if (!found || originalHas(subject, text.substr(found->begin, found->end - found->begin)))
+    if (!found || subject.originalHas(text.substr(found->begin, found->end - found->begin)))
         return false;
     subject.find(Rule::mojibake, subject.placeOf(*found),
                  {Text::oneByteCharset, {quotation(text.substr(found->begin, found->end - found->begin))}});

@@ -1,7 +1,7 @@
 #include "check/script.h"
 
+#include "check/characters.h"
 #include "check/language_words.h"
-#include "check/utf8.h"
 
 #include <array>
 #include <optional>
@@ -13,28 +13,10 @@ namespace tool::check
 namespace
 {
 
-constexpr bool isAsciiLetter(char32_t character)
-{
-    return (character | 0x20U) >= 'a' && (character | 0x20U) <= 'z';
-}
-
-UScriptCode scriptOf(char32_t character)
-{
-    if (character < 0x80)
-        return isAsciiLetter(character) ? USCRIPT_LATIN : USCRIPT_COMMON;
-    UErrorCode status = U_ZERO_ERROR;
-    return uscript_getScript(static_cast<UChar32>(character), &status);
-}
-
 /** Those whose letters look like Latin ones. */
 bool looksLatin(UScriptCode script)
 {
     return script == USCRIPT_CYRILLIC || script == USCRIPT_GREEK;
-}
-
-bool isLetter(char32_t character)
-{
-    return character < 0x80 ? isAsciiLetter(character) : u_isalpha(static_cast<UChar32>(character)) != 0;
 }
 
 std::string nameOf(UScriptCode script)
@@ -59,7 +41,7 @@ std::string lettersOf(std::string_view text)
 void checkKeyboard(Subject &subject)
 {
     constexpr uint8_t shortest = 4;
-    if (!subject.hasOriginal() || isWrittenInLatin(std::string_view(subject.catalog().language()).substr(0, 2)))
+    if (!subject.hasOriginal() || isWrittenInLatin(subject.language()))
         return;
     const std::string original = lettersOf(subject.originalText());
     std::optional<Range> found;
@@ -67,7 +49,7 @@ void checkKeyboard(Subject &subject)
     {
         if (!token.isWord())
             continue;
-        const std::string_view word = subject.text().substr(token.begin, token.end - token.begin);
+        const std::string_view word = subject.tokens().text(token);
         const std::string letters = lettersOf(word);
         if (letters.size() != word.size() || original.find(letters) != std::string::npos)
             return; // of the script, or taken over

@@ -29,6 +29,10 @@ public:
     const Catalog &reference() const { return *m_reference; }
     const Message &original() const { return *m_original; }
 
+    /** The language of the file, and of the reference, without its country. */
+    std::string_view language() const { return languageOf(m_catalog); }
+    std::string_view originalLanguage() const { return languageOf(*m_reference); }
+
     /** As programs get them, a zero byte behind each; the second is empty where there is no original. */
     const ResolvedText &resolved() const { return m_text; }
     std::string_view text() const { return m_text.text(); }
@@ -44,6 +48,12 @@ public:
     {
         return m_reference->locate(*m_original, m_originalText.beforeEscapes(range));
     }
+
+    /** Says of a part of the original that it is what the text is compared with. */
+    Note noteInOriginal(Range original) const { return {true, placeOfOriginal(original), {Text::referenceIsHere}}; }
+
+    /** Whether the text of the original holds a part; false where there is none. */
+    bool originalHas(std::string_view part) const { return originalText().find(part) != std::string_view::npos; }
 
     /** Whether a part of the text, or of that of the original, was typed as text, and is of no placeholder. */
     bool isTyped(Range range) const { return m_catalog.isText(m_message, m_text.beforeEscapes(range).begin); }
@@ -74,6 +84,10 @@ private:
         Range lastPlace{}; // the place of the last finding that is told
     };
 
+    static std::string_view languageOf(const Catalog &catalog)
+    {
+        return std::string_view(catalog.language()).substr(0, 2);
+    }
     void add(Rule rule, Range place, Phrase text, std::optional<Note> note);
 
     const Catalog &m_catalog;

@@ -1,6 +1,6 @@
 #include "check/tokens.h"
 
-#include "check/utf8.h"
+#include "check/characters.h"
 
 #include <algorithm>
 #include <unicode/uchar.h>
@@ -9,16 +9,6 @@ namespace tool::check
 {
 namespace
 {
-
-constexpr bool isAsciiLetter(char32_t character)
-{
-    return (character | 0x20U) >= 'a' && (character | 0x20U) <= 'z';
-}
-
-constexpr bool isAsciiDigit(char32_t character)
-{
-    return character >= '0' && character <= '9';
-}
 
 bool isOfWord(char32_t character)
 {
@@ -58,12 +48,12 @@ Written placeholderAt(std::string_view text, size_t at)
 {
     size_t end = text.find_first_not_of("-+ #.*!0123456789", at + 1);
     const size_t name = end;
-    while (end < text.size() && isAsciiLetter(static_cast<unsigned char>(text[end])))
+    while (end < text.size() && isAsciiLetter(text[end]))
         ++end;
     if (end >= text.size() || end == name || text[end] != '[')
         return {};
     Written written;
-    while (++end < text.size() && isAsciiDigit(static_cast<unsigned char>(text[end])))
+    while (++end < text.size() && isAsciiDigit(text[end]))
         written.position = written.position * 10 + static_cast<uint32_t>(text[end] - '0');
     written.end = end < text.size() && text[end] == ']' ? end + 1 : 0;
     return written;
@@ -162,12 +152,10 @@ uint32_t hashOfWord(std::string_view utf8Word)
 
 WordSet::WordSet(std::string_view words)
 {
-    for (size_t begin = words.find_first_not_of(' '); begin < words.size();)
-    {
-        const size_t end = std::min(words.find(' ', begin), words.size());
-        m_hashes.push_back(hashOfWord(words.substr(begin, end - begin)));
-        begin = words.find_first_not_of(' ', end);
-    }
+    anyWordOf(words, [this](std::string_view word) {
+        m_hashes.push_back(hashOfWord(word));
+        return false;
+    });
     std::sort(m_hashes.begin(), m_hashes.end());
 }
 

@@ -7,6 +7,7 @@
 
 #include "check/source_text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
@@ -72,6 +73,19 @@ constexpr uint32_t hashedWith(uint32_t hash, char32_t character)
 
 /** The hash of a word that is written in small letters. */
 uint32_t hashOfWord(std::string_view utf8Word);
+
+/** Whether something holds for one of the words of a list, which has blanks between them; the first ends it. */
+template <typename Test> bool anyWordOf(std::string_view words, const Test &test)
+{
+    for (size_t begin = words.find_first_not_of(' '); begin < words.size();)
+    {
+        const size_t end = std::min(words.find(' ', begin), words.size());
+        if (test(words.substr(begin, end - begin)))
+            return true;
+        begin = words.find_first_not_of(' ', end);
+    }
+    return false;
+}
 
 /** A set of words, which a text lists with blanks between them. */
 class WordSet

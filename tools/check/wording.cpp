@@ -1,6 +1,6 @@
 #include "check/wording.h"
 
-#include "check/utf8.h"
+#include "check/characters.h"
 
 #include <algorithm>
 #include <array>
@@ -13,40 +13,14 @@ namespace tool::check
 namespace
 {
 
-bool isWhiteSpace(char32_t character)
-{
-    constexpr std::string_view ascii = " \t\n\v\f\r";
-    return character < 0x80 ? ascii.find(static_cast<char>(character)) != std::string_view::npos
-                            : u_isUWhiteSpace(static_cast<UChar32>(character)) != 0;
-}
-
 std::string_view part(std::string_view text, Range range)
 {
     return text.substr(range.begin, range.end - range.begin);
 }
 
-char32_t characterBefore(std::string_view text, size_t end)
-{
-    if (end == 0)
-        return 0;
-    size_t at = stepBackUtf8(text, end);
-    return takeUtf8(text, at);
-}
-
-Note noteAt(const Subject &subject, Range original)
-{
-    return {true, subject.placeOfOriginal(original), {Text::referenceIsHere}};
-}
-
 unsigned count(std::string_view text, char byte)
 {
     return static_cast<unsigned>(std::count(text.begin(), text.end(), byte));
-}
-
-/** The language of a file without its country. */
-std::string_view languageOf(const Catalog &catalog)
-{
-    return std::string_view(catalog.language()).substr(0, 2);
 }
 
 // White space
@@ -61,14 +35,14 @@ void compareEdges(Subject &subject)
         return; // nothing but white space
     if (here.substr(0, edges.begin) != there.substr(0, originals.begin))
         subject.find(Rule::whiteSpace, subject.placeOf({0, edges.begin}), {Text::spaceAtBeginning},
-                     noteAt(subject, {0, originals.begin}));
+                     subject.noteInOriginal({0, originals.begin}));
     const char32_t last = characterBefore(here, edges.end);
     const bool hasWideMark =
         (last >= 0x3001 && last <= 0x3002) || (last >= 0xFF01 && last <= 0xFF5E); // with a blank in itself
     const bool isBlankOfMark = hasWideMark && edges.end == here.size() && there.substr(originals.end) == " ";
     if (here.substr(edges.end) != there.substr(originals.end) && !isBlankOfMark)
         subject.find(Rule::whiteSpace, subject.placeOf({edges.end, here.size()}), {Text::spaceAtEnd},
-                     noteAt(subject, {originals.end, there.size()}));
+                     subject.noteInOriginal({originals.end, there.size()}));
 }
 
 /** The first two blanks in a row between words. */
@@ -330,16 +304,16 @@ void compareFieldColons(Subject &subject)
     const std::string_view here = subject.text();
     const auto has = [here](std::string_view mark) { return here.find(mark) != std::string_view::npos; };
     if (there && !has(":") && !has("：") && !has("៖") && !has("。") && !has("—") && !has("–"))
-        subject.find(Rule::endPunctuation, subject.message().source, {Text::colonLost}, noteAt(subject, *there));
+        subject.find(Rule::endPunctuation, subject.message().source, {Text::colonLost}, subject.noteInOriginal(*there));
 }
 
 void compareEndings(Subject &subject)
 {
     // Sentences of these may end without a mark.
     constexpr std::string_view markless[] = {"bo", "ja", "km", "ko", "lo", "my", "th", "zh", "hy"};
-    const std::string_view language = languageOf(subject.catalog());
+    const std::string_view language = subject.language();
     const Ending here = endingOf(subject.text(), language);
-    const Ending there = endingOf(subject.originalText(), languageOf(subject.reference()));
+    const Ending there = endingOf(subject.originalText(), subject.originalLanguage());
     const bool isMarkless = std::find(std::begin(markless), std::end(markless), language) != std::end(markless);
     const auto isFree = [isMarkless](Ending ending) {
         return isMarkless && ending != Ending::colon && ending != Ending::ellipsis;
@@ -354,7 +328,7 @@ void compareEndings(Subject &subject)
         return;
     subject.find(Rule::endPunctuation, subject.placeOf({stepBackUtf8(subject.text(), end), end}),
                  {Text::endsOtherwise, {Phrase{nameOf(here)}, Phrase{nameOf(there)}}},
-                 noteAt(subject, {endOfWords(subject.originalText()), subject.originalText().size()}));
+                 subject.noteInOriginal({endOfWords(subject.originalText()), subject.originalText().size()}));
 }
 
 // Pairs
@@ -430,6 +404,8 @@ Range coreOf(std::string_view text)
     Range core{0, text.size()};
     for (size_t next = 0; core.begin < text.size() && isWhiteSpace(takeUtf8(text, next));)
         core.begin = next;
+    if (core.begin == core.end)
+        return {0, 0};
     while (core.end > core.begin)
     {
         const size_t last = stepBackUtf8(text, core.end);
