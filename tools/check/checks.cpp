@@ -555,23 +555,6 @@ void checkWhole(const Catalog &catalog, const Variants &variants, const Referenc
                             counted(Text::sparseMessages, messages.size(), {countable(last.id)}), std::nullopt});
 }
 
-} // namespace
-
-Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catalog), m_variants(catalog)
-{
-    for (const Message &message : catalog.messages())
-    {
-        const ResolvedText text(catalog.rawText(message));
-        const bool isFormat = table != nullptr && message.isComplete && text.text().find('%') != std::string_view::npos;
-        m_formats.push_back(isFormat ? parseFormat(text.text(), table) : Format());
-        if (table != nullptr && message.isComplete && !takeBroken(catalog, message, text, m_formats.back()).empty())
-            m_formats.back().isAccepted = false;
-    }
-}
-
-namespace
-{
-
 /** Whether a person can have written and read both texts: what compares them part by part takes too long for others. */
 bool isReadable(const Subject &subject)
 {
@@ -588,6 +571,18 @@ void compareMeaning(Subject &subject)
 }
 
 } // namespace
+
+Reference::Reference(const Catalog &catalog, formTable *table) : m_catalog(catalog), m_variants(catalog)
+{
+    for (const Message &message : catalog.messages())
+    {
+        const ResolvedText text(catalog.rawText(message));
+        const bool isFormat = table != nullptr && message.isComplete && text.text().find('%') != std::string_view::npos;
+        m_formats.push_back(isFormat ? parseFormat(text.text(), table) : Format());
+        if (table != nullptr && message.isComplete && !takeBroken(catalog, message, text, m_formats.back()).empty())
+            m_formats.back().isAccepted = false;
+    }
+}
 
 Findings checkMessages(const Catalog &catalog, formTable *table, const Reference *reference)
 {
