@@ -196,8 +196,11 @@ bool turnIntoPointers(char **messages, size_t pointers, size_t entries, uint64_t
     return offset == textBytes && previous == pointers - 1;
 }
 
-/** What is asked of few tables: no text is longer than KTMsgLen() can tell, and the index knows all IDs. */
-bool isAcceptedAndIndexed(char **entries, char **entriesEnd, kelto::SparseIndex *index)
+/**
+ * What few tables need: puts all IDs into the index, if there is one.
+ * @return false where a text is longer than KTMsgLen() can tell.
+ */
+bool acceptAndIndex(char **entries, char **entriesEnd, kelto::SparseIndex *index)
 {
     for (char **place = entries; place != entriesEnd; ++place)
     {
@@ -227,7 +230,7 @@ int takeMessages(Source &source, const CompiledHeader &header, const CompiledPar
     if (const int result = source.take(layout.entries, entries, layout.end - layout.entries))
         return result;
     const bool isOrdinary = header.textBytes <= INT_MAX && index == nullptr;
-    if (!isOrdinary && !isAcceptedAndIndexed(entries, entriesEnd, index))
+    if (!isOrdinary && !acceptAndIndex(entries, entriesEnd, index))
         return KT_ERR_BAD_MSG_FILE;
     const bool isRight = turnIntoPointers(table.messages, pointers, header.messages, header.textBytes);
     return isRight ? 0 : KT_ERR_BAD_MSG_FILE;
