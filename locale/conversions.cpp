@@ -25,12 +25,26 @@ template <typename T> T read(const void *slot)
     return value;
 }
 
+/** The bits that an integer argument has. */
+constexpr unsigned bitsOfInteger(int flags)
+{
+    if ((flags & FLAG_h) != 0)
+        return 16;
+    return (flags & FLAG_BANG) != 0 ? 64 : 32;
+}
+
 /** An integer slot, extended to 64 bits. */
 template <typename Small, typename Usual, typename Large> uint64_t readInteger(const void *slot, int flags)
 {
-    if ((flags & FLAG_h) != 0)
+    switch (bitsOfInteger(flags))
+    {
+    case 16:
         return static_cast<uint64_t>(read<Small>(slot));
-    return static_cast<uint64_t>((flags & FLAG_BANG) != 0 ? read<Large>(slot) : read<Usual>(slot));
+    case 32:
+        return static_cast<uint64_t>(read<Usual>(slot));
+    default:
+        return static_cast<uint64_t>(read<Large>(slot));
+    }
 }
 
 void readValue(void *slot, int type, int flags, Value &value)
@@ -57,9 +71,7 @@ std::string_view textOf(const KTArgument &argument)
 
 uint64_t cutUnsigned(uint64_t value, int flags)
 {
-    if ((flags & FLAG_h) != 0)
-        return static_cast<uint16_t>(value);
-    return (flags & FLAG_BANG) != 0 ? value : static_cast<uint32_t>(value);
+    return value & UINT64_MAX >> (64 - bitsOfInteger(flags));
 }
 
 [[gnu::always_inline]] inline void readValue(const KTArgument &argument, int type, int flags, Value &value)

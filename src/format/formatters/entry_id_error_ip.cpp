@@ -1,5 +1,6 @@
 #include "format/formatters/entry_id_error_ip.h"
 
+#include "format/slot_value.h"
 #include "format/ucs2_copy.h"
 
 #include <cstring>
@@ -11,7 +12,8 @@ namespace
 uint32_t readEntryId(const void *slot, int flags)
 {
     uint32_t value = 0;
-    std::memcpy(&value, slot, (flags & FLAG_h) != 0 ? sizeof(uint16_t) : sizeof(uint32_t));
+    std::memcpy(&value, slot,
+                kelto::integerSize(flags) == kelto::IntegerSize::bits16 ? sizeof(uint16_t) : sizeof(uint32_t));
     return value;
 }
 
