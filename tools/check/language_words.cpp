@@ -167,9 +167,10 @@ constexpr RelationRow particles[] = {
     {"zh", "", "", ""},
 };
 
-struct Prepositions
+/** A row of `prepositions` whose words can be asked for. */
+struct PrepositionSets
 {
-    explicit Prepositions(const RelationRow &row)
+    explicit PrepositionSets(const RelationRow &row)
         : language(row.language), source(row.source), goal(row.goal), whole(row.whole)
     {
     }
@@ -178,18 +179,18 @@ struct Prepositions
     WordSet source, goal, whole;
 };
 
-/** The row of a language, made ready to be asked once for all; null where there is none. */
-template <typename Ready, typename Rows> const Ready *readyRowOf(const Rows &list, std::string_view language)
+/** The sets of a language, which are made once, of all rows; null where there is no row. */
+template <typename Sets, typename Rows> const Sets *setsOf(const Rows &list, std::string_view language)
 {
-    static const std::vector<Ready> made(std::begin(list), std::end(list));
+    static const std::vector<Sets> made(std::begin(list), std::end(list));
     const auto found =
-        std::find_if(made.begin(), made.end(), [language](const Ready &row) { return row.language == language; });
+        std::find_if(made.begin(), made.end(), [language](const Sets &row) { return row.language == language; });
     return found != made.end() ? &*found : nullptr;
 }
 
-const Prepositions *prepositionsOf(std::string_view language)
+const PrepositionSets *prepositionsOf(std::string_view language)
 {
-    return readyRowOf<Prepositions>(prepositions, language);
+    return setsOf<PrepositionSets>(prepositions, language);
 }
 
 bool beginsWithOneOf(std::string_view text, std::string_view words)
@@ -242,10 +243,10 @@ constexpr DenialRow denials[] = {
     {"zh", "", "", "不 无 無 没 沒 未 非 别 勿 失败 失敗 错误 錯誤 禁 缺 否"},
 };
 
-/** The same, ready to be asked. */
-struct Denial
+/** A row of `denials` whose words can be asked for. */
+struct DenialSets
 {
-    explicit Denial(const DenialRow &row)
+    explicit DenialSets(const DenialRow &row)
         : language(row.language), words(row.words), beginnings(row.beginnings), parts(row.parts)
     {
     }
@@ -255,9 +256,9 @@ struct Denial
     std::string_view beginnings, parts;
 };
 
-const Denial *denialOf(std::string_view language)
+const DenialSets *denialOf(std::string_view language)
 {
-    return readyRowOf<Denial>(denials, language);
+    return setsOf<DenialSets>(denials, language);
 }
 
 } // namespace
@@ -298,7 +299,7 @@ bool isWrittenInLatin(std::string_view language)
 
 bool marksInFront(std::string_view language, uint32_t word, Relation relation)
 {
-    const Prepositions *const row = prepositionsOf(language);
+    const PrepositionSets *const row = prepositionsOf(language);
     if (row == nullptr)
         return false;
     return (relation == Relation::source && row->source.has(word)) ||
@@ -325,7 +326,7 @@ bool knowsDenial(std::string_view language)
 
 bool denies(std::string_view language, const Tokens &tokens)
 {
-    const Denial *const row = denialOf(language);
+    const DenialSets *const row = denialOf(language);
     if (row == nullptr)
         return false;
     if (!row->parts.empty())
@@ -338,7 +339,7 @@ bool denies(std::string_view language, const Tokens &tokens)
 
 bool hintsAtDenial(std::string_view language, const Tokens &tokens)
 {
-    const Denial *const row = denialOf(language);
+    const DenialSets *const row = denialOf(language);
     return row == nullptr || denies(language, tokens) ||
            std::any_of(tokens.begin(), tokens.end(), [row, &tokens](const Token &token) {
                constexpr uint8_t shortest = 4;
