@@ -1,6 +1,6 @@
 /**
- * The rules of `kelto check`: a row for each, with its name, what it counts as, and its page for --explain, which
- * stands in docs/checking.md too. Levels says what each counts as after the options -W….
+ * The rules of `kelto check`: a row of rules.inc for each, with its name, what it counts as, and its page for
+ * --explain, which stands in docs/checking.md too. Levels says what each counts as after the options -W….
  */
 #ifndef KELTO_TOOLS_CHECK_RULES_H
 #define KELTO_TOOLS_CHECK_RULES_H
@@ -16,70 +16,12 @@
 namespace tool::check
 {
 
-/** The rules in the order of their table. The errors that no option can switch off come first: see isFixed(). */
+/** The rules in the order of their table. */
 enum class Rule
 {
-    xmlSyntax,
-    structure,
-    attributeMissing,
-    badId,
-    duplicateId,
-    language,
-    badConversion,
-    positionGap,
-    positionRepeat,
-    badPlaceholder,
-    argumentType,
-    argumentMissing,
-    argumentExtra,
-    selectorAlone,
-    selectorArgument,
-    selectorDepth,
-    variantArguments,
-    variantMissing,
-    encodingLost,
-    regionOpen,
-    messageMissing,
-    messageExtra,
-    sparseIds,
-    variantNumber,
-    variantUnused,
-    variantLabel,
-    variantUnreached,
-    conversionChanged,
-    typedConversion,
-    lonePercent,
-    trailingBackslash,
-    unknownEscape,
-    whiteSpace,
-    emptyMessage,
-    strayText,
-    sameLanguage,
-    bidiControls,
-    doctype,
-    outdated,
-    mojibake,
-    lostCharacter,
-    doubleEscape,
-    invisibleCharacter,
-    wrongScript,
-    lineBreak,
-    endPunctuation,
-    unbalanced,
-    literalChanged,
-    untranslated,
-    argumentOrder,
-    markupChanged,
-    accessKey,
-    leftOver,
-    wrongLanguage,
-    otherMeaning,
-    textLength,
-    attributeDiffers,
-    pathLanguage,
-    badSuppression,
-    incomplete,
-    badName, // of `kelto gen` alone
+#define KELTO_RULE(rule, name, severity) rule,
+#include "check/rules.inc"
+#undef KELTO_RULE
 };
 constexpr size_t ruleCount = static_cast<size_t>(Rule::badName) + 1;
 
