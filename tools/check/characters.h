@@ -48,6 +48,11 @@ constexpr bool isAmong(char32_t character, std::u32string_view characters)
     return characters.find(character) != std::u32string_view::npos;
 }
 
+constexpr bool isQuotationMark(char32_t character)
+{
+    return isAmong(character, U"\"'„“”«»‘’‚‹›「」『』");
+}
+
 inline UScriptCode scriptOf(char32_t character)
 {
     if (character < 0x80)

@@ -226,8 +226,7 @@ void checkDamage(Subject &subject)
     if (!isLatin1 || !beyondAscii(subject.catalog().source().bytes())) // else that is told of the whole
     {
         const std::optional<Misreading> misreading = findMisreading(subject.text());
-        if (misreading && !subject.originalHas(subject.text().substr(misreading->place.begin,
-                                                                     misreading->place.end - misreading->place.begin)))
+        if (misreading && !subject.originalHas(partOf(subject.text(), misreading->place)))
             subject.find(Rule::mojibake, subject.placeOf(misreading->place),
                          {Text::misread, {quotation(misreading->meant), misreading->charset}});
         else

@@ -58,6 +58,9 @@ struct Conversion
     std::string written; // as "%-5d[2]"; cut where it is long
     std::string name;    // as "d"; "N" and "O" for the markers of a region
     std::vector<Slot> slots;
+
+    /** As a text shows it. */
+    unsigned shownPosition() const { return static_cast<unsigned>(position); }
 };
 
 /** A percent sign that begins no conversion. */

@@ -15,8 +15,7 @@ bool isOfName(const Tokens &tokens, size_t index)
 {
     constexpr std::u32string_view marks = U"-/\\._@=<>[]{}$#~|";
     const auto isAt = [&](size_t place) {
-        return place < tokens.size() && tokens[place].kind == Token::Kind::mark &&
-               isAmong(tokens[place].content, marks);
+        return place < tokens.size() && tokens[place].isMark() && isAmong(tokens[place].content, marks);
     };
     const bool isInFront = index > 0 && tokens[index].isJoined && isAt(index - 1);
     const bool isBehind =
@@ -92,7 +91,7 @@ bool isOfSentence(const Tokens &tokens, size_t index)
 {
     const Token &token = tokens[index];
     constexpr std::u32string_view marks = U",'’\"“”()";
-    return token.isWord() ? !isOfName(tokens, index) : token.kind != Token::Kind::mark || isAmong(token.content, marks);
+    return token.isWord() ? !isOfName(tokens, index) : !token.isMark() || isAmong(token.content, marks);
 }
 
 Run runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, uint32_t own)
@@ -117,22 +116,21 @@ Run runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, 
 
 bool endsSentence(const Tokens &tokens, size_t behind)
 {
-    return behind >= tokens.size() ||
-           (tokens[behind].kind == Token::Kind::mark && isAmong(tokens[behind].content, U".!?")) ||
-           (behind > 0 && tokens[behind - 1].kind == Token::Kind::mark && isAmong(tokens[behind - 1].content, U".!?"));
+    return behind >= tokens.size() || (tokens[behind].isMark() && isAmong(tokens[behind].content, U".!?")) ||
+           (behind > 0 && tokens[behind - 1].isMark() && isAmong(tokens[behind - 1].content, U".!?"));
 }
 
 bool beginsSentence(const Tokens &tokens, size_t begin)
 {
-    return begin == 0 || (tokens[begin - 1].kind == Token::Kind::mark && isAmong(tokens[begin - 1].content, U".!?"));
+    return begin == 0 || (tokens[begin - 1].isMark() && isAmong(tokens[begin - 1].content, U".!?"));
 }
 
 bool isQuotedWord(const Tokens &tokens, const Run &run)
 {
-    constexpr std::u32string_view quotes = U"\"'„“”«»‘’‚‹›「」『』`<>()（）[]";
-    return run.begin > 0 && run.end < tokens.size() && tokens[run.begin - 1].kind == Token::Kind::mark &&
-           isAmong(tokens[run.begin - 1].content, quotes) && tokens[run.end].kind == Token::Kind::mark &&
-           isAmong(tokens[run.end].content, quotes);
+    const auto quotes = [](const Token &token) {
+        return token.isMark() && (isQuotationMark(token.content) || isAmong(token.content, U"`<>()（）[]"));
+    };
+    return run.begin > 0 && run.end < tokens.size() && quotes(tokens[run.begin - 1]) && quotes(tokens[run.end]);
 }
 
 /** Whether so many words are left that nobody meant them. */
@@ -172,7 +170,7 @@ void findWordsLeft(Subject &subject)
                 continue;
             const Range range{here[run.begin].begin, here[run.end - 1].end};
             subject.find(Rule::leftOver, subject.placeOf(range),
-                         {Text::wordsLeft, {quotation(subject.text().substr(range.begin, range.end - range.begin))}},
+                         {Text::wordsLeft, {quotation(partOf(subject.text(), range))}},
                          Note{true,
                               subject.placeOfOriginal(
                                   {there[run.there].begin, there[run.there + (run.end - run.begin) - 1].end}),
@@ -229,7 +227,7 @@ void findRemarks(Subject &subject)
     for (size_t i = 0; i < here.size(); ++i)
     {
         const Token &token = here[i];
-        if (token.kind == Token::Kind::mark)
+        if (token.isMark())
         {
             depth += isAmong(token.content, U"([{（【［") ? 1 : isAmong(token.content, U")]}）】］") ? -1 : 0;
             repeated = i > 0 && token.isJoined && isSame(token, here[i - 1]) ? repeated + 1 : 0;

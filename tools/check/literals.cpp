@@ -1,7 +1,6 @@
 #include "check/literals.h"
 
 #include "check/characters.h"
-#include "check/wording.h"
 
 #include <algorithm>
 #include <optional>
@@ -228,7 +227,7 @@ struct Number
 /** Whether a mark parts groups of digits, or a fraction from them. */
 bool isParting(const Token &token)
 {
-    return token.kind == Token::Kind::mark && token.isJoined &&
+    return token.isMark() && token.isJoined &&
            std::u32string_view(U".,'’٫٬").find(token.content) != std::u32string_view::npos;
 }
 
@@ -329,8 +328,7 @@ void compareNumbers(Subject &subject, bool isTold)
         all += number.digits;
     if (extra != nullptr && all.find(extra->digits) == std::string::npos)
         subject.find(Rule::literalChanged, subject.placeOf(extra->place),
-                     {Text::numberExtra,
-                      {quotation(subject.text().substr(extra->place.begin, extra->place.end - extra->place.begin))}});
+                     {Text::numberExtra, {quotation(partOf(subject.text(), extra->place))}});
 }
 
 // Units
@@ -350,8 +348,7 @@ unsigned powerOf(uint32_t word)
 const Token *unitIn(const Tokens &tokens)
 {
     for (size_t i = 1; i < tokens.size(); ++i)
-        if (tokens[i].isWord() && !tokens[i - 1].isWord() && tokens[i - 1].kind != Token::Kind::mark &&
-            powerOf(tokens[i].content) > 0)
+        if (tokens[i].isWord() && !tokens[i - 1].isWord() && !tokens[i - 1].isMark() && powerOf(tokens[i].content) > 0)
             return &tokens[i];
     return nullptr;
 }

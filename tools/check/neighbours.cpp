@@ -2,7 +2,6 @@
 
 #include "check/language_words.h"
 #include "check/utf8.h"
-#include "check/wording.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,17 +38,12 @@ uint32_t charactersOf(std::string_view text, const Tokens &tokens)
     return static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX));
 }
 
-/** Marks at the ends differ with the place of a text, as "…" and ":"; those of keys stand anywhere. */
-bool isAround(const Token &token)
-{
-    return token.kind == Token::Kind::mark;
-}
-
+/** Marks do not count: those at the ends differ with the place of a text, as "…" and ":"; those of keys stand anywhere. */
 uint64_t hashOf(const Tokens &tokens)
 {
     uint64_t hash = 1469598103934665603U;
     for (const Token &token : tokens)
-        if (!isAround(token))
+        if (!token.isMark())
             hash = (hash ^ token.content ^ (token.kind == Token::Kind::placeholder ? 1U << 31U : 0U)) * 1099511628211U;
     return hash;
 }
@@ -71,8 +65,8 @@ uint8_t sentencesIn(const Tokens &tokens)
     for (size_t i = 1; i + 1 < tokens.size(); ++i)
     {
         const bool isWide = tokens[i].content >= 0x3000;
-        if (tokens[i].kind == Token::Kind::mark && ends.find(tokens[i].content) != std::u32string_view::npos &&
-            tokens[i - 1].isWord() && tokens[i - 1].letters > 2 && (isWide || !tokens[i + 1].isJoined))
+        if (tokens[i].isMark() && ends.find(tokens[i].content) != std::u32string_view::npos && tokens[i - 1].isWord() &&
+            tokens[i - 1].letters > 2 && (isWide || !tokens[i + 1].isJoined))
             ++count;
     }
     return static_cast<uint8_t>(std::min(count, 255U));
@@ -92,9 +86,9 @@ bool deniesOnce(const Tokens &tokens)
     {
         const Token &token = tokens[i];
         const bool isShort = token.isWord() && token.content == ofShortForm && i > 1 && tokens[i - 2].isWord() &&
-                             tokens[i - 1].kind == Token::Kind::mark && token.isJoined;             // "don't"
+                             tokens[i - 1].isMark() && token.isJoined;                              // "don't"
         const bool isQuestion = i > 0 && tokens[i - 1].isWord() && tokens[i - 1].content == orWord; // "or not"
-        const bool isQuoted = i > 0 && token.isJoined && tokens[i - 1].kind == Token::Kind::mark && !isShort;
+        const bool isQuoted = i > 0 && token.isJoined && tokens[i - 1].isMark() && !isShort;
         if (token.isWord() && (strong.has(token.content) || isShort) && !isQuestion && !isQuoted)
             return true;
     }

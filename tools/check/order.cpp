@@ -28,8 +28,7 @@ struct Surrounding
 
 bool isQuote(char32_t mark)
 {
-    constexpr std::u32string_view quotes = U"\"'`„“”«»‘’‚‹›「」『』";
-    return isAmong(mark, quotes);
+    return mark == '`' || isQuotationMark(mark);
 }
 
 bool isDash(char32_t mark)
@@ -71,7 +70,7 @@ uint32_t sideOf(const Tokens &tokens, size_t at, bool isBehind)
     if (side.kind == Token::Kind::word)
         return side.content;
     const bool touches = (isBehind ? side : tokens[at]).isJoined;
-    const bool isTold = side.kind == Token::Kind::mark && touches && !isLoose(side.content) && !isQuote(side.content) &&
+    const bool isTold = side.isMark() && touches && !isLoose(side.content) && !isQuote(side.content) &&
                         classOf(side.content) != '(' && classOf(side.content) != ')' && classOf(side.content) != '-' &&
                         classOf(side.content) != ':' && classOf(side.content) != '/';
     return isTold ? classOf(side.content) : 0;
@@ -85,7 +84,7 @@ std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view t
     for (size_t i = 0; i < tokens.size(); ++i)
     {
         const Token &token = tokens[i];
-        if (token.kind == Token::Kind::mark)
+        if (token.isMark())
         {
             const uint32_t mark = classOf(token.content);
             depth += mark == '(' ? 1 : mark == ')' ? -1 : 0;
@@ -102,8 +101,7 @@ std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view t
         around.conversion = nameIn(tokens.text(token));
         around.isInQuotes = isQuoted;
         around.isInBrackets = depth > 0;
-        around.isHead =
-            i == 0 && tokens.size() > 1 && tokens[1].kind == Token::Kind::mark && classOf(tokens[1].content) == ':';
+        around.isHead = i == 0 && tokens.size() > 1 && tokens[1].isMark() && classOf(tokens[1].content) == ':';
         around.before = sideOf(tokens, i, false);
         around.behind = sideOf(tokens, i, true);
         for (size_t back = i; back > 0 && i - back < 3;)
@@ -114,12 +112,12 @@ std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view t
                 around.beforeAtBlank = word.content;
                 break;
             }
-            if (word.kind != Token::Kind::mark || !isQuote(word.content))
+            if (!word.isMark() || !isQuote(word.content))
                 break;
         }
         size_t behind = token.end;
-        for (size_t next = i + 1;
-             next < tokens.size() && tokens[next].kind == Token::Kind::mark && isQuote(tokens[next].content); ++next)
+        for (size_t next = i + 1; next < tokens.size() && tokens[next].isMark() && isQuote(tokens[next].content);
+             ++next)
             behind = tokens[next].end;
         behind = std::min(text.find_first_not_of(' ', behind), text.size());
         around.behindRelation = markedBehind(language, text.substr(behind));
@@ -181,7 +179,7 @@ bool relationIsExchanged(const Pair &a, const Pair &b, std::string_view here, st
 uint32_t markBetween(const Tokens &tokens, const Token &first, const Token &second)
 {
     const auto at = static_cast<size_t>(&first - &*tokens.begin());
-    if (at + 2 >= tokens.size() || &tokens[at + 2] != &second || tokens[at + 1].kind != Token::Kind::mark)
+    if (at + 2 >= tokens.size() || &tokens[at + 2] != &second || !tokens[at + 1].isMark())
         return 0;
     const uint32_t mark = classOf(tokens[at + 1].content);
     return isLoose(mark) || isQuote(mark) || mark == '(' || mark == ')' ? 0 : mark;

@@ -21,6 +21,11 @@ struct Range
     size_t end = 0;
 };
 
+constexpr std::string_view partOf(std::string_view text, Range range)
+{
+    return text.substr(range.begin, range.end - range.begin);
+}
+
 struct Position
 {
     size_t line = 1;

@@ -34,6 +34,7 @@ struct Token
     size_t begin, end;
 
     bool isWord() const { return kind == Kind::word; }
+    bool isMark() const { return kind == Kind::mark; }
     bool isMark(char32_t character) const { return kind == Kind::mark && content == character; }
 };
 
