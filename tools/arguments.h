@@ -35,7 +35,7 @@ private:
     const ParsedMessage &m_message;
     const std::vector<std::string> &m_words;
     std::vector<KTSlot> m_slots;
-    std::deque<Value> m_values; // which stay where they are
+    std::deque<Value> m_values; // a deque, so that they stay where they are
     std::vector<KTArgument> m_arguments;
 };
 

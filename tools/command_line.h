@@ -74,7 +74,7 @@ private:
     Words m_words;
 };
 
-/** Does the work for each file; a failure is printed and the work goes on with the next, but for that of the output. */
+/** Does the work for each file. A failure is printed, and the next file follows; one of the output ends the work. */
 template <typename Work> ExitStatus forEachFile(const Words &files, Work work)
 {
     ExitStatus status = ExitStatus::done;

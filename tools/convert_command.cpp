@@ -45,7 +45,7 @@ void listCharsets()
             print(name + (&name == &names.back() ? "\n" : " "));
 }
 
-/** Whether there was anything to warn of. */
+/** Tells how many characters were lost; returns whether any were. */
 bool warn(const std::string &path, Text text, size_t characters, const std::string &charset)
 {
     if (characters != 0)

@@ -24,7 +24,7 @@ private:
     std::string m_text;
 };
 
-/** That standard output takes no more, which ends the work on every file. */
+/** Standard output takes no more, so that the work on every file ends. */
 class OutputFailure : public Failure
 {
 public:

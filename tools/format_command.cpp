@@ -119,7 +119,7 @@ ExitStatus run(CommandLine &line)
     const Words words(operands.begin() + fileAndId, operands.end());
     const MessageFile file(operands[0]);
     const std::string subject = inputName(operands[0]) + ": ";
-    file.message(id); // which says what numbers there are, if not this one
+    file.message(id); // throws where there is none, and says which numbers there are
     std::string message = say(Text::messageSubject, {id});
     try
     {

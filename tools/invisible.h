@@ -1,4 +1,4 @@
-/** Characters that nobody sees, by their category; those who show texts decide which of them they keep. */
+/** Characters that nobody sees, by their category. Whoever shows a text decides which of them to keep. */
 #ifndef KELTO_TOOLS_INVISIBLE_H
 #define KELTO_TOOLS_INVISIBLE_H
 

@@ -68,7 +68,7 @@ bool isOf(const LanguageConversion &row, std::string_view name, std::string_view
 formTable *namedConversions()
 {
     static NamedTable named;
-    KTGetVariantFormTable(&named.table.nextTable); // which is there once the library is started
+    KTGetVariantFormTable(&named.table.nextTable); // the table of variants is there once the library is started
     return &named.table;
 }
 

@@ -14,10 +14,10 @@ struct formTable; // kelto.h
 namespace tool
 {
 
-/** Their names and arguments, in front of "nil" and the built-in conversions; they write nothing. Not to be changed. */
+/** Their names and arguments, in front of "nil" and the built-in conversions. They write nothing. Read only. */
 formTable *namedConversions();
 
-/** Whether they can be written. */
+/** Whether the add-on is there, so that messages are formatted with it. */
 bool hasLanguageConversions();
 
 /** The conversions of a language, as "de_AT", for formatting; namedConversions() where it has none. */

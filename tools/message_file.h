@@ -47,7 +47,7 @@ private:
     std::string m_path;
 };
 
-/** A message file, or a compiled catalog, whose placeholders are as they were compiled. */
+/** A message file, or a compiled catalog; the placeholders of the latter stay as they were compiled. */
 class MessageFile
 {
 public:
@@ -95,10 +95,10 @@ private:
     std::string m_path;
 };
 
-/** The product version of a message file, of which no more is read than that needs, or of a compiled catalog. */
+/** The product version of a message file or a compiled catalog. Of a message file only its head is read. */
 std::string productVersion(const std::string &path);
 
-/** A failure of the library to read a message file, with the reason that it does not tell, or what will tell it. */
+/** Why the library did not read a message file, with the command that shows the place of a fault. */
 Failure fileFailure(const std::string &path, int result);
 
 } // namespace tool

@@ -49,7 +49,7 @@ public:
         return static_cast<size_t>(got);
     }
 
-    /** As far as the system knows it; 0 for a pipe. */
+    /** The size of a file, as far as the system knows it; 0 for a pipe. */
     size_t expectedSize() const
     {
         struct stat status = {};

@@ -15,8 +15,8 @@ namespace tool
 void print(std::string_view bytes);
 
 /**
- * A text as it is then written in a charset: as it is, but for a terminal with '?' for what the charset cannot show,
- * since the substitution characters of many charsets are control characters.
+ * A text in a charset. On a terminal '?' stands for a character that the charset cannot show, since the substitution
+ * characters of many charsets are control characters.
  */
 std::u16string forOutput(const std::string &charset, const std::u16string &text);
 
@@ -30,12 +30,12 @@ void flushOutput();
 std::string readWhole(const std::string &path);
 
 /**
- * The same of a message file, which is no FIFO and no device: as the library, it does not wait for what may never come.
- * What a shell passes as /dev/fd/63 is read.
+ * A whole message file. A FIFO and a device are refused, as by the library, since their bytes may never come; a path as
+ * /dev/fd/63, which a shell passes, is read.
  */
 std::string readMessageFile(const std::string &path);
 
-/** Writes a whole file, which stays what it was where that fails (output_file.h). */
+/** Writes a whole file; where that fails, the file stays what it was (output_file.h). */
 void writeFile(const std::string &path, std::string_view bytes);
 
 /** Throws where an output is a regular file that is an input too, "-" among them, which it would replace. */

@@ -60,10 +60,10 @@ void setUnfinished(const std::string &path)
 void removeUnfinished(int signal)
 {
     unlink(unfinished.data());
-    raise(signal); // which ends the program now
+    raise(signal); // whose default action, restored by now, ends the program
 }
 
-/** Unless somebody else wants these signals, or they are ignored. */
+/** Leaves a signal alone that is ignored, or that has a handler. */
 void removeUnfinishedAtSignals()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ})

@@ -20,7 +20,7 @@ public:
     Terminal();
 
     /**
-     * Its charset, in which arguments on the command line are written too; US-ASCII where nobody knows the one it has.
+     * The charset of the terminal, and of the arguments on the command line; US-ASCII where it is not known.
      */
     const std::string &charset() const { return m_charset; }
 
@@ -39,10 +39,10 @@ public:
     /** A text of the program, UTF-8 and of several lines perhaps, as bytes for the terminal. */
     std::string encodedLines(const std::string &text) const;
 
-    /** Bytes in the terminal's charset, as of a file name, in UTF-8; those that are none of its characters as \xE4. */
+    /** Bytes in the terminal's charset, as of a file name, in UTF-8; \xE4 for a byte that is part of no character. */
     std::string showBytes(std::string_view bytes) const;
 
-    /** The same of a text from a command line or file, between quotation marks, cut where it is long. */
+    /** A text from a command line or a file in quotation marks, as showBytes() shows it, cut where it is long. */
     std::string quote(std::string_view bytes) const;
     std::string quote(std::u16string_view text) const;
 

@@ -59,7 +59,7 @@ public:
     OwnCatalog(const OwnCatalog &) = delete;
     OwnCatalog &operator=(const OwnCatalog &) = delete;
 
-    /** Not where the library does not start. */
+    /** The catalog of the texts; null where the library does not start. */
     bool isUsable() const { return m_isUsable; }
     const KTCatalog *get() const { return m_catalog; }
 

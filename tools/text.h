@@ -57,12 +57,12 @@ std::string sayInEnglish(const Phrase &phrase);
 /** A text that selects the one for a number, which is its first value. */
 Phrase counted(Text text, size_t count, const std::vector<Shown> &values = {});
 
-/** The text with this number, which another library counts; what it says itself where there is none. */
+/** The text with this number, under which the library has the same in English; `otherwise` where there is none. */
 Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values = {});
 
 /**
- * A text of the help in the language of the user, which is not formatted; the English, which stands where the
- * subcommand and its options are declared, where there is no translation.
+ * A text of the help in the language of the user; it is not formatted. Without a translation it is the English, which
+ * stands where the subcommand and its options are declared.
  * @param about  "usage", or a subcommand and what of it: "check --quiet".
  */
 std::string helpText(const std::string &about, const std::string &english);

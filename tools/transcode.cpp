@@ -15,12 +15,12 @@ namespace tool
 namespace
 {
 
-/** Where a byte may mean another character after a shift; BOCU-1 is none, since a zero byte resets it. */
+/** Charsets in which a shift changes what a byte means. BOCU-1 is none of them, since a zero byte resets it. */
 constexpr UConverterType withShiftStates[] = {
     UCNV_ISO_2022, UCNV_HZ, UCNV_EBCDIC_STATEFUL, UCNV_UTF7, UCNV_IMAP_MAILBOX, UCNV_COMPOUND_TEXT, UCNV_ISCII,
 };
 
-/** Whose texts do not end in the state in which they begin, so that one cannot follow on another. */
+/** Charsets whose texts end in another state than the one in which they begin, so that one cannot follow another. */
 constexpr UConverterType withStateAtTheEnd[] = {UCNV_SCSU, UCNV_COMPOUND_TEXT};
 
 template <size_t Count> bool isOneOf(const std::string &charset, const UConverterType (&types)[Count])

@@ -19,8 +19,8 @@ struct Transcoded
 };
 
 /**
- * Throws a Failure for a charset that nobody knows, or that cannot be read since zero bytes are parts of its
- * characters.
+ * Throws a Failure for a charset that is unknown, and for one whose characters have zero bytes in them, which cannot be
+ * read.
  */
 void requireReadable(const std::string &charset);
 

@@ -1,6 +1,6 @@
 /**
- * The letters of menus and buttons that a key reaches, with a mark in front of them: "&Open", "_Open". Whether a file
- * uses them is seen from most of its messages: some languages do without.
+ * The letters of menus and buttons that a key reaches, with a mark in front of them: "&Open", "_Open". A language may
+ * do without them, so that a lost mark is told only where most messages of the file have theirs.
  */
 #ifndef KELTO_TOOLS_CHECK_ACCESS_KEYS_H
 #define KELTO_TOOLS_CHECK_ACCESS_KEYS_H
@@ -18,7 +18,7 @@ public:
     /** Compares a message with its original, which it has. */
     void compare(Subject &subject);
 
-    /** Adds what is found of the file as a whole. */
+    /** Adds the marks that are lost, unless the file does without them. */
     void finish(Findings &findings);
 
 private:

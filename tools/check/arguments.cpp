@@ -18,7 +18,7 @@ std::string_view precisionOf(const Conversion &conversion)
     return written.substr(begin, std::min(written.find_first_not_of("0123456789*", begin + 1), written.size()) - begin);
 }
 
-/** Whether another precision leaves something else of an argument; "%.0s" is how a language does without a text. */
+/** Whether two precisions show different parts of an argument. "%.0s" is how a language leaves out a text. */
 bool showsOtherwise(const Conversion &here, const Conversion &there)
 {
     const std::string_view precision = precisionOf(here);
@@ -204,7 +204,7 @@ void ArgumentComparison::compareSlots(const Conversion &here, const Conversion &
     }
 }
 
-/** Finds the first argument that the original puts through an encoder and this message does not. */
+/** Finds the first argument that the original puts through an encoder, and this message does not. */
 void ArgumentComparison::compareEncoding()
 {
     const auto opensRegion = [](const Conversion &conversion) { return conversion.name == "N"; };

@@ -10,7 +10,7 @@ namespace
 
 constexpr std::string_view heading = "# Findings that are known; `kelto check --update-baseline` writes this file.\n";
 
-/** A line of the file, without its end: what a file holds may have line breaks. */
+/** A finding as a line of the baseline, without its end. Line breaks in what it quotes are replaced. */
 std::string lineOf(const Finding &finding, std::string_view file)
 {
     std::string line =

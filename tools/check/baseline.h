@@ -23,10 +23,10 @@ public:
     /** @param text  what the file holds. */
     explicit Baseline(std::string_view text);
 
-    /** Takes the known ones from the findings in a file; may be called by several threads. */
+    /** Takes the known findings away from those in a file. Several threads may call it. */
     void takeKnown(Findings &findings, std::string_view file);
 
-    /** Of what was taken, and of the lines that nothing was found for. */
+    /** How many findings were taken away, and how many lines of the baseline had none. */
     size_t known() const { return m_known; }
     size_t stale() const { return m_left; }
 

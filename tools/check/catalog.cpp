@@ -76,7 +76,7 @@ size_t Catalog::locateEdge(const Piece &piece, size_t offset, bool isEnd) const
     }
     const size_t brackets = offset < piece.positionBegin + (isEnd ? 1U : 0U) ? 0 : 1;
     const Range value = locateAttribute(piece.place, brackets == 0 ? "ts" : "id");
-    if (value.begin == piece.place.begin) // it is not written there
+    if (value.begin == piece.place.begin) // the attribute is not written in the tag
         return isEnd ? value.end : value.begin;
     return brackets == 0
                ? behindExpanded(value, inside)

@@ -84,13 +84,13 @@ public:
     const Attribute &productName() const { return m_productName; }
     const Attribute &productVersion() const { return m_productVersion; }
 
-    /** What the file could not be loaded for, its document type, and text that is ignored. */
+    /** The faults for which the file is not loaded, its document type, and text that is ignored. */
     const Findings &findings() const { return m_findings; }
 
-    /** What the file switches off, in its order. */
+    /** The rules that notes of the file switch off, in the order of the file. */
     const std::vector<Suppression> &suppressions() const { return m_suppressions; }
 
-    /** Whether it was read to its end: no message is missing for want of reading. */
+    /** Whether all messages of the file were read, so that one that is not here is missing. */
     bool isWhole() const { return m_isWhole; }
 
     /** The text of a message before its escapes are resolved; a zero byte follows it. */
@@ -105,7 +105,7 @@ public:
     /** Whether that byte of it is text of the file, and not a part of a placeholder. */
     bool isText(const Message &message, size_t offset) const;
 
-    /** Of what a message was put together, in the order of its text. */
+    /** The pieces of a message, in the order of its text. */
     struct Pieces
     {
         const Piece *first, *last;

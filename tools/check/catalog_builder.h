@@ -17,7 +17,7 @@ namespace tool::check
 class CatalogBuilder
 {
 public:
-    /** @param body  what concerns the whole is told there. */
+    /** @param body  the place of findings on the catalog as a whole. */
     CatalogBuilder(SourceText source, Range body);
 
     void setLanguage(const std::string &language, Range place);

@@ -134,7 +134,7 @@ size_t jobsOf(const CommandLine &line, const std::string &jobs)
     return numberOf(line, jobs, 1, most, {Text::badJobs, {most, terminal().quote(jobs)}});
 }
 
-/** What the project file says, where the command line says nothing. */
+/** Takes a setting of the project file where the command line says nothing. */
 void fillFrom(const Project &project, Options &options, Words &files)
 {
     for (const auto &[option, value] :

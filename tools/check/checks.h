@@ -13,7 +13,7 @@
 namespace tool::check
 {
 
-/** A catalog that others are compared with: what is asked of each of its messages is found out once. */
+/** A catalog that others are compared with. The formats of its messages are parsed once for all of them. */
 class Reference
 {
 public:

@@ -1,4 +1,4 @@
-/** How much of a reference a translation has, in place of a line for each message that it has not. */
+/** How much of a reference a translation has: one finding in place of one for each missing message. */
 #ifndef KELTO_TOOLS_CHECK_COMPLETENESS_H
 #define KELTO_TOOLS_CHECK_COMPLETENESS_H
 
@@ -8,8 +8,8 @@ namespace tool::check
 {
 
 /**
- * Takes findings of missing messages away; one takes their place where fewer messages than a share of those of the
- * reference are there and have a text.
+ * Takes findings of missing messages away. One finding takes their place where the share of messages that are there and
+ * have a text is too small.
  * @param percent  from 1 to 100.
  */
 void requireShare(Findings &findings, const Catalog &catalog, const Catalog &reference, unsigned percent);

@@ -20,10 +20,10 @@ std::string codePoint(char32_t character)
     return fmt::format("U+{:04X}", static_cast<uint32_t>(character));
 }
 
-/** What cannot be seen and is hardly ever meant; nothing is said where the original has it too. */
+/** Whether a character cannot be seen and is hardly ever meant. */
 bool isInvisible(char32_t character, std::string_view language)
 {
-    // These part their words with it, which have no blanks between them.
+    // In these languages it parts words, since no blanks do.
     constexpr std::string_view parting[] = {"bo", "dz", "ja", "km", "lo", "my", "th", "zh"};
     if (character == 0x200B)
         return std::find(std::begin(parting), std::end(parting), language) == std::end(parting);
@@ -58,7 +58,7 @@ std::optional<Damage> damageOf(char32_t character, std::string_view language)
     return std::nullopt;
 }
 
-/** Characters that stand for themselves: lost ones, and such as cannot be seen. */
+/** Finds characters that are lost, and characters that cannot be seen, unless the original has them too. */
 void checkCharacters(Subject &subject)
 {
     const std::string_view text = subject.text();
@@ -132,7 +132,7 @@ void checkQuestionMarksOf(Subject &subject, std::string_view word, size_t offset
 {
     if (word.find_first_of("/=&:.") != std::string_view::npos) // an address
         return;
-    bool isNew = false; // which is found out where it matters
+    bool isNew = false; // looked up only for a word that is told
     for (size_t mark = word.find('?'); mark < word.size() && !subject.isFull(Rule::lostCharacter);)
     {
         const Range marks{mark, std::min(word.find_first_not_of('?', mark), word.size())};
@@ -223,7 +223,7 @@ void checkMergeMarks(Subject &subject)
 void checkDamage(Subject &subject)
 {
     const bool isLatin1 = subject.catalog().source().encoding() == SourceText::Encoding::latin1;
-    if (!isLatin1 || !beyondAscii(subject.catalog().source().bytes())) // else that is told of the whole
+    if (!isLatin1 || !beyondAscii(subject.catalog().source().bytes())) // else checkEncoding() tells it
     {
         const std::optional<Misreading> misreading = findMisreading(subject.text());
         if (misreading && !subject.originalHas(partOf(subject.text(), misreading->place)))

@@ -12,7 +12,7 @@ namespace tool::check
 
 void checkDamage(Subject &subject);
 
-/** The same of the file as a whole: whether its bytes are what it says. */
+/** Whether the bytes of a file are of the encoding that it names. */
 void checkEncoding(const Catalog &catalog, Findings &findings);
 
 } // namespace tool::check

@@ -1,4 +1,4 @@
-/** Sixteen digits that differ where texts do: what tells whether somebody has changed one since. */
+/** Sixteen digits that tell one text from another, so that a later change of a text is noticed. */
 #ifndef KELTO_TOOLS_CHECK_DIGEST_H
 #define KELTO_TOOLS_CHECK_DIGEST_H
 

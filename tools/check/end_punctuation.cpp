@@ -28,7 +28,7 @@ Text nameOf(Ending ending)
     return names[static_cast<size_t>(ending)];
 }
 
-/** A text without white space, closing quotation marks and brackets at its end; where that ends. */
+/** Where the words of a text end: white space, closing quotation marks and brackets behind them do not count. */
 size_t endOfWords(std::string_view text)
 {
     size_t end = coreOf(text).end;

@@ -39,7 +39,7 @@ struct Finding
 
 using Findings = std::vector<Finding>;
 
-/** What a text quotes of a file: as it is, but cut where it is long, which it may be by megabytes. */
+/** A part of a file as a text quotes it: cut where it is long, since it may have megabytes. */
 std::string quotation(std::string_view utf8Text);
 
 struct Place
@@ -47,7 +47,7 @@ struct Place
     std::string file;
     Position begin, end; // the end is behind the last code point
     Range bytes;
-    bool isLine = false; // nothing is known of where in the line
+    bool isLine = false; // the column is not known
 };
 
 struct Diagnostic

@@ -88,7 +88,7 @@ void Format::sortPositions()
 namespace
 {
 
-/** How much is shown of a malformed conversion that goes on for so many bytes of a text. */
+/** How many bytes of a malformed conversion are shown. */
 size_t shownLength(std::string_view rest, size_t length)
 {
     constexpr size_t enough = 200; // for what a conversion can be meant to be

@@ -76,7 +76,7 @@ struct Format
 {
     bool isAccepted = true;              // by the format calls
     std::vector<Conversion> conversions; // in the order of the text
-    std::vector<size_t> byPosition;      // their places in that list, in the order of the positions
+    std::vector<size_t> byPosition;      // indices into `conversions`, in the order of the positions
     std::vector<FormatFault> faults;
 
     /** The first conversion with this position, or null. */

@@ -1,6 +1,6 @@
 /**
- * What a file says that it is, and its messages: its language, which may not be that of its path or be that of the
- * reference, its product, and the names of messages, which tell that their numbers were mixed up.
+ * The attributes of a file and of its messages. The language is that of the path and not that of the reference. The
+ * product is that of the reference. Other names of messages tell that their numbers were mixed up.
  */
 #ifndef KELTO_TOOLS_CHECK_IDENTITY_H
 #define KELTO_TOOLS_CHECK_IDENTITY_H

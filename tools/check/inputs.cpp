@@ -128,7 +128,7 @@ Inputs collectInputs(const std::vector<std::string> &operands, const std::string
         const std::vector<std::string> below = isFolder(operand) ? filesBelow(operand) : std::vector<std::string>();
         for (const std::string &path : below)
             add(joined(operand, path));
-        if (below.empty()) // a folder without message files is nothing that can be checked
+        if (below.empty()) // a folder without message files cannot be checked
             add(operand);
     }
     return inputs;

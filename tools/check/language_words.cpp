@@ -137,7 +137,7 @@ struct RelationRow
     std::string_view source, goal, whole;
 };
 
-/** Words in front of what they relate; a "de" that is as often a genitive tells nothing of a source. */
+/** Words in front of an argument that they relate. A "de" is left out as a source: it is as often a genitive. */
 constexpr RelationRow prepositions[] = {
     {"en", "from", "to into", "of"},
     {"de", "aus", "nach zu zum zur in auf an", "von"},
@@ -160,7 +160,7 @@ constexpr RelationRow prepositions[] = {
     {"he", "מ מתוך", "אל ל", "מתוך"},
 };
 
-/** Particles behind what they relate. */
+/** Particles behind an argument that they relate. */
 constexpr RelationRow particles[] = {
     {"ja", "から", "に へ まで", ""},
     {"ko", "에서 부터", "으로 로", ""},

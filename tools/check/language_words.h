@@ -37,16 +37,16 @@ enum class Relation : uint8_t
     whole // "1 of 5"
 };
 
-/** By the word in front of an argument. */
+/** Whether a word in front of an argument marks it so. */
 bool marksInFront(std::string_view language, uint32_t word, Relation relation);
 
-/** By what follows it, in a language that puts its particles there. */
+/** The relation of an argument by the text behind it, in a language that puts its particles there. */
 Relation markedBehind(std::string_view language, std::string_view behind);
 
 /** Whether a text denies something by a word for that, in one of the languages that are known. */
 bool denies(std::string_view language, const Tokens &tokens);
 
-/** Whether it may do so by any word, as "invalid" and "failed"; true for languages that are not known. */
+/** Whether a text may deny something by any word, as "invalid" and "failed". True for languages that are not known. */
 bool hintsAtDenial(std::string_view language, const Tokens &tokens);
 
 bool knowsDenial(std::string_view language);

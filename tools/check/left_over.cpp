@@ -23,7 +23,7 @@ bool isOfName(const Tokens &tokens, size_t index)
     return isInFront || isBehind;
 }
 
-/** Whether a word is one of the reference's language and none of this one. */
+/** Whether a word is English, and none of the language of the text. */
 bool isForeign(const Tokens &tokens, size_t index, uint32_t own)
 {
     const Token &token = tokens[index];
@@ -33,7 +33,7 @@ bool isForeign(const Tokens &tokens, size_t index, uint32_t own)
            (languagesOfWord(token.content) & own) == 0;
 }
 
-/** Whether a text that is that of its reference has words to be translated. */
+/** Whether a text has words to be translated; it is the same as that of its reference. */
 bool hasWordsToTranslate(Subject &subject)
 {
     const std::string_view language = subject.language();
@@ -186,7 +186,7 @@ bool isRemark(std::string_view word)
     return std::find(std::begin(remarks), std::end(remarks), word) != std::end(remarks);
 }
 
-/** What translators write into brackets for those who come after them. */
+/** Remarks that translators write into brackets, for those who come after them. */
 const WordSet &remarksInBrackets()
 {
     static const WordSet words(
@@ -222,7 +222,7 @@ void findRemarks(Subject &subject)
     int depth = 0;
     const std::string &language = subject.catalog().language();
     const std::string region = language.size() == 5 ? language.substr(3) : "";
-    const bool isPseudo = region == "XA" || region == "XB"; // whose texts are filled up
+    const bool isPseudo = region == "XA" || region == "XB"; // a pseudo-translation, whose texts are filled up
     size_t repeated = 0;
     for (size_t i = 0; i < here.size(); ++i)
     {
@@ -269,7 +269,7 @@ std::optional<Range> doubledWordIn(const Tokens &tokens)
     return std::nullopt;
 }
 
-/** Whether a text is twice the same, as one that was inserted twice. */
+/** Whether the second half of a text repeats the first, as after inserting it twice. */
 bool isTwiceTheSame(const Tokens &tokens)
 {
     const size_t half = tokens.size() / 2;
@@ -302,7 +302,7 @@ void findLeftOver(Subject &subject)
 {
     if (subject.text() == subject.originalText())
     {
-        // In other letters than those of the language it cannot be that both share the words.
+        // Two languages can share words only where they share letters.
         const bool isOfOtherLetters = !isWrittenInLatin(subject.language()) && hasEnglishWords(subject);
         if (subject.language() != subject.originalLanguage() && hasWordsToTranslate(subject))
             subject.find(isOfOtherLetters ? Rule::leftOver : Rule::untranslated, subject.message().source,

@@ -22,7 +22,7 @@ bool mayBeLoaded(std::string_view bytes)
 
 bool isCompiled(std::string_view bytes)
 {
-    constexpr std::string_view magic(kelto::compiledMagic, 4); // what line ends behind it became is another fault
+    constexpr std::string_view magic(kelto::compiledMagic, 4); // the line ends behind it may have been changed
     return bytes.substr(0, magic.size()) == magic;
 }
 

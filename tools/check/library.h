@@ -8,8 +8,8 @@ namespace tool::check
 {
 
 /**
- * Whether the library loads these bytes as a message file, at the cost that it allows; true also where that is not
- * known.
+ * Whether the library loads these bytes as a message file, at the cost that it allows; true also where no file for it
+ * can be made.
  */
 bool mayBeLoaded(std::string_view bytes);
 

@@ -12,7 +12,7 @@ namespace tool::check
 namespace
 {
 
-/** A text in which every decimal digit is ASCII, and what parts groups of digits is left out. */
+/** A text with ASCII for every decimal digit, and without the marks that part groups of digits. */
 std::string withPlainNumbers(std::string_view text)
 {
     std::string plain;
@@ -107,7 +107,7 @@ bool isLiteral(std::string_view word)
            std::all_of(word.begin(), word.end(), [](char byte) { return isAsciiDigit(byte); });
 }
 
-/** Whether a character may stand around a word, or between words, and is no part of what is the same everywhere. */
+/** Whether a character is punctuation, as it stands around words and between them. */
 bool isAround(char32_t character)
 {
     constexpr std::u32string_view ascii = U"\"'()<>[]{},;:.!?";
@@ -124,7 +124,7 @@ std::string_view withoutPunctuation(std::string_view word)
     return word;
 }
 
-/** Of a word that holds an address, that alone: what stands in front of its scheme and behind a quote is text. */
+/** The address that a word holds, without the text in front of its scheme and behind a quote; else the word. */
 std::string_view addressIn(std::string_view word)
 {
     constexpr std::string_view ofScheme = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+-.";
@@ -142,7 +142,7 @@ std::string_view addressIn(std::string_view word)
     return withoutPunctuation(word.substr(begin, end - begin));
 }
 
-/** What of a word is the same everywhere: an address up to its first placeholder, an option up to its value. */
+/** The part of a word that no language changes: an address up to its first placeholder, an option up to its value. */
 std::string_view literalIn(std::string_view word)
 {
     if (word.find("://") != std::string_view::npos)
@@ -160,7 +160,7 @@ unsigned occurrencesIn(std::string_view text, std::string_view part)
     return count;
 }
 
-/** Whether a text lacks a literal of its original; addresses it has as often as that. */
+/** Whether a text lacks a literal of its original, or has an address less often. */
 bool lacks(std::string_view here, std::string_view literal, std::string_view there)
 {
     const bool isAddress = literal.find_first_of("@:") != std::string_view::npos;
@@ -217,7 +217,7 @@ void comparePercent(Subject &subject)
 
 // Numbers
 
-/** A number that stands for itself: its digits, what parts groups of them left out. */
+/** A number that is no position of a placeholder. Its digits are without the marks between groups. */
 struct Number
 {
     std::string digits;
@@ -333,7 +333,7 @@ void compareNumbers(Subject &subject, bool isTold)
 
 // Units
 
-/** How many thousands a unit of bytes is, by its word: 1 for "KB"; 0 for what is none. */
+/** Which power of a thousand bytes a word names: 1 for "KB"; 0 for any other word. */
 unsigned powerOf(uint32_t word)
 {
     static const WordSet powers[] = {WordSet("kb kib ko kio кб киб кбайт"), WordSet("mb mib mo mio мб миб мбайт"),
@@ -437,7 +437,7 @@ void compareLiterals(Subject &subject)
 {
     const size_t before = subject.findings();
     compareWords(subject);
-    compareNumbers(subject, subject.findings() > before); // a number that is lost is told, and not another one for it
+    compareNumbers(subject, subject.findings() > before); // a lost number is not told again as an extra one
     comparePercent(subject);
     compareUnits(subject);
     compareDegrees(subject);

@@ -1,5 +1,6 @@
 /**
- * What is no word, and the same in every language: addresses, options, names of files and variables, numbers and units.
+ * Parts of a text that are the same in every language: addresses, options, names of files and variables, numbers and
+ * units.
  */
 #ifndef KELTO_TOOLS_CHECK_LITERALS_H
 #define KELTO_TOOLS_CHECK_LITERALS_H

@@ -41,7 +41,7 @@ std::string jsonEscape(UChar32 character)
     }
 }
 
-/** Calls work(character, its bytes) for each character; what is no UTF-8 is U+FFFD. */
+/** Calls work(character, its bytes) for each character; bytes that are no UTF-8 are U+FFFD. */
 template <typename Work> void forEachCharacter(std::string_view text, Work work)
 {
     for (size_t at = 0; at < text.size();)
@@ -205,7 +205,8 @@ private:
 };
 
 /**
- * The text of a workflow command: what would end it, or a property of it, is escaped, and so is what needs it anywhere.
+ * The text of a workflow command. Characters that would end it, or a property of it, are escaped, and so are those
+ * that nobody could see.
  */
 std::string annotation(std::string_view text, bool isProperty)
 {
@@ -238,7 +239,7 @@ public:
         if (diagnostic.notePlace)
             text += fmt::format("\n{}:{}:{}: {}", diagnostic.notePlace->file, diagnostic.notePlace->begin.line,
                                 diagnostic.notePlace->begin.column, sayInEnglish(diagnostic.noteText));
-        // The end of a column is taken for the last one, and only within a line.
+        // Annotations take the last column itself, and only of a range within one line.
         const bool isInLine = place.begin.line == place.end.line && place.end.column > place.begin.column;
         print(fmt::format("::{} file={},line={},endLine={},col={},endColumn={},title={}::{}\n",
                           nameOf(diagnostic.severity), annotation(place.file, true), place.begin.line, place.end.line,

@@ -38,7 +38,7 @@ bool isKnown(std::string_view name)
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-/** Reads attributes up to the end of a tag; what it returns lies behind '>', or is 0 where they are none. */
+/** Reads attributes up to the end of a tag. @return where the text goes on behind '>'; 0 where no tag ends so. */
 size_t behindAttributes(std::string_view text, size_t at)
 {
     while (at < text.size())
@@ -59,7 +59,7 @@ size_t behindAttributes(std::string_view text, size_t at)
         const char quotation = at + 1 < text.size() ? text[at + 1] : '\0';
         if (quotation == '"' || quotation == '\'')
             at = text.find(quotation, at + 2);
-        else // without quotation marks, which then are no part of it
+        else // a value without quotation marks has none in it
         {
             at = std::min(text.find_first_of(" \t\r\n>\"'", at + 1), text.size());
             if (at < text.size() && (text[at] == '"' || text[at] == '\''))
@@ -121,7 +121,7 @@ bool hasTag(const std::vector<Tag> &tags, std::string_view name, bool isClosing)
     });
 }
 
-/** Leaves those that are markup, and not "<file>" for a word to be replaced. */
+/** Removes tags that are no markup, as "<file>" for a word to be replaced. */
 void keepMarkup(std::vector<Tag> &tags, const std::vector<Tag> &original)
 {
     const auto isOther = [&original](const Tag &tag) {

@@ -1,5 +1,5 @@
 /**
- * Markup inside of texts: the tags of HTML and of widgets that show it, whatever kept it from being markup of the file.
+ * Markup inside of texts: tags of HTML, as widgets show it. In the file their brackets are escaped.
  */
 #ifndef KELTO_TOOLS_CHECK_MARKUP_H
 #define KELTO_TOOLS_CHECK_MARKUP_H

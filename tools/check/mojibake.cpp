@@ -37,7 +37,7 @@ constexpr Row rows[] = {
     {"IBM850", "ibm-850", "\xC3", false, "\xC3"},
 };
 
-/** What a charset makes of the bytes beyond ASCII, the other way round. */
+/** The byte beyond ASCII that a charset reads as a character. */
 using ByteOf = std::map<char32_t, unsigned char>;
 
 ByteOf bytesIn(const char *charset)
@@ -56,7 +56,7 @@ ByteOf bytesIn(const char *charset)
         if (U_SUCCESS(status) && length == 1 && units[0] != 0xFFFD)
             bytes.emplace(units[0], static_cast<unsigned char>(byte));
     }
-    for (unsigned byte = 0x80; byte <= 0x9F; ++byte) // what ISO-8859-1 makes of these
+    for (unsigned byte = 0x80; byte <= 0x9F; ++byte) // as ISO-8859-1 reads them
         bytes.emplace(byte, static_cast<unsigned char>(byte));
     return bytes;
 }
@@ -79,7 +79,7 @@ bool isPunctuation(char32_t character)
            (character < 0x100 && others.find(static_cast<char>(character)) != std::string_view::npos);
 }
 
-/** A character that was taken apart into those that stand in the text. */
+/** A character whose bytes stand in the text as characters. */
 struct Part
 {
     char32_t lead = 0;
@@ -90,7 +90,7 @@ struct Part
     bool hasPunctuation = false; // only such behind it
 };
 
-/** What begins at an offset of a text; nothing where that is no such character. */
+/** The misread character that begins at an offset of a text, or nothing. */
 std::optional<Part> takePart(std::string_view text, size_t at, const ByteOf &bytes)
 {
     Part part;

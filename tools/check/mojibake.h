@@ -19,7 +19,7 @@ struct Misreading
 {
     Range place;         // in the text
     std::string meant;   // what stands there, in UTF-8
-    const char *charset; // as which it was read
+    const char *charset; // by which it was read
 };
 
 /** The first part of a text that was read as another charset. */

@@ -14,7 +14,7 @@ namespace
 
 constexpr size_t fewest = 20; // messages from which a ratio is told
 
-/** What of the usual length a good translation has at least and at most; of signs, in languages without blanks. */
+/** The shortest and the longest good translation in usual lengths; of signs in languages without blanks. */
 struct LengthRow
 {
     uint32_t below; // characters of the original
@@ -38,7 +38,7 @@ uint32_t charactersOf(std::string_view text, const Tokens &tokens)
     return static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX));
 }
 
-/** Marks do not count: those at the ends differ with the place of a text, as "…" and ":"; those of keys stand anywhere. */
+/** Without marks: at the ends they differ with the place of a text, as "…" and ":"; those of keys stand anywhere. */
 uint64_t hashOf(const Tokens &tokens)
 {
     uint64_t hash = 1469598103934665603U;
@@ -112,7 +112,7 @@ char32_t plain(char32_t letter)
     return letter >= 0xC0 && letter <= 0xFF ? static_cast<unsigned char>(letters[letter - 0xC0]) : letter;
 }
 
-/** How many words of a text are kept. */
+/** How many beginnings of words are kept of a text. */
 template <typename Stems> unsigned stemsOf(const Stems &stems)
 {
     return static_cast<unsigned>(stems.size()) - static_cast<unsigned>(std::count(stems.begin(), stems.end(), 0U));
@@ -129,7 +129,7 @@ Neighbours::Neighbours(const Catalog &catalog, const Catalog &reference)
     m_said.reserve(catalog.messages().size());
 }
 
-/** The beginnings of its longer words, sorted; 0 at the places that are left. */
+/** The beginnings of the first longer words of a text, each once; 0 in the places behind them. */
 Neighbours::Stems Neighbours::stemsIn(const Tokens &tokens, uint32_t language)
 {
     const std::string_view text = tokens.text();
@@ -262,7 +262,7 @@ void Neighbours::findRepeated(Findings &findings) const
         const bool isLong = m_countsWords ? one.words > 1 : one.size >= longEnough;
         if (!isNear && !isLong)
             continue;
-        // Which of both is wrong nobody can tell.
+        // Nobody can tell which of both is wrong.
         find(findings, Rule::otherMeaning, one, {Text::textOfOther, {static_cast<unsigned>(next.message->id)}}, &next);
         find(findings, Rule::otherMeaning, next, {Text::textOfOther, {static_cast<unsigned>(one.message->id)}}, &one);
     }

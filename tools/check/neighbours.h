@@ -1,7 +1,6 @@
 /**
- * What is seen from many messages of a file together: a text that stands at two messages whose originals have nothing
- * in common, texts of two neighbours that are exchanged, and texts that are far shorter or longer than the others would
- * let one expect.
+ * Findings that take many messages of a file together: one text at two messages whose originals have nothing in common,
+ * exchanged texts of two neighbours, and texts that are far shorter or longer than others of the file.
  */
 #ifndef KELTO_TOOLS_CHECK_NEIGHBOURS_H
 #define KELTO_TOOLS_CHECK_NEIGHBOURS_H
@@ -22,13 +21,13 @@ public:
     /** Takes note of a message that has an original. */
     void add(Subject &subject);
 
-    /** Adds what is found of them together. */
+    /** Adds the findings on all messages together. */
     void finish(Findings &findings);
 
 private:
     void add(Subject &subject, const Tokens &tokens, const Tokens &original);
 
-    /** A few words of a text, by how they begin; the languages of Europe have many in common. */
+    /** The beginnings of a few words of a text, many of which the languages of Europe have in common. */
     using Stems = std::array<uint32_t, 12>;
 
     struct Said
@@ -38,7 +37,7 @@ private:
         uint64_t hash = 0; // of the text's tokens, marks at the ends aside
         uint32_t size = 0; // of the text, in characters without placeholders
         uint32_t originalSize = 0;
-        uint32_t placeholders = 0; // of what kinds
+        uint32_t placeholders = 0; // a sum of the hashes of all
         uint16_t words = 0;
         uint8_t sentences = 1;
         uint8_t originalSentences = 1;
@@ -56,7 +55,7 @@ private:
     double usualRatio() const;
     static void find(Findings &findings, Rule rule, const Said &said, Phrase text, const Said *other);
 
-    /** @param language  the bit of the one whose small words are left out. */
+    /** @param language  the bit of the language of the text, whose small words are left out. */
     static Stems stemsIn(const Tokens &tokens, uint32_t language);
     static unsigned common(const Stems &a, const Stems &b);
     static bool isDistinct(const Said &a, const Said &b);

@@ -12,14 +12,14 @@ namespace tool::check
 namespace
 {
 
-/** What is known of an argument by what stands around it; a member is 0 or empty where nothing is. */
+/** The marks and words around an argument; a member is 0 or empty where there are none. */
 struct Surrounding
 {
     const Token *token = nullptr;
     std::string_view conversion; // its name, as "s"
     bool isInQuotes = false;
     bool isInBrackets = false;
-    bool isHead = false; // as in "store: no such file"
+    bool isHead = false; // stands in front of a colon, as in "store: no such file"
     uint32_t before = 0; // the word or mark that it touches or follows
     uint32_t behind = 0;
     uint32_t beforeAtBlank = 0; // the word in front of it, whatever stands between
@@ -48,7 +48,7 @@ uint32_t classOf(char32_t mark)
     return place != std::u32string_view::npos ? plain[place] : mark;
 }
 
-/** Marks that are told of no argument, as a translation moves them. */
+/** Whether a mark belongs to no argument, since translations move it. */
 bool isLoose(char32_t mark)
 {
     constexpr std::u32string_view marks = U".,;!?…。、，；！？،؛؟";
@@ -61,7 +61,7 @@ std::string_view nameIn(std::string_view placeholder)
     return placeholder.substr(begin, placeholder.find('[') - begin);
 }
 
-/** What stands beside an argument in both languages alike: a unit, a sign, a name. */
+/** The word or sign beside an argument, as both languages may have it: a unit, a name; 0 where there is none. */
 uint32_t sideOf(const Tokens &tokens, size_t at, bool isBehind)
 {
     if (isBehind ? at + 1 >= tokens.size() : at == 0)
@@ -224,7 +224,7 @@ void compareArgumentOrder(Subject &subject)
         }
 }
 
-/** The numbers of a text that stand for themselves. */
+/** The numbers of a text that are no positions. */
 std::vector<const Token *> numbersIn(const Tokens &tokens)
 {
     std::vector<const Token *> numbers;

@@ -1,6 +1,6 @@
 /**
- * The order of what a sentence is filled with: arguments of one kind that are exchanged, which no type tells, are found
- * by the marks and words around them; numbers by their order in the reference.
+ * The order of arguments and numbers in a sentence. Exchanged arguments of one type are found by the marks and words
+ * around them, exchanged numbers by their order in the reference.
  */
 #ifndef KELTO_TOOLS_CHECK_ORDER_H
 #define KELTO_TOOLS_CHECK_ORDER_H

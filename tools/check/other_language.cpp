@@ -36,7 +36,7 @@ constexpr LettersRow ownLetters[] = {
     {"tr", U"çğıöşüâîû"},       {"ro", U"ăâîșțşţé"},
 };
 
-// Characters that Chinese alone writes so; of each pair the simplified and the traditional form.
+// Pairs of characters in the simplified and the traditional form, at the same place of both lists.
 constexpr std::u32string_view simplified =
     U"们这说时间开关请输击设应错误无为发现对话导统检测连网络载终码选项认删复库单图标题页视频传进运务闭启态览备类协议创"
     U"读"
@@ -183,7 +183,7 @@ bool hasOtherLetter(std::string_view word, std::u32string_view own)
         if (character < 0xC0)
             continue;
         const auto small = static_cast<char32_t>(u_tolower(static_cast<UChar32>(character)));
-        if (small >= 0xC0 && !isAmong(small, own)) // that of the Turkish capital I with a dot is plain
+        if (small >= 0xC0 && !isAmong(small, own)) // the small letter of the Turkish capital I with a dot is ASCII
             return true;
     }
     return false;
@@ -227,7 +227,7 @@ void findOtherWords(Subject &subject, std::string_view language)
         return;
     const std::string_view other =
         *most > 0 ? languageOfBit(1U << static_cast<uint32_t>(most - hits.begin())) : std::string_view("?");
-    // What was taken over from the reference is told as that.
+    // Another rule tells words that were taken over from the reference.
     size_t taken = 0;
     if (subject.hasOriginal())
         for (const Token &token : tokens)
@@ -240,7 +240,7 @@ void findOtherWords(Subject &subject, std::string_view language)
 
 // Charsets of one byte a letter
 
-/** Letters that a language does not have and that stand for its own where a wrong charset was taken. */
+/** Letters that a language lacks, and that stand in place of its own where a wrong charset was taken. */
 constexpr LettersRow misread[] = {
     {"de", U"õÕ"},           {"sv", U"õÕ"},        {"fi", U"õÕ"},        {"hu", U"õûÕÛ"}, {"tr", U"ðþýÐÞÝ"},
     {"cs", U"èìøùïòÈÌØÙÏÒ"}, {"sk", U"èï¾òåÈÏ¼Ò"}, {"pl", U"³¹êæœŸ¿£¯"}, {"ro", U"ºþªÞ"},
@@ -371,7 +371,7 @@ std::optional<Range> misreadEastAsianIn(std::string_view text)
 bool findOtherCharset(Subject &subject, std::string_view language)
 {
     if (subject.has(Rule::mojibake))
-        return true; // and nothing else can be said of it
+        return true; // which garbles all the rest
     const std::string_view text = subject.text();
     std::optional<Range> found;
     for (const LettersRow &row : misread)

@@ -43,7 +43,7 @@ std::string literalOf(std::string_view text)
     return literal + '"';
 }
 
-/** The same inside a comment, which it does not end. */
+/** The text for the inside of a comment: nothing in it ends the comment. */
 std::string commentOf(std::string_view text)
 {
     std::string comment = literalOf(text);
@@ -219,7 +219,7 @@ std::string headerOf(const Catalog &catalog, const std::vector<std::string> &nam
                                                    : fetchingFunction(message, names[i], text));
         std::string cName = fmt::format("{}_{}", options.nameSpace, names[i]);
         if (cName == constant)
-            cName += "_format"; // which no constant ends with
+            cName += "_format"; // no constant ends so
         const std::vector<std::string> parameters = parametersOf(format);
         const bool isCounted = texts.argument != 0 && texts.argument <= parameters.size();
         const std::string source = isCounted ? fmt::format("{} == 1 ? {} : {}", parameters[texts.argument - 1],
