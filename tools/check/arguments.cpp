@@ -59,15 +59,6 @@ bool writesNothing(const Conversion &conversion)
            (precisionOf(conversion) == ".0" && (conversion.name == "s" || conversion.name == "U"));
 }
 
-/** All slots of a format in the order in which arguments are passed. */
-std::vector<Slot> argumentsOf(const Format &format)
-{
-    std::vector<Slot> slots;
-    for (const size_t index : format.byPosition)
-        slots.insert(slots.end(), format.conversions[index].slots.begin(), format.conversions[index].slots.end());
-    return slots;
-}
-
 std::vector<Slot> slotsIn(const Conversion &conversion, Slot::Role role)
 {
     std::vector<Slot> slots;
@@ -135,7 +126,7 @@ private:
 
 void ArgumentComparison::run(const std::vector<BrokenPlaceholder> &broken)
 {
-    const bool agrees = m_format.isAccepted && argumentsOf(m_format) == argumentsOf(m_original);
+    const bool agrees = m_format.isAccepted && m_format.arguments() == m_original.arguments();
     std::set<int> unknown; // positions of what is no conversion; 0 where it may be meant for any argument
     for (const FormatFault &fault : m_format.faults)
         unknown.insert(fault.position);
@@ -177,7 +168,7 @@ void ArgumentComparison::findExtra(const Conversion &here)
 {
     m_subject.find(
         Rule::argumentExtra, m_subject.placeOf(here.place), {Text::argumentExtra, {here.shownPosition(), here.written}},
-        Note{true, m_subject.original().source, counted(Text::referenceTakes, argumentsOf(m_original).size())});
+        Note{true, m_subject.original().source, counted(Text::referenceTakes, m_original.arguments().size())});
 }
 
 /** Compares the arguments that two conversions of one position take: of each role, one after the other. */

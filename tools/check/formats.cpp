@@ -74,6 +74,14 @@ int Format::highestPosition() const
     return byPosition.empty() ? 0 : conversions[byPosition.back()].position;
 }
 
+std::vector<Slot> Format::arguments() const
+{
+    std::vector<Slot> slots;
+    for (const size_t index : byPosition)
+        slots.insert(slots.end(), conversions[index].slots.begin(), conversions[index].slots.end());
+    return slots;
+}
+
 void Format::sortPositions()
 {
     byPosition.clear();

@@ -83,6 +83,9 @@ struct Format
     const Conversion *find(int position) const;
     int highestPosition() const;
 
+    /** The slots of all conversions, in the order in which arguments are passed. */
+    std::vector<Slot> arguments() const;
+
     /** Fills `byPosition` from `conversions`. */
     void sortPositions();
 };

@@ -82,14 +82,6 @@ std::optional<Label> readLabel(const std::string &id)
     return Label{kelto::parseMessageId(id.substr(0, open).c_str()), id.substr(open + 1, id.size() - open - 2)};
 }
 
-std::vector<Slot> slotsOf(const Format &format)
-{
-    std::vector<Slot> slots;
-    for (const size_t index : format.byPosition)
-        slots.insert(slots.end(), format.conversions[index].slots.begin(), format.conversions[index].slots.end());
-    return slots;
-}
-
 bool isInteger(Kind kind)
 {
     return kind == Kind::integer16 || kind == Kind::integer32 || kind == Kind::integer64;
@@ -298,7 +290,7 @@ bool Variants::Checking::checkSelector(int id, const Selector &selector) const
         return true;
     const Message &first = *variants.find(texts.front());
     const Format firstFormat = formatOf(first);
-    const std::vector<Slot> slots = slotsOf(firstFormat);
+    const std::vector<Slot> slots = firstFormat.arguments();
     if (!firstFormat.isAccepted)
         return true;
     if (selector.argument > slots.size())
@@ -313,7 +305,7 @@ bool Variants::Checking::checkSelector(int id, const Selector &selector) const
     {
         const Message &variant = *variants.find(text);
         const Format format = formatOf(variant);
-        if (format.isAccepted && slotsOf(format) != slots)
+        if (format.isAccepted && format.arguments() != slots)
             find(Rule::variantArguments, variant, variant.source, {Text::variantTakesOther, {numberOf(first.id)}});
     }
     return true;
