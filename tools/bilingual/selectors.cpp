@@ -94,15 +94,12 @@ const check::Message *Rows::sourceFor(int number, int place) const
 
 CountArgument countArgumentOf(const check::Format &format)
 {
-    using check::Kind;
     unsigned argument = 0;
     for (const size_t index : format.byPosition)
         for (const check::Slot &slot : format.conversions[index].slots)
         {
             ++argument;
-            const bool isInteger =
-                slot.kind == Kind::integer16 || slot.kind == Kind::integer32 || slot.kind == Kind::integer64;
-            if (isInteger && slot.role == check::Slot::Role::value)
+            if (isInteger(slot.kind) && slot.role == check::Slot::Role::value)
                 return {argument, format.conversions[index].position, slot.kind};
         }
     return {};

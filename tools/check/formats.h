@@ -36,6 +36,11 @@ enum class Kind
 /** "a 32-bit integer". */
 Text nameOf(Kind kind);
 
+constexpr bool isInteger(Kind kind)
+{
+    return kind == Kind::integer16 || kind == Kind::integer32 || kind == Kind::integer64;
+}
+
 struct Slot
 {
     enum class Role

@@ -82,11 +82,6 @@ std::optional<Label> readLabel(const std::string &id)
     return Label{kelto::parseMessageId(id.substr(0, open).c_str()), id.substr(open + 1, id.size() - open - 2)};
 }
 
-bool isInteger(Kind kind)
-{
-    return kind == Kind::integer16 || kind == Kind::integer32 || kind == Kind::integer64;
-}
-
 bool selectsBy(const Selector &selector, Kind kind)
 {
     const bool isReal = kind == Kind::floating || kind == Kind::longFloating;

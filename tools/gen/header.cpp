@@ -103,12 +103,8 @@ std::string formatIn(const Catalog &catalog, const Variants &variants, unsigned 
 /** Whether the text takes an integer as the argument of a number. */
 bool takesInteger(const Format &format, unsigned argument)
 {
-    unsigned number = 0;
-    for (const size_t index : format.byPosition)
-        for (const Slot &slot : format.conversions[index].slots)
-            if (++number == argument)
-                return slot.kind == Kind::integer16 || slot.kind == Kind::integer32 || slot.kind == Kind::integer64;
-    return false;
+    const std::vector<Slot> slots = format.arguments();
+    return argument > 0 && argument <= slots.size() && isInteger(slots[argument - 1].kind);
 }
 
 CountedTexts countedTexts(const Catalog &catalog, const Variants &variants, const Message &message, formTable *table)
