@@ -91,21 +91,20 @@ EastAsian countIn(std::string_view text)
         }
         const size_t begin = at;
         const char32_t character = takeUtf8(text, at);
-        if (character >= 0x3041 && character <= 0x30FF)
-            ++count.kana;
-        else if (character >= 0xAC00 && character <= 0xD7A3)
-            ++count.hangul;
-        else if (character >= 0x4E00 && character <= 0x9FFF)
-        {
-            ++count.han;
-            count.longestHan = std::max(count.longestHan, ++inRow);
-            const bool tellsSimplified = isSimplified(character);
-            count.simplified += tellsSimplified ? 1 : 0;
-            count.traditional += isTraditional(character) ? 1 : 0;
-            count.chinese += isAmong(character, U"您你這們沒嗎妳") ? 1 : 0;
-            if (tellsSimplified && count.first.end == 0)
-                count.first = {begin, at};
-        }
+        const bool isHan = character >= 0x4E00 && character <= 0x9FFF;
+        inRow = isHan ? inRow + 1 : 0;
+        count.kana += character >= 0x3041 && character <= 0x30FF ? 1 : 0;
+        count.hangul += character >= 0xAC00 && character <= 0xD7A3 ? 1 : 0;
+        if (!isHan)
+            continue;
+        ++count.han;
+        count.longestHan = std::max(count.longestHan, inRow);
+        const bool tellsSimplified = isSimplified(character);
+        count.simplified += tellsSimplified ? 1 : 0;
+        count.traditional += isTraditional(character) ? 1 : 0;
+        count.chinese += isAmong(character, U"您你這們沒嗎妳") ? 1 : 0;
+        if (tellsSimplified && count.first.end == 0)
+            count.first = {begin, at};
     }
     return count;
 }
