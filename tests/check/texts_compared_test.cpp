@@ -11,7 +11,8 @@ using namespace tool::check;
 using tool::Placeholders;
 
 // The rows of texts_compared.txt: a language ("de", "de/fr" beside a reference in French; "de +30" with so many other
-// messages in the file), a text, that of the reference, and what is found. "⏎" parts messages; "%d[1]" is a placeholder.
+// messages in the file), a text, that of the reference, and what is found. "⏎" parts messages; "%d[1]" is a placeholder, and
+// "‹" and "›" are the brackets of an element.
 
 namespace
 {
@@ -31,7 +32,8 @@ std::vector<std::string> split(const std::string &text, const std::string &mark)
 
 std::string inXml(std::string text)
 {
-    for (const auto &[mark, entity] : {std::pair{"&", "&amp;"}, std::pair{"<", "&lt;"}})
+    for (const auto &[mark, entity] :
+         {std::pair{"&", "&amp;"}, std::pair{"<", "&lt;"}, std::pair{"‹", "<"}, std::pair{"›", ">"}})
         text = std::regex_replace(text, std::regex(mark), entity);
     return std::regex_replace(text, std::regex(R"((%[-+ #.*!0-9]*[A-Za-z]+)\[([0-9]+)\])"), "<x ts=\"$1\" id=\"$2\"/>");
 }
@@ -88,9 +90,11 @@ std::string findingsIn(Catalog &here, Catalog &there)
     levels.apply("untranslated");
     there.source().index();
     const Reference reference(there, table.get());
+    Findings findings = here.findings();
+    for (Finding &finding : checkMessages(here, table.get(), &reference))
+        findings.push_back(std::move(finding));
     std::string all;
-    for (const Diagnostic &found :
-         report(checkMessages(here, table.get(), &reference), here.source(), &there.source(), levels))
+    for (const Diagnostic &found : report(findings, here.source(), &there.source(), levels))
     {
         all +=
             fmt::format("{}{}{} {}{}{}", all.empty() ? "" : "; ",
