@@ -99,7 +99,7 @@ namespace detail
 class open_languages
 {
 public:
-    explicit open_languages(const std::string &timeZone) : timeZone_(timeZone) {}
+    explicit open_languages(const std::string &timeZone) : held_(started_), timeZone_(timeZone) {}
     open_languages(const open_languages &) = delete;
     open_languages &operator=(const open_languages &) = delete;
     ~open_languages()
@@ -108,11 +108,11 @@ public:
             KTLCloseLanguage(language);
     }
 
-    /** Starts the library; a failure also where there is no such time zone. */
+    /** The result of the start; a failure also where there is no such time zone. */
     int begin() noexcept
     {
         KTLLanguage *root = nullptr;
-        int result = detail::begin(held_);
+        int result = started_.value();
         if (result == 0)
             result = timeZone_.find('\0') == std::string::npos ? KTLOpenLanguage("root", zone(), &root)
                                                                : static_cast<int>(KT_ERR_INVALID_PARAMETER);
@@ -150,7 +150,8 @@ private:
         return KTLFormTable(language);
     }
 
-    use held_; // ends when the languages are closed
+    std::error_code started_;
+    library held_; // ends when the languages are closed
     std::string timeZone_;
     std::mutex mutex_;
     std::vector<KTLLanguage *> languages_;
@@ -162,30 +163,20 @@ private:
  * Conversions for catalog_options::conversions: each language of a catalog, and the text in the source, writes with its
  * own. Catalogs may share what this gives.
  * @param time_zone  where dates and times are shown, as "Europe/Warsaw"; empty for UTC.
- * @param failure    set where there is no such time zone, or where the library cannot be started.
+ * @param failure    a std::error_code: set where there is no such time zone, or where the library cannot be started.
+ *                   Without one that is thrown.
  */
-inline language_conversions locale_conversions(const std::string &time_zone, std::error_code &failure)
+inline language_conversions locale_conversions(const std::string &time_zone KELTO_OR_THROW,
+                                               detail::outcome failure KELTO_OR_THROW)
 {
     auto languages = std::make_shared<detail::open_languages>(time_zone);
-    failure = make_error(languages->begin());
-    if (failure)
+    const int result = languages->begin();
+    failure.set(result, {"locale_conversions(\"", time_zone, "\")"},
+                result == KT_ERR_INVALID_PARAMETER ? "there is no such time zone" : KTResultText(result));
+    if (result != 0)
         return {};
     return {detail::open_languages::table_of, std::move(languages)};
 }
-
-#if KELTO_HAS_EXCEPTIONS
-inline language_conversions locale_conversions(const std::string &time_zone = {})
-{
-    std::error_code failure;
-    language_conversions conversions = locale_conversions(time_zone, failure);
-    const int result = failure.value();
-    if (failure)
-        detail::throw_told(result,
-                           {"kelto::locale_conversions(\"", time_zone, "\"): ",
-                            result == KT_ERR_INVALID_PARAMETER ? "there is no such time zone" : KTResultText(result)});
-    return conversions;
-}
-#endif
 
 } // namespace kelto
 

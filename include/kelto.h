@@ -117,6 +117,12 @@ const char *KTResultName(int code);
  */
 const char *KTResultText(int code);
 
+/**
+ * The error number of the C library that says the same.
+ * @return ENOMEM, ENOENT or EINVAL; 0 for a code that none of them names.
+ */
+int KTResultErrno(int code);
+
 /* ## 2. Start and stop */
 
 /**
@@ -1267,6 +1273,13 @@ void KTLeaveCall(const KTCallContext *context);
 void *KTCallValue(uint32_t kind);
 
 /**
+ * Whether two names that a C++ compiler has for types (std::type_info::name()) are those of one type, whichever shared
+ * objects they come from: not for null, nor for a type of a function or of an unnamed namespace, whose name may be that
+ * of another one too.
+ */
+bool KTIsOneTypeName(const char *name, const char *other);
+
+/**
  * Tells whether a table may be used with typed arguments whatever a translation says: whether a format can name the
  * conversions of its list, and whether no conversion of its chain takes a pointer without asking for its kind.
  * @param table    the table; those that it is chained to are looked at too.
@@ -1280,6 +1293,118 @@ void *KTCallValue(uint32_t kind);
  */
 int KTExplainFormTable(const formTable *table, KTFormatFunction asking, unsigned options, size_t *size, char *text);
 
+/* ### Conversions and encoders with a context
+ *
+ * The functions of a form table get no pointer but that of the call. Those of a table that the library builds get a
+ * context of their own and values that are read and compared already, and give a text, which the library cuts, pads and
+ * encodes:
+ *
+ *     static int formatMoney(void *context, KTOwnCall *call)
+ *     {
+ *         const struct Shop *shop = context;
+ *         char text[40];
+ *         snprintf(text, sizeof text, "%s %lld", shop->currency, (long long)call->arguments[0].value.i);
+ *         return KTGiveText(call, KT_UTF8(text));
+ *     }
+ *
+ *     KTOwnTable *own = KTNewOwnTable(); // once
+ *     KTAddConversion(own, "money", signedIntList, 0, formatMoney, &shop, NULL);
+ *     char why[200];
+ *     size_t size = sizeof why;
+ *     formTable *table;
+ *     int result = KTFinishOwnTable(own, NULL, 0, &table, &size, why); // "%!money[1]" from now on, by way of table
+ *     ...
+ *     KTFreeOwnTable(own); // when nothing uses the table any more
+ */
+
+/** Conversions and an encoder of the program's own, on their way to a form table and as long as that is used. */
+typedef struct KTOwnTable KTOwnTable;
+
+/** What a function of the program's is told of a conversion, or of a text to be encoded. Later versions add members. */
+typedef struct KTOwnCall
+{
+    size_t structSize; /**< of this record, in bytes; members beyond it are not there */
+    const char *name;  /**< of the conversion; the empty text for an encoder */
+    int width;         /**< the text is padded to it, and cut to the precision, as that of "s", before it is encoded; */
+    int precision;     /**< KT_ABSENT for none: a function that lays out its text itself stores that in both */
+    int flags;         /**< bits of KTFlag */
+    void *passThru;    /**< that of the call; null for an encoder */
+    const KTArgument
+        *arguments; /**< the values, one for each code 1 to 7, as KTSlotArgument() gives them, and pointers */
+    size_t count;   /**< their number */
+    void *output;   /**< the library's */
+} KTOwnCall;
+
+/**
+ * Writes a conversion, or encodes the text that is its only argument. It may run in several threads at once, and twice
+ * for one text where the first buffer was too small: it gives the same both times.
+ * @param context  as it was given to KTAddConversion() or KTSetEncoder().
+ * @return what KTGiveText() returned; 0 without a text for the empty one; or another negative code, which ends the call.
+ */
+typedef int (*KTOwnFunction)(void *context, KTOwnCall *call);
+
+/** Releases a context. */
+typedef void (*KTFreeFunction)(void *context);
+
+/**
+ * Begins a table. Needs no started library.
+ * @return the table, to be released with KTFreeOwnTable(); null where memory runs out, which the functions below take,
+ *         so that KTFinishOwnTable() is the only one to be asked.
+ */
+KTOwnTable *KTNewOwnTable(void);
+
+/**
+ * Adds a conversion to a table that is not finished; of several with one name the first counts. What is wrong with it
+ * is told by KTFinishOwnTable().
+ * @param name         as in KTFormatter; it is copied.
+ * @param types        the codes of its values, ended by KT_ARG_END; they live as long as the table.
+ * @param kind         that of the pointers among them, which KT_POINTER() was given. The function gets no other and no
+ *                     null: in the calls without typed arguments, which know no kinds, such a conversion fails.
+ * @param function     not null.
+ * @param context      handed to it.
+ * @param freeContext  called with the context when the table ends, and at once where the conversion cannot be added;
+ *                     or null.
+ */
+void KTAddConversion(KTOwnTable *own, const char *name, const int *types, uint32_t kind, KTOwnFunction function,
+                     void *context, KTFreeFunction freeContext);
+
+/**
+ * Sets the encoder of a table that is not finished; the last one counts. It gets whole texts, and single characters of
+ * "c"; half a character is left as it is. It runs in the calls with typed arguments, and fails in the others.
+ * @param code  the encoding of what it is given: KT_ARG_UTF8 or KT_ARG_UCS2. It may give either.
+ */
+void KTSetEncoder(KTOwnTable *own, int code, KTOwnFunction function, void *context, KTFreeFunction freeContext);
+
+/**
+ * Gives the form table, which is then used like any other and does not change. The table holds a use of the library, as
+ * by KTBeginUse(), until it is released.
+ * @param next     the table in which names are looked for that were not added, and which lives as long as this one; null
+ *                 for the built-in one. A table is refused whose conversions take pointers without asking for their kind.
+ * @param options  0, or KT_ENCODE_ALL, under which every call with the table has that option, so that no program and no
+ *                 translation can forget it.
+ * @param table    out: the form table, which lives as long as own; null on failure.
+ * @param size     in: the capacity of text in bytes, the terminator counted; out: the bytes of what is wrong, the
+ *                 terminator not counted, also where it does not fit.
+ * @param text     out: what is wrong, in English and on one line, cut at a whole character where it does not fit; the
+ *                 empty text where nothing is. Null is allowed for a capacity of 0.
+ * @return 0; KT_ERR_INVALID_PARAMETER where no format can name a conversion, where next is refused, where there is no
+ *         encoder for KT_ENCODE_ALL, for another option, for a second time, and for a null where none is allowed;
+ *         KT_ERR_NO_MEMORY, also where it ran out before; KT_ERR_NOT_INITIALIZED where the library cannot be started.
+ */
+int KTFinishOwnTable(KTOwnTable *own, formTable *next, unsigned options, formTable **table, size_t *size, char *text);
+
+/** Releases a table, finished or not, with its contexts; or null. Nothing may use its form table any more. */
+void KTFreeOwnTable(KTOwnTable *own);
+
+/**
+ * Gives the text of a call, once.
+ * @param call  as the function got it.
+ * @param text  made by KT_UTF8(), KT_UCS2() or a function like them. It is read during the call.
+ * @return for the function to return: 0; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for an argument that is no
+ *         text; KT_ERR_NO_MEMORY; what an encoder returns.
+ */
+int KTGiveText(KTOwnCall *call, KTArgument text);
+
 /**
  * Writes a time as "DT", "D" and "T" take it: "2006-05-17'T08:09:10Z". Needs no started library.
  * @param seconds  since 1970, without leap seconds. A time outside of the years 0 to 9999 is written as their first or
@@ -1287,6 +1412,18 @@ int KTExplainFormTable(const formTable *table, KTFormatFunction asking, unsigned
  * @param text     out: 21 bytes and the terminator.
  */
 void KTTimeText(int64_t seconds, char *text);
+
+/**
+ * Writes the time of a clock that counts other units than seconds, as KTTimeText() does. Units that have begun before
+ * their second are of the second before. A number that is none is written as the first second.
+ * @param count        the units since 1970: an integer, a double or a long double.
+ * @param numerator    the length of a unit in seconds is numerator / denominator, both more than 0.
+ * @param text         out: 21 bytes and the terminator.
+ *
+ *     char text[22];
+ *     KTClockText(KT_INT64(-1), 1, 1000, text); // "1969-12-31'T23:59:59Z"
+ */
+void KTClockText(KTArgument count, int64_t numerator, int64_t denominator, char *text);
 
 /* A format that is not the program's own can be looked at before it is used. */
 
@@ -1549,6 +1686,24 @@ int KTOpenCatalogFile(const char *path, const KTCatalogOptions *options, KTCatal
 int KTOpenCatalogData(const char *name, const void *data, size_t size, const KTCatalogOptions *options,
                       KTCatalog **catalog);
 
+/**
+ * Opens a format of the program's own in the place of a catalog, with the options of one: a text that comes from no
+ * translation. The calls below then write this text, whatever the number and the text in the source, and what does not
+ * fit is a failure. They return what KTFormatPrepared() does, out being empty and size 0 after every failure; but
+ * KT_ERR_CONVERSION_FAILED where isStopped() says so, and KT_ERR_BUFFER_TOO_SMALL with a size of 0 for a text that is
+ * longer than maxSize allows, each unit counted as a byte. KTExplainCatalog() says why.
+ * @param format   UTF-8; not needed afterwards.
+ * @param options  as in KTOpenCatalog(), but for languages, sourceLanguage, onProblem and conversions, which are not
+ *                 looked at.
+ * @param catalog  out: as in KTOpenCatalog(); also where the format is refused.
+ * @return 0; KT_ERR_NOT_INITIALIZED; KT_ERR_NO_MEMORY; KT_ERR_INVALID_PARAMETER as there; and what KTPrepareFormat()
+ *         says of the format.
+ */
+int KTOpenCatalogFormat(const char *format, const KTCatalogOptions *options, KTCatalog **catalog);
+
+/** The format of KTOpenCatalogFormat(), which lives as long as the catalog; null for others and for a refused one. */
+const KTPreparedFormat *KTCatalogPrepared(const KTCatalog *catalog);
+
 /** Closes a catalog, or null. Nobody may use it any more: no call on it may still be in progress. */
 void KTCloseCatalog(KTCatalog *catalog);
 
@@ -1598,6 +1753,16 @@ int KTCatalogFormatRequest(const KTCatalog *catalog, const KTCatalogRequest *req
 
 /** KTCatalogFormatUTF8() for language bindings; as KTCatalogFormatRequest(). */
 int KTCatalogFormatRequestUTF8(const KTCatalog *catalog, const KTCatalogRequest *request, size_t *size, char *out);
+
+/**
+ * Tells why a catalog could not be opened, or why the format of KTOpenCatalogFormat() did not take the arguments of a
+ * call, as KTExplainFailure() does.
+ * @param catalog  what the opening gave, which may be null.
+ * @param request  that of the call, of which the arguments are looked at; null for the opening.
+ * @param result   what the call or the opening returned.
+ * @param size     as in KTExplainFailure(), like text and the result.
+ */
+int KTExplainCatalog(const KTCatalog *catalog, const KTCatalogRequest *request, int result, size_t *size, char *text);
 
 /**
  * A message as it stands in the first language that has it, UTF-8.

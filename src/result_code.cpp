@@ -1,5 +1,7 @@
 #include "kelto.h"
 
+#include <cerrno>
+
 namespace
 {
 
@@ -45,6 +47,21 @@ const char *KTResultName(int code)
 {
     const ResultCode *const row = find(code);
     return row != nullptr ? row->name : nullptr;
+}
+
+int KTResultErrno(int code)
+{
+    switch (code)
+    {
+    case KT_ERR_NO_MEMORY:
+        return ENOMEM;
+    case KT_ERR_FILE_UNAVAILABLE:
+        return ENOENT;
+    case KT_ERR_INVALID_PARAMETER:
+        return EINVAL;
+    default:
+        return 0;
+    }
 }
 
 const char *KTResultText(int code)

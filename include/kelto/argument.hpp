@@ -59,9 +59,8 @@ namespace detail
 enum class category
 {
     none,
-    converted, // by argument_of
+    made, // of another value that stands for it; see made_of()
     identity,
-    enumeration,
     integer,
     character,
     unit,
@@ -69,10 +68,7 @@ enum class category
     real,
     long_real,
     utf8,
-    ucs2,
-    path,
-    duration,
-    time
+    ucs2
 };
 
 template <template <class> class Of, class T, class = void> constexpr bool has = false;
@@ -97,69 +93,6 @@ using char8 = char8_t;
 #else
 using char8 = char;
 #endif
-
-/** The category of a type that an argument was passed as. */
-template <class T> constexpr category category_of() noexcept
-{
-    using bare = std::remove_cv_t<T>;
-    using pointee = std::remove_cv_t<std::remove_pointer_t<std::decay_t<bare>>>;
-    if constexpr (std::is_pointer_v<std::decay_t<bare>>)
-        return is_one_of<pointee, char, char8> ? category::utf8
-               : is_one_of<pointee, char16_t>  ? category::ucs2
-                                               : category::none;
-    else if constexpr (!std::is_class_v<bare> && !std::is_union_v<bare> && !std::is_enum_v<bare>)
-        return is_one_of<bare, char>                                                              ? category::character
-               : is_one_of<bare, char16_t>                                                        ? category::unit
-               : is_one_of<bare, char32_t>                                                        ? category::code_point
-               : is_one_of<bare, float, double>                                                   ? category::real
-               : is_one_of<bare, long double>                                                     ? category::long_real
-               : !std::is_integral_v<bare> || is_one_of<bare, wchar_t, char8> || sizeof(bare) > 8 ? category::none
-                                                                                                  : category::integer;
-    else if constexpr (has<identity_of, bare>)
-        return category::identity;
-    else if constexpr (!has<missing_of, bare>)
-        return category::converted;
-    else if constexpr (std::is_enum_v<bare>)
-        return category::enumeration;
-    else if constexpr (std::is_convertible_v<const bare &, std::string_view> ||
-                       std::is_convertible_v<const bare &, std::basic_string_view<char8>>)
-        return category::utf8;
-    else if constexpr (std::is_convertible_v<const bare &, std::u16string_view>)
-        return category::ucs2;
-    else
-        return has<time_of, bare>       ? category::time
-               : has<duration_of, bare> ? category::duration
-               : has<path_of, bare>     ? category::path
-                                        : category::none;
-}
-
-/** The second in which a time lies, since the epoch; beyond all dates for one that is too far away or no number. */
-template <class Duration> std::int64_t seconds_of(Duration sinceEpoch) noexcept
-{
-    constexpr std::intmax_t numerator = Duration::period::num, denominator = Duration::period::den;
-    // A count of hours may be more than any count of seconds can be, so it is compared roughly first.
-    const double roughly = static_cast<double>(sinceEpoch.count()) * numerator / denominator;
-    if (!(roughly > -1e12 && roughly < 1e12))
-        return roughly > 0 ? INT64_MAX : INT64_MIN;
-    if constexpr (std::is_integral_v<typename Duration::rep>)
-    {
-        const auto whole = static_cast<std::int64_t>(sinceEpoch.count() / denominator);
-        const auto rest = static_cast<std::int64_t>(sinceEpoch.count() % denominator) * numerator;
-        return whole * numerator + rest / denominator - (rest % denominator < 0 ? 1 : 0);
-    }
-    else
-    {
-        const auto seconds = static_cast<std::int64_t>(roughly);
-        return seconds - (static_cast<double>(seconds) > roughly ? 1 : 0);
-    }
-}
-
-/** A time as the date conversions take it; see KTTimeText(). */
-struct time_stamp
-{
-    explicit time_stamp(std::int64_t seconds) noexcept { KTTimeText(seconds, text); }
-    char text[22];
-};
 
 /** Writes an object that goes over with its identity for a person, under the size protocol. */
 using object_writer = int (*)(const void *object, std::size_t *size, char *out);
@@ -188,37 +121,119 @@ template <class T> identified identified_as(const void *object) noexcept
 #endif
 }
 
-/** Whether a linker's name is that of one type in the whole process: no function's own, nor in an unnamed namespace. */
-inline bool is_public_name(const char *name) noexcept
-{
-    bool isPublic = std::strchr(name, '*') == nullptr && std::strstr(name, "_GLOBAL__N_") == nullptr;
-    for (const char *at = name; (at = std::strchr(at, 'Z')) != nullptr; ++at) // but where an identifier begins with it
-        isPublic = isPublic && at != name && at[-1] >= '0' && at[-1] <= '9';
-    return isPublic;
-}
-
 /** Whether an object is of a type. With hidden visibility each shared object has a mark of its own for a type. */
 template <class T> bool is_of_type(const identified &object) noexcept
 {
-    const char *const name = identified_as<T>(nullptr).name;
-    return object.type == &type_mark<T> ||
-           (name != nullptr && object.name != nullptr && std::strcmp(name, object.name) == 0 && is_public_name(name));
+    const identified own = identified_as<T>(nullptr);
+    return object.type == own.type || KTIsOneTypeName(object.name, own.name);
 }
 
-/** What hold() gives for a thing in front of the arguments that is none; the texts in the source derive from it. */
+/** The category of a type that an argument was passed as. */
+template <class T> constexpr category category_of() noexcept
+{
+    using bare = std::remove_cv_t<T>;
+    using pointee = std::remove_cv_t<std::remove_pointer_t<std::decay_t<bare>>>;
+    if constexpr (std::is_pointer_v<std::decay_t<bare>>)
+        return is_one_of<pointee, char, char8> ? category::utf8
+               : is_one_of<pointee, char16_t>  ? category::ucs2
+                                               : category::none;
+    else if constexpr (!std::is_class_v<bare> && !std::is_union_v<bare> && !std::is_enum_v<bare>)
+        return is_one_of<bare, char>                                                              ? category::character
+               : is_one_of<bare, char16_t>                                                        ? category::unit
+               : is_one_of<bare, char32_t>                                                        ? category::code_point
+               : is_one_of<bare, float, double>                                                   ? category::real
+               : is_one_of<bare, long double>                                                     ? category::long_real
+               : !std::is_integral_v<bare> || is_one_of<bare, wchar_t, char8> || sizeof(bare) > 8 ? category::none
+                                                                                                  : category::integer;
+    else if constexpr (is_one_of<bare, identified>)
+        return category::identity;
+    else if constexpr (!has<missing_of, bare> || std::is_enum_v<bare>)
+        return category::made;
+    else if constexpr (std::is_convertible_v<const bare &, std::string_view> ||
+                       std::is_convertible_v<const bare &, std::basic_string_view<char8>>)
+        return category::utf8;
+    else if constexpr (std::is_convertible_v<const bare &, std::u16string_view>)
+        return category::ucs2;
+    else
+        return has<time_of, bare> || has<duration_of, bare> || has<path_of, bare> ? category::made : category::none;
+}
+
+/* What hold() gives for a value holds an argument, or some, and what they point into; put() writes them into an array
+ * while it lives. */
+
+/** For a thing in front of the arguments that is none; the texts in the source derive from it. */
 struct no_argument
 {
+    static constexpr std::size_t count = 0;
+    KTArgument *put(KTArgument *at) const noexcept { return at; }
 };
 
-/* An argument, or what holds the memory that one points into; append_argument() makes arguments of it while the value
- * lives. */
+struct held_argument
+{
+    static constexpr std::size_t count = 1;
+    KTArgument *put(KTArgument *at) const noexcept { return *at = argument, at + 1; }
+    KTArgument argument;
+};
+
+template <class First, class Second> struct held_pair
+{
+    static constexpr std::size_t count = First::count + Second::count;
+    KTArgument *put(KTArgument *at) const noexcept { return second.put(first.put(at)); }
+    First first;
+    Second second;
+};
 
 template <class T> auto hold(const T &value);
 
-inline KTArgument hold(const char *text) noexcept // and literals of any length
+/** A time as the date conversions take it. */
+struct time_stamp
 {
-    return KT_UTF8(text);
+    template <class Duration> explicit time_stamp(const Duration &since) noexcept
+    {
+        KTClockText(hold(since.count()).argument, Duration::period::num, Duration::period::den, text);
+    }
+    operator std::string_view() const noexcept { return text; }
+    char text[22];
+};
+
+/** What stands for a value of category::made. */
+template <class T> decltype(auto) made_of(const T &value)
+{
+    if constexpr (has<identity_of, T>)
+        return identified_as<T>(&value);
+    else if constexpr (!has<missing_of, T>)
+        return argument_of<T>::convert(value);
+    else if constexpr (std::is_enum_v<T>)
+        return static_cast<std::underlying_type_t<T>>(value);
+    else if constexpr (has<time_of, T>)
+        return time_stamp(value.time_since_epoch());
+    else if constexpr (has<duration_of, T>)
+        return value.count();
+    else
+        return std::string_view(value.native());
 }
+template <class T> using made = decltype(made_of(std::declval<const T &>()));
+
+template <class Made> auto hold_made(const Made &value)
+{
+    if constexpr (is_pair<Made>)
+        return held_pair<decltype(hold(value.first)), decltype(hold(value.second))>{hold(value.first),
+                                                                                    hold(value.second)};
+    else
+        return hold(value);
+}
+
+template <class T> struct held_made
+{
+    explicit held_made(const T &from) : value(made_of(from)), inner(hold_made(value)) {}
+    held_made(const held_made &) = delete;
+    held_made &operator=(const held_made &) = delete;
+    static constexpr std::size_t count = decltype(hold_made(std::declval<made<T>>()))::count;
+    KTArgument *put(KTArgument *at) const noexcept { return inner.put(at); }
+    made<T> value;
+    decltype(hold_made(value)) inner;
+};
+
 inline const char *as_chars(const void *text) noexcept // a char8_t is one as well
 {
     return static_cast<const char *>(text);
@@ -234,29 +249,10 @@ template <class Unit> KTArgument of_view(std::basic_string_view<Unit> text) noex
         return KT_UTF8N(as_chars(text.data()), size);
 }
 
-template <class First, class Second> struct held_pair
+inline held_argument hold(const char *text) noexcept // and literals of any length
 {
-    First first;
-    Second second;
-};
-
-template <class Made> auto hold_made(const Made &made)
-{
-    if constexpr (is_pair<Made>)
-        return held_pair<decltype(hold(made.first)), decltype(hold(made.second))>{hold(made.first), hold(made.second)};
-    else
-        return hold(made);
+    return {KT_UTF8(text)};
 }
-
-/** What argument_of made of a value, and the arguments that point into it. */
-template <class T> struct converted
-{
-    explicit converted(const T &from) : value(argument_of<T>::convert(from)), inner(hold_made(value)) {}
-    converted(const converted &) = delete;
-    converted &operator=(const converted &) = delete;
-    converted_of<T> value;
-    decltype(hold_made(value)) inner;
-};
 
 template <class T> auto hold(const T &value)
 {
@@ -269,48 +265,40 @@ template <class T> auto hold(const T &value)
         "clock, or specialise kelto::argument_of for it");
     if constexpr (isNone)
         return no_argument();
-    else if constexpr (kind == category::converted)
-        return converted<T>(value);
+    else if constexpr (kind == category::made)
+        return held_made<T>(value);
     else if constexpr (kind == category::identity)
-        return identified_as<T>(&value);
-    else if constexpr (kind == category::enumeration)
-        return hold(static_cast<std::underlying_type_t<T>>(value));
+        return held_argument{KT_POINTER(identity_kind, &value)};
     else if constexpr (kind == category::integer && sizeof(T) <= 4 && (std::is_signed_v<T> || sizeof(T) < 4))
-        return KT_INT(value);
+        return held_argument{KT_INT(value)};
     else if constexpr (kind == category::integer && sizeof(T) <= 4)
-        return KT_UINT(value);
+        return held_argument{KT_UINT(value)};
     else if constexpr (kind == category::integer && std::is_signed_v<T>)
-        return KT_INT64(value);
+        return held_argument{KT_INT64(value)};
     else if constexpr (kind == category::integer)
-        return KT_UINT64(value);
+        return held_argument{KT_UINT64(value)};
     else if constexpr (kind == category::character)
-        return KT_CHAR(value);
+        return held_argument{KT_CHAR(value)};
     else if constexpr (kind == category::unit)
-        return KT_UNIT(value);
+        return held_argument{KT_UNIT(value)};
     else if constexpr (kind == category::code_point)
-        return KT_CODE_POINT(value);
+        return held_argument{KT_CODE_POINT(value)};
     else if constexpr (kind == category::real)
-        return KT_DOUBLE(value);
+        return held_argument{KT_DOUBLE(value)};
     else if constexpr (kind == category::long_real)
-        return KT_LONG_DOUBLE(&value);
+        return held_argument{KT_LONG_DOUBLE(&value)};
     else if constexpr (kind == category::utf8 && std::is_pointer_v<std::decay_t<T>>)
-        return KT_UTF8(as_chars(value));
+        return held_argument{KT_UTF8(as_chars(value))};
     else if constexpr (kind == category::ucs2 && std::is_pointer_v<std::decay_t<T>>)
-        return KT_UCS2(value);
+        return held_argument{KT_UCS2(value)};
     else if constexpr (kind == category::utf8 && std::is_convertible_v<const T &, std::string_view>)
-        return of_view<char>(value);
+        return held_argument{of_view<char>(value)};
     else if constexpr (kind == category::utf8)
-        return of_view<char8>(value);
+        return held_argument{of_view<char8>(value)};
     else if constexpr (kind == category::ucs2)
-        return of_view<char16_t>(value);
-    else if constexpr (kind == category::path)
-        return of_view<char>(value.native());
-    else if constexpr (kind == category::duration)
-        return hold(value.count());
-    else if constexpr (kind == category::time)
-        return time_stamp(seconds_of(value.time_since_epoch()));
+        return held_argument{of_view<char16_t>(value)};
     else
-        return KTArgument{};
+        return held_argument{};
 }
 
 /** The arguments of a call, which live as long as it. */
@@ -320,10 +308,17 @@ struct argument_view
     std::size_t count;
 };
 
-template <std::size_t Count> struct argument_list
+/** The arguments that lie in what hold() gave. */
+template <class... Held> struct argument_list
 {
-    operator argument_view() const noexcept { return {arguments, Count}; }
-    KTArgument arguments[Count != 0 ? Count : 1];
+    explicit argument_list(const Held &...held) noexcept
+    {
+        [[maybe_unused]] KTArgument *at = arguments;
+        ((at = held.put(at)), ...);
+    }
+    operator argument_view() const noexcept { return {arguments, count}; }
+    static constexpr std::size_t count = (Held::count + ... + 0);
+    KTArgument arguments[count + 1];
 };
 
 /** How an argument is passed on: a small one by its value, a literal of any length as a pointer. */
@@ -331,44 +326,13 @@ template <class T>
 using passed = std::conditional_t<std::is_array_v<T>, std::decay_t<const T>,
                                   std::conditional_t<std::is_scalar_v<T>, T, const T &>>;
 
-template <class Held> constexpr std::size_t arguments_in = std::is_same_v<Held, no_argument> ? 0 : 1;
-template <class First, class Second>
-constexpr std::size_t arguments_in<held_pair<First, Second>> = arguments_in<First> + arguments_in<Second>;
-template <class T> constexpr std::size_t arguments_in<converted<T>> = arguments_in<decltype(converted<T>::inner)>;
-
-/** Puts the arguments that lie in what hold() gave into an array, and returns the place behind them. */
-template <class Held> KTArgument *append_argument(KTArgument *at, const Held &held) noexcept
+/** Writes an argument as the last rung and errors do, objects of the program's included; a KTArgumentFunction. */
+inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
 {
-    if constexpr (std::is_same_v<Held, KTArgument>)
-        *at = held;
-    else if constexpr (std::is_same_v<Held, time_stamp>)
-        *at = KT_UTF8(held.text);
-    else if constexpr (std::is_same_v<Held, identified>)
-        *at = KT_POINTER(identity_kind, &held);
-    return at + arguments_in<Held>;
-}
-template <class First, class Second>
-KTArgument *append_argument(KTArgument *at, const held_pair<First, Second> &held) noexcept
-{
-    return append_argument(append_argument(at, held.first), held.second);
-}
-template <class T> KTArgument *append_argument(KTArgument *at, const converted<T> &held) noexcept
-{
-    return append_argument(at, held.inner);
-}
-
-/** The arguments that lie in what hold() gave. */
-template <class... Held> argument_list<(arguments_in<Held> + ... + 0)> list(const Held &...held) noexcept
-{
-    if constexpr ((arguments_in<Held> + ... + 0) == 0)
-        return {};
-    else
-    {
-        argument_list<(arguments_in<Held> + ... + 0)> made;
-        KTArgument *at = made.arguments;
-        ((at = append_argument(at, held)), ...);
-        return made;
-    }
+    if (argument->type != KT_ARGUMENT_POINTER || argument->length != identity_kind)
+        return KTArgumentText(argument, size, out);
+    const auto *const object = static_cast<const identified *>(argument->value.p);
+    return (*object->type)(object->object, size, out);
 }
 
 /** The name of a type, as the compiler spells it behind "T = ". */
@@ -389,11 +353,7 @@ template <class T> KELTO_SELDOM int write_object(const void *object, std::size_t
 #endif
         {
             const auto made = argument_of<T>::convert(*static_cast<const T *>(object));
-            const auto held = hold(made);
-            if constexpr (std::is_same_v<decltype(held), const identified>)
-                return (*held.type)(&made, size, out);
-            else
-                return KTArgumentText(list(held).arguments, size, out);
+            return write_argument(nullptr, argument_list(hold(made)).arguments, size, out);
         }
 #if KELTO_HAS_EXCEPTIONS
         catch (...) // there is something to be said of the object all the same
@@ -423,15 +383,10 @@ struct shape
 template <class T> constexpr shape shape_of() noexcept
 {
     using bare = std::remove_cv_t<std::remove_reference_t<T>>;
-    constexpr category kind = category_of<bare>();
-    if constexpr (kind == category::converted)
-        return shape_of<converted_of<bare>>();
-    else if constexpr (kind == category::enumeration)
-        return shape_of<std::underlying_type_t<bare>>();
-    else if constexpr (kind == category::duration)
-        return shape_of<typename bare::rep>();
+    if constexpr (category_of<bare>() == category::made)
+        return shape_of<made<bare>>();
     else
-        return {kind, sizeof(bare), std::is_signed_v<bare>};
+        return {category_of<bare>(), sizeof(bare), std::is_signed_v<bare>};
 }
 
 /** Whether every value of a type can be passed for a slot. */
@@ -446,14 +401,10 @@ constexpr bool fits(unsigned slot, shape type) noexcept
             return slot == KT_SLOT_UINT32 ? type.bytes <= 4 : slot == KT_SLOT_UINT64 && type.bytes == 8;
         return type.bytes < bytes;
     }
-    constexpr category kinds[][3] = {
-        {category::character}, {category::unit, category::code_point},           {category::real},
-        {category::long_real}, {category::utf8, category::path, category::time}, {category::ucs2, category::code_point},
-        {category::identity}};
-    bool isOne = false;
-    for (const category kind : kinds[slot - KT_SLOT_CHAR])
-        isOne = isOne || (kind == type.kind && kind != category::none);
-    return isOne;
+    constexpr category kinds[] = {category::character, category::unit, category::real,    category::long_real,
+                                  category::utf8,      category::ucs2, category::identity};
+    return type.kind == kinds[slot - KT_SLOT_CHAR] ||
+           (type.kind == category::code_point && (slot == KT_SLOT_UNIT || slot == KT_SLOT_UCS2));
 }
 
 } // namespace detail

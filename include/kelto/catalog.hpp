@@ -78,31 +78,17 @@ struct catalog_options : format_options
 namespace detail
 {
 
-/** What the functions that the library calls back know of a catalog; at one place as long as it is open. */
-struct catalog_functions
-{
-    callback<void(const problem &)> on_problem;
-    std::shared_ptr<table_state> table;
-};
-
 template <bool Catches> void tell(void *context, const KTCatalogProblem *told) noexcept
 {
-    running *const call = running::innermost();
-    if (call != nullptr)
-        call->thrown = nullptr; // while the sentence was made, after what had been thrown was asked for
+    if (thrown() != nullptr)
+        *thrown() = nullptr; // while the sentence was made, after what had been thrown was asked for
     guarded<Catches>([&] {
         const bool fits = told->id >= 0 && told->id <= UINT32_MAX;
-        static_cast<const catalog_functions *>(context)->on_problem(
-            {told->catalog, told->language, told->file, fits ? static_cast<std::uint32_t>(told->id) : UINT32_MAX,
-             make_error(told->result), told->text});
+        static_cast<const used *>(context)->on_problem({told->catalog, told->language, told->file,
+                                                        fits ? static_cast<std::uint32_t>(told->id) : UINT32_MAX,
+                                                        make_error(told->result), told->text});
         return 0;
     });
-}
-
-inline bool has_thrown(void *) noexcept
-{
-    const running *const call = running::innermost();
-    return call != nullptr && call->thrown != nullptr;
 }
 
 } // namespace detail
@@ -111,7 +97,7 @@ inline bool has_thrown(void *) noexcept
  * Messages by number, in all the languages that a user may be given; see "The ladder" in kelto.h. There is a text
  * for each number, at last "[store 3: report.txt, 12]".
  */
-class catalog
+class catalog : detail::text_source
 {
 public:
     /**
@@ -120,14 +106,16 @@ public:
      * source.
      * @param name       the name of the catalog, without a '/'.
      * @param directory  the folder that holds a folder per language.
-     * @param failure    set where the library cannot be started, or where name or directory are impossible.
+     * @param failure    a std::error_code: set where the library cannot be started, or where name or directory are
+     *                   impossible. Without one that is thrown.
      */
-    static catalog find(const std::string &name, const std::string &directory, const catalog_options &options,
-                        std::error_code &failure)
+    static catalog find(const std::string &name, const std::string &directory,
+                        const catalog_options &options KELTO_OR_THROW, detail::outcome failure KELTO_OR_THROW)
     {
-        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
-            return KTOpenCatalog(directory.c_str(), name.c_str(), &given, opened);
-        });
+        return opened(options, failure, {"catalog::find(\"", name, "\", \"", directory, "\")"},
+                      [&](auto &given, auto **catalog) {
+                          return KTOpenCatalog(directory.c_str(), name.c_str(), &given, catalog);
+                      });
     }
     static catalog find(const std::string &name, const std::string &directory, std::error_code &failure)
     {
@@ -138,11 +126,11 @@ public:
      * One file, "….ktc" or "….xlf", as the only language; failure is set where it cannot be loaded, and the catalog
      * then gives the texts in the source.
      */
-    static catalog load(const std::string &path, const catalog_options &options, std::error_code &failure)
+    static catalog load(const std::string &path, const catalog_options &options KELTO_OR_THROW,
+                        detail::outcome failure KELTO_OR_THROW)
     {
-        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
-            return KTOpenCatalogFile(path.c_str(), &given, opened);
-        });
+        return opened(options, failure, {"catalog::load(\"", path, "\")"},
+                      [&](auto &given, auto **catalog) { return KTOpenCatalogFile(path.c_str(), &given, catalog); });
     }
     static catalog load(const std::string &path, std::error_code &failure) { return load(path, {}, failure); }
 
@@ -150,11 +138,11 @@ public:
      * A compiled catalog that is a part of the program, as the only language: see KTLoadCompiledData(). The data is
      * read during the call.
      */
-    static catalog embedded(const std::string &name, const void *data, std::size_t size, const catalog_options &options,
-                            std::error_code &failure)
+    static catalog embedded(const std::string &name, const void *data, std::size_t size,
+                            const catalog_options &options KELTO_OR_THROW, detail::outcome failure KELTO_OR_THROW)
     {
-        return open(options, failure, [&](const KTCatalogOptions &given, KTCatalog **opened) {
-            return KTOpenCatalogData(name.c_str(), data, size, &given, opened);
+        return opened(options, failure, {"catalog::embedded(\"", name, "\")"}, [&](auto &given, auto **catalog) {
+            return KTOpenCatalogData(name.c_str(), data, size, &given, catalog);
         });
     }
     static catalog embedded(const std::string &name, const void *data, std::size_t size, std::error_code &failure)
@@ -162,47 +150,10 @@ public:
         return embedded(name, data, size, {}, failure);
     }
 
-#if KELTO_HAS_EXCEPTIONS
-    static catalog find(const std::string &name, const std::string &directory, const catalog_options &options = {})
-    {
-        std::error_code failure;
-        catalog found = find(name, directory, options, failure);
-        const bool isName = !name.empty() && name.find('/') == std::string::npos;
-        if (failure)
-            detail::throw_told(failure.value(), {"kelto::catalog::find(\"", name, "\", \"", directory, "\"): ",
-                                                 !isName ? "the name of a catalog has no '/' and is not empty"
-                                                 : directory.empty() ? "the directory is not empty"
-                                                                     : KTResultText(failure.value())});
-        return found;
-    }
-    static catalog load(const std::string &path, const catalog_options &options = {})
-    {
-        std::error_code failure;
-        catalog loaded = load(path, options, failure);
-        if (failure)
-            detail::throw_told(failure.value(),
-                               {"kelto::catalog::load(\"", path, "\"): ", KTResultText(failure.value())});
-        return loaded;
-    }
-    static catalog embedded(const std::string &name, const void *data, std::size_t size,
-                            const catalog_options &options = {})
-    {
-        std::error_code failure;
-        catalog loaded = embedded(name, data, size, options, failure);
-        if (failure)
-            detail::throw_told(failure.value(),
-                               {"kelto::catalog::embedded(\"", name, "\"): ", KTResultText(failure.value())});
-        return loaded;
-    }
-#endif
-
     /* In front of the arguments a text in the source may stand: KELTO_DEFAULT("…") or unchecked("…"). */
 
     /** The text of a message. */
-    std::string format(message_id id) const
-    {
-        return make<char>(request(id, {}, {nullptr, 0}));
-    }
+    std::string format(message_id id) const { return make<char>(ask(id, {}, {nullptr, 0})); }
     template <class First, class... Others>
     __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
         KELTO_WARN_OF_FORGOTTEN(first)
@@ -217,7 +168,8 @@ public:
     /** The text of a message in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(message_id id, const Arguments &...arguments) const
     {
-        return make<char16_t>(request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
+        return make<char16_t>(
+            ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /**
@@ -228,7 +180,7 @@ public:
     decltype(auto) format_to(Output &&out, message_id id, const Arguments &...arguments) const
     {
         return put(std::forward<Output>(out),
-                   request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
+                   ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
@@ -236,18 +188,14 @@ public:
     format_to_n_result<Output> format_to_n(Output out, std::size_t most, message_id id,
                                            const Arguments &...arguments) const
     {
-        detail::text_buffer<char> text;
-        fill(text, request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)));
-        return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
+        return put_n(out, most,
+                     ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** The bytes of the text. */
     template <class... Arguments> std::size_t formatted_size(message_id id, const Arguments &...arguments) const
     {
-        std::size_t size = 0;
-        write<char>(request(id, detail::source_of(arguments...), detail::list(detail::hold(arguments)...)), &size,
-                    nullptr);
-        return size;
+        return measure(ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** A message as it stands in the first language that has it; empty where none has. It lives as long as the catalog.
@@ -260,120 +208,43 @@ public:
     }
 
     /** The first language of which there are messages, as "de" or "de_AT"; empty where there is none. */
-    std::string language() const
-    {
-        return KTCatalogLanguage(catalog_.get());
-    }
+    std::string language() const { return KTCatalogLanguage(catalog_.get()); }
 
     /** For calls of the C interface, as long as this object lives; null of one that was moved from. */
-    const KTCatalog *get() const noexcept
-    {
-        return catalog_.get();
-    }
+    const KTCatalog *get() const noexcept { return catalog_.get(); }
 
 private:
     catalog() = default;
 
     template <class Open, bool Catches = KELTO_HAS_EXCEPTIONS>
-    static catalog open(const catalog_options &options, std::error_code &failure, Open call)
+    static catalog opened(const catalog_options &options, detail::outcome failure,
+                          std::initializer_list<std::string_view> what, const Open &call)
     {
-        const detail::call_options shared(options);
-        catalog opened;
-        KTCatalogOptions given = shared.given;
+        KTCatalogOptions given = {};
         given.languages = options.languages.empty() ? nullptr : options.languages.c_str();
         given.sourceLanguage = options.source_language.c_str();
         given.conversions = options.conversions.function;
         given.conversionsContext = options.conversions.context.get();
-        opened.conversions_ = options.conversions.context;
-        if (options.on_problem || shared.table != nullptr)
-        {
-            opened.functions_.reset(new detail::catalog_functions{options.on_problem, shared.table});
-            given.context = opened.functions_.get();
-            given.onProblem = options.on_problem ? detail::tell<Catches> : nullptr;
-            given.isStopped = detail::has_thrown;
-        }
-        detail::running around(shared.table.get());
-        KTCatalog *there = nullptr;
-        failure = make_error(call(given, &there));
-        opened.catalog_.reset(there);
-        around.rethrow();
-        return opened;
+        given.onProblem = options.on_problem ? detail::tell<Catches> : nullptr;
+        catalog made;
+        const int result = made.open(options, given, {nullptr, options.conversions.context, options.on_problem}, call);
+        failure.set(result, what, result != 0 ? made.explain(result, nullptr).c_str() : "");
+        return made;
     }
 
-    static KTCatalogRequest request(message_id id, std::string_view source, const detail::argument_view &view) noexcept
+    static detail::text_request ask(message_id id, std::string_view source, const detail::argument_view &view) noexcept
     {
-        return {sizeof(KTCatalogRequest),
-                static_cast<std::int64_t>(id.bits_),
-                !id.isNegative_,
-                source.data(),
-                source.size(),
-                view.arguments,
-                view.count};
-    }
-
-    template <class Unit> int call_library(const KTCatalogRequest &request, std::size_t *size, Unit *out) const noexcept
-    {
-        if constexpr (std::is_same_v<Unit, char>)
-            return KTCatalogFormatRequestUTF8(catalog_.get(), &request, size, out);
-        else
-            return KTCatalogFormatRequest(catalog_.get(), &request, size, out);
-    }
-
-    /** Has the library write a text. */
-    template <class Unit> int write(const KTCatalogRequest &request, std::size_t *size, Unit *out) const
-    {
-        return functions_ != nullptr ? write_running(request, size, out) : call_library(request, size, out);
-    }
-
-    /** Likewise with functions of the program's: where the library stopped since one threw, that is thrown again. */
-    template <class Unit>
-    KELTO_OUT_OF_LINE int write_running(const KTCatalogRequest &request, std::size_t *size, Unit *out) const
-    {
-        detail::running around(functions_->table.get());
-        const int result = call_library(request, size, out);
-        if (result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
-            around.rethrow();
-        return result;
-    }
-
-    template <class Unit> void fill(detail::text_buffer<Unit> &text, const KTCatalogRequest &request) const
-    {
-        text.fill([&](std::size_t *size, Unit *out) { return write(request, size, out); });
-    }
-
-    template <class Unit> KELTO_OUT_OF_LINE std::basic_string<Unit> make(const KTCatalogRequest &request) const
-    {
-        detail::text_buffer<Unit> text;
-        fill(text, request);
-        return text.take();
+        return {{sizeof(KTCatalogRequest), static_cast<std::int64_t>(id.bits_), !id.isNegative_, source.data(),
+                 source.size(), view.arguments, view.count},
+                nullptr};
     }
 
     /** One function for all calls with arguments of the same types, so that each call compiles to little. */
     template <class... Arguments>
     KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
     {
-        return make<char>(request(id, source, detail::list(detail::hold(arguments)...)));
+        return make<char>(ask(id, source, detail::argument_list(detail::hold(arguments)...)));
     }
-
-    template <class Output> decltype(auto) put(Output &&out, const KTCatalogRequest &request) const
-    {
-        if constexpr (detail::is_line<Output>)
-        {
-            std::size_t size = sizeof out;
-            const bool isCut = write(request, &size, out) == KT_ERR_BUFFER_TOO_SMALL;
-            return cut_text{{out, isCut ? std::strlen(out) : size}, size};
-        }
-        else
-        {
-            detail::text_buffer<char> text;
-            fill(text, request);
-            return detail::hand_over(std::forward<Output>(out), text.view());
-        }
-    }
-
-    std::shared_ptr<void> conversions_;
-    std::unique_ptr<detail::catalog_functions> functions_; // outlive what calls them
-    std::unique_ptr<KTCatalog, detail::freed_by<KTCloseCatalog>> catalog_;
 };
 
 } // namespace kelto

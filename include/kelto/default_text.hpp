@@ -269,11 +269,11 @@ constexpr types<First..., Second...> operator+(types<First...>, types<Second...>
 /** The types that an argument goes over as: of a pair both, and those of what these are made of. */
 template <class T, class As = T> constexpr auto types_of() noexcept
 {
-    using made = std::decay_t<const As>;
-    if constexpr (is_pair<made>)
-        return types_of<typename made::first_type>() + types_of<typename made::second_type>();
-    else if constexpr (category_of<made>() == category::converted)
-        return types_of<T, converted_of<made>>();
+    using bare = std::decay_t<const As>;
+    if constexpr (is_pair<bare>)
+        return types_of<typename bare::first_type>() + types_of<typename bare::second_type>();
+    else if constexpr (category_of<bare>() == category::made)
+        return types_of<T, made<bare>>();
     else
         return types<std::decay_t<const T>>();
 }

@@ -24,10 +24,13 @@
 #include <type_traits>
 #include <utility>
 
+/** KELTO_OR_THROW is the default of a parameter without which a failure is thrown. */
 #if defined(__cpp_exceptions)
 #define KELTO_HAS_EXCEPTIONS true
+#define KELTO_OR_THROW = {}
 #else
 #define KELTO_HAS_EXCEPTIONS false
+#define KELTO_OR_THROW
 #endif
 
 /** For what is kept out of the calls, so that each call compiles fast and to little code. */
@@ -92,17 +95,8 @@ public:
     std::string message(int result) const override { return KTResultText(result); }
     std::error_condition default_error_condition(int result) const noexcept override
     {
-        switch (result)
-        {
-        case KT_ERR_NO_MEMORY:
-            return std::errc::not_enough_memory;
-        case KT_ERR_FILE_UNAVAILABLE:
-            return std::errc::no_such_file_or_directory;
-        case KT_ERR_INVALID_PARAMETER:
-            return std::errc::invalid_argument;
-        default:
-            return {result, *this};
-        }
+        const int same = KTResultErrno(result);
+        return same != 0 ? std::error_condition(same, std::generic_category()) : std::error_condition(result, *this);
     }
 };
 
@@ -143,34 +137,42 @@ private:
     std::runtime_error what_; // a text whose copies cannot fail
 };
 
-[[noreturn]] KELTO_SELDOM inline void throw_told(int result, std::initializer_list<std::string_view> parts)
-{
-    std::string what;
-    for (const std::string_view part : parts)
-        what.append(part.data(), part.size());
-    throw told_error{make_error(result), what};
-}
 #endif
+
+/** Where a failure goes: into the error code of a caller who brings one, else it is thrown. */
+class outcome
+{
+public:
+    outcome(std::error_code &failure) noexcept : failure_(&failure) {}
+#if KELTO_HAS_EXCEPTIONS
+    outcome() noexcept = default;
+#endif
+    /** Says a result of the function whose call stands in the parts, and why it is that. */
+    void set(int result, [[maybe_unused]] std::initializer_list<std::string_view> parts,
+             [[maybe_unused]] const char *why) const
+    {
+#if KELTO_HAS_EXCEPTIONS
+        if (failure_ == nullptr && result != 0)
+        {
+            std::string what = "kelto::";
+            for (const std::string_view part : parts)
+                what += part;
+            throw told_error{make_error(result), what + ": " + why};
+        }
+#endif
+        if (failure_ != nullptr)
+            *failure_ = make_error(result);
+    }
+
+private:
+    std::error_code *failure_ = nullptr;
+};
 
 /** Frees a handle of the C interface by its function. */
 template <auto Free> struct freed_by
 {
     template <class Handle> void operator()(Handle *handle) const noexcept { Free(handle); }
 };
-
-/** One use of the library, or none. */
-struct end_use
-{
-    void operator()(const char *) const noexcept { KTEndUse(); }
-};
-using use = std::unique_ptr<const char, end_use>;
-
-inline int begin(use &held) noexcept
-{
-    const int result = KTBeginUse();
-    held.reset(result == 0 ? "held" : nullptr);
-    return result;
-}
 
 } // namespace detail
 
@@ -181,17 +183,16 @@ inline int begin(use &held) noexcept
 class library
 {
 public:
-    explicit library(std::error_code &failure) noexcept { failure = make_error(detail::begin(use_)); }
-#if KELTO_HAS_EXCEPTIONS
-    library()
+    library(detail::outcome failure KELTO_OR_THROW)
     {
-        if (const int result = detail::begin(use_))
-            detail::throw_told(result, {"kelto::library: ", KTResultText(result)});
+        const int result = KTBeginUse();
+        use_.reset(result == 0 ? this : nullptr);
+        failure.set(result, {"library"}, KTResultText(result));
     }
-#endif
 
 private:
-    detail::use use_;
+    static void end(library *) noexcept { KTEndUse(); }
+    std::unique_ptr<library, detail::freed_by<end>> use_;
 };
 
 } // namespace kelto

@@ -11,7 +11,6 @@
 #include "argument.hpp"
 
 #include <exception>
-#include <tuple>
 
 namespace kelto
 {
@@ -29,54 +28,37 @@ struct conversion_spec
 namespace detail
 {
 
-struct call_options;
-struct table_state;
+class text_source;
 
 constexpr std::uint32_t running_kind = 0x6B2B2B03;
 
 /**
- * A call in this thread. What runs during it finds the table here, since an encoder is told nothing of its own. Calls
- * may lie in each other, where a conversion formats something itself.
+ * What a function of the program threw during the call of this layer that runs in this thread; null outside of one.
+ * Calls may lie in each other, where a conversion formats something itself.
  */
-class running
+inline std::exception_ptr *thrown() noexcept
 {
-public:
-    explicit running(const table_state *of) noexcept : table(of) { KTEnterCall(&context_); }
-    ~running() { end(); }
-    running(const running &) = delete;
-    running &operator=(const running &) = delete;
+    return static_cast<std::exception_ptr *>(KTCallValue(running_kind));
+}
 
-    static running *innermost() noexcept { return static_cast<running *>(KTCallValue(running_kind)); }
-
-    /** Throws again what a function of the program threw during the call. */
-    void rethrow()
-    {
-        if (thrown == nullptr)
-            return;
-        const std::exception_ptr own = std::exchange(thrown, nullptr);
-        end(); // here, since frames without exceptions call no destructors
+/** Makes a call of the library. Where it has no text for an answer, what was thrown during it is thrown again. */
+template <class Call> int call_throwing(const Call &call)
+{
+    std::exception_ptr own;
+    KTCallContext context = {running_kind, &own, nullptr};
+    KTEnterCall(&context);
+    const int result = call();
+    KTLeaveCall(&context);
+    if (own != nullptr && result != 0 && result != KT_ERR_BUFFER_TOO_SMALL)
         std::rethrow_exception(own);
-    }
-
-    const table_state *const table;
-    std::exception_ptr thrown;
-
-private:
-    void end() noexcept
-    {
-        if (std::exchange(isEntered_, false))
-            KTLeaveCall(&context_);
-    }
-
-    KTCallContext context_ = {running_kind, this, nullptr};
-    bool isEntered_ = true;
-};
+    return result;
+}
 
 /**
  * Calls a function of the program; what it throws is kept. In a program of sources with and without exceptions, the
  * linker takes an inline function from any of them: by its parameter this one stays that of the source that throws.
  */
-template <bool Catches, class Function> int guarded(Function function) noexcept
+template <bool Catches, class Function> int guarded(const Function &function) noexcept
 {
 #if KELTO_HAS_EXCEPTIONS
     static_assert(Catches);
@@ -86,9 +68,8 @@ template <bool Catches, class Function> int guarded(Function function) noexcept
     }
     catch (...)
     {
-        running *const call = running::innermost();
-        if (call != nullptr && call->thrown == nullptr)
-            call->thrown = std::current_exception();
+        if (thrown() != nullptr && *thrown() == nullptr)
+            *thrown() = std::current_exception();
         return KT_ERR_CONVERSION_FAILED;
     }
 #else
@@ -96,124 +77,17 @@ template <bool Catches, class Function> int guarded(Function function) noexcept
 #endif
 }
 
-template <class = void> std::u16string to_ucs2(std::u16string_view text)
-{
-    return std::u16string(text);
-}
-
-template <class = void> KELTO_SELDOM std::u16string to_ucs2(std::string_view text)
-{
-    const std::string terminated(text.substr(0, text.find('\0')));
-    std::u16string units(terminated.size(), u'\0');
-    std::size_t size = units.size() + 1;
-    units.resize(KTUTF8ToUCS2(terminated.c_str(), &size, units.data()) == 0 ? size : 0);
-    return units;
-}
-
-template <class = void> KELTO_SELDOM std::string to_utf8(std::u16string_view text)
-{
-    const std::u16string terminated(text.substr(0, text.find(u'\0')));
-    std::string bytes(3 * terminated.size(), '\0');
-    std::size_t size = bytes.size() + 1;
-    bytes.resize(KTUCS2ToUTF8(terminated.c_str(), &size, bytes.data()) == 0 ? size : 0);
-    return bytes;
-}
-
-/** A name as a record has it; the first member of what knows the conversion, to be found by the name's address. */
-struct conversion;
-struct named
-{
-    char name[21]; // one more than a name can have, so that a longer one is seen
-    const conversion *owner;
-};
-
-struct conversion
-{
-    named id = {};
-    const int *types = nullptr; // ended by 0
-    int count = 0;
-    callback<int(const conversion_spec &, KTEncoder, void **given, unsigned long *size, UCS2 *out)> write;
-    std::unique_ptr<conversion> next;
-};
-
-/** A form table with all that its records point to. */
-struct table_state
-{
-    use held;
-    formTable table = {};
-    std::unique_ptr<KTFormatter[]> records;
-    std::unique_ptr<conversion> first;
-    std::size_t count = 0;
-    callback<int(const void *value, int dataType, unsigned long *size, UCS2 *out)> encode;
-    bool encodes_everywhere = false;
-};
-
-/** The encoder of all tables of this layer; only the calls of this layer can use it. */
-KELTO_SHARED inline int encode(const void *value, int dataType, unsigned long *size, UCS2 *out)
-{
-    const running *const call = running::innermost();
-    if (call != nullptr && call->table != nullptr && call->table->encode)
-        return call->table->encode(value, dataType, size, out);
-    *size = 0;
-    return KT_ERR_INVALID_PARAMETER;
-}
-
-/** The function in all records of this layer. */
-KELTO_SHARED inline int convert(const char *name, int width, int precision, int flags, KTEncoder encoder,
-                                void *passThrough, void **given, unsigned long *size, UCS2 *out)
-{
-    const conversion &own = *reinterpret_cast<const named *>(name)->owner;
-    return own.write({name, width, precision, flags, passThrough}, encoder, given, size, out);
-}
-
-/** Calls the program's encoder under the protocol of a KTEncoder. */
-template <bool Catches, class Function> struct own_encoder
-{
-    Function function;
-
-    int operator()(const void *value, int dataType, unsigned long *size, UCS2 *out)
-    {
-        const unsigned long room = std::exchange(*size, 0);
-        return guarded<Catches>([&] {
-            const UCS2 character[2] = {dataType == KT_ENCODE_CHARACTER
-                                           ? static_cast<UCS2>(*static_cast<const unsigned char *>(value))
-                                           : *static_cast<const UCS2 *>(value)};
-            std::u16string text = dataType == KT_ENCODE_UCS2 ? static_cast<const UCS2 *>(value) : character;
-            const bool isHalf = dataType == KT_ENCODE_UNIT && (*character & 0xF800) == 0xD800;
-            // Half of a character has nothing to encode.
-            if constexpr (std::is_invocable_v<Function &, std::string_view>)
-                text = isHalf ? text : to_ucs2(function(std::string_view(to_utf8(text))));
-            else
-                text = isHalf ? text : to_ucs2(function(std::u16string_view(text)));
-            text.copy(out, room < text.size() ? room : text.size());
-            *size = text.size();
-            return 0;
-        });
-    }
-};
-
-/** Cuts and pads a text as "%s" does. */
-template <class Text> void lay_out(const conversion_spec &spec, Text &text)
-{
-    if (spec.precision >= 0 && text.size() > static_cast<std::size_t>(spec.precision))
-        text.resize(static_cast<std::size_t>(spec.precision));
-    if (spec.width <= 0 || text.size() >= static_cast<std::size_t>(spec.width))
-        return;
-    const std::size_t padding = static_cast<std::size_t>(spec.width) - text.size();
-    text.insert((spec.flags & FLAG_MINUS) != 0 ? text.size() : 0, padding, (spec.flags & FLAG_ZERO) != 0 ? u'0' : u' ');
-}
-
-/** How a type stands in a record, and how its value is read from a slot, whatever size the conversion names. */
+/** How a type stands in a record, and how its value is read, whatever size the conversion names. */
 template <class Value> struct own_value
 {
-    static constexpr category kind = category_of<Value>();
+    static constexpr bool is_object = has<identity_of, Value>;
+    static constexpr category kind = is_object ? category::identity : category_of<Value>();
     static constexpr bool is_view = std::is_class_v<Value> && (kind == category::utf8 || kind == category::ucs2);
-    static_assert(kind == category::identity || kind == category::integer || kind == category::real ||
-                      kind == category::unit || is_view,
+    static_assert(is_object || kind == category::integer || kind == category::real || kind == category::unit || is_view,
                   "kelto: a conversion of your own takes an integer, a double, a char16_t, a std::string_view, a "
                   "std::u16string_view, or a type whose kelto::argument_of derives from kelto::by_identity");
 
-    static constexpr int type = kind == category::identity                             ? KT_ARG_POINTER
+    static constexpr int type = is_object                                              ? KT_ARG_POINTER
                                 : kind == category::integer && std::is_signed_v<Value> ? KT_ARG_SIGNED
                                 : kind == category::integer                            ? KT_ARG_UNSIGNED
                                 : kind == category::real                               ? KT_ARG_DOUBLE
@@ -221,71 +95,66 @@ template <class Value> struct own_value
                                 : kind == category::utf8                               ? KT_ARG_UTF8
                                                                                        : KT_ARG_UCS2;
 
-    /** The value, or null where the slot has none of this type. */
-    const Value *read(void **slot, int flags)
+    static bool is_in(const KTValue &given) noexcept
     {
-        const KTValue value = KTSlotArgument(slot, type, flags).value;
-        if constexpr (kind == category::identity)
-        {
-            const auto *const object = static_cast<const identified *>(KTPointerOfKind(slot, identity_kind));
-            const bool isRight = object != nullptr && is_of_type<Value>(*object);
-            return isRight ? static_cast<const Value *>(object->object) : nullptr;
-        }
-        else if constexpr (is_view)
-            return &(copy_ = static_cast<const typename Value::value_type *>(value.p));
-        else if constexpr (kind == category::real)
-            return &(copy_ = static_cast<Value>(value.d));
+        if constexpr (is_object)
+            return is_of_type<Value>(*static_cast<const identified *>(given.p));
+        else if constexpr (is_view || kind == category::real)
+            return true;
         else
-        {
-            copy_ = static_cast<Value>(value.u);
-            return static_cast<std::uint64_t>(copy_) == value.u ? &copy_ : nullptr;
-        }
+            return static_cast<std::uint64_t>(static_cast<Value>(given.u)) == given.u;
     }
-
-private:
-    std::conditional_t<kind == category::identity, no_argument, Value> copy_ = {};
+    static decltype(auto) read(const KTValue &given)
+    {
+        if constexpr (is_object)
+            return *static_cast<const Value *>(static_cast<const identified *>(given.p)->object);
+        else if constexpr (is_view)
+            return Value(static_cast<const typename Value::value_type *>(given.p));
+        else if constexpr (kind == category::real)
+            return static_cast<Value>(given.d);
+        else
+            return static_cast<Value>(given.u);
+    }
 };
 
-/** Reads the values of a conversion and calls the program's function with them, and with a conversion_spec if it wants
- * one; under the protocol of a KTFormatFunction. */
-template <bool Catches, class Function, class... Values> struct own_conversion
+/** A conversion, or an encoder, which has one text for its values: a function with its state, as a KTOwnFunction. */
+template <bool Catches, class Function, class... Values> struct own_function
 {
     static constexpr int types[] = {own_value<Values>::type..., KT_ARG_END};
     Function function;
 
-    int operator()(const conversion_spec &spec, KTEncoder encoder, void **given, unsigned long *size, UCS2 *out)
+    static void destroy(void *own) noexcept { delete static_cast<own_function *>(own); }
+    static int run(void *own, KTOwnCall *call) noexcept
     {
-        const unsigned long room = std::exchange(*size, 0);
-        return guarded<Catches>([&]() -> int {
-            std::u16string text;
-            if (!make(text, spec, given, std::index_sequence_for<Values...>()))
-                return KT_ERR_INVALID_PARAMETER;
-            *size = room;
-            void *units = text.data();
-            return formatUCS2Str(nullptr, KT_ABSENT, KT_ABSENT, spec.flags, encoder, nullptr, &units, size, out);
-        });
+        return guarded<Catches>(
+            [&] { return static_cast<own_function *>(own)->read(*call, std::index_sequence_for<Values...>()); });
     }
 
-    /** Makes the text; false where a value has another type. */
-    template <std::size_t... Index>
-    bool make(std::u16string &text, const conversion_spec &spec, void **given, std::index_sequence<Index...>)
+private:
+    template <std::size_t... Index> int read(KTOwnCall &call, std::index_sequence<Index...>)
     {
-        std::tuple<own_value<Values>...> values;
-        const std::tuple<const Values *...> found = {std::get<Index>(values).read(given + Index, spec.flags)...};
-        if (!(... && (std::get<Index>(found) != nullptr)))
-            return false;
-        if constexpr (std::is_invocable_v<Function &, const Values &..., const conversion_spec &>)
-            text = to_ucs2(function(*std::get<Index>(found)..., spec));
-        else
-        {
-            static_assert(
-                std::is_invocable_v<Function &, const Values &...>,
-                "kelto: the function of a conversion takes its values, and a conversion_spec if it wants one");
-            text = to_ucs2(function(*std::get<Index>(found)...));
-            lay_out(spec, text);
-        }
-        return true;
+        return (own_value<Values>::is_in(call.arguments[Index].value) && ...)
+                   ? write(call, own_value<Values>::read(call.arguments[Index].value)...)
+                   : int{KT_ERR_INVALID_PARAMETER};
     }
+
+    int write(KTOwnCall &call, const Values &...values)
+    {
+        constexpr bool wantsSpec = std::is_invocable_v<Function &, const Values &..., const conversion_spec &>;
+        static_assert(wantsSpec || std::is_invocable_v<Function &, const Values &...>,
+                      "kelto: the function of a conversion takes its values, and a conversion_spec if it wants one");
+        if constexpr (wantsSpec)
+        {
+            const conversion_spec spec = {call.name, std::exchange(call.width, KT_ABSENT),
+                                          std::exchange(call.precision, KT_ABSENT), call.flags, call.passThru};
+            return give(call, function(values..., spec));
+        }
+        else
+            return give(call, function(values...));
+    }
+
+    static int give(KTOwnCall &call, std::string_view text) { return KTGiveText(&call, of_view(text)); }
+    static int give(KTOwnCall &call, std::u16string_view text) { return KTGiveText(&call, of_view(text)); }
 };
 
 } // namespace detail
@@ -302,13 +171,13 @@ public:
     form_table(form_table &&) noexcept = default;
     form_table &operator=(form_table &&) noexcept = default;
 
-    /** The table for calls of the C interface, as long as this object lives. Its encoder fails there. */
-    formTable *get() const noexcept { return state_ != nullptr ? &state_->table : nullptr; }
+    /** The table for calls of the C interface, as long as this object lives. Its encoder needs typed arguments. */
+    formTable *get() const noexcept { return table_.get(); }
 
 private:
-    friend struct detail::call_options;
-    explicit form_table(std::shared_ptr<detail::table_state> state) noexcept : state_(std::move(state)) {}
-    std::shared_ptr<detail::table_state> state_;
+    friend detail::text_source;
+    explicit form_table(std::shared_ptr<formTable> table) noexcept : table_(std::move(table)) {}
+    std::shared_ptr<formTable> table_;
 };
 
 /**
@@ -338,18 +207,9 @@ public:
     template <class... Values, class Function, bool Catches = KELTO_HAS_EXCEPTIONS>
     builder &add(std::string_view name, Function function)
     {
-        using own_conversion = detail::own_conversion<Catches, Function, Values...>;
-        auto own = std::make_unique<detail::conversion>();
-        name.copy(own->id.name, sizeof own->id.name - 1);
-        own->id.owner = own.get();
-        own->types = own_conversion::types;
-        own->count = static_cast<int>(sizeof...(Values));
-        own->write = own_conversion{std::move(function)};
-        auto *place = &state<>().first;
-        while (*place != nullptr)
-            place = &(*place)->next;
-        *place = std::move(own);
-        ++state<>().count;
+        using own = detail::own_function<Catches, Function, Values...>;
+        KTAddConversion(table<>(), std::string(name).c_str(), own::types, detail::identity_kind, own::run,
+                        new own{std::move(function)}, own::destroy);
         return *this;
     }
 
@@ -360,12 +220,16 @@ public:
      */
     template <class Function, bool Catches = KELTO_HAS_EXCEPTIONS> builder &with_encoder(Function function)
     {
-        constexpr bool isEncoder =
-            std::is_invocable_v<Function &, std::string_view> || std::is_invocable_v<Function &, std::u16string_view>;
+        constexpr bool takesUTF8 = std::is_invocable_v<Function &, std::string_view>;
+        constexpr bool isEncoder = takesUTF8 || std::is_invocable_v<Function &, std::u16string_view>;
         static_assert(isEncoder,
                       "kelto: an encoder takes a std::string_view or a std::u16string_view and gives a text");
         if constexpr (isEncoder)
-            state<>().encode = detail::own_encoder<Catches, Function>{std::move(function)};
+        {
+            using text = std::conditional_t<takesUTF8, std::string_view, std::u16string_view>;
+            using own = detail::own_function<Catches, Function, text>;
+            KTSetEncoder(table<>(), *own::types, own::run, new own{std::move(function)}, own::destroy);
+        }
         return *this;
     }
 
@@ -373,9 +237,9 @@ public:
      * Every argument goes through the encoder, in an encoded region or not: a translation that leaves the region out
      * then changes nothing. What HTML, shells and SQL need.
      */
-    template <class = void> builder &encode_everywhere()
+    builder &encode_everywhere() noexcept
     {
-        state<>().encodes_everywhere = true;
+        options_ = KT_ENCODE_ALL;
         return *this;
     }
 
@@ -392,60 +256,32 @@ public:
 
     /**
      * The table; null inside, and failure set, where a name is impossible, the chained table is refused, or there is
-     * no encoder for encode_everywhere().
+     * no encoder for encode_everywhere(). Without a failure to be set it throws.
      */
-    template <class = void> form_table build(std::error_code &failure)
+    template <class = void> form_table build(detail::outcome failure KELTO_OR_THROW)
     {
-        char why[1];
-        return build(failure, why, sizeof why);
-    }
-
-#if KELTO_HAS_EXCEPTIONS
-    template <class = void> form_table build()
-    {
-        std::error_code failure;
+        table<>();
+        const std::shared_ptr<KTOwnTable> own = std::exchange(table_, nullptr);
+        formTable *made = nullptr;
         char why[1024];
-        form_table table = build(failure, why, sizeof why);
-        if (failure)
-            detail::throw_told(failure.value(), {"kelto::form_table: ", why});
-        return table;
+        std::size_t size = sizeof why;
+        const int result = KTFinishOwnTable(own.get(), next_, std::exchange(options_, 0U), &made, &size, why);
+        failure.set(result, {"form_table"}, why);
+        return form_table(std::shared_ptr<formTable>(own, made));
     }
-#endif
 
 private:
     /** What is being built. */
-    template <class State = detail::table_state> State &state()
+    template <class = void> KTOwnTable *table()
     {
-        if (state_ == nullptr)
-            state_ = std::make_shared<State>();
-        return *state_;
+        if (table_ == nullptr)
+            table_.reset(KTNewOwnTable(), KTFreeOwnTable);
+        return table_.get();
     }
 
-    template <class = void> form_table build(std::error_code &failure, char *why, std::size_t room)
-    {
-        state<>();
-        const std::shared_ptr<detail::table_state> own = std::exchange(state_, nullptr);
-        int result = detail::begin(own->held);
-        own->table.nextTable = next_;
-        if (result == 0 && next_ == nullptr)
-            result = KTGetBuiltInFormTable(0, &own->table.nextTable);
-        *why = '\0';
-        if (result != 0)
-            why[std::string_view(KTResultText(result)).copy(why, room - 1)] = '\0';
-        own->records = std::make_unique<KTFormatter[]>(own->count + 1);
-        KTFormatter *record = own->table.formList = own->records.get();
-        for (const detail::conversion *each = own->first.get(); each != nullptr; each = each->next.get())
-            *record++ = {each->id.name, nullptr, each->count, each->types, detail::convert};
-        own->table.encoder = own->encode ? detail::encode : nullptr;
-        const unsigned options = own->encodes_everywhere ? static_cast<unsigned>(KT_ENCODE_ALL) : 0U;
-        if (result == 0)
-            result = KTExplainFormTable(&own->table, detail::convert, options, &room, why);
-        failure = make_error(result);
-        return form_table(result == 0 ? own : nullptr);
-    }
-
-    std::shared_ptr<detail::table_state> state_;
+    std::shared_ptr<KTOwnTable> table_;
     formTable *next_ = nullptr;
+    unsigned options_ = 0;
 };
 
 } // namespace kelto

@@ -7,10 +7,13 @@
 
 #include "form_table.hpp"
 
+#include <cstring>
 #include <iterator>
 
 namespace kelto
 {
+
+struct problem;
 
 /** How texts are made of formats. */
 struct format_options
@@ -141,7 +144,7 @@ template <class Output> auto copy_to(Output out, std::string_view text)
 template <class Output> constexpr bool is_line = false;
 template <std::size_t Size> constexpr bool is_line<char (&)[Size]> = true;
 
-/** Hands a text to an output. @return the stream, the iterator behind the text, or what fits into an array. */
+/** Hands a text to an output. @return the stream, or the iterator behind the text. */
 template <class Output> decltype(auto) hand_over(Output &&out, std::string_view text)
 {
     using bare = std::remove_cv_t<std::remove_reference_t<Output>>;
@@ -149,13 +152,7 @@ template <class Output> decltype(auto) hand_over(Output &&out, std::string_view 
         !std::is_pointer_v<bare>,
         "kelto: a pointer does not tell how much room there is; pass an array of chars, a std::back_inserter, "
         "or call format_to_n(pointer, room, ...)");
-    if constexpr (is_line<Output>)
-    {
-        const std::size_t size = cut(text, sizeof out - 1).copy(out, sizeof out - 1);
-        out[size] = '\0';
-        return cut_text{{out, size}, text.size()};
-    }
-    else if constexpr (has<stream_of, bare>)
+    if constexpr (has<stream_of, bare>)
         return static_cast<bare &>(out.write(text.data(), static_cast<std::ptrdiff_t>(text.size())));
     else if constexpr (!std::is_pointer_v<bare>)
         return copy_to(bare(std::forward<Output>(out)), text);
@@ -172,31 +169,146 @@ template <class... Arguments> std::error_code *failure_of(std::error_code &failu
 {
     return &failure;
 }
-/** Writes an object of the program's for the last rung and for errors. */
-inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
+
+inline bool has_thrown(void *) noexcept
 {
-    if (argument->length != identity_kind)
-        return KT_ERR_INVALID_PARAMETER;
-    const auto *const object = static_cast<const identified *>(argument->value.p);
-    return (*object->type)(object->object, size, out);
+    return thrown() != nullptr && *thrown() != nullptr;
 }
 
-/** The options as the C interface takes them, with the table, which they keep alive. */
-struct call_options
+/** What is asked of the library, and where a failure goes; where that is null, it is thrown. */
+struct text_request
 {
-    explicit call_options(const format_options &from) : table(from.table != nullptr ? from.table->state_ : nullptr)
+    KTCatalogRequest asked;
+    std::error_code *failure;
+};
+
+/** What the library uses and calls back; at one place as long as it may. */
+struct used
+{
+    std::shared_ptr<formTable> table;
+    std::shared_ptr<void> conversions;
+    callback<void(const problem &)> on_problem;
+};
+
+/** A catalog, or a format in the place of one, as the library has opened it. */
+class text_source
+{
+protected:
+    /** Opens by the options, to which those of `from` are added. What functions of the program throw comes out. */
+    template <class Open> int open(const format_options &from, KTCatalogOptions options, used own, const Open &call)
     {
-        given.structSize = sizeof given;
-        given.table = table != nullptr ? &table->table : nullptr;
-        given.passThru = from.pass_through;
-        given.formatOptions = (from.tag ? unsigned{KT_TAG} : 0U) | (from.isolate ? unsigned{KT_ISOLATE} : 0U) |
-                              (table != nullptr && table->encodes_everywhere ? unsigned{KT_ENCODE_ALL} : 0U);
-        given.maxSize = from.max_size != 0 ? from.max_size : 1;
-        given.writeArgument = write_argument;
+        if (from.table != nullptr)
+            own.table = from.table->table_;
+        options.structSize = sizeof options;
+        options.table = own.table.get();
+        options.passThru = from.pass_through;
+        options.formatOptions = (from.tag ? unsigned{KT_TAG} : 0U) | (from.isolate ? unsigned{KT_ISOLATE} : 0U);
+        options.maxSize = from.max_size != 0 ? from.max_size : 1;
+        options.writeArgument = write_argument;
+        options.isStopped = has_thrown;
+        if (own.table != nullptr || own.conversions != nullptr || own.on_problem)
+            options.context = (used_ = std::make_unique<used>(std::move(own))).get();
+        return call_throwing([&] {
+            KTCatalog *opened = nullptr;
+            const int result = call(options, &opened);
+            catalog_.reset(opened);
+            return has_thrown(nullptr) ? int{KT_ERR_CONVERSION_FAILED} : result;
+        });
     }
 
-    std::shared_ptr<table_state> table;
-    KTCatalogOptions given = {};
+    /** Writes a new text. */
+    template <class Unit> KELTO_OUT_OF_LINE std::basic_string<Unit> make(const text_request &request) const
+    {
+        text_buffer<Unit> text;
+        fill(text, request);
+        return text.take();
+    }
+
+    /** Writes to an output, for an array without a buffer in between. */
+    template <class Output> decltype(auto) put(Output &&out, const text_request &request) const
+    {
+        if constexpr (is_line<Output>)
+        {
+            std::size_t size = sizeof out;
+            const int result = write(request, &size, out);
+            const bool isText = result == 0 || (result == KT_ERR_BUFFER_TOO_SMALL && size != 0);
+            tell(isText ? 0 : result, request);
+            return isText ? cut_text{{out}, size} : cut_text{};
+        }
+        else
+        {
+            text_buffer<char> text;
+            fill(text, request);
+            return hand_over(std::forward<Output>(out), text.view());
+        }
+    }
+
+    template <class Output>
+    format_to_n_result<Output> put_n(Output out, std::size_t most, const text_request &request) const
+    {
+        text_buffer<char> text;
+        fill(text, request);
+        return {copy_to(out, cut(text.view(), most)), text.view().size()};
+    }
+
+    std::size_t measure(const text_request &request) const
+    {
+        text_buffer<char> text;
+        fill(text, request);
+        return text.view().size();
+    }
+
+    /** Why the opening failed, or a call. */
+    KELTO_SELDOM std::string explain(int result, const KTCatalogRequest *asked) const
+    {
+        text_buffer<char> why;
+        call_throwing([&] { // what is thrown meanwhile was thrown before
+            why.fill([&](auto *size, char *out) { return KTExplainCatalog(catalog_.get(), asked, result, size, out); });
+            return 0;
+        });
+        return why.take();
+    }
+
+    /** Tells a failure, or throws it. */
+    void tell(int result, const text_request &request) const
+    {
+        if (request.failure != nullptr)
+            *request.failure = make_error(result);
+#if KELTO_HAS_EXCEPTIONS
+        else if (result != 0)
+            fail(result, request.asked);
+#endif
+    }
+
+    std::unique_ptr<used> used_; // outlives what uses it
+    std::unique_ptr<KTCatalog, freed_by<KTCloseCatalog>> catalog_;
+
+private:
+    /** Has the library write a text. */
+    template <class Unit> int write(const text_request &request, std::size_t *size, Unit *out) const
+    {
+        const auto call = [&] {
+            if constexpr (std::is_same_v<Unit, char>)
+                return KTCatalogFormatRequestUTF8(catalog_.get(), &request.asked, size, out);
+            else
+                return KTCatalogFormatRequest(catalog_.get(), &request.asked, size, out);
+        };
+        return used_ == nullptr ? call() : call_throwing(call);
+    }
+
+    template <class Unit> void fill(text_buffer<Unit> &text, const text_request &request) const
+    {
+        tell(text.fill([&](std::size_t *size, Unit *out) { return write(request, size, out); }), request);
+    }
+
+#if KELTO_HAS_EXCEPTIONS
+    [[noreturn]] KELTO_SELDOM void fail(int result, const KTCatalogRequest &asked) const
+    {
+        const bool isFormat = KTCatalogPrepared(catalog_.get()) != nullptr || result != KT_ERR_INVALID_PARAMETER;
+        throw told_error{make_error(result),
+                         isFormat ? explain(result, &asked) : "kelto::prepared_format: it holds no format"};
+    }
+#endif
 };
 
 } // namespace detail
@@ -207,34 +319,31 @@ struct call_options
  * A call with a std::error_code in front of the arguments throws nothing, and gives nothing where that is set. The
  * others throw where the arguments are not those that the format takes, and where a conversion fails.
  */
-class prepared_format
+class prepared_format : detail::text_source
 {
 public:
     prepared_format(const std::string &format, std::error_code &failure) : prepared_format(format, {}, failure) {}
     prepared_format(const std::string &format, const format_options &options, std::error_code &failure)
-        : options_(options)
     {
-        failure = make_error(open(format));
+        prepare(format, options, &failure);
     }
-
 #if KELTO_HAS_EXCEPTIONS
-    explicit prepared_format(const std::string &format, const format_options &options = {}) : options_(options)
+    explicit prepared_format(const std::string &format, const format_options &options = {})
     {
-        if (const int result = open(format))
-            fail(result, {nullptr, 0});
+        prepare(format, options, nullptr);
     }
 #endif
 
     /** The text. */
     template <class... Arguments> std::string format(Arguments &&...arguments) const
     {
-        return make<char>(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char>(ask(detail::failure_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** The text in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(Arguments &&...arguments) const
     {
-        return make<char16_t>(detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
+        return make<char16_t>(ask(detail::failure_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /**
@@ -243,131 +352,45 @@ public:
      */
     template <class Output, class... Arguments> decltype(auto) format_to(Output &&out, Arguments &&...arguments) const
     {
-        detail::text_buffer<char> text;
-        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
-        return detail::hand_over(std::forward<Output>(out), text.view());
+        return put(std::forward<Output>(out),
+                   ask(detail::failure_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
     template <class Output, class... Arguments>
     format_to_n_result<Output> format_to_n(Output out, std::size_t most, Arguments &&...arguments) const
     {
-        detail::text_buffer<char> text;
-        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
-        return {detail::copy_to(out, detail::cut(text.view(), most)), text.view().size()};
+        return put_n(out, most,
+                     ask(detail::failure_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** The bytes of the text. */
     template <class... Arguments> std::size_t formatted_size(Arguments &&...arguments) const
     {
-        detail::text_buffer<char> text;
-        fill(text, detail::failure_of(arguments...), detail::list(detail::hold(arguments)...));
-        return text.view().size();
+        return measure(ask(detail::failure_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
     }
 
     /** For calls of the C interface, as long as this object lives; null where the format was refused. */
     const KTPreparedFormat *get() const noexcept
     {
-        return format_.get();
-    }
-
-    prepared_format(prepared_format &&) noexcept = default;
-    prepared_format &operator=(prepared_format &&other) noexcept
-    {
-        std::swap(use_, other.use_);
-        std::swap(options_, other.options_);
-        std::swap(text_, other.text_);
-        std::swap(format_, other.format_);
-        return *this;
+        return KTCatalogPrepared(catalog_.get());
     }
 
 private:
-    int open(const std::string &format)
+    void prepare(const std::string &format, const format_options &options, std::error_code *failure)
     {
-        text_ = format;
-        if (const int result = detail::begin(use_))
-            return result;
-        KTPreparedFormat *prepared = nullptr;
-        const int result = KTPrepareFormat(text_.c_str(), options_.given.table, &prepared);
-        format_.reset(prepared);
-        return result;
-    }
-
-    template <class Unit>
-    int call_library(const detail::argument_view &view, std::size_t *size, Unit *out) const noexcept
-    {
-        if constexpr (std::is_same_v<Unit, char>)
-            return KTFormatPreparedUTF8(format_.get(), options_.given.formatOptions, options_.given.passThru, size, out,
-                                        view.arguments, view.count);
-        else
-            return KTFormatPrepared(format_.get(), options_.given.formatOptions, options_.given.passThru, size, out,
-                                    view.arguments, view.count);
-    }
-
-    template <class Unit> int write_running(const detail::argument_view &view, std::size_t *size, Unit *out) const
-    {
-        detail::running around(options_.table.get());
-        const int result = call_library(view, size, out);
-        around.rethrow();
-        return result;
-    }
-
-    /**
-     * Calls the library, and throws only what functions of the program throw. A text that is longer than it may be is
-     * KT_ERR_BUFFER_TOO_SMALL, and its size 0.
-     */
-    template <class Unit>
-    KELTO_OUT_OF_LINE int write(const detail::argument_view &view, std::size_t *size, Unit *out) const
-    {
-        const int result = options_.table != nullptr ? write_running(view, size, out) : call_library(view, size, out);
-        const bool isText = result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
-        const std::size_t most = options_.given.maxSize;
-        if (!isText || *size <= most || *size <= KTTextLimit(most, view.arguments, view.count))
-            return result;
-        *size = 0;
-        return KT_ERR_BUFFER_TOO_SMALL;
-    }
-
-    /** Fills a buffer where it can; what cannot be is told in `failure`, or thrown where that is null. */
-    template <class Unit>
-    KELTO_OUT_OF_LINE void fill(detail::text_buffer<Unit> &text, std::error_code *failure,
-                                const detail::argument_view &view) const
-    {
-        const int result = text.fill([&](std::size_t *size, Unit *out) { return write(view, size, out); });
-        if (failure != nullptr)
-            *failure = make_error(result);
-#if KELTO_HAS_EXCEPTIONS
-        else if (result != 0)
-            fail(result, view);
-#endif
-    }
-
-    template <class Unit>
-    KELTO_OUT_OF_LINE std::basic_string<Unit> make(std::error_code *failure, const detail::argument_view &view) const
-    {
-        detail::text_buffer<Unit> text;
-        fill(text, failure, view);
-        return text.take();
-    }
-
-#if KELTO_HAS_EXCEPTIONS
-    [[noreturn]] KELTO_SELDOM void fail(int result, const detail::argument_view &view) const
-    {
-        if (format_ == nullptr && result == KT_ERR_INVALID_PARAMETER)
-            detail::throw_told(result, {"kelto::prepared_format: it holds no format"});
-        const detail::running call(options_.table.get()); // what is thrown here was thrown before
-        detail::text_buffer<char> why;
-        why.fill([&](std::size_t *size, char *out) {
-            return KTExplainFailure(text_.c_str(), result, &options_.given, view.arguments, view.count, size, out);
+        const int result = open(options, {}, {}, [&](const KTCatalogOptions &given, KTCatalog **opened) {
+            return KTOpenCatalogFormat(format.c_str(), &given, opened);
         });
-        detail::throw_told(result, {why.view()});
+        tell(result, ask(failure, {nullptr, 0}));
     }
-#endif
 
-    detail::use use_;
-    detail::call_options options_;
-    std::string text_;
-    std::unique_ptr<KTPreparedFormat, detail::freed_by<KTFreePrepared>> format_;
+    /** Asks nothing, which is refused, where the object was moved from. */
+    detail::text_request ask(std::error_code *failure, const detail::argument_view &view) const noexcept
+    {
+        const std::size_t size = catalog_ != nullptr ? sizeof(KTCatalogRequest) : 0;
+        return {{size, 0, false, nullptr, 0, view.arguments, view.count}, failure};
+    }
 };
 
 } // namespace kelto

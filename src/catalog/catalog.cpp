@@ -2,6 +2,7 @@
 
 #include "catalog/report.h"
 #include "format/form_table.h"
+#include "format/own_table.h"
 
 #include <algorithm>
 #include <cstring>
@@ -41,6 +42,7 @@ int readOptions(const KTCatalogOptions *given, KTCatalogOptions &options) noexce
         options.sourceLanguage = "en";
     if (options.maxSize == 0)
         options.maxSize = usualMaxSize;
+    options.formatOptions |= optionsOf(options.table);
     const bool isKnown = (options.formatOptions & ~unsigned{KT_TAG | KT_ENCODE_ALL | KT_ISOLATE}) == 0;
     const bool isEncodable = (options.formatOptions & KT_ENCODE_ALL) == 0 || findEncoder(options.table) != nullptr;
     return isKnown && isEncodable ? 0 : KT_ERR_INVALID_PARAMETER;

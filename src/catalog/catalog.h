@@ -15,7 +15,9 @@ struct KTCatalog
     kelto::RungConversions sourceConversions;   /**< of the texts in the source */
     std::unique_ptr<kelto::Language> languages; /**< the user's, then the source language */
     size_t languageCount = 0;
-    kelto::HeapBlock<char> name;
+    kelto::HeapBlock<char> name; /**< or the format that stands in its place */
+    kelto::PreparedOwner format; /**< that format, prepared; null where it is refused */
+    bool isFormat = false;
     bool isUse = false; /**< whether it holds a use of the library */
 
     KTCatalog() = default;

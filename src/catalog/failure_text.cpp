@@ -8,6 +8,7 @@
 #include "format/typed_argument.h"
 #include "format/variant_form_table.h"
 #include "format/variants.h"
+#include "message/find_catalog.h"
 #include "selection/prepare_message.h"
 
 #include <algorithm>
@@ -244,5 +245,23 @@ int KTExplainFailure(const char *format, int result, const KTCatalogOptions *opt
     conversions.set(read, read.sourceLanguage);
     Sentence sentence(text, size, kelto::Beginning::kept);
     kelto::sayWhy(sentence, {format, result, read, arguments, count, nullptr, 0, conversions.table()});
+    return sentence.finish(size);
+}
+
+int KTExplainCatalog(const KTCatalog *catalog, const KTCatalogRequest *request, int result, size_t *size, char *text)
+{
+    const bool isRequest = request != nullptr && request->structSize >= sizeof *request;
+    if (size == nullptr || (text == nullptr && *size != 0) || (request != nullptr && !isRequest))
+        return KT_ERR_INVALID_PARAMETER;
+    if (catalog != nullptr && catalog->isFormat)
+        return KTExplainFailure(catalog->name.get(), result, &catalog->options,
+                                isRequest ? request->arguments : nullptr, isRequest ? request->count : 0, size, text);
+    Sentence sentence(text, size, kelto::Beginning::kept);
+    if (catalog == nullptr || request != nullptr || result != KT_ERR_INVALID_PARAMETER)
+        say(sentence, KTResultText(result));
+    else if (kelto::isCatalogPlace("any", catalog->name.get()))
+        say(sentence, "the directory is not empty");
+    else
+        say(sentence, "the name of a catalog has no '/' and is not empty");
     return sentence.finish(size);
 }

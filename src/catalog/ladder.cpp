@@ -328,9 +328,39 @@ private:
     std::unique_ptr<SourceText> m_ownSource; // the text in the source, where it is not kept
 };
 
+/** Writes the format that stands in the place of a catalog, without a ladder. */
+template <typename Unit>
+int writeFormat(const KTCatalog &catalog, const KTCatalogRequest &request, size_t *size, Unit *out)
+{
+    const KTCatalogOptions &options = catalog.options;
+    int result = kelto::isStarted() ? KT_ERR_INVALID_PARAMETER : KT_ERR_NOT_INITIALIZED;
+    size_t need = *size;
+    if (catalog.format != nullptr && kelto::isStarted())
+    {
+        result = kelto::formatWithBeginning(*catalog.format, callOf(catalog, request), &need, out);
+        const bool isText = result == 0 || result == KT_ERR_BUFFER_TOO_SMALL;
+        if (isText &&
+            (need <= options.maxSize || need <= KTTextLimit(options.maxSize, request.arguments, request.count)))
+        {
+            *size = need;
+            return result;
+        }
+        if (isText)
+            result = KT_ERR_BUFFER_TOO_SMALL;
+        else if (options.isStopped != nullptr && options.isStopped(options.context))
+            result = KT_ERR_CONVERSION_FAILED;
+    }
+    if (*size > 0)
+        *out = 0;
+    *size = 0;
+    return result;
+}
+
 template <typename Unit>
 [[gnu::noinline]] int climbDown(const KTCatalog &catalog, const KTCatalogRequest &request, size_t *size, Unit *out)
 {
+    if (catalog.isFormat)
+        return writeFormat(catalog, request, size, out);
     if (!kelto::isStarted())
     {
         const size_t capacity = *size;

@@ -4,6 +4,7 @@
 #include "format/called_arguments.h"
 #include "format/finished_text.h"
 #include "format/form_table.h"
+#include "format/own_table.h"
 
 namespace
 {
@@ -20,13 +21,13 @@ bool takesOnePointer(const KTFormatter &record)
 
 /**
  * Writes an object by the first conversion of the table's own that takes it alone; false where none does. A conversion
- * that does not ask for the kind of its pointer would take any: only a program that writes arguments itself has said
- * that its own ask.
+ * that does not ask for the kind of its pointer would take any: those with a context are asked for, and only a program
+ * that writes arguments itself has said that its others ask.
  */
 template <typename Unit>
 bool writeConverted(FormatOutput<Unit> &out, const KTArgument &object, const KTCatalogOptions &options)
 {
-    if (object.type != KT_ARGUMENT_POINTER || options.table == nullptr || options.writeArgument == nullptr)
+    if (object.type != KT_ARGUMENT_POINTER || options.table == nullptr)
         return false;
     const void *pointer = object.value.p;
     void *slots[] = {&pointer, nullptr};
@@ -38,7 +39,8 @@ bool writeConverted(FormatOutput<Unit> &out, const KTArgument &object, const KTC
             return record->format(record->name, layout.width, layout.precision, layout.flags, nullptr, options.passThru,
                                   slots, units, text);
         };
-        if (takesOnePointer(*record) && out.appendCalled(convert, noLayout) == 0)
+        const bool isAsking = options.writeArgument != nullptr || kelto::isOwnConversion(*record);
+        if (isAsking && takesOnePointer(*record) && out.appendCalled(convert, noLayout) == 0)
             return true;
     }
     return false;
@@ -88,6 +90,7 @@ void writeLastResort(const KTCatalog &catalog, const KTCatalogRequest &request, 
     const KTEncoder encoder = findEncoder(catalog.sourceConversions.table());
     const bool isEncoded = encoder != nullptr || (catalog.options.formatOptions & KT_ENCODE_ALL) != 0;
     const bool isUnencodable = isEncoded && (encoder == nullptr || !isStarted());
+    const RunningEncoder encoding(catalog.sourceConversions.table());
     for (size_t i = 0; i < request.count; ++i)
     {
         writeUTF8(text, i == 0 ? ": " : ", ");

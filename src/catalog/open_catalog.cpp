@@ -28,7 +28,7 @@ public:
      * Makes the catalog and begins a use of the library. @return 0; KT_ERR_NOT_INITIALIZED, and there is a catalog all
      * the same.
      */
-    int begin(std::string_view name, const KTCatalogOptions *options)
+    int begin(std::string_view name, const KTCatalogOptions *options, bool isFormat = false)
     {
         KTCatalogOptions read;
         if (m_out == nullptr || kelto::readOptions(options, read) != 0)
@@ -42,6 +42,9 @@ public:
             return KT_ERR_NO_MEMORY;
         }
         m_catalog->name[name.copy(m_catalog->name.get(), name.size())] = '\0';
+        if (isFormat)
+            read.conversions = nullptr;
+        m_catalog->isFormat = isFormat;
         m_catalog->options = read;
         const int result = KTBeginUse();
         m_catalog->isUse = result == 0;
@@ -191,6 +194,24 @@ int KTOpenCatalogData(const char *name, const void *data, size_t size, const KTC
     if (const int result = opening.begin(name, options))
         return opening.hand(result);
     return openOnly(opening, Language::ofData(data, size));
+}
+
+int KTOpenCatalogFormat(const char *format, const KTCatalogOptions *options, KTCatalog **catalog)
+{
+    Opening opening(catalog);
+    if (format == nullptr)
+        return KT_ERR_INVALID_PARAMETER;
+    if (const int result = opening.begin(format, options, true))
+        return opening.hand(result);
+    KTPreparedFormat *prepared = nullptr;
+    const int result = KTPrepareFormat(format, opening.catalog()->options.table, &prepared);
+    opening.catalog()->format.reset(prepared);
+    return opening.hand(result);
+}
+
+const KTPreparedFormat *KTCatalogPrepared(const KTCatalog *catalog)
+{
+    return catalog != nullptr ? catalog->format.get() : nullptr;
 }
 
 void KTCloseCatalog(KTCatalog *catalog)

@@ -1,5 +1,6 @@
 #include "format/form_table.h"
 #include "format/format_output.h"
+#include "format/own_table.h"
 
 #include <algorithm>
 #include <string_view>
@@ -70,7 +71,7 @@ int KTExplainFormTable(const formTable *table, KTFormatFunction asking, unsigned
     });
     for (const formTable *each = table; each != nullptr; each = each->nextTable)
         forEachRecord(*each, [&](const KTFormatter &record) {
-            if (record.format != asking && takesPointer(record))
+            if (record.format != asking && !kelto::isOwnConversion(record) && takesPointer(record))
                 faults.tell("the conversion \"", record.name, "\" takes a pointer of no type");
         });
     if ((options & KT_ENCODE_ALL) != 0 && kelto::findEncoder(const_cast<formTable *>(table)) == nullptr)

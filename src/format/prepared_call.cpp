@@ -10,6 +10,7 @@
 #include "format/formatters/entry_id_error_ip.h"
 #include "format/formatters/floating_point.h"
 #include "format/formatters/text.h"
+#include "format/own_table.h"
 #include "format/typed_argument.h"
 #include "format/variants.h"
 
@@ -61,6 +62,7 @@ template <typename Append>
     if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
         return KT_ERR_NO_MEMORY;
     const kelto::RunningSlots running(arguments.slots(), values, count);
+    const kelto::RunningEncoder encoding(call.prepared.table);
     return append([&](const Layout &layout, unsigned long *units, UCS2 *out) {
         return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
                                 call.passThru, arguments.slots(), units, out);
@@ -71,6 +73,7 @@ template <typename Append>
 int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, const Layout &layout,
                    const KTArgument *values, const Call &call)
 {
+    const kelto::RunningEncoder encoding(call.prepared.table);
     const auto called = [&](const Layout &own, size_t *bytes, char *out) {
         return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.passThru,
                                values, bytes, out);
@@ -203,6 +206,7 @@ template <typename Unit>
     };
     if (const int made = finished.make(write, parts.most))
         return made;
+    const kelto::RunningEncoder encoding(call.prepared.table);
     text.write(kelto::Ending::open, kelto::UCS2Text{parts.open, KTUCS2strlen(parts.open)});
     const int result =
         text.appendCalled([&](const Layout &, unsigned long *units,
@@ -365,10 +369,16 @@ template <typename Unit>
         if (result != 0)
             return result;
     }
-    const KTEncoder encoder = prepared->table != nullptr ? kelto::findEncoder(prepared->table) : nullptr;
-    if ((typed.options & KT_ENCODE_ALL) != 0 && encoder == nullptr)
+    unsigned options = typed.options;
+    KTEncoder encoder = nullptr;
+    if (prepared->table != nullptr)
+    {
+        encoder = kelto::findEncoder(prepared->table);
+        options |= kelto::optionsOf(prepared->table);
+    }
+    if ((options & KT_ENCODE_ALL) != 0 && encoder == nullptr)
         return KT_ERR_INVALID_PARAMETER;
-    const Call call = {*prepared, typed.arguments, encoder, typed.passThru, typed.options};
+    const Call call = {*prepared, typed.arguments, encoder, typed.passThru, options};
     kelto::FormatOutput<Unit> text(out, size, beginning);
     const Unit *literal = literalsOf(*prepared, out);
     const PreparedStep *const end = prepared->steps + prepared->stepCount;

@@ -1,6 +1,7 @@
 #include "kelto.h"
 
 #include <algorithm>
+#include <type_traits>
 
 // The day is counted in years that begin in March, in eras of 400 years: the leap day is then the last of its year, and
 // every month begins on the same day of it. The calendar is that of clocks, unlike the one of the formatters, which
@@ -25,6 +26,28 @@ char *append(char *out, int64_t value, int digits, const char *behind)
     return out;
 }
 
+/** The second in which so many units end; beyond all dates for one that is too far away or no number. */
+template <typename Count> int64_t secondsOf(Count count, int64_t numerator, int64_t denominator)
+{
+    // A count of hours may be more than any count of seconds can be, so it is compared roughly first.
+    constexpr double farAway = 1e12;
+    const double roughly =
+        static_cast<double>(count) * static_cast<double>(numerator) / static_cast<double>(denominator);
+    if (!(roughly > -farAway && roughly < farAway))
+        return roughly > 0 ? INT64_MAX : INT64_MIN;
+    if constexpr (std::is_integral_v<Count>)
+    {
+        const auto whole = static_cast<int64_t>(count / static_cast<Count>(denominator));
+        const auto rest = static_cast<int64_t>(count % static_cast<Count>(denominator)) * numerator;
+        return whole * numerator + rest / denominator - (rest % denominator < 0 ? 1 : 0);
+    }
+    else
+    {
+        const auto seconds = static_cast<int64_t>(roughly);
+        return seconds - (static_cast<double>(seconds) > roughly ? 1 : 0);
+    }
+}
+
 } // namespace
 
 void KTTimeText(int64_t seconds, char *text)
@@ -43,4 +66,27 @@ void KTTimeText(int64_t seconds, char *text)
     text = append(text, time / 3600, 2, ":");
     text = append(text, time / 60 % 60, 2, ":");
     append(text, time % 60, 2, "Z");
+}
+
+void KTClockText(KTArgument count, int64_t numerator, int64_t denominator, char *text)
+{
+    switch (count.type)
+    {
+    case KT_ARGUMENT_INT:
+    case KT_ARGUMENT_INT64:
+        return KTTimeText(secondsOf(count.value.i, numerator, denominator), text);
+    case KT_ARGUMENT_UINT:
+    case KT_ARGUMENT_UINT64:
+        return KTTimeText(secondsOf(count.value.u, numerator, denominator), text);
+    case KT_ARGUMENT_DOUBLE:
+        return KTTimeText(secondsOf(count.value.d, numerator, denominator), text);
+    case KT_ARGUMENT_LONG_DOUBLE:
+        if (count.value.p != nullptr)
+            return KTTimeText(secondsOf(*static_cast<const long double *>(count.value.p), numerator, denominator),
+                              text);
+        break;
+    default:
+        break;
+    }
+    KTTimeText(INT64_MIN, text);
 }

@@ -351,6 +351,52 @@ TEST(Catalog, WritesArgumentsForProgramsToo)
     EXPECT_EQ(KTTextLimit(10, nullptr, 0), 10U);
 }
 
+TEST(Catalog, IsAFormatInThePlaceOfOne)
+{
+    KTCatalogOptions options = sized();
+    options.maxSize = 10;
+    KTCatalog *catalog = nullptr;
+    ASSERT_EQ(KTOpenCatalogFormat("%s[1] \xC3\xA9 %*d[2]", &options, &catalog), 0);
+    EXPECT_EQ(text(catalog, -5, "source", "a", 1, 7), "a \xC3\xA9 7");
+    EXPECT_EQ(text(nullptr, 5, nullptr, "a"), "[5: a]");
+    KTCatalog *refused = nullptr;
+    EXPECT_EQ(KTOpenCatalogFormat("%d", &options, &refused), KT_ERR_FORMAT_SYNTAX);
+    EXPECT_TRUE(KTCatalogPrepared(catalog) != nullptr && KTCatalogPrepared(refused) == nullptr);
+    const KTArgument arguments[] = {KT_UTF8("a"), KT_INT(2000), KT_INT(7)};
+    const struct
+    {
+        KTCatalog *catalog;
+        size_t count;
+        int result;
+        std::string why;
+    } rows[] = {
+        {catalog, 3, KT_ERR_BUFFER_TOO_SMALL, "\"%s[1] \xC3\xA9 %*d[2]\": the text is longer than max_size, 10"},
+        {catalog, 2, KT_ERR_INVALID_PARAMETER,
+         "\"%s[1] \xC3\xA9 %*d[2]\": argument 3, a 32-bit integer here, is not in the call"},
+        {refused, 0, KT_ERR_INVALID_PARAMETER,
+         "\"%d\": a conversion has no position, as in %s[1] (a percent sign by itself is written %%)"},
+    };
+    for (const auto &row : rows)
+    {
+        const KTCatalogRequest request = {sizeof request, 1, false, "source", 6, arguments, row.count};
+        char line[200] = "?";
+        size_t size = sizeof line;
+        EXPECT_EQ(KTCatalogFormatRequestUTF8(row.catalog, &request, &size, line), row.result);
+        EXPECT_TRUE(size == 0 && line[0] == '\0');
+        size = sizeof line;
+        EXPECT_EQ(KTExplainCatalog(row.catalog, &request, row.result, &size, line), 0);
+        EXPECT_EQ(line, row.why);
+    }
+    size_t size = 0;
+    EXPECT_EQ(KTExplainCatalog(nullptr, nullptr, KT_ERR_NO_MEMORY, &size, nullptr), KT_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, std::strlen(KTResultText(KT_ERR_NO_MEMORY)));
+    EXPECT_EQ(KTExplainCatalog(catalog, nullptr, 0, nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
+    KTCloseCatalog(catalog);
+    KTCloseCatalog(refused);
+    EXPECT_EQ(KTOpenCatalogFormat(nullptr, nullptr, &catalog), KT_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(catalog, nullptr);
+}
+
 TEST(Catalog, SaysWhyAFormatIsOfNoUse)
 {
     const struct

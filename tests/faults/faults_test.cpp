@@ -389,6 +389,61 @@ TEST(CatalogFaults, LeaveATextAndNothingElse)
     EXPECT_GT(n, 20u);
 }
 
+/** Builds a table with a context, opens a format with it, and formats. @return what failed, or 0 and the text. */
+int formatOwnContext(std::string &written)
+{
+    const KTOwnFunction give = [](void *, KTOwnCall *call) { return KTGiveText(call, *call->arguments); };
+    KTOwnTable *const own = KTNewOwnTable();
+    KTAddConversion(own, "own", utf8StrList, 0, give, &written,
+                    [](void *ended) { static_cast<std::string *>(ended)->push_back('.'); });
+    KTSetEncoder(own, KT_ARG_UTF8, give, nullptr, nullptr);
+    KTCatalogOptions options = {};
+    options.structSize = sizeof options;
+    KTCatalog *catalog = nullptr;
+    size_t size = 0;
+    int result = KTFinishOwnTable(own, nullptr, KT_ENCODE_ALL, &options.table, &size, nullptr);
+    if (result == 0)
+        result = KTOpenCatalogFormat("%own[1]", &options, &catalog);
+    std::array<char, 700> line = {};
+    size = line.size();
+    const KTArgument argument = KT_UTF8(longText.c_str());
+    if (result == 0)
+        result = KTCatalogFormatUTF8(catalog, 1, nullptr, &size, line.data(), &argument, 1);
+    written = line.data() + written;
+    KTCloseCatalog(catalog);
+    KTFreeOwnTable(own);
+    return result;
+}
+
+TEST(CatalogFaults, LeaveNothingOfTablesWithAContext)
+{
+    const auto expectTextOrResult = [](unsigned n) {
+        std::string written;
+        const int result = formatOwnContext(written);
+        EXPECT_EQ(written, result == 0 ? longText + '.' : ".") << n;
+        EXPECT_TRUE(result == 0 || result == KT_ERR_NO_MEMORY || result == KT_ERR_NOT_INITIALIZED)
+            << n << ' ' << result;
+        return result;
+    };
+    ASSERT_EQ(expectTextOrResult(0), 0);
+    const Outstanding before = FakeZel::outstanding();
+    unsigned n = 0;
+    do
+    {
+        FakeZel::failNth(++n);
+        expectTextOrResult(n);
+        EXPECT_EQ(FakeZel::outstanding(), before) << n;
+    } while (FakeZel::clearFaults() > 0 && n < 1000);
+    EXPECT_GT(n, 9u);
+    n = 0;
+    do
+    {
+        HeapFaults::arm(++n);
+        expectTextOrResult(n);
+        EXPECT_EQ(HeapFaults::outstanding(), 0) << n;
+    } while (HeapFaults::arePossible && HeapFaults::disarm() > 0 && n < 1000);
+}
+
 INSTANTIATE_TEST_SUITE_P(, Faults, testing::ValuesIn(rows), [](const auto &row) {
     std::string name = row.param.label;
     name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return std::isalnum(c) == 0; }), name.end());

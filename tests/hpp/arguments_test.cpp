@@ -99,7 +99,7 @@ TEST(Arguments, TimesAreDates)
             {
                 char expected[40];
                 std::snprintf(expected, sizeof expected, "%04d-%02d-%02d'T23:59:58Z", year, month + 1, d);
-                ASSERT_STREQ(kelto::detail::time_stamp(day * 86400 + 86398).text, expected);
+                ASSERT_STREQ(kelto::detail::time_stamp(seconds(day * 86400 + 86398)).text, expected);
             }
         }
 }

@@ -50,7 +50,8 @@ kelto::form_table exampleTable()
         .add<Money>("money", money)
         .add<Weight>("weight",
                      [unit = std::u16string(u" g")](const Weight &w) { // with a state
-                         return kelto::detail::to_ucs2(std::to_string(static_cast<int>(w.grams))) + unit;
+                         const std::string grams = std::to_string(static_cast<int>(w.grams));
+                         return std::u16string(grams.begin(), grams.end()) + unit;
                      })
         .add<long>("stars", [](long n) { return std::string(static_cast<std::size_t>(n), '*'); })
         .add<unsigned char>("byte", [](unsigned char n) { return std::to_string(n); })
@@ -58,8 +59,8 @@ kelto::form_table exampleTable()
         .add<std::string_view, std::u16string_view, char16_t>(
             "both",
             [](std::string_view a, std::u16string_view b, char16_t c, const kelto::conversion_spec &spec) {
-                return std::string(spec.name) + ' ' + std::string(a) + kelto::detail::to_utf8(b) +
-                       kelto::detail::to_utf8(std::u16string(1, c)) + ' ' + std::to_string(spec.width);
+                return std::string(spec.name) + ' ' + std::string(a) + std::string(b.begin(), b.end()) +
+                       static_cast<char>(c) + ' ' + std::to_string(spec.width);
             })
         .with_encoder(escapeHtml)
         .build();
