@@ -158,7 +158,7 @@ public:
     __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
         KELTO_WARN_OF_FORGOTTEN(first)
     {
-        detail::look_at_first(first, others...);
+        detail::look_at_first(first);
         if constexpr (detail::is_source_text<First>)
             return make_of<detail::passed<Others>...>(id, first.chosen(others...), others...);
         else

@@ -59,11 +59,13 @@ constexpr unsigned slot_behind(char modifier, unsigned code) noexcept
 /** Whether a name is one of some, each between blanks. */
 constexpr bool is_among(std::string_view names, std::string_view name) noexcept
 {
-    std::size_t at = name.empty() ? names.npos : names.find(name);
+    std::size_t at = name.empty() || name.find(' ') != name.npos ? names.npos : names.find(name);
     while (at != names.npos && (names[at - 1] != ' ' || names[at + name.size()] != ' '))
         at = names.find(name, at + 1);
     return at != names.npos;
 }
+
+/* The texts are read as the library reads them, up to their zero. */
 
 /** A conversion of a text in the source, or the rule that it breaks. */
 struct source_conversion
@@ -74,120 +76,79 @@ struct source_conversion
     unsigned code = 0, then = 0; // of the slot of the value, and of a second one; 0 for none
 };
 
-/** Reads conversions as the library does; every text is safe to read, up to its first zero. */
-class conversion_reader
+constexpr std::uint64_t too_large = std::uint64_t{INT_MAX} + 1;
+
+constexpr const char *skip(const char *at, std::string_view characters) noexcept
 {
-public:
-    constexpr explicit conversion_reader(std::string_view text) noexcept : text_(text.substr(0, text.find('\0'))) {}
+    while (*at != '\0' && characters.find(*at) != characters.npos)
+        ++at;
+    return at;
+}
 
-    /** Goes on to the next conversion; false where there is none. */
-    constexpr bool next() noexcept
-    {
-        while ((at_ = text_.find('%', at_)) < text_.size() && peek(1) == '%')
-            at_ += 2;
-        return at_ < text_.size();
-    }
-
-    /** Reads the conversion that next() found. */
-    constexpr source_conversion read() noexcept
-    {
-        const std::size_t percent = at_++;
-        source_conversion found;
-        found.rule = read_parts(found);
-        if (found.rule == KT_RULE_NONE && found.position > 1000 && found.position > text_.size())
-            found.rule = KT_RULE_NUMBER_TOO_LARGE;
-        if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_NUMBER_TOO_LARGE)
-            return found;
-        // Without a '[' before the place where its author will have meant it to end, the position is missing.
-        at_ = text_.find_first_of("% \t\r\n[]", text_.find_first_not_of(flags, percent + 1));
-        return {peek() == '[' ? found.rule : static_cast<int>(KT_RULE_POSITION_MISSING)};
-    }
-
-private:
-    static constexpr std::uint64_t too_large = std::uint64_t(INT_MAX) + 1;
-    static constexpr std::string_view flags = "-+ #0";
-
-    constexpr char peek(std::size_t ahead = 0) const noexcept
-    {
-        return at_ < text_.size() && at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
-    }
-
-    constexpr bool take(char c) noexcept
-    {
-        const bool isThere = peek() == c;
-        at_ += isThere ? 1 : 0;
-        return isThere;
-    }
-
-    constexpr std::uint64_t number() noexcept
-    {
-        std::uint64_t value = 0;
-        for (; peek() >= '0' && peek() <= '9'; ++at_)
-            value = value < too_large ? value * 10 + static_cast<unsigned>(peek() - '0') : value;
-        return value;
-    }
-
-    /** Takes '*', a number, or nothing; false for a number that no int holds. */
-    constexpr bool option(unsigned &stars) noexcept
-    {
-        if (!take('*'))
-            return number() < too_large;
-        ++stars;
-        return true;
-    }
-
-    constexpr int read_parts(source_conversion &found) noexcept
-    {
-        while (flags.find(peek()) != flags.npos)
-            ++at_;
-        if (!option(found.stars) || (take('.') && !option(found.stars)))
-            return KT_RULE_NUMBER_TOO_LARGE;
-        const char modifier = take('h') ? 'h' : take('l') ? 'l' : take('L') ? 'L' : take('!') ? '!' : '\0';
-        const std::size_t name = at_;
-        while (peek() != '\0' && peek() != '[' && static_cast<unsigned char>(peek()) < 0x80 && at_ - name < 19)
-            ++at_;
-        const std::size_t length = at_ - name;
-        if (peek() != '[')
-            return peek() == '\0'                               ? KT_RULE_POSITION_MISSING
-                   : static_cast<unsigned char>(peek()) >= 0x80 ? KT_RULE_NAME_NOT_ASCII
-                                                                : KT_RULE_NAME_TOO_LONG;
-        ++at_;
-        const std::uint64_t position = number();
-        if (position >= too_large)
-            return KT_RULE_NUMBER_TOO_LARGE;
-        if (position == 0 || !take(']'))
-            return KT_RULE_POSITION_MALFORMED;
-        found.position = static_cast<unsigned>(position);
-        return find(text_.substr(name, length), modifier, found) ? KT_RULE_NONE : KT_RULE_UNKNOWN_CONVERSION;
-    }
-
-    static constexpr bool find(std::string_view name, char modifier, source_conversion &found) noexcept
-    {
-        if (name == "l" || name.find(' ') != name.npos) // "l" behind another modifier is no name
-            return false;
-        if (name.empty() && modifier == 'l')
-            name = "l";
-        for (const built_in &row : built_ins)
-            if (is_among(row.names, name))
-            {
-                found.then = row.then;
-                found.code = slot_behind(modifier, row.code);
-                return true;
-            }
-        return false;
-    }
-
-    std::string_view text_;
-    std::size_t at_ = 0;
-};
-
-/** A text's slots in the order of the arguments, or the first rule that it breaks. */
-template <std::size_t Capacity> struct parsed_text
+/** Takes a number, 0 where there is none, and at most too_large, which no int holds. */
+constexpr std::uint64_t take_number(const char *&at) noexcept
 {
-    int rule = KT_RULE_NONE;
-    std::size_t slot_count = 0;
-    slot slot_at[4 * Capacity + 1] = {};
-};
+    std::uint64_t value = 0;
+    for (; *at >= '0' && *at <= '9'; ++at)
+        value = value < too_large ? value * 10 + static_cast<unsigned>(*at - '0') : too_large;
+    return value < too_large ? value : too_large;
+}
+
+/** Takes a width or precision: '*', a number, or nothing. */
+constexpr std::uint64_t take_size(const char *&at, unsigned &stars) noexcept
+{
+    if (*at != '*')
+        return take_number(at);
+    ++stars;
+    return ++at, 0;
+}
+
+/** Takes what stands behind a percent sign. @return the rule that it breaks. */
+constexpr int take_parts(const char *&at, source_conversion &into) noexcept
+{
+    at = skip(at, "-+ #0");
+    if (take_size(at, into.stars) == too_large || (*at == '.' && take_size(++at, into.stars) == too_large))
+        return KT_RULE_NUMBER_TOO_LARGE;
+    const char modifier = at != skip(at, "hlL!") ? *at++ : '\0';
+    const char *const begin = at;
+    while (static_cast<signed char>(*at) > 0 && *at != '[' && at - begin != 19)
+        ++at;
+    const std::string_view name(begin, static_cast<std::size_t>(at - begin));
+    if (*at != '[')
+        return *at == '\0'                         ? KT_RULE_POSITION_MISSING
+               : static_cast<signed char>(*at) < 0 ? KT_RULE_NAME_NOT_ASCII
+                                                   : KT_RULE_NAME_TOO_LONG;
+    const std::uint64_t position = take_number(++at);
+    if (position == too_large)
+        return KT_RULE_NUMBER_TOO_LARGE;
+    if (position == 0 || *at++ != ']')
+        return KT_RULE_POSITION_MALFORMED;
+    into.position = static_cast<unsigned>(position);
+    for (const built_in &row : built_ins)
+        if (name != "l" && is_among(row.names, name.empty() && modifier == 'l' ? "l" : name))
+        {
+            into.then = row.then;
+            into.code = slot_behind(modifier, row.code);
+            return KT_RULE_NONE;
+        }
+    return KT_RULE_UNKNOWN_CONVERSION;
+}
+
+/** Takes the conversion that begins with a percent sign. @param size  of the whole text. */
+constexpr source_conversion take_conversion(const char *&at, std::size_t size) noexcept
+{
+    const char *end = skip(at + 1, "-+ #0");
+    source_conversion found;
+    found.rule = take_parts(++at, found);
+    if (found.rule == KT_RULE_NONE && found.position > 1000 && found.position > size)
+        found.rule = KT_RULE_NUMBER_TOO_LARGE;
+    if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_NUMBER_TOO_LARGE)
+        return found;
+    // Without a '[' before the place where its author will have meant it to end, the position is missing.
+    while (*end != '\0' && end == skip(end, "% \t\r\n[]"))
+        ++end;
+    return {*end == '[' ? found.rule : static_cast<int>(KT_RULE_POSITION_MISSING)};
+}
 
 constexpr std::size_t percent_signs(std::string_view text) noexcept
 {
@@ -197,39 +158,50 @@ constexpr std::size_t percent_signs(std::string_view text) noexcept
     return count;
 }
 
-/** Parses a text of at most `Capacity` percent signs with the conversions of the built-in table. */
-template <std::size_t Capacity> constexpr parsed_text<Capacity> parse_text(std::string_view text) noexcept
+/** The slots of a text of at most `Capacity` percent signs, in the order of the arguments, or the first rule that it
+ * breaks. */
+template <std::size_t Capacity> struct parsed_text
 {
-    parsed_text<Capacity> parsed;
-    source_conversion all[Capacity + 1] = {};
-    std::size_t count = 0;
-    bool isRepeated = false;
-    for (conversion_reader reader(text); parsed.rule == KT_RULE_NONE && reader.next(); ++count)
+    constexpr explicit parsed_text(const char *text) noexcept
     {
-        all[count] = reader.read();
-        parsed.rule = all[count].rule;
-        for (std::size_t i = 0; i < count; ++i)
-            isRepeated = isRepeated || all[i].position == all[count].position;
+        source_conversion all[Capacity + 1] = {};
+        std::size_t count = 0;
+        bool isRepeated = false;
+        for (const char *at = text; *at != '\0' && rule == KT_RULE_NONE;)
+        {
+            if (*at != '%' || at[1] == '%')
+            {
+                at += *at == '%' ? 2 : 1;
+                continue;
+            }
+            all[count] = take_conversion(at, std::string_view(text).size());
+            rule = all[count].rule;
+            for (std::size_t i = 0; i < count; ++i)
+                isRepeated = isRepeated || all[i].position == all[count].position;
+            ++count;
+        }
+        if (rule == KT_RULE_NONE && isRepeated)
+            rule = KT_RULE_POSITION_REPEATED;
+        for (unsigned position = 1; position <= count && rule == KT_RULE_NONE; ++position)
+        {
+            std::size_t i = 0;
+            while (i < count && all[i].position != position)
+                ++i;
+            if (i == count)
+                rule = KT_RULE_POSITION_GAP;
+            for (unsigned star = 0; star < all[i].stars && all[i].code != 0; ++star)
+                slot_at[slot_count++] = {KT_SLOT_INT32, position};
+            for (const unsigned code : {all[i].code, all[i].then})
+                if (code != 0)
+                    slot_at[slot_count++] = {code, position};
+        }
+        slot_count = rule == KT_RULE_NONE ? slot_count : 0;
     }
-    if (parsed.rule == KT_RULE_NONE && isRepeated)
-        parsed.rule = KT_RULE_POSITION_REPEATED;
-    for (unsigned position = 1; position <= count && parsed.rule == KT_RULE_NONE; ++position)
-    {
-        std::size_t i = 0;
-        while (i < count && all[i].position != position)
-            ++i;
-        if (i == count)
-            parsed.rule = KT_RULE_POSITION_GAP;
-        for (unsigned star = 0; star < all[i].stars && all[i].code != 0; ++star)
-            parsed.slot_at[parsed.slot_count++] = {KT_SLOT_INT32, position};
-        for (const unsigned code : {all[i].code, all[i].then})
-            if (code != 0)
-                parsed.slot_at[parsed.slot_count++] = {code, position};
-    }
-    if (parsed.rule != KT_RULE_NONE)
-        parsed.slot_count = 0;
-    return parsed;
-}
+
+    int rule = KT_RULE_NONE;
+    std::size_t slot_count = 0;
+    slot slot_at[4 * Capacity + 1] = {};
+};
 
 /** Fails to compile where an argument does not fit; what the compiler prints names position, slot and type. */
 template <unsigned Position, KTSlotCode Slot, class Argument, class Text> struct argument_at_position
@@ -254,7 +226,7 @@ template <unsigned Position, KTSlotCode Slot, class Argument, class Text> struct
 template <class Text> struct parsed_default
 {
     static constexpr std::string_view text = Text::get();
-    static constexpr auto value = parse_text<percent_signs(Text::get())>(Text::get());
+    static constexpr auto value = parsed_text<percent_signs(text)>(text.data());
 };
 
 template <class...> struct types
@@ -436,21 +408,19 @@ constexpr std::string_view source_of(const First &first, const Arguments &...arg
         return {};
 }
 
-/** Whether a literal that is passed as the first argument is a format, whose author forgot KELTO_DEFAULT. */
-template <std::size_t Size> constexpr bool looks_like_default(const char (&literal)[Size]) noexcept
-{
-    const std::string_view text(literal, Size - 1);
-    return text.find('%') < text.find("[1]") && text.find("[1]") != std::string_view::npos;
-}
-template <class First> constexpr bool looks_like_default(const First &) noexcept
-{
-    return false;
-}
-
 #define KELTO_FORGOTTEN                                                                                                \
     "kelto: the first argument looks like a text in the source, which stands in KELTO_DEFAULT(\"...\") or "            \
     "kelto::unchecked(\"...\")"
 #if defined(__clang__)
+/** Whether a literal that is passed as the first argument is a format, whose author forgot KELTO_DEFAULT. */
+template <class First> constexpr bool looks_like_default(const First &first) noexcept
+{
+    std::string_view text;
+    if constexpr (std::is_array_v<First> && std::is_same_v<std::remove_extent_t<First>, char>)
+        text = std::string_view(first, sizeof first - 1);
+    return text.find('%') < text.find("[1]") && text.find("[1]") != std::string_view::npos;
+}
+
 #define KELTO_WARN_OF_FORGOTTEN(first)                                                                                 \
     _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")                              \
         __attribute__((diagnose_if(kelto::detail::looks_like_default(first), KELTO_FORGOTTEN, "warning")))             \
@@ -465,19 +435,15 @@ __attribute__((noinline, cold, warning(KELTO_FORGOTTEN))) inline void forgotten_
 #endif
 
 /** Looks at the first argument of a call without a text in the source, in the place of the call itself. */
-template <class... Others>
-__attribute__((always_inline, artificial)) inline void look_at_first(const char *text, const Others &...) noexcept
+template <class First>
+__attribute__((always_inline, artificial)) inline void look_at_first([[maybe_unused]] const First &first) noexcept
 {
 #if !defined(__clang__)
-    if (__builtin_constant_p(__builtin_strstr(text, "[1]") != nullptr && __builtin_strchr(text, '%') != nullptr) &&
-        __builtin_strstr(text, "[1]") != nullptr && __builtin_strchr(text, '%') != nullptr)
-        forgotten_default();
-#else
-    static_cast<void>(text);
+    if constexpr (std::is_same_v<std::decay_t<const First>, const char *>)
+        if (__builtin_constant_p(__builtin_strstr(first, "[1]") && __builtin_strchr(first, '%')) &&
+            __builtin_strstr(first, "[1]") && __builtin_strchr(first, '%'))
+            forgotten_default();
 #endif
-}
-template <class... Arguments> constexpr void look_at_first(const Arguments &...) noexcept
-{
 }
 
 } // namespace detail

@@ -14,11 +14,10 @@ constexpr size_t mostConversions = 4096;
 /** What there is to know of a format, in one line. */
 std::string byCompiler(const std::string &format)
 {
-    static kelto::detail::parsed_text<mostConversions> parsed;
-    parsed = kelto::detail::parse_text<mostConversions>(format);
-    std::string line = std::to_string(parsed.rule);
-    for (size_t i = 0; i < parsed.slot_count; ++i)
-        line += ' ' + std::to_string(parsed.slot_at[i].position) + ':' + std::to_string(parsed.slot_at[i].code);
+    const auto parsed = std::make_unique<kelto::detail::parsed_text<mostConversions>>(format.c_str());
+    std::string line = std::to_string(parsed->rule);
+    for (size_t i = 0; i < parsed->slot_count; ++i)
+        line += ' ' + std::to_string(parsed->slot_at[i].position) + ':' + std::to_string(parsed->slot_at[i].code);
     return line;
 }
 
