@@ -11,8 +11,7 @@
 #include "bilingual/update.h"
 #include "failure.h"
 #include "kelto.h"
-#include "output.h"
-#include "stats/report.h"
+#include "stats/html_page.h"
 #include "support/fake_zel.h"
 #include "support/require.h"
 

@@ -1,4 +1,5 @@
 #include "command_line.h"
+#include "input.h"
 #include "message_file.h"
 #include "output.h"
 #include "text.h"

@@ -1,6 +1,7 @@
 #include "charset.h"
 #include "command_line.h"
 #include "icu.h"
+#include "input.h"
 #include "output.h"
 #include "progress.h"
 #include "terminal.h"

@@ -1,6 +1,7 @@
 #include "arguments.h"
 #include "charset.h"
 #include "command_line.h"
+#include "input.h"
 #include "language_conversions.h"
 #include "message_file.h"
 #include "output.h"

@@ -1,7 +1,7 @@
 #include "command_line.h"
 #include "failure.h"
 #include "kelto.h"
-#include "message_file.h"
+#include "library_use.h"
 #include "output.h"
 #include "subcommand.h"
 #include "terminal.h"

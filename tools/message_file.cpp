@@ -1,6 +1,6 @@
 #include "message_file.h"
 
-#include "output.h"
+#include "input.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -23,23 +23,6 @@ std::string whyNotOpened(const std::string &path, const std::string &meaning)
         return say(Text::isNoRegularFile, {meaning});
     return access(path.c_str(), R_OK) != 0 ? meaning + ": " + systemText(errno) : meaning;
 }
-
-} // namespace
-
-Library::~Library()
-{
-    if (m_result == 0)
-        KTClean();
-}
-
-void Library::require() const
-{
-    if (m_result != 0)
-        throw Failure(meaningOf(m_result));
-}
-
-namespace
-{
 
 bool isPipeOfShell(const std::string &path)
 {

@@ -1,7 +1,4 @@
-/**
- * The library in use and a loaded message file: handles that release themselves. Every failure comes out as a Failure
- * that names the file.
- */
+/** A loaded message file: a handle that releases itself. Every failure comes out as a Failure that names the file. */
 #ifndef KELTO_TOOLS_MESSAGE_FILE_H
 #define KELTO_TOOLS_MESSAGE_FILE_H
 
@@ -15,21 +12,6 @@
 
 namespace tool
 {
-
-/** The library, started if it could be. */
-class Library
-{
-public:
-    Library() : m_result(KTInit()) {}
-    ~Library();
-    /** Fails where it is not started. */
-    void require() const;
-    Library(const Library &) = delete;
-    Library &operator=(const Library &) = delete;
-
-private:
-    int m_result;
-};
 
 /**
  * What an operand names, in a place where the library reads it: the file itself, or in memory standard input, "-", and

@@ -1,7 +1,7 @@
 #include "settings_file.h"
 
 #include "failure.h"
-#include "output.h"
+#include "input.h"
 #include "terminal.h"
 
 #include <CLI/CLI.hpp>

@@ -1,5 +1,6 @@
 #include "charset.h"
 #include "command_line.h"
+#include "input.h"
 #include "message_file.h"
 #include "output.h"
 #include "terminal.h"

@@ -2,7 +2,7 @@
 
 #include "format/format_string.h"
 #include "format/lost_encoding.h"
-#include "format/variant_form_table.h"
+#include "format/nil_conversion.h"
 
 #include <cstring>
 #include <new>

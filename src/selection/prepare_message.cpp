@@ -5,9 +5,9 @@
 
 #include "format/compare_formats.h"
 #include "format/format_string.h"
+#include "format/nil_conversion.h"
 #include "format/problem_report.h"
 #include "format/typed_argument.h"
-#include "format/variant_form_table.h"
 #include "format/variants.h"
 #include "lifecycle/global_state.h"
 

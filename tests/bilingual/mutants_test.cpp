@@ -2,7 +2,7 @@
 #include "bilingual/import.h"
 #include "bilingual/plural_forms.h"
 #include "bilingual/xliff_writer.h"
-#include "message_file.h"
+#include "library_use.h"
 #include "random_catalog.h"
 
 #include <gtest/gtest.h>

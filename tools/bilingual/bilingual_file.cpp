@@ -3,7 +3,7 @@
 #include "bilingual/po_form.h"
 #include "bilingual/xliff_reader.h"
 #include "bilingual/xliff_writer.h"
-#include "output.h"
+#include "input.h"
 
 namespace tool::bilingual
 {

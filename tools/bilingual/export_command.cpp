@@ -3,6 +3,7 @@
 #include "bilingual/teller.h"
 #include "bilingual/update.h"
 #include "command_line.h"
+#include "input.h"
 #include "output.h"
 #include "subcommand.h"
 #include "terminal.h"

@@ -6,6 +6,7 @@
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
 #include "command_line.h"
+#include "input.h"
 #include "output.h"
 #include "subcommand.h"
 #include "terminal.h"

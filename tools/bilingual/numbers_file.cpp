@@ -5,7 +5,7 @@
 #include "bilingual/plural_forms.h"
 #include "check/finding.h"
 #include "failure.h"
-#include "output.h"
+#include "input.h"
 #include "terminal.h"
 #include "text.h"
 

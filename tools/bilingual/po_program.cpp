@@ -1,7 +1,6 @@
 #include "bilingual/po_program.h"
 
 #include "failure.h"
-#include "output.h"
 #include "text.h"
 
 #include <algorithm>

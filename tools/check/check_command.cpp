@@ -4,6 +4,7 @@
 #include "check/session.h"
 #include "check/writers.h"
 #include "command_line.h"
+#include "input.h"
 #include "output.h"
 #include "output_file.h"
 #include "terminal.h"

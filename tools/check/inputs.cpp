@@ -1,6 +1,6 @@
 #include "check/inputs.h"
 
-#include "output.h"
+#include "input.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,7 +3,7 @@
 #include "check/completeness.h"
 #include "check/progress.h"
 #include "failure.h"
-#include "output.h"
+#include "input.h"
 
 #include <algorithm>
 #include <atomic>

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "gen/header.h"
 #include "gen/names.h"
+#include "input.h"
 #include "output.h"
 #include "terminal.h"
 #include "text.h"

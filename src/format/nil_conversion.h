@@ -2,8 +2,8 @@
  * The conversion of variants, "nil": it takes an integer and writes nothing, so that a sentence without its number has
  * every position. It stands in a table of its own, since the built-in table cannot get further names.
  */
-#ifndef KELTO_FORMAT_VARIANT_FORM_TABLE_H
-#define KELTO_FORMAT_VARIANT_FORM_TABLE_H
+#ifndef KELTO_FORMAT_NIL_CONVERSION_H
+#define KELTO_FORMAT_NIL_CONVERSION_H
 
 #include "kelto.h"
 

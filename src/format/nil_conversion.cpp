@@ -1,4 +1,4 @@
-#include "format/variant_form_table.h"
+#include "format/nil_conversion.h"
 
 #include "format/form_table.h"
 #include "lifecycle/global_state.h"

@@ -1,4 +1,4 @@
-#include "stats/report.h"
+#include "stats/html_page.h"
 
 #include "bilingual/message_parts.h"
 #include "bilingual/xml.h"

@@ -2,8 +2,8 @@
  * How far translations are, as a page: one file that needs nothing else, neither a network nor scripts. Whatever texts
  * hold, they are shown as texts.
  */
-#ifndef KELTO_TOOLS_STATS_REPORT_H
-#define KELTO_TOOLS_STATS_REPORT_H
+#ifndef KELTO_TOOLS_STATS_HTML_PAGE_H
+#define KELTO_TOOLS_STATS_HTML_PAGE_H
 
 #include "bilingual/import.h"
 
