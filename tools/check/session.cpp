@@ -1,7 +1,7 @@
 #include "check/session.h"
 
 #include "check/completeness.h"
-#include "check/progress.h"
+#include "check/progress_bar.h"
 #include "failure.h"
 #include "input.h"
 
@@ -100,12 +100,12 @@ public:
     Workers &operator=(const Workers &) = delete;
 
     /** The report of a file, which is waited for. */
-    Report take(size_t index, Progress &progress)
+    Report take(size_t index, ProgressBar &progress)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         while (!m_reports[index])
         {
-            m_isReady.wait_for(lock, Progress::interval);
+            m_isReady.wait_for(lock, ProgressBar::interval);
             progress.show(m_done, m_files.size());
         }
         return *std::exchange(m_reports[index], std::nullopt);
@@ -139,7 +139,7 @@ private:
 class Teller
 {
 public:
-    Teller(Writer &writer, Progress &progress) : m_writer(writer), m_progress(progress) {}
+    Teller(Writer &writer, ProgressBar &progress) : m_writer(writer), m_progress(progress) {}
 
     void tell(const Report &report)
     {
@@ -176,7 +176,7 @@ public:
 
 private:
     Writer &m_writer;
-    Progress &m_progress;
+    ProgressBar &m_progress;
     Summary m_summary;
     size_t m_unread = 0;
 };
@@ -231,7 +231,7 @@ std::vector<Report> References::reports(const Inputs &inputs, const Setting &set
 ExitStatus checkInputs(const Inputs &inputs, const References &references, const Setting &setting, Writer &writer,
                        size_t jobs)
 {
-    Progress progress;
+    ProgressBar progress;
     Teller teller(writer, progress);
     writer.begin();
     for (const Report &report : references.reports(inputs, setting))

@@ -1,4 +1,4 @@
-#include "check/library.h"
+#include "check/loadable.h"
 
 #include "kelto.h"
 #include "memory_file.h"

@@ -1,4 +1,4 @@
-#include "check/progress.h"
+#include "check/progress_bar.h"
 
 #include "terminal.h"
 #include "text.h"
@@ -18,12 +18,12 @@ constexpr size_t barColumns = 40;
 
 } // namespace
 
-Progress::Progress()
+ProgressBar::ProgressBar()
     : m_start(std::chrono::steady_clock::now()), m_last(m_start), m_isWanted(isatty(STDERR_FILENO) != 0)
 {
 }
 
-void Progress::show(size_t done, size_t all)
+void ProgressBar::show(size_t done, size_t all)
 {
     if (!m_isWanted)
         return;
@@ -38,7 +38,7 @@ void Progress::show(size_t done, size_t all)
     std::fflush(stderr);
 }
 
-void Progress::hide()
+void ProgressBar::hide()
 {
     if (!m_isShown)
         return;

@@ -1,6 +1,6 @@
 /** What the checker asks the library about a file as a whole. */
-#ifndef KELTO_TOOLS_CHECK_LIBRARY_H
-#define KELTO_TOOLS_CHECK_LIBRARY_H
+#ifndef KELTO_TOOLS_CHECK_LOADABLE_H
+#define KELTO_TOOLS_CHECK_LOADABLE_H
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 #include "check/catalog.h"
 #include "check/digest.h"
-#include "check/library.h"
+#include "check/loadable.h"
 #include "check/refusal.h"
 #include "check/stray_text.h"
 #include "check/xml_fault.h"

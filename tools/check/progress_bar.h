@@ -1,6 +1,6 @@
 /** A bar on the terminal of standard error for work that takes more than a second; nothing anywhere else. */
-#ifndef KELTO_TOOLS_CHECK_PROGRESS_H
-#define KELTO_TOOLS_CHECK_PROGRESS_H
+#ifndef KELTO_TOOLS_CHECK_PROGRESS_BAR_H
+#define KELTO_TOOLS_CHECK_PROGRESS_BAR_H
 
 #include <chrono>
 #include <cstddef>
@@ -8,12 +8,12 @@
 namespace tool::check
 {
 
-class Progress
+class ProgressBar
 {
 public:
     static constexpr std::chrono::milliseconds interval{100};
 
-    Progress();
+    ProgressBar();
 
     /** Draws how much is done, if it is time to. */
     void show(size_t done, size_t all);

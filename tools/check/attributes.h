@@ -2,19 +2,13 @@
  * The attributes of a file and of its messages. The language is that of the path and not that of the reference. The
  * product is that of the reference. Other names of messages tell that their numbers were mixed up.
  */
-#ifndef KELTO_TOOLS_CHECK_IDENTITY_H
-#define KELTO_TOOLS_CHECK_IDENTITY_H
+#ifndef KELTO_TOOLS_CHECK_ATTRIBUTES_H
+#define KELTO_TOOLS_CHECK_ATTRIBUTES_H
 
 #include "check/subject.h"
 
-#include <string>
-#include <string_view>
-
 namespace tool::check
 {
-
-/** The language that a path names, as "fr" in "fr/store.xlf", "pt-BR" in "store.pt-BR.xlf"; empty if there is none. */
-std::string languageInPath(std::string_view path);
 
 /** @param reference  null where there is none. */
 void checkLanguage(const Catalog &catalog, const Catalog *reference, Findings &findings);
