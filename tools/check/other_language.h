@@ -1,6 +1,6 @@
 /**
- * Texts in another language than the file's, in the same script: their letters and small words tell. Beside them,
- * letters of a one-byte charset that was read as another.
+ * Texts in another language than the file's, in the same script: their letters and small words tell. Texts of East Asia
+ * and texts in a wrong charset have sources of their own.
  */
 #ifndef KELTO_TOOLS_CHECK_OTHER_LANGUAGE_H
 #define KELTO_TOOLS_CHECK_OTHER_LANGUAGE_H
