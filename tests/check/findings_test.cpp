@@ -29,6 +29,7 @@ std::string findingsIn(const std::string &bytes, const std::string &reference, f
         others = checkMessages(catalog, table, &compared);
     }
     findings.insert(findings.end(), others.begin(), others.end());
+    suppress(findings, catalog.suppressions());
     for (Finding &finding : findings)
         finding.note.reset();
     std::string text;
@@ -191,6 +192,8 @@ const Row rows[] = {
     {unit("a&amp;amp;b"), "3:2-11 double-escape"},
     {unit("a&amp;amp;b"), "", unit("&amp;amp;")},
     {unit("a\u200Bb"), "3:2-3 invisible-character"},
+    {unit("\uFFF9a\uFFFBa\U000E0000a\U000E007F\uFFFC\U000E0080"),
+     "3:1-2 invisible-character, 3:3-4 invisible-character, 3:5-6 invisible-character, 3:7-8 invisible-character"},
     {unit("Копировать"), "3:1-11 wrong-script"},
     {unit("5 μm, Русский"), "", unit("μ Я")},
     {unit("a\n=======\nb"), "4:1-8 stray-text"},
@@ -198,6 +201,10 @@ const Row rows[] = {
     {document("<trans-unit id='1'><source>a</source><note from='kelto check'>white-space no-structure, "
               "no-mojibake: no-reason</note></trans-unit>"),
      "2:38-63 bad-suppression, 2:38-63 bad-suppression"},
+    {document(
+         "<trans-unit id='1'><source>a  b?</source><note from='kelto check'>no-white-space</note></trans-unit>\n"
+         "<trans-unit id='2'><source>a  b?</source><note from='kelto check'>no-end-punctuation</note></trans-unit>"),
+     "2:32-33 end-punctuation, 3:29-31 white-space 2", document(numbered(1, "a b") + numbered(2, "a b"))},
     // What a translation keeps.
     {unit("a/nb"), "3:2-4 line-break", unit("a\\nb")},
     {unit("a b"), "2:20-28 line-break", unit("a\\nb")},
@@ -401,6 +408,12 @@ TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)
         EXPECT_LE(found[0].place.bytes.end, catalog.source().bytes().size());
         EXPECT_EQ(disagreement(std::string(catalog.source().bytes())), "");
     }
+    Catalog half(SourceText("file", inUtf16("<xliff>a", false) + std::string("\0\xD8"
+                                                                             "b\0",
+                                                                             4)),
+                 Placeholders::positioned);
+    const Excerpt shown = report(half.findings(), half.source(), nullptr, Levels()).back().excerpt;
+    EXPECT_EQ(shown.before + shown.marked + shown.behind, u"<xliff>a\uFFFDb");
 }
 
 } // namespace
