@@ -97,7 +97,7 @@ template <bool Catches> void tell(void *context, const KTCatalogProblem *told) n
  * Messages by number, in all the languages that a user may be given; see "The ladder" in kelto.h. There is a text
  * for each number, at last "[store 3: report.txt, 12]".
  */
-class catalog : detail::text_source
+class catalog : detail::text_source<false>
 {
 public:
     /**

@@ -28,7 +28,7 @@ struct conversion_spec
 namespace detail
 {
 
-class text_source;
+template <bool> class text_source;
 
 constexpr std::uint32_t running_kind = 0x6B2B2B03;
 
@@ -42,7 +42,7 @@ inline std::exception_ptr *thrown() noexcept
 }
 
 /** Makes a call of the library. Where it has no text for an answer, what was thrown during it is thrown again. */
-template <class Call> int call_throwing(const Call &call)
+template <class Call> KELTO_OUT_OF_LINE int call_throwing(const Call &call)
 {
     std::exception_ptr own;
     KTCallContext context = {running_kind, &own, nullptr};
@@ -175,7 +175,7 @@ public:
     formTable *get() const noexcept { return table_.get(); }
 
 private:
-    friend detail::text_source;
+    template <bool> friend class detail::text_source;
     explicit form_table(std::shared_ptr<formTable> table) noexcept : table_(std::move(table)) {}
     std::shared_ptr<formTable> table_;
 };

@@ -53,14 +53,9 @@ constexpr std::size_t few_units = 1024;
 template <class Unit> class text_buffer
 {
 public:
-    text_buffer() noexcept {} // the units stay as they are
-    text_buffer(const text_buffer &) = delete;
-    text_buffer &operator=(const text_buffer &) = delete;
-
-    /** Has a text written in as much room as it needs, and returns the result; a need of 0 ends the search for room. */
-    template <class Write> int fill(const Write &write)
+    /** Has a text written in as much room as it needs, and tells the result; a need of 0 ends the search for room. */
+    template <class Write, class Tell> text_buffer(const Write &write, const Tell &tell)
     {
-        size_ = few_units + 1;
         int result = write(&size_, few_);
         while (result == KT_ERR_BUFFER_TOO_SMALL && size_ != 0)
         {
@@ -71,8 +66,10 @@ public:
         size_ = result == 0 ? size_ : 0;
         if (!many_.empty())
             many_.resize(size_);
-        return result;
+        tell(result);
     }
+    text_buffer(const text_buffer &) = delete;
+    text_buffer &operator=(const text_buffer &) = delete;
 
     std::basic_string_view<Unit> view() const noexcept
     {
@@ -82,7 +79,7 @@ public:
 
 private:
     Unit few_[few_units + 1];
-    std::size_t size_;
+    std::size_t size_ = few_units + 1;
     std::basic_string<Unit> many_;
 };
 
@@ -106,10 +103,9 @@ template <class Container> Container &container_of(std::back_insert_iterator<Con
 {
     struct access : std::back_insert_iterator<Container>
     {
-        explicit access(std::back_insert_iterator<Container> from) : std::back_insert_iterator<Container>(from) {}
-        Container &get() const noexcept { return *this->container; }
+        using std::back_insert_iterator<Container>::container;
     };
-    return access(iterator).get();
+    return *(iterator.*&access::container);
 }
 
 template <class Output> using inserted_of = typename Output::container_type::value_type;
@@ -190,8 +186,11 @@ struct used
     callback<void(const problem &)> on_problem;
 };
 
-/** A catalog, or a format in the place of one, as the library has opened it. */
-class text_source
+/**
+ * A catalog, or a format in the place of one, as the library has opened it.
+ * @tparam MayFail  whether its calls can fail: those of catalogs do not, and compile to less.
+ */
+template <bool MayFail> class text_source
 {
 protected:
     /** Opens by the options, to which those of `from` are added. What functions of the program throw comes out. */
@@ -205,9 +204,12 @@ protected:
         options.formatOptions = (from.tag ? unsigned{KT_TAG} : 0U) | (from.isolate ? unsigned{KT_ISOLATE} : 0U);
         options.maxSize = from.max_size != 0 ? from.max_size : 1;
         options.writeArgument = write_argument;
-        options.isStopped = has_thrown;
         if (own.table != nullptr || own.conversions != nullptr || own.on_problem)
-            options.context = (used_ = std::make_unique<used>(std::move(own))).get();
+        {
+            used_ = std::make_unique<used>(std::move(own));
+            options.context = used_.get();
+            options.isStopped = has_thrown;
+        }
         return call_throwing([&] {
             KTCatalog *opened = nullptr;
             const int result = call(options, &opened);
@@ -217,11 +219,10 @@ protected:
     }
 
     /** Writes a new text. */
-    template <class Unit> KELTO_OUT_OF_LINE std::basic_string<Unit> make(const text_request &request) const
+    template <class Unit>
+    __attribute__((flatten)) KELTO_OUT_OF_LINE std::basic_string<Unit> make(const text_request &request) const
     {
-        text_buffer<Unit> text;
-        fill(text, request);
-        return text.take();
+        return written<Unit>(request).take();
     }
 
     /** Writes to an output, for an array without a buffer in between. */
@@ -237,47 +238,43 @@ protected:
         }
         else
         {
-            text_buffer<char> text;
-            fill(text, request);
-            return hand_over(std::forward<Output>(out), text.view());
+            return hand_over(std::forward<Output>(out), written<char>(request).view());
         }
     }
 
     template <class Output>
     format_to_n_result<Output> put_n(Output out, std::size_t most, const text_request &request) const
     {
-        text_buffer<char> text;
-        fill(text, request);
+        const auto text = written<char>(request);
         return {copy_to(out, cut(text.view(), most)), text.view().size()};
     }
 
-    std::size_t measure(const text_request &request) const
-    {
-        text_buffer<char> text;
-        fill(text, request);
-        return text.view().size();
-    }
+    std::size_t measure(const text_request &request) const { return written<char>(request).view().size(); }
 
     /** Why the opening failed, or a call. */
     KELTO_SELDOM std::string explain(int result, const KTCatalogRequest *asked) const
     {
-        text_buffer<char> why;
-        call_throwing([&] { // what is thrown meanwhile was thrown before
-            why.fill([&](auto *size, char *out) { return KTExplainCatalog(catalog_.get(), asked, result, size, out); });
-            return 0;
-        });
-        return why.take();
+        std::string why;
+        const auto write = [&](std::size_t *size, char *out) {
+            return KTExplainCatalog(catalog_.get(), asked, result, size, out);
+        };
+        // What is thrown meanwhile was thrown before.
+        call_throwing([&] { return why = text_buffer<char>(write, [](int) {}).take(), 0; });
+        return why;
     }
 
     /** Tells a failure, or throws it. */
     void tell(int result, const text_request &request) const
     {
-        if (request.failure != nullptr)
-            *request.failure = make_error(result);
+        if constexpr (MayFail)
+        {
+            if (request.failure != nullptr)
+                *request.failure = make_error(result);
 #if KELTO_HAS_EXCEPTIONS
-        else if (result != 0)
-            fail(result, request.asked);
+            else if (result != 0)
+                fail(result, request.asked);
 #endif
+        }
     }
 
     std::unique_ptr<used> used_; // outlives what uses it
@@ -287,7 +284,7 @@ private:
     /** Has the library write a text. */
     template <class Unit> int write(const text_request &request, std::size_t *size, Unit *out) const
     {
-        const auto call = [&] {
+        const auto call = [this, &request, size, out] {
             if constexpr (std::is_same_v<Unit, char>)
                 return KTCatalogFormatRequestUTF8(catalog_.get(), &request.asked, size, out);
             else
@@ -296,9 +293,10 @@ private:
         return used_ == nullptr ? call() : call_throwing(call);
     }
 
-    template <class Unit> void fill(text_buffer<Unit> &text, const text_request &request) const
+    template <class Unit> text_buffer<Unit> written(const text_request &request) const
     {
-        tell(text.fill([&](std::size_t *size, Unit *out) { return write(request, size, out); }), request);
+        return text_buffer<Unit>([&](std::size_t *size, Unit *out) { return write(request, size, out); },
+                                 [&](int result) { tell(result, request); });
     }
 
 #if KELTO_HAS_EXCEPTIONS
@@ -319,7 +317,7 @@ private:
  * A call with a std::error_code in front of the arguments throws nothing, and gives nothing where that is set. The
  * others throw where the arguments are not those that the format takes, and where a conversion fails.
  */
-class prepared_format : detail::text_source
+class prepared_format : detail::text_source<true>
 {
 public:
     prepared_format(const std::string &format, std::error_code &failure) : prepared_format(format, {}, failure) {}
