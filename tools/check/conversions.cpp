@@ -39,7 +39,7 @@ Phrase whyBroken(std::string_view message, const Piece &piece)
 {
     const std::string_view text = message.substr(piece.begin, piece.positionBegin - piece.begin);
     const std::string quoted = quotation(text);
-    if (text[0] == '%' && piece.begin > 0 && message[piece.begin - 1] == '%')
+    if (text.substr(0, 1) == "%" && piece.begin > 0 && message[piece.begin - 1] == '%')
         return {Text::placeholderBehindPercent, {quoted}};
     if (text.find('[') != std::string_view::npos)
         return {Text::placeholderHasPosition, {quoted}};
