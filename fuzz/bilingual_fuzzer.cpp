@@ -7,7 +7,7 @@
 #include "bilingual/assign.h"
 #include "bilingual/bilingual_file.h"
 #include "bilingual/import.h"
-#include "bilingual/po_form.h"
+#include "bilingual/po_reader.h"
 #include "bilingual/update.h"
 #include "failure.h"
 #include "kelto.h"

@@ -2,7 +2,8 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
-#include "bilingual/po_form.h"
+#include "bilingual/po_header.h"
+#include "bilingual/po_messages.h"
 #include "bilingual/printf_format.h"
 #include "bilingual/selectors.h"
 #include "check/checks.h"
@@ -59,7 +60,7 @@ private:
     void find(Phrase text)
     {
         const Range place = m_entry.place;
-        m_findings.push_back({Rule::badConversion, m_number, place.begin, place, std::move(text), std::nullopt});
+        m_findings.push_back(findingAt(place, Rule::badConversion, m_number, std::move(text)));
     }
 
     /**
@@ -165,12 +166,11 @@ private:
         const std::optional<AssignedNumber> number = m_numbers.assign(entry.context, entry.source, entry.form >= 0);
         if (!number)
         {
-            m_findings.push_back({Rule::badId, 0, entry.place.begin, entry.place, {Text::numbersFull}, std::nullopt});
+            m_findings.push_back(findingAt(entry.place, Rule::badId, 0, {Text::numbersFull}));
             return;
         }
         if (entry.hasControls)
-            m_findings.push_back(
-                {Rule::structure, number->id, entry.place.begin, entry.place, {Text::controlCharacters}, std::nullopt});
+            m_findings.push_back(findingAt(entry.place, Rule::structure, number->id, {Text::controlCharacters}));
         MessageTexts texts(entry, number->id, m_table);
         for (Finding &finding : texts.takeFindings())
             m_findings.push_back(std::move(finding));
@@ -269,8 +269,7 @@ BilingualFile withNumbers(BilingualFile file, const NumbersFile &numbers, formTa
         if (number == nullptr)
         {
             if (!entry.isObsolete && entry.state == State::finished && entry.form <= 0)
-                file.findings.push_back(
-                    {Rule::messageExtra, 0, entry.place.begin, entry.place, {Text::messageExtra}, std::nullopt});
+                file.findings.push_back(findingAt(entry.place, Rule::messageExtra, 0, {Text::messageExtra}));
             continue;
         }
         MessageTexts texts(entry, number->id, table);

@@ -1,9 +1,10 @@
 #include "bilingual/bilingual_file.h"
 
-#include "bilingual/po_form.h"
+#include "bilingual/po_reader.h"
+#include "bilingual/po_writer.h"
+#include "bilingual/source_file.h"
 #include "bilingual/xliff_reader.h"
 #include "bilingual/xliff_writer.h"
-#include "input.h"
 
 namespace tool::bilingual
 {
@@ -43,7 +44,7 @@ std::string formNames()
 
 BilingualFile readBilingual(const std::string &path, const std::string &language)
 {
-    return readBilingual(check::SourceText(path == "-" ? "<stdin>" : path, readMessageFile(path)), language);
+    return readBilingual(readSource(path), language);
 }
 
 BilingualFile readBilingual(check::SourceText source, const std::string &language)

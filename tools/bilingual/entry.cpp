@@ -1,5 +1,7 @@
 #include "bilingual/entry.h"
 
+#include "text.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdint>
@@ -41,6 +43,26 @@ std::optional<Key> readKey(std::string_view text)
         key.label.find_first_not_of(digits, exactly.size()) == std::string::npos)
         key.label = "=" + key.label.substr(exactly.size());
     return key.label.find_first_of("[].") == std::string::npos ? std::optional(key) : std::nullopt;
+}
+
+check::Finding findingAt(check::Range place, check::Rule rule, int message, Phrase text)
+{
+    return {rule, message, place.begin, place, std::move(text), std::nullopt};
+}
+
+check::Findings repetitionsIn(const Bilingual &catalog)
+{
+    check::Findings findings;
+    std::map<Key, const Entry *> first;
+    for (const Entry &entry : catalog.entries)
+    {
+        if (entry.isObsolete || first.emplace(entry.key, &entry).second)
+            continue;
+        findings.push_back(findingAt(entry.place, check::Rule::duplicateId, entry.key.number,
+                                     {Text::numberRepeated, {static_cast<unsigned>(entry.key.number)}}));
+        findings.back().note = check::Note{false, first[entry.key]->place, {Text::numberUsedFirst}};
+    }
+    return findings;
 }
 
 size_t BilingualFile::lineOf(check::Range place) const

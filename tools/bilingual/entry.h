@@ -78,6 +78,12 @@ struct WrittenText
     bool isComplete = true; // all of it was understood
 };
 
+/**
+ * A finding at a place of a bilingual file.
+ * @param message  0 where it concerns the file as a whole.
+ */
+check::Finding findingAt(check::Range place, check::Rule rule, int message, Phrase text);
+
 struct Entry
 {
     Key key;
@@ -113,6 +119,9 @@ struct Bilingual
     std::vector<Entry> entries;        // those of a row together
     std::map<int, Selector> selectors; // of the entries with labels, by their numbers
 };
+
+/** Findings about entries whose number stands in the file for a second time: one of both would be lost. */
+check::Findings repetitionsIn(const Bilingual &catalog);
 
 /** A bilingual catalog and the file that it was read from. */
 struct BilingualFile

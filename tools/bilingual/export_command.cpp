@@ -1,4 +1,6 @@
 #include "bilingual/bilingual_file.h"
+#include "bilingual/command.h"
+#include "bilingual/po_messages.h"
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
 #include "bilingual/update.h"
@@ -24,10 +26,10 @@ struct Options
 {
     std::string form;
     std::string reference;
+    std::string translation; // the operand
     std::string old;
     std::string output;
     std::string language;
-    Words forms;
 };
 
 const Form &formFor(const CommandLine &line, const Options &options)
@@ -38,14 +40,6 @@ const Form &formFor(const CommandLine &line, const Options &options)
     if (form == nullptr)
         throw line.misuse(say(Text::noBilingualForm, {terminal().quote(options.form), formNames()}));
     return *form;
-}
-
-/** Tells why a file is none; whether there was nothing to tell. */
-bool isLoadable(Teller &teller, SourceFile &file, const Levels &levels)
-{
-    const size_t before = teller.errors();
-    teller.tell(errorsIn(report(file.catalog.findings(), file.catalog.source(), nullptr, levels)));
-    return teller.errors() == before;
 }
 
 void tell(const std::string &path, Text text, size_t count)
@@ -79,15 +73,8 @@ void tellChanges(const std::string &output, const Changes &changes)
         std::fputs(terminal().encodedLines(text).c_str(), stderr);
 }
 
-/** A text that is empty in the reference is empty in every language, unless somebody has put one there. */
-void dropEmpty(Bilingual &catalog)
-{
-    const auto isEmpty = [](const Entry &entry) { return entry.source.empty() && entry.target.empty(); };
-    catalog.entries.erase(std::remove_if(catalog.entries.begin(), catalog.entries.end(), isEmpty),
-                          catalog.entries.end());
-}
-
-ExitStatus run(CommandLine &line)
+/** Declares the options, parses, and refuses what does not go together. */
+Options readOptions(CommandLine &line, FormOption &forms)
 {
     Options options;
     line.option("--to", "FORM", options.form,
@@ -96,63 +83,84 @@ ExitStatus run(CommandLine &line)
     line.option("--update", "FILE", options.old, "Keep the translations of this bilingual file, by number");
     line.option("-o,--output", "OUT", options.output, "The file to write, which may be the updated one");
     line.option("--language", "NAME", options.language, "The language of the translation, as de or pt-BR");
-    line.options("--form", "NAME=TYPE[,TYPE...]", options.forms,
-                 "A conversion of the program's own and its arguments, as for kelto check");
+    forms.declare(line);
     const Words files = line.operands();
     if (files.size() > 1)
         throw line.misuse(say(Text::moreThanOneFile));
-    const std::string translation = files.empty() ? "" : files[0];
-    for (const auto &[name, value] : {std::pair("--reference", options.reference), {"--output", options.output}})
-        if (value.empty())
-            throw line.misuse(say(Text::optionMissing, {name}));
-    if (!translation.empty() && !options.old.empty())
-        throw line.misuse(say(Text::surplusWord, {terminal().quote(translation), "--update"}));
-    Words inputs{options.reference, translation, options.old};
-    if (std::count(inputs.begin(), inputs.end(), "-") > 1)
-        throw line.misuse(say(Text::standardInputTwice));
-    const Form &form = formFor(line, options);
-    FormTable forms;
-    addForms(line, options.forms, forms);
-    inputs.pop_back(); // the updated file is read before it is written
-    inputs.erase(std::remove(inputs.begin(), inputs.end(), ""), inputs.end());
+    options.translation = files.empty() ? "" : files[0];
+    requireOption(line, "--reference", options.reference);
+    requireOption(line, "--output", options.output);
+    if (!options.translation.empty() && !options.old.empty())
+        throw line.misuse(say(Text::surplusWord, {terminal().quote(options.translation), "--update"}));
+    requireOneStandardInput(line, {options.reference, options.translation, options.old});
+    formFor(line, options);
+    forms.read(line);
+    Words inputs{options.reference}; // the updated file is read before it is written
+    if (!options.translation.empty())
+        inputs.push_back(options.translation);
     requireOtherFile(options.output, inputs);
+    return options;
+}
 
-    const Levels levels;
-    Teller teller(line, "text", true, "", levels);
+/** Tells what of a bilingual file would be lost; whether there is nothing of that kind. */
+bool isWhole(BilingualFile &file, Teller &teller)
+{
+    Findings findings = file.findings;
+    const Findings repetitions = repetitionsIn(file.content);
+    findings.insert(findings.end(), repetitions.begin(), repetitions.end());
+    std::vector<Diagnostic> diagnostics = report(std::move(findings), file.source, nullptr, Levels());
+    if (!file.hasColumns)
+        tellInPo(diagnostics);
+    return teller.tellErrors(diagnostics);
+}
+
+/** The reference with the translation beside it, or with the work of the old file; nothing where one has errors. */
+std::optional<Bilingual> catalogOf(const Options &options, Teller &teller, std::optional<Changes> &changes)
+{
     SourceFile reference = SourceFile::read(options.reference);
-    if (!isLoadable(teller, reference, levels))
-        return ExitStatus::negative;
-    std::optional<SourceFile> translated;
-    std::optional<BilingualFile> old;
-    std::string language = options.language;
-    if (!translation.empty())
+    if (!teller.tellErrors(reference.catalog.findings(), reference.catalog.source()))
+        return std::nullopt;
+    Bilingual catalog;
+    if (!options.translation.empty())
     {
-        translated.emplace(SourceFile::read(translation));
-        if (!isLoadable(teller, *translated, levels))
-            return ExitStatus::negative;
-        language = language.empty() ? translated->catalog.language() : language;
+        SourceFile translated = SourceFile::read(options.translation);
+        if (!teller.tellErrors(translated.catalog.findings(), translated.catalog.source()))
+            return std::nullopt;
+        catalog = bilingualOf(reference, options.language.empty() ? translated.catalog.language() : options.language);
+        tellLosses(options.translation, addTranslation(catalog, translated));
     }
     else if (!options.old.empty())
     {
-        old.emplace(readBilingual(options.old));
-        teller.tell(errorsIn(report(old->findings, old->source, nullptr, levels)));
-        if (teller.errors() > 0)
-            return ExitStatus::negative;
-        language = language.empty() ? old->content.targetLanguage : language;
+        BilingualFile old = readBilingual(options.old);
+        if (!isWhole(old, teller))
+            return std::nullopt;
+        catalog = bilingualOf(reference, options.language.empty() ? old.content.targetLanguage : options.language);
+        changes = update(catalog, old.content);
     }
-    Bilingual catalog = bilingualOf(reference, language);
-    std::optional<Changes> changes;
-    if (translated)
-        tellLosses(translation, addTranslation(catalog, *translated));
-    else if (old)
-        changes = update(catalog, old->content);
-    if (!form.knowsEmpty)
-        tell(translated ? translation : options.old, Text::countOfLeftEmpty, countOfOneSided(catalog));
+    else
+        catalog = bilingualOf(reference, options.language);
     if (!options.language.empty())
         catalog.targetLanguage = options.language;
-    dropEmpty(catalog);
-    noteArguments(catalog, forms.get());
-    writeOutput(options.output, form.write(catalog, forms.get()));
+    return catalog;
+}
+
+ExitStatus run(CommandLine &line)
+{
+    FormOption forms;
+    const Options options = readOptions(line, forms);
+    const Form &form = formFor(line, options);
+    const Levels levels;
+    Teller teller(line, "text", true, "", levels);
+    std::optional<Changes> changes;
+    std::optional<Bilingual> catalog = catalogOf(options, teller, changes);
+    if (!catalog)
+        return ExitStatus::negative;
+    if (!form.knowsEmpty)
+        tell(options.translation.empty() ? options.old : options.translation, Text::countOfLeftEmpty,
+             countOfOneSided(*catalog));
+    dropEmpty(*catalog);
+    noteArguments(*catalog, forms.table());
+    writeOutput(options.output, form.write(*catalog, forms.table()));
     if (changes)
         tellChanges(options.output, *changes);
     return ExitStatus::done;

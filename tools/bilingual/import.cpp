@@ -2,7 +2,7 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
-#include "bilingual/po_form.h"
+#include "bilingual/po_messages.h"
 #include "bilingual/selectors.h"
 #include "check/catalog_builder.h"
 #include "text.h"
@@ -43,16 +43,29 @@ private:
     /** What stands for one message of a row, in the translation. */
     struct Group
     {
+        explicit Group(Selector of) : selector(std::move(of)) {}
+
         Selector selector;
         std::vector<Entry *> entries;
         std::vector<int> places; // of the entries, as long as those
-        bool isTaken = false;    // its forms are finished
+        std::vector<int> nested; // the places of its row that have selectors
+        bool isChosen = false;   // whether its forms are finished is known, or being found out
+        bool isTaken = false;    // they are
+        std::optional<bool> isRefused;
+        std::optional<bool> isWritten;
     };
 
     void chooseEntries();
+    Group &groupOf(int number, const Selector &selector)
+    {
+        return m_groups.try_emplace(number, selector).first->second;
+    }
     void addToGroup(Entry &entry);
     void numberRows();
-    void chooseForms(int number, Group &group);
+    void addNested();
+    bool chooseForms(int number);
+    bool isRefused(int number);
+    bool isWritten(int number);
     std::vector<int> requiredPlaces(const Selector &selector) const;
     void countMessages();
     void count(int number, const std::vector<const Entry *> &entries, bool isTaken, bool isRefused);
@@ -62,7 +75,7 @@ private:
     void addUnit(int id, const Key &key, const std::string &name, const Entry &entry);
     std::string chooseLanguage();
     Selector newSelector(int number, int row) const;
-    void find(Rule rule, const Entry &entry, Phrase text, std::optional<check::Note> note = std::nullopt);
+    void find(Rule rule, const Entry &entry, Phrase text);
     bool isTaken(const Entry &entry) const
     {
         return entry.state == State::finished || (entry.state == State::fuzzy && m_options.takesFuzzy);
@@ -81,32 +94,28 @@ private:
     std::map<int, Entry *> m_taken;         // by the number of the message that it becomes
     std::map<int, const Message *> m_originals; // of those
     std::map<int, Group> m_groups;              // by the number of the selector
+    std::map<int, std::vector<int>> m_outer;    // the selectors of a selector, by its number
     std::set<int> m_refused;
     std::map<int, std::vector<std::string>> m_errors; // by message
     Findings m_findings;
     Imported m_result;
 };
 
-void Import::find(Rule rule, const Entry &entry, Phrase text, std::optional<check::Note> note)
+void Import::find(Rule rule, const Entry &entry, Phrase text)
 {
-    m_findings.push_back({rule, entry.key.number, entry.place.begin, entry.place, std::move(text), std::move(note)});
+    m_findings.push_back(findingAt(entry.place, rule, entry.key.number, std::move(text)));
 }
 
 /** Which translations are to become messages. */
 void Import::chooseEntries()
 {
+    const Findings repetitions = repetitionsIn(m_file.content);
+    m_findings.insert(m_findings.end(), repetitions.begin(), repetitions.end());
     for (Entry &entry : m_file.content.entries)
     {
         const int id = entry.key.number;
-        if (entry.isObsolete)
+        if (entry.isObsolete || !m_entries.emplace(entry.key, &entry).second)
             continue;
-        const auto [first, isFirst] = m_entries.emplace(entry.key, &entry);
-        if (!isFirst)
-        {
-            find(Rule::duplicateId, entry, {Text::numberRepeated, {static_cast<unsigned>(id)}},
-                 check::Note{false, first->second->place, {Text::numberUsedFirst}});
-            continue;
-        }
         const Message *const original = m_rows.message(id);
         const bool isRow = m_rows.find(id) != nullptr;
         if (original == nullptr || (entry.key.label.empty() && (isRow || m_rows.keyOf(id) != nullptr)))
@@ -122,9 +131,10 @@ void Import::chooseEntries()
             m_originals.emplace(id, original);
         }
     }
+    addNested();
     numberRows();
-    for (auto &[number, group] : m_groups)
-        chooseForms(number, group);
+    for (const auto &[number, group] : m_groups)
+        chooseForms(number);
 }
 
 void Import::addToGroup(Entry &entry)
@@ -138,9 +148,21 @@ void Import::addToGroup(Entry &entry)
         find(Rule::badId, entry, {Text::badNumber, {quotation(written(entry.key))}});
         return;
     }
-    Group &group = m_groups.try_emplace(number, Group{selector, {}, {}}).first->second;
+    Group &group = groupOf(number, selector);
     group.entries.push_back(&entry);
     group.places.push_back(*place);
+}
+
+/** Selectors in the rows of others. They have entries for their own forms only. */
+void Import::addNested()
+{
+    for (const auto &[number, selector] : m_rows.selectors())
+        for (int place = 0; place < selector.places() && selector.row <= INT_MAX - place; ++place)
+            if (m_rows.find(selector.row + place) != nullptr)
+            {
+                groupOf(number, selector).nested.push_back(place);
+                m_outer[selector.row + place].push_back(number);
+            }
 }
 
 /** The selector of a message that has forms in this language only. */
@@ -186,23 +208,72 @@ std::vector<int> Import::requiredPlaces(const Selector &selector) const
     return places;
 }
 
-/** The forms of a row are taken all together: where one is missing that numbers need, none is of use. */
-void Import::chooseForms(int number, Group &group)
+/** Takes the forms of a row, all of them or none: where one is missing that numbers need, none is of use. */
+bool Import::chooseForms(int number)
 {
+    const auto found = m_groups.find(number);
+    if (found == m_groups.end())
+        return false;
+    Group &group = found->second;
+    if (group.isChosen)
+        return group.isTaken; // not yet in a circle, which is of no use either
+    group.isChosen = true;
     std::vector<int> missing = requiredPlaces(group.selector);
+    const auto have = [&missing](int place) {
+        missing.erase(std::remove(missing.begin(), missing.end(), place), missing.end());
+    };
     for (size_t i = 0; i < group.entries.size(); ++i)
         if (isTaken(*group.entries[i]))
-            missing.erase(std::remove(missing.begin(), missing.end(), group.places[i]), missing.end());
-    group.isTaken = missing.empty() && !group.entries.empty();
-    if (!group.isTaken)
-        return;
-    for (size_t i = 0; i < group.entries.size(); ++i)
+            have(group.places[i]);
+    for (const int place : group.nested)
+    {
+        if (!chooseForms(group.selector.row + place))
+            return false;
+        have(place);
+    }
+    if (!group.nested.empty()) // a form that only a selector could have is for nobody to translate
+        missing.erase(std::remove_if(missing.begin(), missing.end(),
+                                     [&](int place) { return m_rows.sourceFor(number, place) == nullptr; }),
+                      missing.end());
+    group.isTaken = missing.empty() && (!group.entries.empty() || !group.nested.empty());
+    for (size_t i = 0; group.isTaken && i < group.entries.size(); ++i)
         if (isTaken(*group.entries[i]))
         {
             const int id = group.selector.row + group.places[i];
             m_taken.emplace(id, group.entries[i]);
             m_originals.emplace(id, m_rows.sourceFor(number, group.places[i]));
         }
+    return group.isTaken;
+}
+
+/** Whether the checker refuses a selector, or a message that it leads to. Rows that are taken lead in no circle. */
+bool Import::isRefused(int number)
+{
+    Group &group = m_groups.at(number);
+    if (!group.isRefused)
+    {
+        const int row = group.selector.row;
+        const auto isRefusedAt = [&](int place) { return m_refused.count(row + place) > 0; };
+        const auto isNestedRefused = [&](int place) { return isRefused(row + place); };
+        group.isRefused = m_refused.count(number) > 0 ||
+                          std::any_of(group.places.begin(), group.places.end(), isRefusedAt) ||
+                          (group.isTaken && std::any_of(group.nested.begin(), group.nested.end(), isNestedRefused));
+    }
+    return *group.isRefused;
+}
+
+/** Whether programs get a row: it is right, and so is one that leads to it. */
+bool Import::isWritten(int number)
+{
+    Group &group = m_groups.at(number);
+    if (!group.isWritten)
+    {
+        const auto outer = m_outer.find(number);
+        group.isWritten = group.isTaken && !isRefused(number) &&
+                          (outer == m_outer.end() || std::any_of(outer->second.begin(), outer->second.end(),
+                                                                 [this](int other) { return isWritten(other); }));
+    }
+    return *group.isWritten;
 }
 
 /** "de.po:12: argument 2 is missing". */
@@ -260,11 +331,7 @@ void Import::countMessages()
         if (group != m_groups.end())
         {
             const Group &row = group->second;
-            const bool isRefused =
-                m_refused.count(id) > 0 || std::any_of(row.places.begin(), row.places.end(), [&](int place) {
-                    return m_refused.count(row.selector.row + place) > 0;
-                });
-            count(id, {row.entries.begin(), row.entries.end()}, row.isTaken, isRefused);
+            count(id, {row.entries.begin(), row.entries.end()}, row.isTaken, isRefused(id));
             continue;
         }
         const bool isRow = m_rows.find(id) != nullptr;
@@ -288,10 +355,9 @@ std::string Import::chooseLanguage()
     if (m_file.isWhole && language.size() != 2 && language.size() != 5)
     {
         const Range place = m_file.languagePlace.end > 0 ? m_file.languagePlace : m_file.body;
-        m_findings.push_back(
-            {Rule::language, 0, place.begin, place,
-             language.empty() ? Phrase{Text::noTargetLanguage} : Phrase{Text::badTargetLanguage, {quotation(language)}},
-             std::nullopt});
+        const Phrase why =
+            language.empty() ? Phrase{Text::noTargetLanguage} : Phrase{Text::badTargetLanguage, {quotation(language)}};
+        m_findings.push_back(findingAt(place, Rule::language, 0, why));
     }
     return language;
 }
@@ -361,16 +427,12 @@ void Import::addUnit(int id, const Key &key, const std::string &name, const Entr
     unit.text = entry.target;
     unit.source = digestOf(entry.source);
     const Message *const original = m_originals[id];
-    const auto remarks = m_source.remarks.units.find(original != nullptr ? original->id : id);
-    const bool hasRemarks = remarks != m_source.remarks.units.end();
-    unit.remarks.notes =
-        notesOfTranslator(entry.remarks.notes, hasRemarks ? remarks->second.notes : std::vector<bilingual::Note>());
+    const Remarks hints = hintsFor(m_source, key.number, original != nullptr ? original->id : id);
+    unit.remarks.notes = notesOfTranslator(entry.remarks.notes, hints.notes);
     for (const ContextGroup &group : entry.remarks.contexts)
     {
         const auto isSame = [&group](const ContextGroup &other) { return saysTheSame(group, other); };
-        const bool isOriginals =
-            hasRemarks && std::any_of(remarks->second.contexts.begin(), remarks->second.contexts.end(), isSame);
-        if (!isOriginals)
+        if (std::none_of(hints.contexts.begin(), hints.contexts.end(), isSame))
             unit.remarks.contexts.push_back(group);
     }
     m_result.document.units.push_back(std::move(unit));
@@ -391,11 +453,15 @@ void Import::makeDocument()
     }
     for (const auto &[number, group] : m_groups)
     {
-        const auto isRefused = [&, row = group.selector.row](int place) { return m_refused.count(row + place) > 0; };
-        if (!group.isTaken || m_refused.count(number) > 0 ||
-            std::any_of(group.places.begin(), group.places.end(), isRefused))
+        if (!isWritten(number))
             continue;
-        m_result.document.units.push_back({number, "", m_rows.message(number)->name, "", group.selector.text, {}});
+        const Key *const inRow = m_rows.keyOf(number);
+        m_result.document.units.push_back({number,
+                                           inRow != nullptr ? written(*inRow) : "",
+                                           m_rows.message(number)->name,
+                                           "",
+                                           group.selector.text,
+                                           {}});
         for (size_t i = 0; i < group.entries.size(); ++i)
         {
             const int id = group.selector.row + group.places[i];

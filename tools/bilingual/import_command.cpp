@@ -1,7 +1,8 @@
 #include "bilingual/assign.h"
 #include "bilingual/bilingual_file.h"
+#include "bilingual/command.h"
 #include "bilingual/import.h"
-#include "bilingual/po_form.h"
+#include "bilingual/po_reader.h"
 #include "bilingual/selectors.h"
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
@@ -12,9 +13,7 @@
 #include "terminal.h"
 #include "text.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <fmt/core.h>
 
 namespace tool
 {
@@ -26,19 +25,21 @@ using namespace bilingual;
 
 struct Options
 {
+    std::string input; // the operand
     std::string reference;
     std::string output;
     std::string language;
     std::string numbers;
     std::string format = "text";
     Words warnings;
-    Words forms;
     bool assigns = false;
     bool takesFuzzy = false;
     bool keepsGoing = false;
     bool isCheck = false;
     bool isForced = false;
     bool isQuiet = false;
+
+    bool wantsSummary() const { return !isQuiet && format == "text" && output != "-"; }
 };
 
 /** A message file that somebody has changed since it was made holds texts that stand nowhere else. */
@@ -51,52 +52,21 @@ void refuseEdited(const std::string &output)
         throw Failure(terminal().showBytes(output) + ": " + say(Text::editedByHand));
 }
 
-void checkOptions(const CommandLine &line, const Options &options, const Words &files)
+void checkOptions(const CommandLine &line, const Options &options)
 {
-    if (files.empty())
-        throw line.misuse(say(Text::noFile));
-    if (files.size() > 1)
-        throw line.misuse(say(Text::moreThanOneFile));
-    if (options.reference.empty() && !options.assigns)
-        throw line.misuse(say(Text::optionMissing, {"--reference"}));
+    if (!options.assigns)
+        requireOption(line, "--reference", options.reference);
     if (!options.numbers.empty() && !options.assigns)
         throw line.misuse(say(Text::optionMissing, {"--assign"}));
-    if (options.assigns && !options.reference.empty() && options.numbers.empty())
-        throw line.misuse(say(Text::optionMissing, {"--numbers"}));
-    if (options.output.empty() && !options.isCheck)
-        throw line.misuse(say(Text::optionMissing, {"--output"}));
-    if (options.reference == "-" && files[0] == "-")
-        throw line.misuse(say(Text::standardInputTwice));
+    if (options.assigns && !options.reference.empty())
+        requireOption(line, "--numbers", options.numbers);
+    if (!options.isCheck)
+        requireOption(line, "--output", options.output);
+    requireOneStandardInput(line, {options.reference, options.input});
 }
 
-SourceText readInput(const std::string &path)
-{
-    return {path == "-" ? "<stdin>" : path, readMessageFile(path)};
-}
-
-/** Makes the reference of a template of gettext. */
-ExitStatus makeReference(const Options &options, const std::string &path, formTable *table, const Levels &levels,
-                         Teller &teller)
-{
-    std::error_code error;
-    const bool hasNumbers = !options.numbers.empty() && std::filesystem::exists(options.numbers, error);
-    NumbersFile numbers = hasNumbers ? NumbersFile(options.numbers) : NumbersFile();
-    Assigned assigned = assignNumbers(readGettext(readInput(path)), numbers,
-                                      options.language.empty() ? "en" : options.language, table, levels);
-    teller.tell(assigned.diagnostics);
-    teller.finish(1);
-    if (!options.isCheck && (teller.errors() == 0 || options.keepsGoing))
-    {
-        if (!options.numbers.empty()) // first: a number that is in use is known
-            writeFile(options.numbers, numbers.bytes());
-        writeOutput(options.output, messageFileOf(std::move(assigned.document), table));
-    }
-    if (!options.isQuiet && options.format == "text" && options.output != "-")
-        printText(say(counted(Text::countOfAssigned, assigned.messages, {numbers.fresh()})) + "\n");
-    return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
-}
-
-ExitStatus run(CommandLine &line)
+/** Declares the options, parses, and refuses what does not go together. */
+Options readOptions(CommandLine &line, FormOption &forms)
 {
     Options options;
     line.option("-r,--reference", "FILE", options.reference, "The message file that was translated");
@@ -112,55 +82,92 @@ ExitStatus run(CommandLine &line)
                 "The language to write, of two or five characters, in place of the file's");
     line.option("--format", "FORM", options.format, "text (the default), json, sarif or github");
     line.options("-W", "RULE", options.warnings, "Report a rule, or not, or as an error, as for kelto check");
-    line.options("--form", "NAME=TYPE[,TYPE...]", options.forms,
-                 "A conversion of the program's own and its arguments, as for kelto check");
+    forms.declare(line);
     line.flag("-q,--quiet", options.isQuiet, "No summary");
-    const Words files = line.operands();
-    checkOptions(line, options, files);
-    Levels levels;
-    for (const std::string &warning : options.warnings)
-        if (const std::string fault = levels.apply(warning); !fault.empty())
-            throw line.misuse(fmt::format("-W{}: {}", terminal().showBytes(warning), fault));
-    FormTable forms;
-    addForms(line, options.forms, forms);
-    Teller teller(line, options.format, true, options.reference, levels);
-    if (!options.isCheck)
-        requireOtherFile(options.output, {options.reference, files[0], options.numbers});
-    if (!options.isCheck && options.assigns)
-        requireOtherFile(options.numbers, {options.reference, files[0]});
-    if (!options.isCheck && !options.isForced)
+    options.input = line.onlyFile();
+    checkOptions(line, options);
+    return options;
+}
+
+/** An output is no input, and nothing that somebody has edited. */
+void checkOutputs(const Options &options)
+{
+    if (options.isCheck)
+        return;
+    requireOtherFile(options.output, {options.reference, options.input, options.numbers});
+    if (options.assigns)
+        requireOtherFile(options.numbers, {options.reference, options.input});
+    if (!options.isForced)
         refuseEdited(options.output);
+}
 
-    if (options.assigns && options.reference.empty())
-        return makeReference(options, files[0], forms.get(), levels, teller);
+/** Makes the reference of a template of gettext. */
+ExitStatus makeReference(const Options &options, formTable *table, const Levels &levels, Teller &teller)
+{
+    std::error_code error;
+    const bool hasNumbers = !options.numbers.empty() && std::filesystem::exists(options.numbers, error);
+    NumbersFile numbers = hasNumbers ? NumbersFile(options.numbers) : NumbersFile();
+    Assigned assigned = assignNumbers(readGettext(readSource(options.input)), numbers,
+                                      options.language.empty() ? "en" : options.language, table, levels);
+    teller.tell(assigned.diagnostics);
+    teller.finish(1);
+    if (!options.isCheck && (teller.errors() == 0 || options.keepsGoing))
+    {
+        if (!options.numbers.empty()) // first: a number that is in use is known
+            writeFile(options.numbers, numbers.bytes());
+        writeOutput(options.output, messageFileOf(std::move(assigned.document), table));
+    }
+    if (options.wantsSummary())
+        printText(say(counted(Text::countOfAssigned, assigned.messages, {numbers.fresh()})) + "\n");
+    return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
+}
 
-    SourceFile source = SourceFile::read(options.reference);
-    source.catalog.source().index();
+/** The errors of a reference by itself. Its selectors are no texts for people. */
+Findings findingsIn(const SourceFile &source, formTable *table)
+{
     Findings findings = source.catalog.findings();
     const Rows rows(source.catalog);
-    const Findings others = rows.isEmpty()
-                                ? checkMessages(source.catalog, forms.get(), nullptr)
-                                : checkMessages(withoutSelectors(source.catalog, rows), forms.get(), nullptr);
+    const Findings others = rows.isEmpty() ? checkMessages(source.catalog, table, nullptr)
+                                           : checkMessages(withoutSelectors(source.catalog, rows), table, nullptr);
     findings.insert(findings.end(), others.begin(), others.end());
-    teller.tell(errorsIn(report(std::move(findings), source.catalog.source(), nullptr, levels)));
-    if (teller.errors() > 0)
+    return findings;
+}
+
+/** Makes a message file of a translation. */
+ExitStatus makeTranslation(const Options &options, formTable *table, const Levels &levels, Teller &teller)
+{
+    SourceFile source = SourceFile::read(options.reference);
+    source.catalog.source().index();
+    if (!teller.tellErrors(findingsIn(source, table), source.catalog.source()))
     {
         teller.finish(1);
         return ExitStatus::negative;
     }
-    const Reference reference(source.catalog, forms.get());
-    BilingualFile file = options.assigns ? withNumbers(readGettext(readInput(files[0]), options.language),
-                                                       NumbersFile(options.numbers), forms.get())
-                                         : readBilingual(files[0], options.language);
+    const Reference reference(source.catalog, table);
+    BilingualFile file = options.assigns ? withNumbers(readGettext(readSource(options.input), options.language),
+                                                       NumbersFile(options.numbers), table)
+                                         : readBilingual(options.input, options.language);
     Imported imported =
-        import(std::move(file), source, reference, levels, {forms.get(), options.takesFuzzy, options.language});
+        import(std::move(file), source, reference, levels, {table, options.takesFuzzy, options.language});
     teller.tell(imported.diagnostics);
     teller.finish(1);
     if (!options.isCheck && imported.isWhole && (teller.errors() == 0 || options.keepsGoing))
-        writeOutput(options.output, messageFileOf(std::move(imported.document), forms.get()));
-    if (!options.isQuiet && imported.isWhole && options.format == "text" && options.output != "-")
+        writeOutput(options.output, messageFileOf(std::move(imported.document), table));
+    if (options.wantsSummary() && imported.isWhole)
         printText(sentenceOf(imported.counts) + "\n");
     return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
+}
+
+ExitStatus run(CommandLine &line)
+{
+    FormOption forms;
+    const Options options = readOptions(line, forms);
+    const Levels levels = levelsOf(line, options.warnings);
+    forms.read(line);
+    Teller teller(line, options.format, true, options.reference, levels);
+    checkOutputs(options);
+    const auto make = options.assigns && options.reference.empty() ? makeReference : makeTranslation;
+    return make(options, forms.table(), levels, teller);
 }
 
 constexpr const char *details = R"(Makes a message file of a bilingual one, as `kelto export` writes it and

@@ -2,13 +2,12 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/selectors.h"
+#include "bilingual/xml_walk.h"
 #include "message/grammar/attributes.h"
 
 #include <algorithm>
 #include <cstring>
-#include <expat.h>
 #include <fmt/core.h>
-#include <memory>
 
 namespace tool::bilingual
 {
@@ -17,75 +16,33 @@ namespace
 
 constexpr std::string_view digestName = "digest";
 
-/** A walk over a message file that was found to be one. */
+/** Takes the remarks of a message file, whose structure is known to be right. */
 class RemarksReader
 {
 public:
-    explicit RemarksReader(FileRemarks &remarks, bool hasRemarks) : m_remarks(remarks), m_hasRemarks(hasRemarks) {}
-
-    void read(std::string_view bytes)
+    RemarksReader(FileRemarks &remarks, bool hasRemarks)
+        : m_remarks(remarks), m_hasRemarks(hasRemarks), m_walk(*this, XmlNames::asWritten)
     {
-        const std::unique_ptr<std::remove_pointer_t<XML_Parser>, void (*)(XML_Parser)> parser(XML_ParserCreate(nullptr),
-                                                                                              XML_ParserFree);
-        if (parser == nullptr)
-            throw std::bad_alloc();
-        m_parser = parser.get();
-        XML_SetUserData(m_parser, this);
-        XML_SetElementHandler(
-            m_parser,
-            [](void *state, const char *name, const char **attributes) {
-                static_cast<RemarksReader *>(state)->start(name, attributes);
-            },
-            [](void *state, const char *name) { static_cast<RemarksReader *>(state)->end(name); });
-        XML_SetCharacterDataHandler(m_parser, [](void *state, const char *text, int length) {
-            auto *const self = static_cast<RemarksReader *>(state);
-            if (self->m_text != nullptr)
-                self->m_text->append(text, static_cast<size_t>(length));
-        });
-        XML_Parse(m_parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
     }
 
-private:
-    static Attributes taken(const char **attributes)
-    {
-        Attributes list;
-        for (; *attributes != nullptr; attributes += 2)
-            list.emplace_back(attributes[0], attributes[1]);
-        return list;
-    }
+    void read(std::string_view bytes) { m_walk.run(bytes); }
 
+    // For the walk.
     void start(const char *name, const char **attributes)
     {
         const auto is = [name](const char *other) { return std::strcmp(name, other) == 0; };
         if (is("file"))
-            m_remarks.attributes = taken(attributes);
+            m_remarks.attributes = attributesFrom(attributes);
         else if (is("body") && !m_hasRemarks)
-            XML_StopParser(m_parser, XML_FALSE);
+            XML_StopParser(m_walk.get(), XML_FALSE);
         else if (is("trans-unit"))
-        {
-            const Attributes all = taken(attributes);
-            const std::string *const number = findAttribute(all, "ts");
-            const std::string *const id = findAttribute(all, "id");
-            m_unit = kelto::readMessageId(attributes);
-            if (number != nullptr && id != nullptr)
-                m_remarks.labels[m_unit] = *id;
-            if (const std::string *const source = findAttribute(all, sourceDigest))
-                m_remarks.sources[m_unit] = *source;
-        }
+            startUnit(attributes);
         else if (is("context-group") && m_unit > 0)
-            m_remarks.units[m_unit].contexts.push_back({taken(attributes), {}});
+            m_remarks.units[m_unit].contexts.push_back({attributesFrom(attributes), {}});
         else if (is("context") && m_unit > 0 && !m_remarks.units[m_unit].contexts.empty() && m_text == nullptr)
-        {
-            std::vector<Note> &contexts = m_remarks.units[m_unit].contexts.back().contexts;
-            contexts.push_back({taken(attributes), ""});
-            m_text = &contexts.back().text;
-        }
+            take(m_remarks.units[m_unit].contexts.back().contexts, attributes);
         else if (is("note") && m_unit > 0)
-        {
-            std::vector<Note> &notes = m_remarks.units[m_unit].notes;
-            notes.push_back({taken(attributes), ""});
-            m_text = &notes.back().text;
-        }
+            take(m_remarks.units[m_unit].notes, attributes);
     }
 
     void end(const char *name)
@@ -96,9 +53,35 @@ private:
             m_unit = 0;
     }
 
+    void text(std::string_view words)
+    {
+        if (m_text != nullptr)
+            *m_text += words;
+    }
+
+private:
+    void startUnit(const char **attributes)
+    {
+        const Attributes all = attributesFrom(attributes);
+        const std::string *const number = findAttribute(all, "ts");
+        const std::string *const id = findAttribute(all, "id");
+        m_unit = kelto::readMessageId(attributes);
+        if (number != nullptr && id != nullptr)
+            m_remarks.labels[m_unit] = *id;
+        if (const std::string *const source = findAttribute(all, sourceDigest))
+            m_remarks.sources[m_unit] = *source;
+    }
+
+    /** Begins a note, whose words follow. */
+    void take(std::vector<Note> &notes, const char **attributes)
+    {
+        notes.push_back({attributesFrom(attributes), ""});
+        m_text = &notes.back().text;
+    }
+
     FileRemarks &m_remarks;
     bool m_hasRemarks;
-    XML_Parser m_parser = nullptr;
+    XmlWalk<RemarksReader> m_walk;
     int m_unit = 0;
     std::string *m_text = nullptr;
 };

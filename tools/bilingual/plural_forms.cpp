@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <fmt/core.h>
 #include <iterator>
+#include <map>
+#include <utility>
 
 namespace tool::bilingual
 {
@@ -187,11 +189,28 @@ std::optional<std::string> fieldOf(std::string_view header, std::string_view nam
     return std::string(header.substr(at + 1, end - at - 1));
 }
 
-} // namespace
+/**
+ * The value of a key. A file asks for that of one language again and again, and to make it takes the rules of the
+ * language for a thousand numbers.
+ */
+template <typename Key, typename Value, typename Make>
+const Value &remembered(std::map<Key, Value> &known, const Key &key, Make make)
+{
+    constexpr size_t most = 16; // a file may name any language
+    const auto found = known.find(key);
+    if (found != known.end())
+        return found->second;
+    if (known.size() == most)
+        known.clear();
+    return known.emplace(key, make(key)).first->second;
+}
 
-std::vector<Category> categoriesOf(const std::string &language, bool isOrdinal)
+using Kind = std::pair<std::string, bool>; // a language, and whether it is about ordinals
+
+std::vector<Category> makeCategories(const Kind &kind)
 {
     static const std::vector<uint64_t> samples = sampleNumbers();
+    const auto &[language, isOrdinal] = kind;
     std::vector<Category> categories;
     for (int variant = KT_VARIANT_ZERO; variant <= KT_VARIANT_OTHER; ++variant)
         categories.push_back({variant, {}});
@@ -208,15 +227,7 @@ std::vector<Category> categoriesOf(const std::string &language, bool isOrdinal)
     return categories;
 }
 
-std::string examplesText(const Category &category)
-{
-    std::string text;
-    for (size_t i = 0; i < std::min(mostExamples, category.examples.size()); ++i)
-        text += (i > 0 ? ", " : "") + std::to_string(category.examples[i]);
-    return text;
-}
-
-std::string pluralHeaderOf(const std::string &language)
+std::string makeHeader(const std::string &language)
 {
     const std::vector<Category> categories = categoriesOf(language, false);
     std::string names;
@@ -236,6 +247,28 @@ std::string pluralHeaderOf(const std::string &language)
             return header;
     }
     return "nplurals=1; plural=0;";
+}
+
+} // namespace
+
+std::vector<Category> categoriesOf(const std::string &language, bool isOrdinal)
+{
+    thread_local std::map<Kind, std::vector<Category>> known;
+    return remembered(known, Kind(language, isOrdinal), makeCategories);
+}
+
+std::string examplesText(const Category &category)
+{
+    std::string text;
+    for (size_t i = 0; i < std::min(mostExamples, category.examples.size()); ++i)
+        text += (i > 0 ? ", " : "") + std::to_string(category.examples[i]);
+    return text;
+}
+
+std::string pluralHeaderOf(const std::string &language)
+{
+    thread_local std::map<std::string, std::string> known;
+    return remembered(known, language, makeHeader);
 }
 
 std::optional<PluralHeader> PluralHeader::read(std::string_view header)

@@ -13,6 +13,11 @@ namespace tool::bilingual
 
 using namespace check;
 
+SourceText readSource(const std::string &path)
+{
+    return {path == "-" ? "<stdin>" : path, readMessageFile(path)};
+}
+
 SourceFile::SourceFile(SourceText source)
     : catalog(std::move(source), Placeholders::positioned), remarks(remarksIn(catalog.source().bytes()))
 {
@@ -20,7 +25,7 @@ SourceFile::SourceFile(SourceText source)
 
 SourceFile SourceFile::read(const std::string &path)
 {
-    return SourceFile(SourceText(path == "-" ? "<stdin>" : path, readMessageFile(path)));
+    return SourceFile(readSource(path));
 }
 
 namespace
@@ -33,6 +38,18 @@ const Remarks *remarksOf(const SourceFile &file, int id)
 }
 
 } // namespace
+
+Remarks hintsFor(const SourceFile &reference, int number, int source)
+{
+    const Remarks *const own = remarksOf(reference, source);
+    Remarks hints = own != nullptr ? *own : Remarks();
+    if (const Remarks *const ofAll = number != source ? remarksOf(reference, number) : nullptr)
+    {
+        hints.notes.insert(hints.notes.begin(), ofAll->notes.begin(), ofAll->notes.end());
+        hints.contexts.insert(hints.contexts.begin(), ofAll->contexts.begin(), ofAll->contexts.end());
+    }
+    return hints;
+}
 
 namespace
 {
@@ -88,11 +105,9 @@ private:
         entry.key = std::move(key);
         entry.name = named.name;
         entry.source = unescaped(m_reference.catalog.rawText(source));
-        if (const Remarks *const remarks = remarksOf(m_reference, source.id))
-        {
-            entry.hints = remarks->notes;
-            entry.remarks.contexts = remarks->contexts;
-        }
+        Remarks hints = hintsFor(m_reference, named.id, source.id);
+        entry.hints = std::move(hints.notes);
+        entry.remarks.contexts = std::move(hints.contexts);
         m_catalog.entries.push_back(std::move(entry));
     }
 
@@ -144,6 +159,8 @@ public:
         for (const Message &message : m_translation.catalog.messages())
             if (m_rows.find(message.id) == nullptr)
                 add(message);
+        for (const auto &[number, selector] : m_rows.selectors())
+            addNotesOfRow(number);
         for (auto &[number, entries] : m_entries)
         {
             std::stable_sort(entries.begin(), entries.end(),
@@ -222,6 +239,18 @@ private:
         }
     }
 
+    /** A selector has no entry of its own: a note on it goes to the first of its forms. */
+    void addNotesOfRow(int number)
+    {
+        const Remarks *const remarks = remarksOf(m_translation, number);
+        const auto found = m_entries.find(number);
+        if (remarks == nullptr || found == m_entries.end() || found->second.empty())
+            return;
+        Entry &first = found->second.front();
+        const std::vector<Note> notes = notesOfTranslator(remarks->notes, first.hints);
+        first.remarks.notes.insert(first.remarks.notes.begin(), notes.begin(), notes.end());
+    }
+
     void addUnknown(const Key &key, const Message &message)
     {
         Entry entry;
@@ -249,6 +278,13 @@ Losses addTranslation(Bilingual &catalog, const SourceFile &translation)
 {
     catalog.targetLanguage = translation.catalog.language();
     return Merger(catalog, translation).run();
+}
+
+void dropEmpty(Bilingual &catalog)
+{
+    const auto isEmpty = [](const Entry &entry) { return entry.source.empty() && entry.target.empty(); };
+    catalog.entries.erase(std::remove_if(catalog.entries.begin(), catalog.entries.end(), isEmpty),
+                          catalog.entries.end());
 }
 
 } // namespace tool::bilingual

@@ -15,6 +15,9 @@
 namespace tool::bilingual
 {
 
+/** The bytes of a file, under the name that findings give it. */
+check::SourceText readSource(const std::string &path);
+
 /** A message file with all that it says. */
 struct SourceFile
 {
@@ -24,6 +27,13 @@ struct SourceFile
     check::Catalog catalog;
     FileRemarks remarks;
 };
+
+/**
+ * The remarks of a reference on one of its messages.
+ * @param number  that of the entry: its selector, whose remarks are about all forms, or the message itself.
+ * @param source  the message that is translated.
+ */
+Remarks hintsFor(const SourceFile &reference, int number, int source);
 
 /**
  * The entries of the messages of a reference, in the order of their numbers: none is translated.
@@ -40,6 +50,9 @@ struct Losses
 
 /** Puts the messages of a translation beside those of the reference. */
 Losses addTranslation(Bilingual &catalog, const SourceFile &translation);
+
+/** Drops the entries that are empty on both sides: a text that is empty in the reference is empty in every language. */
+void dropEmpty(Bilingual &catalog);
 
 /** The notes without the developer's. */
 std::vector<Note> notesOfTranslator(const std::vector<Note> &notes, const std::vector<Note> &hints);

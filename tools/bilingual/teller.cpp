@@ -1,13 +1,12 @@
 #include "bilingual/teller.h"
 
-#include "check/formats.h"
 #include "output.h"
 #include "terminal.h"
 #include "text.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <fmt/core.h>
+#include <iterator>
 #include <unistd.h>
 
 namespace tool::bilingual
@@ -53,34 +52,24 @@ void Teller::tell(const std::vector<Diagnostic> &diagnostics)
     }
 }
 
+bool Teller::tellErrors(const std::vector<Diagnostic> &diagnostics)
+{
+    std::vector<Diagnostic> errors;
+    std::copy_if(diagnostics.begin(), diagnostics.end(), std::back_inserter(errors),
+                 [](const Diagnostic &found) { return found.severity == Severity::error; });
+    tell(errors);
+    return errors.empty();
+}
+
+bool Teller::tellErrors(Findings findings, SourceText &source)
+{
+    return tellErrors(report(std::move(findings), source, nullptr, m_levels));
+}
+
 void Teller::finish(size_t files)
 {
     m_summary.files = files;
     m_writer->end(m_summary);
-}
-
-void addForms(const CommandLine &line, const Words &words, FormTable &forms)
-{
-    forms.add("nil=int"); // of the messages of rows
-    for (const std::string &form : words)
-        if (const std::string fault = forms.add(form); !fault.empty())
-            throw line.misuse(fmt::format("--form {}: {}", terminal().showBytes(form), fault));
-}
-
-std::vector<Diagnostic> errorsIn(std::vector<Diagnostic> diagnostics)
-{
-    diagnostics.erase(std::remove_if(diagnostics.begin(), diagnostics.end(),
-                                     [](const Diagnostic &found) { return found.severity != Severity::error; }),
-                      diagnostics.end());
-    return diagnostics;
-}
-
-void writeOutput(const std::string &path, std::string_view bytes)
-{
-    if (path == "-")
-        print(bytes);
-    else
-        writeFile(path, bytes);
 }
 
 } // namespace tool::bilingual

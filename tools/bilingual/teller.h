@@ -3,7 +3,6 @@
 #define KELTO_TOOLS_BILINGUAL_TELLER_H
 
 #include "check/finding.h"
-#include "check/formats.h"
 #include "check/writers.h"
 #include "command_line.h"
 
@@ -25,6 +24,10 @@ public:
 
     void tell(const std::vector<check::Diagnostic> &diagnostics);
 
+    /** Tells the errors alone; false where there are any. */
+    bool tellErrors(const std::vector<check::Diagnostic> &diagnostics);
+    bool tellErrors(check::Findings findings, check::SourceText &source);
+
     /** Closes the document. */
     void finish(size_t files);
 
@@ -35,15 +38,6 @@ private:
     std::unique_ptr<check::Writer> m_writer;
     check::Summary m_summary;
 };
-
-/** The table that the options --form make. */
-void addForms(const CommandLine &line, const Words &words, check::FormTable &forms);
-
-/** Those that are errors. */
-std::vector<check::Diagnostic> errorsIn(std::vector<check::Diagnostic> diagnostics);
-
-/** Writes a whole output, "-" being standard output. */
-void writeOutput(const std::string &path, std::string_view bytes);
 
 } // namespace tool::bilingual
 

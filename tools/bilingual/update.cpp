@@ -77,8 +77,10 @@ Changes update(Bilingual &catalog, const Bilingual &old)
     catalog.targetLanguage = old.targetLanguage;
     catalog.header = old.header;
     std::map<Key, const Entry *> known;
-    for (const Entry &entry : old.entries)
-        known.emplace(entry.key, &entry);
+    for (const bool isObsolete : {false, true}) // a message that is back has its old translation
+        for (const Entry &entry : old.entries)
+            if (entry.isObsolete == isObsolete)
+                known.emplace(entry.key, &entry);
     std::map<int, std::vector<const Entry *>> rows;
     for (const Entry &entry : old.entries)
         if (!entry.key.label.empty() && !entry.isObsolete)

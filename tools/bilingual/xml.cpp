@@ -25,6 +25,14 @@ std::string withReferences(std::string_view text, std::string_view characters, c
 
 } // namespace
 
+Attributes attributesFrom(const char *const *attributes)
+{
+    Attributes list;
+    for (; *attributes != nullptr; attributes += 2)
+        list.emplace_back(attributes[0], attributes[1]);
+    return list;
+}
+
 std::string xmlText(std::string_view text)
 {
     constexpr std::string_view references[] = {"&amp;", "&lt;", "&gt;", "&#13;"};

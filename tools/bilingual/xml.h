@@ -14,6 +14,9 @@ namespace tool::bilingual
 using Attribute = std::pair<std::string, std::string>;
 using Attributes = std::vector<Attribute>;
 
+/** The attributes of a tag, as expat hands them out: name and value in turn, then null. */
+Attributes attributesFrom(const char *const *attributes);
+
 /** A text between tags; a character that a reader would take for another is written as a reference. */
 std::string xmlText(std::string_view text);
 

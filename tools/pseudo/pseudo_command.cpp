@@ -1,15 +1,14 @@
-#include "bilingual/message_document.h"
+#include "bilingual/command.h"
 #include "bilingual/message_parts.h"
+#include "bilingual/source_file.h"
 #include "bilingual/teller.h"
-#include "check/checks.h"
 #include "command_line.h"
 #include "input.h"
-#include "message_file.h"
 #include "pseudo/pseudo_text.h"
+#include "selector.h"
 #include "terminal.h"
 #include "text.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace tool
@@ -36,14 +35,7 @@ unsigned percentOf(const CommandLine &line, const std::string &text)
 /** Whether a message only chooses another one. */
 bool isSelector(const Parts &parts)
 {
-    constexpr std::string_view names[] = {"plural", "ordinal", "select"};
-    if (parts.size() != 1 || !parts[0].isPlaceholder)
-        return false;
-    const std::string_view conversion = parts[0].conversion();
-    const auto endsIn = [conversion](std::string_view name) {
-        return conversion.size() > name.size() && conversion.substr(conversion.size() - name.size()) == name;
-    };
-    return std::any_of(std::begin(names), std::end(names), endsIn);
+    return parts.size() == 1 && parts[0].isPlaceholder && namesSelector(parts[0].text);
 }
 
 ExitStatus run(CommandLine &line)
@@ -51,28 +43,25 @@ ExitStatus run(CommandLine &line)
     std::string output;
     std::string expansion = "30";
     bool isBidi = false;
-    Words formWords;
+    FormOption forms;
     line.option("-o,--output", "OUT", output, "The message file to write; '-' is standard output");
     line.option("--expand", "PERCENT", expansion, "By how much texts get longer; 30 if not given");
     line.flag("--bidi", isBidi, "Letters from right to left, in the language ar-XB, and no accents");
-    line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
-                 "A conversion of the program's own and its arguments, as for kelto check");
+    forms.declare(line);
     const std::string input = line.onlyFile();
-    if (output.empty())
-        throw line.misuse(say(Text::optionMissing, {"--output"}));
+    requireOption(line, "--output", output);
     const unsigned percent = percentOf(line, expansion);
-    FormTable forms;
-    addForms(line, formWords, forms);
+    forms.read(line);
     requireOtherFile(output, {input});
 
-    Catalog catalog(SourceText(input == "-" ? "<stdin>" : input, readMessageFile(input)), Placeholders::positioned);
+    SourceFile source = SourceFile::read(input);
+    Catalog &catalog = source.catalog;
+    FileRemarks &remarks = source.remarks;
     const Levels levels;
     Teller teller(line, "text", true, "", levels);
-    teller.tell(errorsIn(report(catalog.findings(), catalog.source(), nullptr, levels)));
-    if (teller.errors() > 0)
+    if (!teller.tellErrors(catalog.findings(), catalog.source()))
         return ExitStatus::negative;
 
-    FileRemarks remarks = remarksIn(catalog.source().bytes());
     MessageDocument document;
     for (auto &[name, value] : remarks.attributes)
         if (name == "source-language")
@@ -82,7 +71,7 @@ ExitStatus run(CommandLine &line)
     for (const Message &message : catalog.messages())
     {
         const std::string text = unescaped(catalog.rawText(message));
-        const Parts parts = roughPartsOf(text, forms.get());
+        const Parts parts = roughPartsOf(text, forms.table());
         const pseudo::Style style = isBidi ? pseudo::Style::direction : pseudo::Style::accents;
         document.units.push_back({message.id,
                                   remarks.labels[message.id],
@@ -91,7 +80,7 @@ ExitStatus run(CommandLine &line)
                                   isSelector(parts) ? text : pseudo::pseudoOf(parts, style, percent),
                                   {}});
     }
-    writeOutput(output, messageFileOf(std::move(document), forms.get()));
+    writeOutput(output, messageFileOf(std::move(document), forms.table()));
     return ExitStatus::done;
 }
 

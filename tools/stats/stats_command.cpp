@@ -1,4 +1,5 @@
 #include "bilingual/bilingual_file.h"
+#include "bilingual/command.h"
 #include "bilingual/import.h"
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
@@ -81,47 +82,40 @@ ExitStatus run(CommandLine &line)
     std::string html;
     std::string nameSpace = "messages";
     bool isUsed = false;
-    Words formWords;
+    FormOption forms;
     line.option("-r,--reference", "FILE", reference, "The message file that is translated");
     line.option("--html", "OUT", html, "Write a page with what is not finished or refused");
     line.flag("--used", isUsed, "The operands are sources: tell which messages none of them names");
     line.option("--namespace", "NAME", nameSpace, "As given to kelto gen, for the names; \"messages\" if not given");
-    line.options("--form", "NAME=TYPE[,TYPE...]", formWords,
-                 "A conversion of the program's own and its arguments, as for kelto check");
-    const Words files = line.operands();
-    if (files.empty())
-        throw line.misuse(say(Text::noFile));
-    if (reference.empty())
-        throw line.misuse(say(Text::optionMissing, {"--reference"}));
-    if (std::count(files.begin(), files.end(), "-") + (reference == "-" ? 1 : 0) > 1)
-        throw line.misuse(say(Text::standardInputTwice));
-    FormTable forms;
-    addForms(line, formWords, forms);
+    forms.declare(line);
+    const Words files = line.files();
+    requireOption(line, "--reference", reference);
+    forms.read(line);
     Words inputs = files;
     inputs.push_back(reference);
+    requireOneStandardInput(line, inputs);
     requireOtherFile(html, inputs);
 
     const Levels levels;
     Teller teller(line, "text", true, reference, levels);
     SourceFile source = SourceFile::read(reference);
     source.catalog.source().index();
-    teller.tell(errorsIn(report(source.catalog.findings(), source.catalog.source(), nullptr, levels)));
-    if (teller.errors() > 0)
+    if (!teller.tellErrors(source.catalog.findings(), source.catalog.source()))
         return ExitStatus::negative;
     if (isUsed)
         return tellUnused(source.catalog, nameSpace, files);
 
-    const Reference compared(source.catalog, forms.get());
+    const Reference compared(source.catalog, forms.table());
     std::vector<stats::Progress> all;
     const ExitStatus status = forEachFile(files, [&](const std::string &path) {
-        Imported imported = import(readBilingual(path), source, compared, levels, {forms.get(), false, ""});
+        Imported imported = import(readBilingual(path), source, compared, levels, {forms.table(), false, ""});
         if (!imported.isWhole)
-            teller.tell(errorsIn(imported.diagnostics));
+            teller.tellErrors(imported.diagnostics);
         all.push_back({path, languageOf(imported, path), imported.counts, std::move(imported.unfinished)});
         printText(terminal().showBytes(all.back().language) + "  " + sentenceOf(all.back().counts) + "\n");
     });
     if (!html.empty())
-        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all, forms.get()));
+        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all, forms.table()));
     return status == ExitStatus::done && teller.errors() > 0 ? ExitStatus::negative : status;
 }
 

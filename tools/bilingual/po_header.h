@@ -1,0 +1,28 @@
+/** The header of a PO file, which is its first entry: fields with a name and a value, a line each. */
+#ifndef KELTO_TOOLS_BILINGUAL_PO_HEADER_H
+#define KELTO_TOOLS_BILINGUAL_PO_HEADER_H
+
+#include "bilingual/entry.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool::bilingual
+{
+
+/** The fields of a header, in their order. */
+std::vector<Attribute> headerFields(std::string_view header);
+
+/** The value of a field; empty where there is none. */
+std::string headerField(std::string_view header, std::string_view name);
+
+/**
+ * The header of a catalog. Fields of a translator's program stay. A new header has nothing that depends on the time
+ * and on the user: the same catalog gives the same bytes.
+ */
+std::string headerOf(const Bilingual &catalog);
+
+} // namespace tool::bilingual
+
+#endif

@@ -1,0 +1,29 @@
+/**
+ * Messages in PO files: conversions of C become ours, the forms of a plural entry become those that the language needs,
+ * and findings are told in the words of the file.
+ */
+#ifndef KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
+#define KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
+
+#include "bilingual/entry.h"
+
+#include <vector>
+
+namespace tool::bilingual
+{
+
+/**
+ * Makes messages of the texts of a PO file.
+ * @param file  its entries have numbers and conversions of ours; those of a plural entry follow each other, a form each.
+ */
+BilingualFile withMessages(BilingualFile file);
+
+/**
+ * Tells findings in the words of a PO file: their place is a line, and their conversions are those of C. Conversions
+ * are always typed there, so the findings about typed ones are dropped.
+ */
+void tellInPo(std::vector<check::Diagnostic> &diagnostics);
+
+} // namespace tool::bilingual
+
+#endif
