@@ -26,7 +26,7 @@ constexpr const char *style = R"(
 body { margin: 0 auto; max-width: 76rem; padding: 1.5rem 1rem 4rem; background: var(--paper); color: var(--ink);
   font: 1rem/1.5 system-ui, sans-serif; }
 h1 { font-size: 1.5rem; margin: 0 0 1rem; overflow-wrap: anywhere; }
-h2 { font-size: 1.125rem; margin: 2.5rem 0 .5rem; }
+h2 { font-size: 1.125rem; margin: 2.5rem 0 .5rem; overflow-wrap: anywhere; }
 a { color: inherit; }
 .languages { list-style: none; margin: 0; padding: 0; }
 .languages li { padding: .5rem 0; border-bottom: 1px solid var(--line); }
@@ -41,10 +41,10 @@ th, td { text-align: start; vertical-align: top; padding: .5rem; border-bottom: 
   overflow-wrap: anywhere; }
 th { color: var(--soft); font-weight: normal; }
 th:first-child { width: 8rem; }
-th:nth-child(2) { width: 8rem; }
+th:nth-child(2) { width: 9rem; }
 .text { white-space: pre-wrap; }
 .text bdi { color: var(--soft); }
-td ul { margin: .25rem 0 0; padding: 0; list-style: none; }
+td ul { margin: .25rem 0 0; padding: 0; list-style: none; color: var(--refused); font-size: .875rem; }
 td code { font-size: .875em; color: var(--soft); }
 .state-fuzzy { color: var(--fuzzy); }
 .state-refused { color: var(--refused); }
