@@ -2,6 +2,7 @@
 
 #include "catalog/store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <unistd.h>
 
@@ -135,7 +136,7 @@ TEST(Catalog, MayBeNullOrStopped)
 
 TEST(Catalog, KeepsSomeNumbersThatNoFileHas)
 {
-    constexpr int many = 5000, kept = 4096;
+    constexpr int some = 300, many = 5000, kept = 4096;
     FakeZel::file("d/de/store.xlf", MessageFile().unit(1, "eins").unit(900000, "viel").xml());
     FakeZel::file("d/en/store.xlf", MessageFile().unit(2, "two").unit(800000, "lots").xml());
     int told = 0;
@@ -144,15 +145,17 @@ TEST(Catalog, KeepsSomeNumbersThatNoFileHas)
     options.onProblem = [](void *context, const KTCatalogProblem *) { ++*static_cast<int *>(context); };
     KTCatalog *catalog = nullptr;
     ASSERT_EQ(KTOpenCatalog("d", "store", &options, &catalog), 0);
-    for (int round = 0; round < 2; ++round)
-        for (int i = 0; i < many; ++i)
+    for (const int count : {some, some, many, many})
+    {
+        for (int i = 0; i < count; ++i)
         {
             char line[40];
             size_t size = sizeof line;
             KTCatalogFormatUTF8(catalog, 1000 + i * 16LL, "source", &size, line, nullptr, 0);
             ASSERT_STREQ(line, "source");
         }
-    EXPECT_EQ(told, 2 * kept); // in each language
+        EXPECT_EQ(told, 2 * std::min(count, kept)); // once in each language
+    }
     for (const auto &[id, expected] : {std::pair(1, "eins"), std::pair(2, "two"), std::pair(800000, "lots"),
                                        std::pair(900000, "viel"), std::pair(3, "[store 3]")})
         EXPECT_EQ(text(catalog, id, nullptr), expected);

@@ -192,6 +192,8 @@ const Row rows[] = {
     {unit("a&amp;amp;b"), "3:2-11 double-escape"},
     {unit("a&amp;amp;b"), "", unit("&amp;amp;")},
     {unit("a\u200Bb"), "3:2-3 invisible-character"},
+    {unit("\u007F\u0080\u07FF\u0800\uFFFC\U00010000 %"),
+     "3:1-2 invisible-character, 3:2-3 mojibake, 3:4-5 wrong-script, 3:8-9 lone-percent"},
     {unit("\uFFF9a\uFFFBa\U000E0000a\U000E007F\uFFFC\U000E0080"),
      "3:1-2 invisible-character, 3:3-4 invisible-character, 3:5-6 invisible-character, 3:7-8 invisible-character"},
     {unit("Копировать"), "3:1-11 wrong-script"},
@@ -408,9 +410,7 @@ TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)
         EXPECT_LE(found[0].place.bytes.end, catalog.source().bytes().size());
         EXPECT_EQ(disagreement(std::string(catalog.source().bytes())), "");
     }
-    Catalog half(SourceText("file", inUtf16("<xliff>a", false) + std::string("\0\xD8"
-                                                                             "b\0",
-                                                                             4)),
+    Catalog half(SourceText("file", inUtf16("<xliff>a", false) + std::string("\0\xD8", 2) + "b"),
                  Placeholders::positioned);
     const Excerpt shown = report(half.findings(), half.source(), nullptr, Levels()).back().excerpt;
     EXPECT_EQ(shown.before + shown.marked + shown.behind, u"<xliff>a\uFFFDb");
