@@ -15,7 +15,7 @@ struct Balance
 {
     std::array<int, 3> brackets{};
     bool hasOddQuote = false;
-    bool closesFirst = false; // one is closed before it is opened
+    bool closesFirst = false; // a bracket is closed before it is opened
 
     bool isFull() const { return brackets == std::array<int, 3>{} && !hasOddQuote; }
 };
@@ -28,7 +28,7 @@ Balance balanceOf(std::string_view text)
     for (size_t at = 0; at < text.size();)
     {
         const char32_t character = takeUtf8(text, at);
-        const bool isPlain = character == ' ' || (character | 0x20U) - 'a' < 26; // as most are
+        const bool isPlain = character == ' ' || (character | 0x20U) - 'a' < 26; // most characters are
         if (isPlain)
             continue;
         balance.hasOddQuote = balance.hasOddQuote != isAmong(character, quotes);
@@ -64,7 +64,7 @@ bool touchesQuote(std::string_view text)
            (isQuotationMark(takeUtf8(text, next)) || isQuotationMark(characterBefore(text, core.end)));
 }
 
-/** As a cell of a table in text form is wrapped, and stays so when it is copied. */
+/** Finds a text in quotation marks, as a cell of a table in text form is written and copied by mistake. */
 void compareWrapping(Subject &subject)
 {
     const Range core = coreOf(subject.text());

@@ -8,7 +8,7 @@ namespace tool::check
 namespace
 {
 
-/** The number that a position has, or 0. */
+/** The position that these digits name; 0 where they name none. */
 int positionIn(std::string_view digits)
 {
     constexpr size_t most = 9;
@@ -36,7 +36,7 @@ const Part *firstBehind(const std::vector<Part> &parts, const ResolvedText &text
 enum class Verdict
 {
     isConversion,
-    isFault, // which is told by itself
+    isFault, // another finding tells it
     isBroken,
     isBrokenFault
 };
@@ -57,7 +57,7 @@ Verdict verdictOn(const Piece &piece, const ResolvedText &text, const Format &fo
         if (fault->problem.rule != KT_RULE_POSITION_MISSING)
             return Verdict::isFault;
         if (begin >= piece.begin)
-            verdict = Verdict::isBrokenFault; // the position, which "id" is, was not reached
+            verdict = Verdict::isBrokenFault; // the conversion ended in front of the position, the "id"
     }
     return verdict;
 }

@@ -1,4 +1,4 @@
-/** Placeholders ("x" elements) that are no conversion: which they are, and what the checks then do not look at. */
+/** Placeholders ("x" elements) that are no conversion. Other checks do not look at their parts of the text. */
 #ifndef KELTO_TOOLS_CHECK_PLACEHOLDERS_H
 #define KELTO_TOOLS_CHECK_PLACEHOLDERS_H
 
@@ -16,11 +16,11 @@ struct BrokenPlaceholder
 {
     const Piece *piece;
     int position; // 0 where its "id" is none
-    bool isFault; // that alone keeps the message from being formatted
+    bool isFault; // it alone keeps the message from being formatted
     int typed;    // the position of a whole conversion that its "ts" holds, or 0
 };
 
-/** The broken placeholders of a message; what its format has in them is taken out of it. */
+/** The broken placeholders of a message; conversions and faults within them are taken out of its format. */
 std::vector<BrokenPlaceholder> takeBroken(const Catalog &catalog, const Message &message, const ResolvedText &text,
                                           Format &format);
 

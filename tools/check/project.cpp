@@ -33,7 +33,7 @@ std::string fromHere(const std::string &project, const std::string &file)
     return file.empty() || file[0] == '/' ? file : project.substr(0, project.rfind('/') + 1) + file;
 }
 
-/** What is wrong with a setting, or nothing. */
+/** What is wrong with a setting; empty where nothing is. */
 std::string apply(const SettingItem &item, const std::string &path, Project &project, Levels &levels)
 {
     if (item.section == "rules")

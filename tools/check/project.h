@@ -22,7 +22,7 @@ constexpr const char *projectFileName = "kelto-check.toml";
 
 struct Project
 {
-    std::string reference; // as all paths in it, from where the program runs
+    std::string reference; // a path from where the program runs, like all of them
     std::string baseline;
     std::vector<std::string> files;
     std::vector<std::string> forms;
@@ -31,7 +31,7 @@ struct Project
     std::string isRaw; // "true" or "false"
 };
 
-/** Reads it, and applies its severities. Throws where it has what is not known. */
+/** Reads the file, and applies its severities. Throws where a key or a value is not known. */
 Project readProject(const std::string &path, Levels &levels);
 
 } // namespace tool::check

@@ -19,7 +19,7 @@ const char *nameOf(ElementID id)
     return name != nullptr ? name : "";
 }
 
-/** In which element people expect another; the rules let a "context" into more. */
+/** The element in which people expect another. The rules let a "context" into more. */
 ElementID homeOf(const ElementMapRow &element)
 {
     if (element.id == ELM_CONTEXT)
@@ -39,7 +39,7 @@ bool mayStandIn(ElementID parent, const ElementMapRow &element)
     return kelto::rowOf(parent).level + 1 == element.level && (before == ELM_UNKNOWN || before == parent);
 }
 
-/** Whether an element keeps away what its parent needs: behind it, that may no longer start. */
+/** Whether an element that the parent needs could no longer start behind this one. */
 bool keepsAway(const FirstPassState &pass, ElementID parent, const ElementMapRow &element)
 {
     for (const ElementID needed : elementRules[parent].needed)

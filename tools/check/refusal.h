@@ -1,4 +1,4 @@
-/** Why the library's steps (message/grammar/structure.h) refuse an element, in words of those who write messages. */
+/** Why the library's steps (message/grammar/structure.h) refuse an element, in words for those who write messages. */
 #ifndef KELTO_TOOLS_CHECK_REFUSAL_H
 #define KELTO_TOOLS_CHECK_REFUSAL_H
 
@@ -21,7 +21,7 @@ std::optional<Phrase> whyMisplaced(const FirstPassState &pass, ElementID parent,
 
 struct AttributeFault
 {
-    const char *attribute; // the name; null where it is missing
+    const char *attribute; // its name; null where it is not written
     Rule rule;
     Phrase text;
 };

@@ -23,7 +23,7 @@ public:
     /** Followed by a zero byte. */
     std::string_view text() const { return m_text; }
 
-    /** Whether a backslash is left, or was there. */
+    /** Whether a backslash stands in the text, or did before the escapes were resolved. */
     bool hasBackslash() const { return m_hasBackslash; }
 
     /** The same part of the text before the escapes were resolved. */
@@ -35,7 +35,7 @@ private:
     std::string_view m_text;
     bool m_hasBackslash;
     std::string m_resolved;
-    std::vector<size_t> m_escapes; // where in it a byte stands for two
+    std::vector<size_t> m_escapes; // offsets of the bytes that stand for two
 };
 
 /** How many bytes an escape at the beginning of a text takes: 2, or 0 where there is none. */

@@ -18,7 +18,7 @@ constexpr RuleRow rows[] = {
 #undef KELTO_RULE
 };
 
-/** Whether the text begins with the prefix, which is then taken off. */
+/** Takes a prefix off a text. @return false where the text does not begin with it. */
 bool takePrefix(std::string_view &text, std::string_view prefix)
 {
     if (text.substr(0, prefix.size()) != prefix)
@@ -33,7 +33,7 @@ std::string severityOf(const RuleRow &row)
     return say(names[static_cast<size_t>(row.severity)]);
 }
 
-/** With blanks behind it up to a number of columns. */
+/** A text with blanks behind it, up to a number of columns. */
 std::string padded(const std::string &text, size_t width)
 {
     return text + std::string(width - std::min(width, columns(ucs2FromUtf8(text))), ' ');

@@ -43,7 +43,7 @@ struct RuleRow
 };
 
 const RuleRow &rowOf(Rule rule);
-/** Whether a rule keeps files from loading, and so is always an error, whatever the options say. */
+/** Whether a rule finds what keeps files from loading, so that no option changes its severity. */
 constexpr bool isFixed(Rule rule)
 {
     return rule <= Rule::language;
@@ -65,12 +65,12 @@ public:
     Severity operator[](Rule rule) const { return m_severities[static_cast<size_t>(rule)]; }
 
     /**
-     * Applies what stands behind a "-W": "RULE", "no-RULE", "error", "no-error", "error=RULE", "no-error=RULE".
-     * @return an empty text, or what is wrong with it.
+     * Applies the value of an option "-W": "RULE", "no-RULE", "error", "no-error", "error=RULE", "no-error=RULE".
+     * @return what is wrong with the value; empty where nothing is.
      */
     std::string apply(std::string_view option);
 
-    /** Applies "off", "warning" or "error" to the rule of a name; as apply(). */
+    /** Applies "off", "warning" or "error" to the rule of a name. @return as apply(). */
     std::string set(std::string_view name, std::string_view severity);
 
 private:

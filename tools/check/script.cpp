@@ -13,7 +13,7 @@ namespace tool::check
 namespace
 {
 
-/** Those whose letters look like Latin ones. */
+/** Whether letters of a script look like Latin ones. */
 bool looksLatin(UScriptCode script)
 {
     return script == USCRIPT_CYRILLIC || script == USCRIPT_GREEK;
@@ -25,7 +25,7 @@ std::string nameOf(UScriptCode script)
     return name != nullptr ? name : "?";
 }
 
-/** The ASCII letters and digits of a text, in small letters and without what is between. */
+/** The ASCII letters and digits of a text, in small letters, and nothing else of it. */
 std::string lettersOf(std::string_view text)
 {
     std::string letters;
@@ -37,7 +37,7 @@ std::string lettersOf(std::string_view text)
     return letters;
 }
 
-/** Typed with the keyboard of another script: a text of one or more Latin words alone, which the original has not. */
+/** Finds a text that was typed with the keyboard of another script: Latin words alone, none of them in the original. */
 void checkKeyboard(Subject &subject)
 {
     constexpr uint8_t shortest = 4;
@@ -52,7 +52,7 @@ void checkKeyboard(Subject &subject)
         const std::string_view word = subject.tokens().text(token);
         const std::string letters = lettersOf(word);
         if (letters.size() != word.size() || original.find(letters) != std::string::npos)
-            return; // of the script, or taken over
+            return; // the word is of another script, or was taken over
         if (!found && token.letters >= shortest && letters == word)
             found = Range{token.begin, token.end};
     }
@@ -83,7 +83,7 @@ void Scripts::check(Subject &subject) const
                script == USCRIPT_UNKNOWN || script == USCRIPT_BOPOMOFO || m_scripts.count(script) > 0;
     };
     const std::string_view text = subject.text();
-    std::optional<std::set<UScriptCode>> original; // found out where it is needed
+    std::optional<std::set<UScriptCode>> original; // computed when it is needed
     const auto originalHas = [&](UScriptCode script) {
         if (!original)
         {

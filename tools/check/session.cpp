@@ -27,7 +27,7 @@ SourceText readSource(const std::string &path, const Setting &setting)
     return {path == "-" ? setting.stdinName : path, readMessageFile(path)};
 }
 
-/** What is found in a file, without what it switches off itself and what is known. */
+/** The findings in a file, without those that its notes switch off. */
 Findings findingsOf(const Catalog &catalog, const Reference *reference, const Setting &setting)
 {
     Findings findings = catalog.findings();
@@ -39,7 +39,7 @@ Findings findingsOf(const Catalog &catalog, const Reference *reference, const Se
     return findings;
 }
 
-/** The findings that are left to tell when the baseline is looked at. */
+/** Takes the findings of the baseline away; moves those that a new one can hold into it. */
 void takeKnown(Findings &findings, const std::string &file, const Setting &setting)
 {
     if (setting.baseline != nullptr)
@@ -99,7 +99,7 @@ public:
     Workers(const Workers &) = delete;
     Workers &operator=(const Workers &) = delete;
 
-    /** The report of a file, which is waited for. */
+    /** Waits for the report of a file. */
     Report take(size_t index, ProgressBar &progress)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
@@ -215,7 +215,7 @@ std::vector<Report> References::reports(const Inputs &inputs, const Setting &set
     {
         Catalog &catalog = m_rows[i]->catalog;
         Findings findings = findingsOf(catalog, nullptr, setting);
-        if (!inputs.isReferenceChecked) // a text that is empty in what others are made from is meant so
+        if (!inputs.isReferenceChecked) // an empty text of a reference is meant to be empty
             findings.erase(std::remove_if(findings.begin(), findings.end(),
                                           [](const Finding &each) { return each.rule == Rule::emptyMessage; }),
                            findings.end());

@@ -18,17 +18,17 @@
 namespace tool::check
 {
 
-/** What all files are checked with. */
+/** The settings with which all files are checked. */
 struct Setting
 {
     Placeholders placeholders = Placeholders::positioned;
     formTable *table = nullptr; // null with --raw
     Levels levels;
     std::string stdinName;
-    unsigned complete = 0; // the share of the reference that is wanted, in percent; 0 for none
+    unsigned complete = 0; // the wanted share of the reference in percent; 0 for any
     size_t limit = 1000;
     Baseline *baseline = nullptr;    // or null
-    BaselineWriter *known = nullptr; // or null; what is found goes there, and is not told
+    BaselineWriter *known = nullptr; // or null; takes the findings that it can hold
 };
 
 /** The files that others are compared with. */
@@ -41,10 +41,10 @@ public:
     References(const References &) = delete;
     References &operator=(const References &) = delete;
 
-    /** Null for Input::none. */
+    /** The reference of this number; null for Input::none. */
     const Reference *at(size_t index) const;
 
-    /** What is found in each by itself, and which translations of it a folder lacks. */
+    /** The findings in each reference by itself, and the translations of it that a folder lacks. */
     std::vector<Report> reports(const Inputs &inputs, const Setting &setting) const;
 
 private:
