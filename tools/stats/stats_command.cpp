@@ -1,6 +1,7 @@
 #include "bilingual/bilingual_file.h"
 #include "bilingual/command.h"
 #include "bilingual/import.h"
+#include "bilingual/selectors.h"
 #include "bilingual/source_file.h"
 #include "bilingual/teller.h"
 #include "command_line.h"
@@ -50,10 +51,14 @@ ExitStatus tellUnused(const Catalog &catalog, const std::string &nameSpace, cons
     Findings ignored; // a name that cannot be one is for kelto gen to tell
     const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, ignored);
     const std::set<std::string> words = wordsIn(sources);
+    const Rows rows(catalog);
     std::string unused;
     size_t count = 0;
-    for (const std::string &name : names)
+    for (size_t i = 0; i < names.size(); ++i)
     {
+        const std::string &name = names[i];
+        if (rows.keyOf(catalog.messages()[i].id) != nullptr) // a program asks for the message that selects it
+            continue;
         const std::string constant = gen::prefixOf(nameSpace) + gen::inCapitals(name);
         const bool isUsed =
             words.count(name) > 0 || words.count(constant) > 0 || words.count(gen::textConstant(constant)) > 0;
