@@ -18,31 +18,40 @@ using check::Range;
  */
 constexpr size_t longestConversion = 250;
 
-/** Wrapped lines: a line end with the white space around it becomes one blank, at the ends of the text nothing. */
-void unwrap(WrittenText &text)
+bool isBlank(char byte)
 {
-    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\n'; };
+    return byte == ' ' || byte == '\t' || byte == '\n';
+}
+
+/** A part of a text that a tool has put in. */
+struct Cut
+{
+    size_t begin, end;
+    const char *instead;
+};
+
+/** Makes the cuts, which are in the order of the text, and moves the pieces along. */
+void make(const std::vector<Cut> &cuts, WrittenText &text)
+{
     const std::string raw = std::move(text.raw);
     std::vector<uint32_t> places(raw.size() + 1);
     std::string result;
-    for (size_t at = 0; at < raw.size();)
-    {
-        size_t end = at;
-        while (end < raw.size() && isBlank(raw[end]))
-            ++end;
-        const bool isWrapped = raw.substr(at, end - at).find('\n') != std::string::npos;
-        if (end == at)
-            ++end;
-        for (size_t i = at; i < end; ++i)
+    size_t at = 0;
+    const auto keep = [&](size_t end) {
+        for (; at < end; ++at)
         {
-            places[i] = static_cast<uint32_t>(result.size());
-            if (!isWrapped)
-                result += raw[i];
+            places[at] = static_cast<uint32_t>(result.size());
+            result += raw[at];
         }
-        if (isWrapped && at > 0 && end < raw.size())
-            result += ' ';
-        at = end;
+    };
+    for (const Cut &cut : cuts)
+    {
+        keep(cut.begin);
+        for (; at < cut.end; ++at)
+            places[at] = static_cast<uint32_t>(result.size());
+        result += cut.instead;
     }
+    keep(raw.size());
     places[raw.size()] = static_cast<uint32_t>(result.size());
     for (Piece &piece : text.pieces)
     {
@@ -54,6 +63,46 @@ void unwrap(WrittenText &text)
                                      [](const Piece &piece) { return piece.begin == piece.end; }),
                       text.pieces.end());
     text.raw = std::move(result);
+}
+
+/** Wrapped lines: a line end with the white space around it becomes one blank, at the ends of the text nothing. */
+std::vector<Cut> wrappedLines(const std::string &raw)
+{
+    std::vector<Cut> cuts;
+    for (size_t at = 0; at < raw.size(); ++at)
+    {
+        size_t end = at;
+        while (end < raw.size() && isBlank(raw[end]))
+            ++end;
+        if (raw.substr(at, end - at).find('\n') != std::string::npos)
+            cuts.push_back({at, end, at > 0 && end < raw.size() ? " " : ""});
+        at = end;
+    }
+    return cuts;
+}
+
+/**
+ * Lines that a tool has begun in front of each placeholder and of the end tag, to indent them, although white space was
+ * to be kept. A translator's own line ends do not all stand there.
+ */
+std::vector<Cut> indentedTags(const WrittenText &text)
+{
+    std::vector<Cut> cuts;
+    const std::string &raw = text.raw;
+    for (size_t at = raw.find('\n'); at != std::string::npos; at = raw.find('\n', at))
+    {
+        const size_t begin = at;
+        while (at < raw.size() && isBlank(raw[at]))
+            ++at;
+        const auto piece = std::lower_bound(text.pieces.begin(), text.pieces.end(), at,
+                                            [](const Piece &other, size_t offset) { return other.begin < offset; });
+        const bool isTag = piece != text.pieces.end() && piece->begin == at && piece->kind == Piece::Kind::placeholder;
+        if (at < raw.size() && !isTag)
+            return {};
+        cuts.push_back({begin, at, ""});
+    }
+    const bool isAtEnd = cuts.size() > 1 && cuts.back().end == raw.size() && cuts.back().begin + 1 < raw.size();
+    return isAtEnd ? cuts : std::vector<Cut>();
 }
 
 } // namespace
@@ -104,8 +153,8 @@ bool UnitTexts::addPlaceholder(const Tag &tag, Range place)
 
 void UnitTexts::close(bool keepsSpace)
 {
-    if (!keepsSpace && m_open->raw.find('\n') != std::string::npos)
-        unwrap(*m_open);
+    if (m_open->raw.find('\n') != std::string::npos)
+        make(keepsSpace ? indentedTags(*m_open) : wrappedLines(m_open->raw), *m_open);
     m_open = nullptr;
 }
 
