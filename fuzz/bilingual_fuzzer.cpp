@@ -65,10 +65,11 @@ bool areAlike(const Entry &a, const Entry &b)
 }
 
 /** An update takes over what it finds, and what it writes says so. */
-void requireUpdated(const Bilingual &old, Setting &setting)
+void requireUpdated(const Bilingual &old, bool copiesSource, Setting &setting)
 {
     Bilingual catalog = bilingualOf(setting.source, old.targetLanguage);
     update(catalog, old);
+    catalog.copiesSource = copiesSource;
     noteArguments(catalog, setting.forms.get());
     const std::string document = setting.form.write(catalog, setting.forms.get());
     const BilingualFile again = readBilingual(check::SourceText("again", document));
@@ -97,8 +98,9 @@ void run(const std::string &input, Setting &setting)
     stats::pageOf("en.xlf", "en", {{"m", imported.language, imported.counts, imported.unfinished}},
                   setting.forms.get());
     requireAccepted(std::move(imported.document), setting, &setting.reference);
-    if (way != 1)
-        requireUpdated(file.content, setting);
+    const bool isUpdated = setting.form.knowsEmpty ? way != 1 : way == 2; // PO takes two more processes for it
+    if (isUpdated)
+        requireUpdated(file.content, input.size() % 8 > 3, setting);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ struct Form
 {
     const char *name;
     const char *extension; // of file names that ask for it
-    bool knowsEmpty;       // can say that a text was left empty on purpose
+    bool knowsEmpty;       // can say that a text was left empty on purpose; and that a target is a copy of its source
     std::string (*write)(const Bilingual &catalog, formTable *table);
 };
 

@@ -118,6 +118,7 @@ struct Bilingual
     std::string charset;               // of the same
     std::vector<Entry> entries;        // those of a row together
     std::map<int, Selector> selectors; // of the entries with labels, by their numbers
+    bool copiesSource = false;         // writes the source as the target of what nobody has translated
 };
 
 /** Findings about entries whose number stands in the file for a second time: one of both would be lost. */

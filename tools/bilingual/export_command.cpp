@@ -30,6 +30,7 @@ struct Options
     std::string old;
     std::string output;
     std::string language;
+    bool copiesSource = false;
 };
 
 const Form &formFor(const CommandLine &line, const Options &options)
@@ -83,6 +84,8 @@ Options readOptions(CommandLine &line, FormOption &forms)
     line.option("--update", "FILE", options.old, "Keep the translations of this bilingual file, by number");
     line.option("-o,--output", "OUT", options.output, "The file to write, which may be the updated one");
     line.option("--language", "NAME", options.language, "The language of the translation, as de or pt-BR");
+    line.flag("--copy-source", options.copiesSource,
+              "Give what is not translated its source for a target, for programs that show nothing else (XLIFF)");
     forms.declare(line);
     const Words files = line.operands();
     if (files.size() > 1)
@@ -93,6 +96,8 @@ Options readOptions(CommandLine &line, FormOption &forms)
     if (!options.translation.empty() && !options.old.empty())
         throw line.misuse(say(Text::surplusWord, {terminal().quote(options.translation), "--update"}));
     requireOneStandardInput(line, {options.reference, options.translation, options.old});
+    if (options.copiesSource && !formFor(line, options).knowsEmpty)
+        throw line.misuse(say(Text::noCopiesInPo));
     formFor(line, options);
     forms.read(line);
     Words inputs{options.reference}; // the updated file is read before it is written
@@ -159,6 +164,7 @@ ExitStatus run(CommandLine &line)
         tell(options.translation.empty() ? options.old : options.translation, Text::countOfLeftEmpty,
              countOfOneSided(*catalog));
     dropEmpty(*catalog);
+    catalog->copiesSource = options.copiesSource;
     noteArguments(*catalog, forms.table());
     writeOutput(options.output, form.write(*catalog, forms.table()));
     if (changes)

@@ -48,6 +48,9 @@ public:
         // An attribute that tools add to every unit says nothing of an empty one.
         if (isEmpty && m_approved == "yes" && !isMarkedDone)
             return State::untranslated;
+        // A program that shows nothing but targets is given copies of the sources.
+        if (!isFinished && m_state == State::untranslated && entry.target == entry.source)
+            return State::untranslated;
         const bool isFuzzy = !isFinished && (m_state || m_isUnsure || m_approved == "no");
         return isFuzzy ? State::fuzzy : State::finished;
     }

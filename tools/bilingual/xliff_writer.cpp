@@ -89,7 +89,7 @@ std::string contextsOf12(const std::vector<ContextGroup> &groups)
     return written;
 }
 
-std::string unitOf12(const Entry &entry, formTable *table)
+std::string unitOf12(const Entry &entry, bool copiesSource, formTable *table)
 {
     const Parts source = partsOf(entry.source, table);
     const Placeholders placeholders{source, false};
@@ -106,6 +106,8 @@ std::string unitOf12(const Entry &entry, formTable *table)
         unit += fmt::format("        <target state=\"{}\">{}</target>\n",
                             isFinished ? "translated" : "needs-review-translation",
                             placeholders.write(partsOf(entry.target, table)));
+    else if (copiesSource)
+        unit += fmt::format("        <target state=\"new\">{}</target>\n", placeholders.write(source));
     if (entry.previousSource && entry.state == State::fuzzy)
     {
         const Parts previous = partsOf(*entry.previousSource, table);
@@ -153,7 +155,7 @@ std::string nameTokenOf(const Key &key)
     return name + "." + (key.label[0] == '=' ? "is" + key.label.substr(1) : key.label);
 }
 
-std::string unitOf2(const Entry &entry, formTable *table)
+std::string unitOf2(const Entry &entry, bool copiesSource, formTable *table)
 {
     const Parts source = partsOf(entry.source, table);
     const Parts target = entry.state == State::untranslated ? Parts() : partsOf(entry.target, table);
@@ -178,10 +180,12 @@ std::string unitOf2(const Entry &entry, formTable *table)
     unit += dataOf2(placeholders, source, target);
     const char *const state = entry.state == State::finished ? " state=\"translated\""
                               : entry.state == State::fuzzy  ? " state=\"initial\" subState=\"kelto:changed\""
+                              : copiesSource                 ? " state=\"initial\""
                                                              : "";
     unit += fmt::format("      <segment{}>\n        <source>{}</source>\n", state, placeholders.write(source));
-    if (entry.state != State::untranslated)
-        unit += fmt::format("        <target>{}</target>\n", placeholders.write(target));
+    if (entry.state != State::untranslated || copiesSource)
+        unit += fmt::format("        <target>{}</target>\n",
+                            placeholders.write(entry.state != State::untranslated ? target : source));
     return unit + "      </segment>\n    </unit>\n";
 }
 
@@ -224,7 +228,7 @@ std::string xliff12Of(const Bilingual &catalog, formTable *table)
                 xmlAttributes(only(catalog.attributes, {"product-name", "product-version", "build-num"})) +
                 ">\n    <body>\n";
     forEachRow(
-        catalog, [&](const Entry &entry) { document += unitOf12(entry, table); },
+        catalog, [&](const Entry &entry) { document += unitOf12(entry, catalog.copiesSource, table); },
         [&](const Entry &first) {
             const char *const kind = first.isObsolete ? "obsolete." : "";
             document += "      <group" + xmlAttribute("id", kind + std::to_string(first.key.number)) + ">\n";
@@ -241,13 +245,13 @@ std::string xliff2Of(const Bilingual &catalog, formTable *table)
     document += xmlAttribute("srcLang", catalog.sourceLanguage);
     const bool hasTarget = std::any_of(catalog.entries.begin(), catalog.entries.end(),
                                        [](const Entry &entry) { return entry.state != State::untranslated; });
-    if (!catalog.targetLanguage.empty() || hasTarget)
+    if (!catalog.targetLanguage.empty() || hasTarget || catalog.copiesSource)
         document += xmlAttribute("trgLang", catalog.targetLanguage.empty() ? "und" : catalog.targetLanguage);
     document += ">\n  <file id=\"messages\"" + xmlAttribute("original", catalog.original) + ">\n";
     if (catalog.entries.empty()) // a file holds a unit at least
         document += "    <group id=\"empty\"/>\n";
     forEachRow(
-        catalog, [&](const Entry &entry) { document += unitOf2(entry, table); },
+        catalog, [&](const Entry &entry) { document += unitOf2(entry, catalog.copiesSource, table); },
         [&](const Entry &first) {
             const char *const kind = first.isObsolete ? "obsolete" : "row";
             document += "    <group" + xmlAttribute("id", fmt::format("{}.{}", kind, first.key.number)) + ">\n";

@@ -8,7 +8,7 @@ _kelto_options() {
     version) echo '--help' ;;
     compile) echo '--output= --raw --help' ;;
     gen) echo '--output= --namespace= --depfile= --form= --help' ;;
-    export) echo '--to= --reference= --update= --output= --language= --form= --help' ;;
+    export) echo '--to= --reference= --update= --output= --language= --copy-source --form= --help' ;;
     import)
         echo '--reference= --output= --assign --numbers= --fuzzy --keep-going --check --force --language= --format=
             --form= --quiet --help -Werror'
