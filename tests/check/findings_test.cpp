@@ -110,6 +110,8 @@ const Row rows[] = {
     {document("<trans-unit id='7' ts=' 0x1'><source>a</source></trans-unit>"), "2:24-28 bad-id"},
     {document(numbered(2, "a") + "\n" + numbered(1, "b") + "\n" + numbered(2, "c")), "4:1-20 duplicate-id 2"},
     {document(numbered(9000, "a")), "2:1-23 sparse-ids 9000"},
+    {document(numbered(4097, "a")), "2:1-23 sparse-ids 4097"},
+    {document(numbered(4096, "a")), ""},
     {document("<trans-unit id='1'><note/><source>a</source><target/><g><source/></g></trans-unit>"),
      "2:20-27 structure, 2:45-54 structure, 2:54-57 structure"},
     {document("<trans-unit id='1'/>\n<group><trans-unit/></group>\n<source/>"),
@@ -365,6 +367,21 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
             EXPECT_EQ(findingsIn(declared("iso-8859-1", latin1), row.reference, m_table.get()),
                       findingsIn(declared("utf-8", row.file), row.reference, m_table.get()));
         }
+    }
+}
+
+TEST_F(CheckFindings, AreAHundredOfARuleInAMessageAtMost)
+{
+    for (const auto &[mistakes, untold] : {std::pair(100, 0U), std::pair(103, 3U)})
+    {
+        std::string text;
+        for (int i = 0; i < mistakes; ++i)
+            text += "\\q";
+        const Catalog catalog(SourceText("file", unit(text)), Placeholders::positioned);
+        const Findings findings = checkMessages(catalog, nullptr, nullptr);
+        ASSERT_EQ(findings.size(), untold > 0 ? 101U : 100U);
+        EXPECT_EQ(findings.back().place.begin, findings[99].place.begin);
+        EXPECT_TRUE(untold == 0 || findings.back().text.values.at(0).number == untold);
     }
 }
 
