@@ -167,7 +167,7 @@ private:
  *                   Without one that is thrown.
  */
 inline language_conversions locale_conversions(const std::string &time_zone KELTO_OR_THROW,
-                                               detail::outcome failure KELTO_OR_THROW)
+                                               detail::outcome<> failure KELTO_OR_THROW)
 {
     auto languages = std::make_shared<detail::open_languages>(time_zone);
     const int result = languages->begin();

@@ -1206,6 +1206,43 @@ size_t KTPreparedSlots(const KTPreparedFormat *prepared, const KTSlot **slots);
 const void *KTPointerOfKind(void *const *argSlot, uint32_t kind);
 
 /**
+ * Writes an object where no conversion does, for reports and for the last rung of a catalog.
+ * @return as a KTArgumentFunction; after a failure "(name)" is written.
+ */
+typedef int (*KTObjectFunction)(const void *object, size_t *size, char *out);
+
+/**
+ * A type of objects, for languages in which the program's own objects go over as they are. The records that several
+ * shared objects have for one type count as one.
+ */
+typedef struct KTObjectType
+{
+    const char *key;        /**< std::type_info::name() of C++, by which shared objects know a type; or null */
+    const char *name;       /**< for people; it need not be terminated */
+    size_t nameLength;      /**< its bytes */
+    KTObjectFunction write; /**< null for "(name)" */
+} KTObjectType;
+
+/** An object and its type, which are not copied. */
+typedef struct KTObject
+{
+    const KTObjectType *type; /**< not null */
+    const void *object;
+} KTObject;
+
+/** The kind of pointers to a KTObject, for KT_POINTER(). No others may have it. */
+enum KTPointerKind
+{
+    KT_KIND_OBJECT = 0x6B2B2B02
+};
+
+/**
+ * The object of an argument.
+ * @return the object; null for one of another type, and for an argument that is none.
+ */
+const void *KTObjectOfType(const KTArgument *argument, const KTObjectType *type);
+
+/**
  * Reads a slot of a conversion of the caller's own, in whatever size the format names.
  * @param argSlot  the slot that the formatter was given.
  * @param code     its code in the record, KT_ARG_CHARACTER to KT_ARG_DOUBLE.
@@ -1271,13 +1308,6 @@ void KTLeaveCall(const KTCallContext *context);
  * @return the value of the innermost context; null where there is none, or where that is of another kind.
  */
 void *KTCallValue(uint32_t kind);
-
-/**
- * Whether two names that a C++ compiler has for types (std::type_info::name()) are those of one type, whichever shared
- * objects they come from: not for null, nor for a type of a function or of an unnamed namespace, whose name may be that
- * of another one too.
- */
-bool KTIsOneTypeName(const char *name, const char *other);
 
 /**
  * Tells whether a table may be used with typed arguments whatever a translation says: whether a format can name the
@@ -1602,10 +1632,10 @@ typedef void (*KTProblemFunction)(void *context, const KTCatalogProblem *problem
 typedef bool (*KTStopFunction)(void *context);
 
 /**
- * Writes an argument of type KT_ARGUMENT_POINTER for reports and for the last rung, as UTF-8. A program that has this
- * function also says that the conversions of its table ask for the kind of a pointer before they look at it: on the
- * last rung the first of the table's own list that takes one pointer and does not fail writes the argument, before this
- * function is asked.
+ * Writes an argument of type KT_ARGUMENT_POINTER, other than a KTObject, for reports and for the last rung, as UTF-8. A
+ * program that has this function also says that the conversions of its table ask for the kind of a pointer before they
+ * look at it: on the last rung the first of the table's own list that takes one pointer and does not fail writes the
+ * argument, before this function is asked.
  * @param size  in: the capacity of out in bytes, the terminator counted; out: the bytes of the text, the terminator not
  *              counted, also after KT_ERR_BUFFER_TOO_SMALL.
  * @return 0, KT_ERR_BUFFER_TOO_SMALL, or any other failure: then "(pointer)" is written.
@@ -1811,6 +1841,9 @@ int KTExplainFailure(const char *format, int result, const KTCatalogOptions *opt
  * @return 0; KT_ERR_BUFFER_TOO_SMALL; KT_ERR_INVALID_PARAMETER for a null where none is allowed.
  */
 int KTArgumentText(const KTArgument *argument, size_t *size, char *text);
+
+/** The bytes of a UTF-8 text of `size` bytes that are left where at most `most` are wanted, in whole characters. */
+size_t KTCutUTF8(const char *text, size_t size, size_t most);
 
 /**
  * The bytes of UTF-8 that a text with these arguments may have: maxSize, as in KTCatalogOptions, and 8 times the bytes

@@ -8,7 +8,6 @@
 #include "error.hpp"
 
 #include <cstdint>
-#include <cstring>
 #include <typeinfo>
 
 namespace kelto
@@ -94,38 +93,26 @@ using char8 = char8_t;
 using char8 = char;
 #endif
 
-/** Writes an object that goes over with its identity for a person, under the size protocol. */
-using object_writer = int (*)(const void *object, std::size_t *size, char *out);
-
 template <class T> int write_object(const void *object, std::size_t *size, char *out) noexcept;
 
-/** The identity of a type is the address of this. It is not constant, so that no two are folded into one. */
-template <class T> inline object_writer type_mark = write_object<T>;
-
-/** The kind of all objects that go over with their identity; their types tell them apart. */
-constexpr std::uint32_t identity_kind = 0x6B2B2B02;
-
-struct identified
+/** The name of a type, as the compiler spells it behind "T = ". */
+template <class T> constexpr std::string_view name_of_type() noexcept
 {
-    const object_writer *type;
-    const char *name; // of the type, for the linker; null where the compiler keeps none
-    const void *object;
-};
-
-template <class T> identified identified_as(const void *object) noexcept
-{
-#if defined(__cpp_rtti) || defined(__GXX_RTTI)
-    return {&type_mark<T>, typeid(T).name(), object};
-#else
-    return {&type_mark<T>, nullptr, object};
-#endif
+    constexpr std::string_view function = __PRETTY_FUNCTION__;
+    constexpr std::size_t begin = function.find("T = ") + 4;
+    return function.substr(begin, function.find_last_of(";]", function.find(';')) - begin);
 }
 
-/** Whether an object is of a type. With hidden visibility each shared object has a mark of its own for a type. */
-template <class T> bool is_of_type(const identified &object) noexcept
+/** What objects with their identity go over with. With hidden visibility each shared object has one of its own. */
+template <class T> const KTObjectType *object_type() noexcept
 {
-    const identified own = identified_as<T>(nullptr);
-    return object.type == own.type || KTIsOneTypeName(object.name, own.name);
+    constexpr std::string_view name = name_of_type<T>();
+#if defined(__cpp_rtti) || defined(__GXX_RTTI)
+    static const KTObjectType type = {typeid(T).name(), name.data(), name.size(), write_object<T>};
+#else
+    static const KTObjectType type = {nullptr, name.data(), name.size(), write_object<T>};
+#endif
+    return &type;
 }
 
 /** The category of a type that an argument was passed as. */
@@ -145,7 +132,7 @@ template <class T> constexpr category category_of() noexcept
                : is_one_of<bare, long double>                                                     ? category::long_real
                : !std::is_integral_v<bare> || is_one_of<bare, wchar_t, char8> || sizeof(bare) > 8 ? category::none
                                                                                                   : category::integer;
-    else if constexpr (is_one_of<bare, identified>)
+    else if constexpr (is_one_of<bare, KTObject>)
         return category::identity;
     else if constexpr (!has<missing_of, bare> || std::is_enum_v<bare>)
         return category::made;
@@ -200,7 +187,7 @@ struct time_stamp
 template <class T> decltype(auto) made_of(const T &value)
 {
     if constexpr (has<identity_of, T>)
-        return identified_as<T>(&value);
+        return KTObject{object_type<T>(), &value};
     else if constexpr (!has<missing_of, T>)
         return argument_of<T>::convert(value);
     else if constexpr (std::is_enum_v<T>)
@@ -268,7 +255,7 @@ template <class T> auto hold(const T &value)
     else if constexpr (kind == category::made)
         return held_made<T>(value);
     else if constexpr (kind == category::identity)
-        return held_argument{KT_POINTER(identity_kind, &value)};
+        return held_argument{KT_POINTER(KT_KIND_OBJECT, &value)};
     else if constexpr (kind == category::integer && sizeof(T) <= 4 && (std::is_signed_v<T> || sizeof(T) < 4))
         return held_argument{KT_INT(value)};
     else if constexpr (kind == category::integer && sizeof(T) <= 4)
@@ -326,24 +313,7 @@ template <class T>
 using passed = std::conditional_t<std::is_array_v<T>, std::decay_t<const T>,
                                   std::conditional_t<std::is_scalar_v<T>, T, const T &>>;
 
-/** Writes an argument as the last rung and errors do, objects of the program's included; a KTArgumentFunction. */
-inline int write_argument(void *, const KTArgument *argument, std::size_t *size, char *out) noexcept
-{
-    if (argument->type != KT_ARGUMENT_POINTER || argument->length != identity_kind)
-        return KTArgumentText(argument, size, out);
-    const auto *const object = static_cast<const identified *>(argument->value.p);
-    return (*object->type)(object->object, size, out);
-}
-
-/** The name of a type, as the compiler spells it behind "T = ". */
-template <class T> constexpr std::string_view name_of_type() noexcept
-{
-    constexpr std::string_view function = __PRETTY_FUNCTION__;
-    constexpr std::size_t begin = function.find("T = ") + 4;
-    return function.substr(begin, function.find_last_of(";]", function.find(';')) - begin);
-}
-
-/** Writes an object as what argument_of makes of it, or else the name of its type. */
+/** Writes an object as what argument_of makes of it, for the last rung and for errors; else it has the name of its type. */
 template <class T> KELTO_SELDOM int write_object(const void *object, std::size_t *size, char *out) noexcept
 {
     if constexpr (has<converted_of, T>)
@@ -353,7 +323,7 @@ template <class T> KELTO_SELDOM int write_object(const void *object, std::size_t
 #endif
         {
             const auto made = argument_of<T>::convert(*static_cast<const T *>(object));
-            return write_argument(nullptr, argument_list(hold(made)).arguments, size, out);
+            return KTArgumentText(argument_list(hold(made)).arguments, size, out);
         }
 #if KELTO_HAS_EXCEPTIONS
         catch (...) // there is something to be said of the object all the same
@@ -361,15 +331,7 @@ template <class T> KELTO_SELDOM int write_object(const void *object, std::size_t
         }
 #endif
     }
-    const std::string_view name = name_of_type<T>();
-    const std::size_t room = std::exchange(*size, name.size() + 2);
-    if (*size >= room)
-        return KT_ERR_BUFFER_TOO_SMALL;
-    *out = '(';
-    name.copy(out + 1, name.size());
-    out[name.size() + 1] = ')';
-    out[*size] = '\0';
-    return 0;
+    return KT_ERR_CONVERSION_FAILED;
 }
 
 /** What a type is to the conversions, known before there is a value. */

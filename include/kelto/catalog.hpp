@@ -110,7 +110,7 @@ public:
      *                   impossible. Without one that is thrown.
      */
     static catalog find(const std::string &name, const std::string &directory,
-                        const catalog_options &options KELTO_OR_THROW, detail::outcome failure KELTO_OR_THROW)
+                        const catalog_options &options KELTO_OR_THROW, detail::outcome<> failure KELTO_OR_THROW)
     {
         return opened(options, failure, {"catalog::find(\"", name, "\", \"", directory, "\")"},
                       [&](auto &given, auto **catalog) {
@@ -127,7 +127,7 @@ public:
      * then gives the texts in the source.
      */
     static catalog load(const std::string &path, const catalog_options &options KELTO_OR_THROW,
-                        detail::outcome failure KELTO_OR_THROW)
+                        detail::outcome<> failure KELTO_OR_THROW)
     {
         return opened(options, failure, {"catalog::load(\"", path, "\")"},
                       [&](auto &given, auto **catalog) { return KTOpenCatalogFile(path.c_str(), &given, catalog); });
@@ -139,7 +139,7 @@ public:
      * read during the call.
      */
     static catalog embedded(const std::string &name, const void *data, std::size_t size,
-                            const catalog_options &options KELTO_OR_THROW, detail::outcome failure KELTO_OR_THROW)
+                            const catalog_options &options KELTO_OR_THROW, detail::outcome<> failure KELTO_OR_THROW)
     {
         return opened(options, failure, {"catalog::embedded(\"", name, "\")"}, [&](auto &given, auto **catalog) {
             return KTOpenCatalogData(name.c_str(), data, size, &given, catalog);
@@ -202,8 +202,7 @@ public:
      */
     std::string_view text(message_id id) const KELTO_POINTED_INTO
     {
-        const char *const found =
-            id.fits() ? KTCatalogText(catalog_.get(), static_cast<std::int64_t>(id.bits_)) : nullptr;
+        const char *const found = KTCatalogText(catalog_.get(), static_cast<std::int64_t>(id.bits_));
         return found != nullptr ? found : std::string_view();
     }
 
@@ -217,7 +216,7 @@ private:
     catalog() = default;
 
     template <class Open, bool Catches = KELTO_HAS_EXCEPTIONS>
-    static catalog opened(const catalog_options &options, detail::outcome failure,
+    static catalog opened(const catalog_options &options, detail::outcome<> failure,
                           std::initializer_list<std::string_view> what, const Open &call)
     {
         KTCatalogOptions given = {};

@@ -136,17 +136,19 @@ public:
 private:
     std::runtime_error what_; // a text whose copies cannot fail
 };
-
 #endif
 
-/** Where a failure goes: into the error code of a caller who brings one, else it is thrown. */
-class outcome
+/**
+ * Where a failure goes: into the error code of a caller who brings one, else it is thrown. In a program of sources with
+ * and without exceptions, the linker takes an inline function from any of them: by a parameter of this type it stays
+ * that of the sources that throw.
+ */
+template <bool Throws = KELTO_HAS_EXCEPTIONS> class outcome
 {
 public:
     outcome(std::error_code &failure) noexcept : failure_(&failure) {}
-#if KELTO_HAS_EXCEPTIONS
     outcome() noexcept = default;
-#endif
+
     /** Says a result of the function whose call stands in the parts, and why it is that. */
     void set(int result, [[maybe_unused]] std::initializer_list<std::string_view> parts,
              [[maybe_unused]] const char *why) const
@@ -183,7 +185,7 @@ template <auto Free> struct freed_by
 class library
 {
 public:
-    library(detail::outcome failure KELTO_OR_THROW)
+    library(detail::outcome<> failure KELTO_OR_THROW)
     {
         const int result = KTBeginUse();
         use_.reset(result == 0 ? this : nullptr);

@@ -54,10 +54,7 @@ template <class Call> KELTO_OUT_OF_LINE int call_throwing(const Call &call)
     return result;
 }
 
-/**
- * Calls a function of the program; what it throws is kept. In a program of sources with and without exceptions, the
- * linker takes an inline function from any of them: by its parameter this one stays that of the source that throws.
- */
+/** Calls a function of the program; what it throws is kept. The parameter is there for the linker: see outcome. */
 template <bool Catches, class Function> int guarded(const Function &function) noexcept
 {
 #if KELTO_HAS_EXCEPTIONS
@@ -95,25 +92,25 @@ template <class Value> struct own_value
                                 : kind == category::utf8                               ? KT_ARG_UTF8
                                                                                        : KT_ARG_UCS2;
 
-    static bool is_in(const KTValue &given) noexcept
+    static bool is_in(const KTArgument &given) noexcept
     {
         if constexpr (is_object)
-            return is_of_type<Value>(*static_cast<const identified *>(given.p));
+            return KTObjectOfType(&given, object_type<Value>()) != nullptr;
         else if constexpr (is_view || kind == category::real)
             return true;
         else
-            return static_cast<std::uint64_t>(static_cast<Value>(given.u)) == given.u;
+            return static_cast<std::uint64_t>(static_cast<Value>(given.value.u)) == given.value.u;
     }
-    static decltype(auto) read(const KTValue &given)
+    static decltype(auto) read(const KTArgument &given)
     {
         if constexpr (is_object)
-            return *static_cast<const Value *>(static_cast<const identified *>(given.p)->object);
+            return *static_cast<const Value *>(KTObjectOfType(&given, object_type<Value>()));
         else if constexpr (is_view)
-            return Value(static_cast<const typename Value::value_type *>(given.p));
+            return Value(static_cast<const typename Value::value_type *>(given.value.p));
         else if constexpr (kind == category::real)
-            return static_cast<Value>(given.d);
+            return static_cast<Value>(given.value.d);
         else
-            return static_cast<Value>(given.u);
+            return static_cast<Value>(given.value.u);
     }
 };
 
@@ -133,8 +130,8 @@ template <bool Catches, class Function, class... Values> struct own_function
 private:
     template <std::size_t... Index> int read(KTOwnCall &call, std::index_sequence<Index...>)
     {
-        return (own_value<Values>::is_in(call.arguments[Index].value) && ...)
-                   ? write(call, own_value<Values>::read(call.arguments[Index].value)...)
+        return (own_value<Values>::is_in(call.arguments[Index]) && ...)
+                   ? write(call, own_value<Values>::read(call.arguments[Index])...)
                    : int{KT_ERR_INVALID_PARAMETER};
     }
 
@@ -208,7 +205,7 @@ public:
     builder &add(std::string_view name, Function function)
     {
         using own = detail::own_function<Catches, Function, Values...>;
-        KTAddConversion(table<>(), std::string(name).c_str(), own::types, detail::identity_kind, own::run,
+        KTAddConversion(table<>(), std::string(name).c_str(), own::types, KT_KIND_OBJECT, own::run,
                         new own{std::move(function)}, own::destroy);
         return *this;
     }
@@ -258,7 +255,7 @@ public:
      * The table; null inside, and failure set, where a name is impossible, the chained table is refused, or there is
      * no encoder for encode_everywhere(). Without a failure to be set it throws.
      */
-    template <class = void> form_table build(detail::outcome failure KELTO_OR_THROW)
+    template <class = void> form_table build(detail::outcome<> failure KELTO_OR_THROW)
     {
         table<>();
         const std::shared_ptr<KTOwnTable> own = std::exchange(table_, nullptr);

@@ -83,16 +83,6 @@ private:
     std::basic_string<Unit> many_;
 };
 
-/** The beginning of a text, of at most so many bytes and in whole characters. */
-inline std::string_view cut(std::string_view text, std::size_t most) noexcept
-{
-    if (text.size() <= most)
-        return text;
-    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
-        --most;
-    return text.substr(0, most);
-}
-
 template <class Output> using stream_of = decltype(std::declval<Output &>().write("", 1).rdbuf());
 
 template <class Output> constexpr bool is_back_inserter = false;
@@ -171,12 +161,13 @@ inline bool has_thrown(void *) noexcept
     return thrown() != nullptr && *thrown() != nullptr;
 }
 
-/** What is asked of the library, and where a failure goes; where that is null, it is thrown. */
-struct text_request
+/** What is asked of the library, and where a failure goes; where that is null, it is thrown. See outcome. */
+template <bool Throws> struct request_of
 {
     KTCatalogRequest asked;
     std::error_code *failure;
 };
+using text_request = request_of<KELTO_HAS_EXCEPTIONS>;
 
 /** What the library uses and calls back; at one place as long as it may. */
 struct used
@@ -203,7 +194,6 @@ protected:
         options.passThru = from.pass_through;
         options.formatOptions = (from.tag ? unsigned{KT_TAG} : 0U) | (from.isolate ? unsigned{KT_ISOLATE} : 0U);
         options.maxSize = from.max_size != 0 ? from.max_size : 1;
-        options.writeArgument = write_argument;
         if (own.table != nullptr || own.conversions != nullptr || own.on_problem)
         {
             used_ = std::make_unique<used>(std::move(own));
@@ -246,7 +236,8 @@ protected:
     format_to_n_result<Output> put_n(Output out, std::size_t most, const text_request &request) const
     {
         const auto text = written<char>(request);
-        return {copy_to(out, cut(text.view(), most)), text.view().size()};
+        const std::string_view all = text.view();
+        return {copy_to(out, all.substr(0, KTCutUTF8(all.data(), all.size(), most))), all.size()};
     }
 
     std::size_t measure(const text_request &request) const { return written<char>(request).view().size(); }
@@ -303,8 +294,8 @@ private:
     [[noreturn]] KELTO_SELDOM void fail(int result, const KTCatalogRequest &asked) const
     {
         const bool isFormat = KTCatalogPrepared(catalog_.get()) != nullptr || result != KT_ERR_INVALID_PARAMETER;
-        throw told_error{make_error(result),
-                         isFormat ? explain(result, &asked) : "kelto::prepared_format: it holds no format"};
+        throw told_error{make_error(result), isFormat ? explain(result, asked.structSize != 0 ? &asked : nullptr)
+                                                      : "kelto::prepared_format: it holds no format"};
     }
 #endif
 };
@@ -323,12 +314,12 @@ public:
     prepared_format(const std::string &format, std::error_code &failure) : prepared_format(format, {}, failure) {}
     prepared_format(const std::string &format, const format_options &options, std::error_code &failure)
     {
-        prepare(format, options, &failure);
+        failure = make_error(prepare(format, options));
     }
 #if KELTO_HAS_EXCEPTIONS
     explicit prepared_format(const std::string &format, const format_options &options = {})
     {
-        prepare(format, options, nullptr);
+        tell(prepare(format, options), ask(nullptr, {nullptr, 0}));
     }
 #endif
 
@@ -375,12 +366,11 @@ public:
     }
 
 private:
-    void prepare(const std::string &format, const format_options &options, std::error_code *failure)
+    int prepare(const std::string &format, const format_options &options)
     {
-        const int result = open(options, {}, {}, [&](const KTCatalogOptions &given, KTCatalog **opened) {
+        return open(options, {}, {}, [&](const KTCatalogOptions &given, KTCatalog **opened) {
             return KTOpenCatalogFormat(format.c_str(), &given, opened);
         });
-        tell(result, ask(failure, {nullptr, 0}));
     }
 
     /** Asks nothing, which is refused, where the object was moved from. */

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <iterator>
+#include <unicode/utf8.h>
 
 namespace
 {
@@ -34,26 +35,49 @@ template <typename Unit> void writeTextArgument(FormatOutput<Unit> &out, const K
     writeUTF8(out, text.substr(12, 8));
 }
 
-template <typename Unit>
-void writePointer(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options)
+/** Writes what a function of the program's writes: int(size_t *size, char *out). @return false where it fails. */
+template <typename Unit, typename Write> bool writeBy(FormatOutput<Unit> &out, const Write &write)
 {
     char usual[256];
     size_t room = sizeof usual;
     size_t size = room;
     kelto::HeapBlock<char> whole;
     char *text = usual;
-    int result = KT_ERR_INVALID_PARAMETER;
-    if (options.writeArgument != nullptr)
-        result = options.writeArgument(options.context, &argument, &size, usual);
+    int result = write(&size, usual);
     if (result == KT_ERR_BUFFER_TOO_SMALL)
     {
         room = ++size;
         whole = kelto::allocateHeap<char>(room);
         text = whole.get();
-        result = text != nullptr ? options.writeArgument(options.context, &argument, &size, text) : KT_ERR_NO_MEMORY;
+        result = text != nullptr ? write(&size, text) : KT_ERR_NO_MEMORY;
     }
-    // The function is the program's: a size beyond its room is not believed.
-    writeUTF8(out, result == 0 && size <= room ? std::string_view(text, size) : "(pointer)");
+    if (result != 0 || size > room) // a size beyond its room is not believed
+        return false;
+    writeUTF8(out, std::string_view(text, size));
+    return true;
+}
+
+template <typename Unit> void writeObject(FormatOutput<Unit> &out, const KTObject &object)
+{
+    const KTObjectType &type = *object.type;
+    if (type.write != nullptr &&
+        writeBy(out, [&](size_t *size, char *text) { return type.write(object.object, size, text); }))
+        return;
+    writeUTF8(out, "(");
+    writeUTF8(out, std::string_view(type.name, type.nameLength));
+    writeUTF8(out, ")");
+}
+
+template <typename Unit>
+void writePointer(FormatOutput<Unit> &out, const KTArgument &argument, const KTCatalogOptions &options)
+{
+    if (argument.length == KT_KIND_OBJECT && argument.value.p != nullptr)
+        return writeObject(out, *static_cast<const KTObject *>(argument.value.p));
+    const bool isWritten = options.writeArgument != nullptr && writeBy(out, [&](size_t *size, char *text) {
+                               return options.writeArgument(options.context, &argument, size, text);
+                           });
+    if (!isWritten)
+        writeUTF8(out, "(pointer)");
 }
 
 template <typename Unit, typename Value> void writeReal(FormatOutput<Unit> &out, const char *format, Value value)
@@ -124,6 +148,15 @@ template void writePlainly(FormatOutput<char> &, const KTArgument &, const KTCat
 template void writePlainly(FormatOutput<UCS2> &, const KTArgument &, const KTCatalogOptions &) noexcept;
 
 } // namespace kelto
+
+size_t KTCutUTF8(const char *text, size_t size, size_t most)
+{
+    if (size <= most)
+        return size;
+    while (most > 0 && U8_IS_TRAIL(text[most]))
+        --most;
+    return most;
+}
 
 int KTArgumentText(const KTArgument *argument, size_t *size, char *text)
 {

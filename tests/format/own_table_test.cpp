@@ -250,7 +250,7 @@ TEST(OwnTableAlone, StartsTheLibrary)
     EXPECT_EQ(KTGetBuiltInFormTable(0, &table), KT_ERR_NOT_INITIALIZED);
 }
 
-TEST(TypeNames, AreOfOneTypeWhereNoOtherCanHaveThem)
+TEST(ObjectTypes, AreOneWhereNoOtherCanHaveTheirKey)
 {
     const struct
     {
@@ -267,7 +267,15 @@ TEST(TypeNames, AreOfOneTypeWhereNoOtherCanHaveThem)
                 {"1a", nullptr, false},
                 {"1Z", "1Z", true}};
     for (const auto &row : rows)
-        EXPECT_EQ(KTIsOneTypeName(row.name, row.other), row.isOne) << (row.name != nullptr ? row.name : "");
+    {
+        const KTObjectType type = {row.name, "", 0, nullptr}, other = {row.other, "", 0, nullptr};
+        const KTObject object = {&type, &row};
+        const KTArgument argument = KT_POINTER(KT_KIND_OBJECT, &object), none = KT_POINTER(1, &object);
+        EXPECT_EQ(KTObjectOfType(&argument, &other), row.isOne ? &row : nullptr)
+            << (row.name != nullptr ? row.name : "");
+        EXPECT_EQ(KTObjectOfType(&argument, &type), &row);
+        EXPECT_EQ(KTObjectOfType(&none, &type), nullptr);
+    }
 }
 
 } // namespace
