@@ -148,6 +148,11 @@ void Import::addToGroup(Entry &entry)
         find(Rule::badId, entry, {Text::badNumber, {quotation(written(entry.key))}});
         return;
     }
+    if (known != nullptr && known->row <= INT_MAX - *place && m_rows.find(known->row + *place) != nullptr)
+    {
+        find(Rule::messageExtra, entry, {Text::messageExtra}); // a selector stands there
+        return;
+    }
     Group &group = groupOf(number, selector);
     group.entries.push_back(&entry);
     group.places.push_back(*place);
