@@ -290,39 +290,6 @@ const Row rows[] = {
     {unit("Die Datei fehlt hier"), "", unit("The file is not here")},
 };
 
-std::string inUtf16(const std::string &text, bool isBig)
-{
-    std::string bytes = isBig ? "\xFE\xFF" : "\xFF\xFE";
-    for (size_t at = 0; at < text.size();)
-    {
-        const char32_t character = takeUtf8(text, at);
-        const auto put = [&](char32_t unit) {
-            const char high = static_cast<char>(unit >> 8U);
-            const char low = static_cast<char>(unit);
-            bytes += isBig ? high : low;
-            bytes += isBig ? low : high;
-        };
-        if (character > 0xFFFF)
-            put(0xD7C0 + (character >> 10U));
-        put(character > 0xFFFF ? 0xDC00 + (character & 0x3FFU) : character);
-    }
-    return bytes;
-}
-
-/** In ISO-8859-1; empty where that lacks a character. */
-std::string inLatin1(const std::string &text)
-{
-    std::string bytes;
-    for (size_t at = 0; at < text.size();)
-    {
-        const char32_t character = takeUtf8(text, at);
-        if (character > 0xFF)
-            return "";
-        bytes += static_cast<char>(character);
-    }
-    return bytes;
-}
-
 std::string declared(const std::string &encoding, const std::string &bytes)
 {
     return "<?xml version='1.0' encoding='" + encoding + "'?>\n" + bytes;
