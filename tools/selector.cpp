@@ -1,6 +1,7 @@
 #include "selector.h"
 
 #include "charset.h"
+#include "format/selector_limits.h"
 
 #include <algorithm>
 #include <iterator>
@@ -60,6 +61,11 @@ private:
 };
 
 } // namespace
+
+unsigned Selector::rowLength() const
+{
+    return kind == Kind::select ? kelto::selectRowLength : KT_VARIANT_EXACTLY_1 + 1;
+}
 
 unsigned Selector::messageAt(unsigned place) const
 {

@@ -32,7 +32,7 @@ struct Selector
     int digits;        // shown behind the mark
 
     /** The messages that its row may have. */
-    unsigned rowLength() const { return kind == Kind::select ? 64 : KT_VARIANT_EXACTLY_1 + 1; }
+    unsigned rowLength() const;
 
     /** The number of the message at a place; 0 where no message can be. */
     unsigned messageAt(unsigned place) const;

@@ -1,4 +1,5 @@
 #include "format/formatters/integer.h"
+#include "format/selector_limits.h"
 #include "kelto.h"
 #include "strconv/bounded_text.h"
 
@@ -37,6 +38,8 @@ constexpr Sentence sentences[] = {
     {KT_RULE_VARIANT_ARGUMENTS, "argument $s is $f in message $m, $e in those before it"},
     {KT_RULE_VARIANT_MISSING, "message $m is missing, or has no message to select"},
 };
+
+static_assert(kelto::maxSelectionSteps == 8 && kelto::maxSelectedMessages == 1024, "two of the sentences say so");
 
 const char *sentenceOf(int rule)
 {

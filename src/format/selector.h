@@ -6,6 +6,7 @@
 #ifndef KELTO_FORMAT_SELECTOR_H
 #define KELTO_FORMAT_SELECTOR_H
 
+#include "format/selector_limits.h"
 #include "kelto.h"
 #include "plural/plural_rules.h"
 
@@ -13,9 +14,6 @@
 
 namespace kelto
 {
-
-/** The most selectors that a choice may pass. */
-constexpr unsigned maxSelectionSteps = 8;
 
 enum class SelectorKind : uint8_t
 {
@@ -32,7 +30,10 @@ struct Selector
     int digits;        /**< shown behind the mark */
 
     /** The most messages that its row has. */
-    unsigned rowLength() const noexcept { return kind == SelectorKind::select ? 64 : KT_VARIANT_EXACTLY_1 + 1; }
+    unsigned rowLength() const noexcept
+    {
+        return kind == SelectorKind::select ? selectRowLength : KT_VARIANT_EXACTLY_1 + 1;
+    }
 };
 
 /** Reads a message; false where it is no selector. */

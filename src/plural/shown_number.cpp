@@ -81,7 +81,7 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         integer = static_cast<uint64_t>(std::fmod(magnitude, Real{eighteenDigits})) + eighteenDigits;
     else
     {
-        constexpr int mostDigits = 1100; // behind the mark: no double has more
+        constexpr int mostDigits = 1100; // behind the mark: a double has no more, and of a long double these count
         char text[mostDigits + 40];
         const int printed = std::min(digits, mostDigits);
         const char *const end = text + print(text, sizeof text, printed, magnitude);

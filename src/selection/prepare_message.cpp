@@ -24,8 +24,6 @@ using kelto::PreparedVariants;
 using kelto::Selector;
 using kelto::TableView;
 
-constexpr size_t maxMessages = 1024;
-
 constexpr const char *missing = "missing"; // said of an argument
 
 constexpr KTProblem noProblem = {0, KT_RULE_NONE, 0, 0, 0, 0, nullptr, nullptr, 0};
@@ -147,7 +145,7 @@ private:
     {
         Visited message = {id, false, 0, nullptr, {}};
         message.isSelector = kelto::readSelector(m_table.message(id), message.selector);
-        if (m_messages.count() == maxMessages)
+        if (m_messages.count() == kelto::maxSelectedMessages)
             return refuse(KT_ERR_FORMAT_SYNTAX, KT_RULE_SELECTOR_SIZE, message);
         if (!message.isSelector)
             return prepareText(message);

@@ -28,7 +28,8 @@ int follow(const kelto::TableView &table, kelto::LanguageRules rules, const KTAr
         kelto::Selector selector;
         if (!kelto::readSelector(message, selector))
         {
-            // A selector in the middle of a variant is refused by the format call to come.
+            // The message that was asked for is looked through. A variant is only where it begins as a selector does:
+            // a selector in the middle of it is refused by the format call to come.
             const bool isLookedThrough = steps == 0 || *message == '%';
             return isLookedThrough && kelto::findSelectorFault(message).rule != KT_RULE_NONE ? int{KT_ERR_FORMAT_SYNTAX}
                                                                                              : 0;

@@ -1,5 +1,6 @@
 """Whether the documentation points to what exists: links between its pages, files in backquotes; and in the other
-direction, whether every exported name is declared in a header, which is where names are explained.
+direction, whether every exported name is declared in a header, which is where names are explained, and whether
+docs/architecture.md has a source for every rule of the checker.
 """
 
 import glob
@@ -51,6 +52,10 @@ for line in "".join(map(read, lists)).splitlines():
     if symbol not in declared:
         faults.append(f"{symbol} is exported and stands in no header")
 
-if len(pages) < 5 or len(declared) < 100:
+rules = re.findall(r'^KELTO_RULE\(\w+, "([\w-]+)"', read(f"{root}/tools/check/rules.inc"), re.MULTILINE)
+table = read(f"{root}/docs/architecture.md")
+faults += [f"docs/architecture.md: no source has the rule {rule}" for rule in rules if f'"{rule}"' not in table]
+
+if len(pages) < 5 or len(rules) < 50 or len(declared) < 100:
     faults.append("pages or headers are not found")
 sys.exit("\n".join(faults) or 0)

@@ -16,7 +16,10 @@ char folded(char byte)
     return byte == '_' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(byte)));
 }
 
-/** Whether one name of a language is the other, or that without its country: "de_AT" and "de-at", "pt" and "pt-BR". */
+/**
+ * Whether two names of languages begin with the same `length` bytes, whatever their case, "_" being "-": with the
+ * length of the shorter one, "pt" agrees with "pt-BR", and "de_AT" with "de-at".
+ */
 bool agree(std::string_view a, std::string_view b, size_t length)
 {
     return std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(length), b.begin(),

@@ -286,7 +286,7 @@ void findDoubled(Subject &subject)
     const Tokens &tokens = subject.tokens();
     if (isTwiceTheSame(tokens) && !isTwiceTheSame(subject.originalTokens()))
         return subject.find(Rule::leftOver, subject.message().source, {Text::textTwice});
-    if (reduplicating.find(subject.language()) != std::string_view::npos)
+    if (!subject.language().empty() && reduplicating.find(subject.language()) != std::string_view::npos)
         return;
     const std::optional<Range> found = doubledWordIn(tokens);
     if (!found || doubledRightly().has(tokens[found->end].content) || doubledWordIn(subject.originalTokens()))

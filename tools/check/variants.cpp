@@ -1,6 +1,7 @@
 #include "check/variants.h"
 
 #include "check/resolved_text.h"
+#include "format/selector_limits.h"
 #include "message/grammar/attributes.h"
 #include "text.h"
 
@@ -11,9 +12,6 @@ namespace tool::check
 {
 namespace
 {
-
-constexpr size_t mostSteps = 8;
-constexpr size_t mostMessages = 1024;
 
 /** The numbers that are tried: small ones, and those at which rules look at more than the last digits. */
 std::vector<unsigned long> triedNumbers()
@@ -127,7 +125,7 @@ void Variants::follow(int root)
         const auto [id, places] = open.back();
         open.pop_back();
         const Selector *const found = selector(id);
-        if (found == nullptr || places.size() > mostSteps)
+        if (found == nullptr || places.size() > kelto::maxSelectionSteps)
             continue;
         for (unsigned place = found->rowLength(); place-- > 0;)
         {
@@ -166,7 +164,7 @@ bool Variants::has(const Selector &selector, unsigned place) const
 const Message *Variants::counterpart(const Path &path) const
 {
     int id = path.root;
-    for (size_t step = 0; step <= mostSteps; ++step)
+    for (size_t step = 0; step <= kelto::maxSelectionSteps; ++step)
     {
         const Selector *const found = selector(id);
         if (found == nullptr)
@@ -197,6 +195,15 @@ std::string Variants::languageOf() const
 {
     return m_catalog.language();
 }
+
+/** What a selector leads to, found depth first as the library does, which prepares each message once. */
+struct Variants::Reached
+{
+    std::map<int, size_t> heights; // of the selectors from a message on, itself counted; 0 of a sentence
+    std::vector<int> above;        // the selectors whose rows are looked at
+    std::vector<int> texts;        // the sentences
+    Text fault{};                  // where that is too far, or back again
+};
 
 /** One look at all rows of a file. */
 struct Variants::Checking
@@ -236,50 +243,56 @@ struct Variants::Checking
     void checkNumber(const Message &variant, const Selector &selector, unsigned place) const;
     void checkLabel(const Message &message) const;
 
-    /** The sentences to which a selector leads; where that is too far, nothing, and why. */
-    bool gather(int id, size_t steps, std::set<int> &seen, std::vector<int> &above, std::vector<int> &texts,
-                Text &fault) const;
+    bool gather(int id, size_t steps, Reached &reached) const;
 };
 
-bool Variants::Checking::gather(int id, size_t steps, std::set<int> &seen, std::vector<int> &above,
-                                std::vector<int> &texts, Text &fault) const
+bool Variants::Checking::gather(int id, size_t steps, Reached &reached) const
 {
+    const auto refuse = [&reached](Text fault) {
+        reached.fault = fault;
+        return false;
+    };
+    if (std::find(reached.above.begin(), reached.above.end(), id) != reached.above.end())
+        return refuse(Text::selectorRing);
+    const auto known = reached.heights.find(id);
+    if (known != reached.heights.end())
+        return steps + known->second <= kelto::maxSelectionSteps || refuse(Text::selectorTooDeep);
+    if (reached.heights.size() == kelto::maxSelectedMessages)
+        return refuse(Text::selectorTooLarge);
+    size_t &height = reached.heights[id];
     const Selector *const selector = variants.selector(id);
     if (selector == nullptr)
     {
-        if (seen.insert(id).second)
-            texts.push_back(id);
+        reached.texts.push_back(id);
         return true;
     }
-    const bool isRing = std::find(above.begin(), above.end(), id) != above.end();
-    if (isRing || steps == mostSteps || seen.size() > mostMessages)
-    {
-        fault = isRing ? Text::selectorRing : steps == mostSteps ? Text::selectorTooDeep : Text::selectorTooLarge;
-        return false;
-    }
-    if (!seen.insert(id).second)
-        return true;
-    above.push_back(id);
+    if (steps == kelto::maxSelectionSteps)
+        return refuse(Text::selectorTooDeep);
+    height = 1;
+    reached.above.push_back(id);
     for (unsigned place = 0; place < selector->rowLength(); ++place)
-        if (variants.has(*selector, place) &&
-            !gather(static_cast<int>(selector->messageAt(place)), steps + 1, seen, above, texts, fault))
+    {
+        if (!variants.has(*selector, place))
+            continue;
+        const auto next = static_cast<int>(selector->messageAt(place));
+        if (!gather(next, steps + 1, reached))
             return false;
-    above.pop_back();
+        height = std::max(height, reached.heights[next] + 1);
+    }
+    reached.above.pop_back();
     return true;
 }
 
 bool Variants::Checking::checkSelector(int id, const Selector &selector) const
 {
     const Message &message = *variants.find(id);
-    std::set<int> seen;
-    std::vector<int> above;
-    std::vector<int> texts;
-    Text fault{};
-    if (!gather(id, 0, seen, above, texts, fault))
+    Reached reached;
+    if (!gather(id, 0, reached))
     {
-        find(Rule::selectorDepth, message, textOf(message), {fault});
+        find(Rule::selectorDepth, message, textOf(message), {reached.fault});
         return false;
     }
+    const std::vector<int> &texts = reached.texts;
     checkCategories(message, selector);
     if (texts.empty())
         return true;

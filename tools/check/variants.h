@@ -53,6 +53,7 @@ public:
 
 private:
     struct Checking;
+    struct Reached;
 
     std::string languageOf() const;
     void follow(int root);

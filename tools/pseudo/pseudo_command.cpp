@@ -32,12 +32,6 @@ unsigned percentOf(const CommandLine &line, const std::string &text)
     return percent;
 }
 
-/** Whether a message only chooses another one. */
-bool isSelector(const Parts &parts)
-{
-    return parts.size() == 1 && parts[0].isPlaceholder && namesSelector(parts[0].text);
-}
-
 ExitStatus run(CommandLine &line)
 {
     std::string output;
@@ -72,12 +66,13 @@ ExitStatus run(CommandLine &line)
     {
         const std::string text = unescaped(catalog.rawText(message));
         const Parts parts = roughPartsOf(text, forms.table());
+        const bool isSelector = tool::readSelector(text).has_value();
         const pseudo::Style style = isBidi ? pseudo::Style::direction : pseudo::Style::accents;
         document.units.push_back({message.id,
                                   remarks.labels[message.id],
                                   message.name,
                                   "",
-                                  isSelector(parts) ? text : pseudo::pseudoOf(parts, style, percent),
+                                  isSelector ? text : pseudo::pseudoOf(parts, style, percent),
                                   {}});
     }
     writeOutput(output, messageFileOf(std::move(document), forms.table()));

@@ -31,7 +31,7 @@ public:
     const char *begin() const noexcept { return m_text + m_at; }
     size_t length() const noexcept { return textSize - 1 - m_at; }
 
-    /** Bytes for any integer, terminator included: 22 octal digits, or a sign and 20 decimal ones. */
+    /** Bytes for any integer, terminator included: 22 octal digits are the most; decimal are 20, or a sign and 19. */
     static constexpr size_t textSize = 23;
 
 private:
