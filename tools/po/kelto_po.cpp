@@ -8,8 +8,7 @@
 // The document is XLIFF 1.2 with attributes of ours, of the namespace "urn:kelto:translation": "line" of an entry's
 // msgstr and of a finding, "obsolete", "format" (written: "c-format" or "no-c-format"; read: whichever the entry
 // names, as "python-format"), "header" and "charset" of the file, "control" where a text has characters that no XML
-// document can hold, "name" of a finding that is ours. Texts are written with \, 	,  and 
-. A
+// document can hold, "name" of a finding that is ours. Texts are written with \\, \t, \r and \n. A
 // plural entry is a group ("x-gettext-plurals") of units with the same number, a "form" each; "plural" is its
 // msgid_plural.
 
