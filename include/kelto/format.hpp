@@ -98,29 +98,21 @@ template <class Container> Container &container_of(std::back_insert_iterator<Con
     return *(iterator.*&access::container);
 }
 
-template <class Output> using inserted_of = typename Output::container_type::value_type;
-template <class Output> using pointed_of = decltype(sizeof(typename std::iterator_traits<Output>::value_type));
-
-/** Whether an output takes bytes, as far as that is known. */
-template <class Output> constexpr bool takes_text() noexcept
-{
-    if constexpr (has<inserted_of, Output>)
-        return sizeof(inserted_of<Output>) == 1;
-    else if constexpr (has<pointed_of, Output>)
-        return sizeof(typename std::iterator_traits<Output>::value_type) == 1;
-    else
-        return true;
-}
+template <class Output>
+using larger_inserted = std::enable_if_t<(sizeof(typename Output::container_type::value_type) > 1)>;
+template <class Output>
+using larger_pointed = std::enable_if_t<(sizeof(typename std::iterator_traits<Output>::value_type) > 1)>;
 
 template <class Output> auto copy_to(Output out, std::string_view text)
 {
-    static_assert(takes_text<Output>(), "kelto: a text is UTF-8, of chars, and this output takes larger units; call "
-                                        "format_utf16() for a std::u16string");
+    constexpr bool takesText = !has<larger_inserted, Output> && !has<larger_pointed, Output>;
+    static_assert(takesText, "kelto: a text is UTF-8, of chars, and this output takes larger units; call "
+                             "format_utf16() for a std::u16string");
     if constexpr (std::is_same_v<Output, std::back_insert_iterator<std::string>>)
         container_of(out).append(text.data(), text.size());
     else if constexpr (is_back_inserter<Output>)
         container_of(out).insert(container_of(out).end(), text.begin(), text.end());
-    else if constexpr (takes_text<Output>())
+    else if constexpr (takesText)
         for (const char c : text)
             *out++ = c;
     return out;
@@ -215,21 +207,23 @@ protected:
         return written<Unit>(request).take();
     }
 
-    /** Writes to an output, for an array without a buffer in between. */
+    /** Writes to an output; a catalog into an array without a buffer in between. */
     template <class Output> decltype(auto) put(Output &&out, const text_request &request) const
     {
-        if constexpr (is_line<Output>)
+        if constexpr (is_line<Output> && MayFail)
+        {
+            const auto [end, size] = put_n(static_cast<char *>(out), sizeof out - 1, request);
+            *end = '\0';
+            return cut_text{{out}, size};
+        }
+        else if constexpr (is_line<Output>)
         {
             std::size_t size = sizeof out;
-            const int result = write(request, &size, out);
-            const bool isText = result == 0 || (result == KT_ERR_BUFFER_TOO_SMALL && size != 0);
-            tell(isText ? 0 : result, request);
-            return isText ? cut_text{{out}, size} : cut_text{};
+            write(request, &size, out);
+            return cut_text{{out}, size};
         }
         else
-        {
             return hand_over(std::forward<Output>(out), written<char>(request).view());
-        }
     }
 
     template <class Output>

@@ -139,7 +139,7 @@ int callOwn(const OwnFunction &function, KTOwnCall &call, OwnOutput &output)
 
 /** The function in all records of conversions with a context. */
 int convertOwn(const char *convName, int width, int precision, int flags, KTEncoder passThru1, void *passThru2,
-               void **argSlot, unsigned long *sizeInOut, UCS2 *out)
+               void **argSlot, unsigned long *sizeInOut, UCS2 *out) // NOLINT(readability-non-const-parameter)
 {
     const auto &own = *reinterpret_cast<const OwnConversion *>(convName);
     OwnOutput output = {false, (flags & FLAG_ENCODE) != 0 ? passThru1 : nullptr, *sizeInOut, sizeInOut, out, 0};
@@ -169,7 +169,8 @@ int convertOwn(const char *convName, int width, int precision, int flags, KTEnco
 }
 
 /** The encoder of all tables with a context. */
-int encodeOwn(const void *value, int dataType, unsigned long *sizeInOut, UCS2 *out)
+int encodeOwn(const void *value, int dataType, unsigned long *sizeInOut,
+              UCS2 *out) // NOLINT(readability-non-const-parameter)
 {
     OwnOutput output = {true, nullptr, *sizeInOut, sizeInOut, out, 0};
     *sizeInOut = 0;
@@ -210,9 +211,8 @@ const KTOwnTable *findOwnEncoder(const formTable *table)
     while (table != nullptr && __atomic_load_n(&table->encoder, __ATOMIC_RELAXED) == nullptr)
         table = table->nextTable;
     const KTOwnTable *own = nullptr;
-    static_assert(sizeof own <= sizeof table->letterIndex);
     if (table != nullptr && table != &builtInFormTable && table->encoder == encodeOwn)
-        std::memcpy(&own, table->letterIndex, sizeof own);
+        std::memcpy(&own, table->letterIndex, sizeof(void *));
     return own;
 }
 
@@ -255,7 +255,8 @@ int KTOwnTable::finish(formTable *next, unsigned formatOptions) noexcept
         *record++ = {each->name, nullptr, countSlots(each->types), each->types, convertOwn};
     *record = {};
     const KTOwnTable *const self = this;
-    std::memcpy(table.letterIndex, &self, sizeof self);
+    static_assert(sizeof(void *) <= sizeof table.letterIndex);
+    std::memcpy(table.letterIndex, &self, sizeof(void *));
     table.formList = records.get();
     table.encoder = encoder.call != nullptr ? encodeOwn : nullptr;
     table.nextTable = next != nullptr ? next : &builtInFormTable;
