@@ -6,8 +6,8 @@ namespace
 {
 
 /**
- * Whether two names that a C++ compiler has for types are those of one type, whichever shared objects they come from: not
- * for a type of a function or of an unnamed namespace, whose name may be that of another one too.
+ * Whether two names that a C++ compiler has for types are those of one type, whichever shared objects they come from:
+ * not for a type of a function or of an unnamed namespace, whose name may be that of another one too.
  */
 bool isOneTypeName(const char *name, const char *other)
 {

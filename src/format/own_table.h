@@ -1,7 +1,7 @@
 /**
  * Conversions and encoders of the program's own that have a context: the tables that hold them, and what stands between
- * them and the functions of a form table. Those get no pointer to a state. A conversion's is found by the address of its
- * name, as it stands in the record; an encoder's is known to the thread while a conversion is written.
+ * them and the functions of a form table. Those get no pointer to a state. A conversion's is found by the address of
+ * its name, as it stands in the record; an encoder's is known to the thread while a conversion is written.
  */
 #ifndef KELTO_FORMAT_OWN_TABLE_H
 #define KELTO_FORMAT_OWN_TABLE_H

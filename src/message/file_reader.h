@@ -1,7 +1,7 @@
 /**
  * How a message file is read: opened through the platform, then parsed from its beginning in small chunks, as often as
- * the caller likes. The loader and the version query share it; the loader of compiled catalogs opens its files here too.
- * Handles release themselves.
+ * the caller likes. The loader and the version query share it; the loader of compiled catalogs opens its files here,
+ * too. Handles release themselves.
  */
 #ifndef KELTO_MESSAGE_FILE_READER_H
 #define KELTO_MESSAGE_FILE_READER_H

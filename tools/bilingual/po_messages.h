@@ -14,7 +14,8 @@ namespace tool::bilingual
 
 /**
  * Makes messages of the texts of a PO file.
- * @param file  its entries have numbers and conversions of ours; those of a plural entry follow each other, a form each.
+ * @param file  its entries have numbers and conversions of ours; those of a plural entry follow each other, a form
+ *              each.
  */
 BilingualFile withMessages(BilingualFile file);
 

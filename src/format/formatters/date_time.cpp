@@ -8,7 +8,8 @@
 
 // A text of at most 20 characters is a number of seconds since 1970; a longer one is a time stamp. Seconds become a day
 // number, and the day number a date, in constant time: any four years are equally long here, since every fourth is a
-// leap year. So from the 1st of March 2100 on a date is a day behind the calendar's. Both kinds of text fill the same six fields, and _formatDateTime() alone writes these.
+// leap year. So from the 1st of March 2100 on a date is a day behind the calendar's. Both kinds of text fill the same
+// six fields, and _formatDateTime() alone writes these.
 
 namespace
 {
