@@ -290,7 +290,7 @@ template <typename Unit> int writeResolved(kelto::FormatOutput<Unit> &text, cons
     return writeValue(text, step, layout, argument, call);
 }
 
-/** Whether a conversion writes a foreign text, which may run from right to left: a string, an error, the caller's own. */
+/** Whether a conversion writes a foreign text, which may run from right to left: "s", "U", "E", the caller's own. */
 bool isForeign(const PreparedStep &step)
 {
     const bool isText = step.writer == Writer::utf8Text || step.writer == Writer::ucs2Text;

@@ -11,8 +11,8 @@ using namespace tool::check;
 using tool::Placeholders;
 
 // The rows of texts_compared.txt: a language ("de", "de/fr" beside a reference in French; "de +30" with so many other
-// messages in the file), a text, that of the reference, and what is found. "⏎" parts messages; "%d[1]" is a placeholder,
-// and "‹" and "›" are the brackets of an element.
+// messages in the file), a text, that of the reference, and what is found. "⏎" parts messages; "%d[1]" is a
+// placeholder, and "‹" and "›" are the brackets of an element.
 
 namespace
 {
