@@ -211,7 +211,7 @@ const KTOwnTable *findOwnEncoder(const formTable *table)
     while (table != nullptr && __atomic_load_n(&table->encoder, __ATOMIC_RELAXED) == nullptr)
         table = table->nextTable;
     const KTOwnTable *own = nullptr;
-    if (table != nullptr && table != &builtInFormTable && table->encoder == encodeOwn)
+    if (table != nullptr && !table->indexed && table->encoder == encodeOwn)
         std::memcpy(&own, table->letterIndex, sizeof(void *));
     return own;
 }
