@@ -288,14 +288,7 @@ template <class T> auto hold(const T &value)
         return held_argument{};
 }
 
-/** The arguments of a call, which live as long as it. */
-struct argument_view
-{
-    const KTArgument *arguments;
-    std::size_t count;
-};
-
-/** The arguments that lie in what hold() gave. */
+/** The arguments that lie in what hold() gave, which live as long as the call. */
 template <class... Held> struct argument_list
 {
     explicit argument_list(const Held &...held) noexcept
@@ -303,7 +296,6 @@ template <class... Held> struct argument_list
         [[maybe_unused]] KTArgument *at = arguments;
         ((at = held.put(at)), ...);
     }
-    operator argument_view() const noexcept { return {arguments, count}; }
     static constexpr std::size_t count = (Held::count + ... + 0);
     KTArgument arguments[count + 1];
 };

@@ -83,10 +83,9 @@ template <bool Catches> void tell(void *context, const KTCatalogProblem *told) n
     if (thrown() != nullptr)
         *thrown() = nullptr; // while the sentence was made, after what had been thrown was asked for
     guarded<Catches>([&] {
-        const bool fits = told->id >= 0 && told->id <= UINT32_MAX;
         static_cast<const used *>(context)->on_problem({told->catalog, told->language, told->file,
-                                                        fits ? static_cast<std::uint32_t>(told->id) : UINT32_MAX,
-                                                        make_error(told->result), told->text});
+                                                        message_id(told->id).value(), make_error(told->result),
+                                                        told->text});
         return 0;
     });
 }
@@ -153,7 +152,7 @@ public:
     /* In front of the arguments a text in the source may stand: KELTO_DEFAULT("…") or unchecked("…"). */
 
     /** The text of a message. */
-    std::string format(message_id id) const { return make<char>(ask(id, {}, {nullptr, 0})); }
+    std::string format(message_id id) const { return make<char>(ask(id, {}, detail::argument_list())); }
     template <class First, class... Others>
     __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
         KELTO_WARN_OF_FORGOTTEN(first)
@@ -231,10 +230,11 @@ private:
         return made;
     }
 
-    static detail::text_request ask(message_id id, std::string_view source, const detail::argument_view &view) noexcept
+    template <class List>
+    static detail::text_request ask(message_id id, std::string_view source, const List &list) noexcept
     {
         return {{sizeof(KTCatalogRequest), static_cast<std::int64_t>(id.bits_), !id.isNegative_, source.data(),
-                 source.size(), view.arguments, view.count},
+                 source.size(), list.arguments, list.count},
                 nullptr};
     }
 

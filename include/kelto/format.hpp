@@ -313,7 +313,7 @@ public:
 #if KELTO_HAS_EXCEPTIONS
     explicit prepared_format(const std::string &format, const format_options &options = {})
     {
-        tell(prepare(format, options), ask(nullptr, {nullptr, 0}));
+        tell(prepare(format, options), ask(nullptr, detail::argument_list()));
     }
 #endif
 
@@ -368,10 +368,10 @@ private:
     }
 
     /** Asks nothing, which is refused, where the object was moved from. */
-    detail::text_request ask(std::error_code *failure, const detail::argument_view &view) const noexcept
+    template <class List> detail::text_request ask(std::error_code *failure, const List &list) const noexcept
     {
         const std::size_t size = catalog_ != nullptr ? sizeof(KTCatalogRequest) : 0;
-        return {{size, 0, false, nullptr, 0, view.arguments, view.count}, failure};
+        return {{size, 0, false, nullptr, 0, list.arguments, list.count}, failure};
     }
 };
 
