@@ -1369,7 +1369,8 @@ typedef struct KTOwnCall
  * Writes a conversion, or encodes the text that is its only argument. It may run in several threads at once, and twice
  * for one text where the first buffer was too small: it gives the same both times.
  * @param context  as it was given to KTAddConversion() or KTSetEncoder().
- * @return what KTGiveText() returned; 0 without a text for the empty one; or another negative code, which ends the call.
+ * @return what KTGiveText() returned; 0 without a text for the empty one; or another negative code, which ends the
+ *         call.
  */
 typedef int (*KTOwnFunction)(void *context, KTOwnCall *call);
 
@@ -1408,8 +1409,9 @@ void KTSetEncoder(KTOwnTable *own, int code, KTOwnFunction function, void *conte
 /**
  * Gives the form table, which is then used like any other and does not change. The table holds a use of the library, as
  * by KTBeginUse(), until it is released.
- * @param next     the table in which names are looked for that were not added, and which lives as long as this one; null
- *                 for the built-in one. A table is refused whose conversions take pointers without asking for their kind.
+ * @param next     the table in which names are looked for that were not added, and which lives as long as this one;
+ *                 null for the built-in one. A table is refused whose conversions take pointers without asking for their
+ *                 kind.
  * @param options  0, or KT_ENCODE_ALL, under which every call with the table has that option, so that no program and no
  *                 translation can forget it.
  * @param table    out: the form table, which lives as long as own; null on failure.

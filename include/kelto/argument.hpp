@@ -305,7 +305,7 @@ template <class T>
 using passed = std::conditional_t<std::is_array_v<T>, std::decay_t<const T>,
                                   std::conditional_t<std::is_scalar_v<T>, T, const T &>>;
 
-/** Writes an object as what argument_of makes of it, for the last rung and for errors; else it has the name of its type. */
+/** Writes an object as what argument_of makes of it, for the last rung and for errors; or else the name of its type. */
 template <class T> KELTO_SELDOM int write_object(const void *object, std::size_t *size, char *out) noexcept
 {
     if constexpr (has<converted_of, T>)

@@ -1,5 +1,5 @@
-// The part without exceptions of the program in loud.cpp. It calls what that calls, so that the linker finds each inline
-// function here first.
+// The part without exceptions of the program in loud.cpp. It calls what that calls, so that the linker finds each
+// inline function here first.
 #include <kelto.hpp>
 
 bool failsQuietly()
