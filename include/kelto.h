@@ -1410,8 +1410,8 @@ void KTSetEncoder(KTOwnTable *own, int code, KTOwnFunction function, void *conte
  * Gives the form table, which is then used like any other and does not change. The table holds a use of the library, as
  * by KTBeginUse(), until it is released.
  * @param next     the table in which names are looked for that were not added, and which lives as long as this one;
- *                 null for the built-in one. A table is refused whose conversions take pointers without asking for their
- *                 kind.
+ *                 null for the built-in one. A table is refused whose conversions take pointers without asking for
+ *                 their kind.
  * @param options  0, or KT_ENCODE_ALL, under which every call with the table has that option, so that no program and no
  *                 translation can forget it.
  * @param table    out: the form table, which lives as long as own; null on failure.
