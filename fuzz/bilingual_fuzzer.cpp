@@ -15,6 +15,7 @@
 #include "support/fake_zel.h"
 #include "support/require.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -98,8 +99,11 @@ void run(const std::string &input, Setting &setting)
     stats::pageOf("en.xlf", "en", {{"m", imported.language, imported.counts, imported.unfinished}},
                   setting.forms.get());
     requireAccepted(std::move(imported.document), setting, &setting.reference);
+    const std::vector<Entry> &entries = file.content.entries;
+    const bool isRefused =
+        std::any_of(entries.begin(), entries.end(), [](const Entry &e) { return !e.findings.empty(); });
     const bool isUpdated = setting.form.knowsEmpty ? way != 1 : way == 2; // PO takes two more processes for it
-    if (isUpdated)
+    if (isUpdated && !isRefused)
         requireUpdated(file.content, input.size() % 8 > 3, setting);
 }
 

@@ -113,6 +113,8 @@ bool isWhole(BilingualFile &file, Teller &teller)
     Findings findings = file.findings;
     const Findings repetitions = repetitionsIn(file.content);
     findings.insert(findings.end(), repetitions.begin(), repetitions.end());
+    for (const Entry &entry : file.content.entries) // parts of a translation that no message could hold
+        findings.insert(findings.end(), entry.findings.begin(), entry.findings.end());
     std::vector<Diagnostic> diagnostics = report(std::move(findings), file.source, nullptr, Levels());
     if (!file.hasColumns)
         tellInPo(diagnostics);
