@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """Whether `kelto check`, `kelto gen` and the translators' commands do what their pages show.
 
 And whether documents are what their schemas say.
