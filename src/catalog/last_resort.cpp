@@ -90,7 +90,7 @@ void writeLastResort(const KTCatalog &catalog, const KTCatalogRequest &request, 
     const KTEncoder encoder = findEncoder(catalog.sourceConversions.table());
     const bool isEncoded = encoder != nullptr || (catalog.options.formatOptions & KT_ENCODE_ALL) != 0;
     const bool isUnencodable = isEncoded && (encoder == nullptr || !isStarted());
-    const RunningEncoder encoding(catalog.sourceConversions.table());
+    const RunningEncoder encoding(encoder, catalog.sourceConversions.table());
     for (size_t i = 0; i < request.count; ++i)
     {
         writeUTF8(text, i == 0 ? ": " : ", ");

@@ -168,9 +168,10 @@ int convertOwn(const char *convName, int width, int precision, int flags, KTEnco
     return callOwn(own.function, call, output);
 }
 
-/** The encoder of all tables with a context. */
-int encodeOwn(const void *value, int dataType, unsigned long *sizeInOut,
-              UCS2 *out) // NOLINT(readability-non-const-parameter)
+} // namespace
+
+int kelto::encodeOwn(const void *value, int dataType, unsigned long *sizeInOut,
+                     UCS2 *out) // NOLINT(readability-non-const-parameter)
 {
     OwnOutput output = {true, nullptr, *sizeInOut, sizeInOut, out, 0};
     *sizeInOut = 0;
@@ -202,6 +203,9 @@ int encodeOwn(const void *value, int dataType, unsigned long *sizeInOut,
     return callOwn(own->encoder, call, output);
 }
 
+namespace
+{
+
 /**
  * The table whose encoder a call gets, where that encoder has a context; else null. Tables may be copied: where a
  * table's state is stands in a member that is not read of a table without an index.
@@ -211,7 +215,7 @@ const KTOwnTable *findOwnEncoder(const formTable *table)
     while (table != nullptr && __atomic_load_n(&table->encoder, __ATOMIC_RELAXED) == nullptr)
         table = table->nextTable;
     const KTOwnTable *own = nullptr;
-    if (table != nullptr && !table->indexed && table->encoder == encodeOwn)
+    if (table != nullptr && !table->indexed && table->encoder == kelto::encodeOwn)
         std::memcpy(&own, table->letterIndex, sizeof(void *));
     return own;
 }
@@ -258,7 +262,7 @@ int KTOwnTable::finish(formTable *next, unsigned formatOptions) noexcept
     static_assert(sizeof(void *) <= sizeof table.letterIndex);
     std::memcpy(table.letterIndex, &self, sizeof(void *));
     table.formList = records.get();
-    table.encoder = encoder.call != nullptr ? encodeOwn : nullptr;
+    table.encoder = encoder.call != nullptr ? kelto::encodeOwn : nullptr;
     table.nextTable = next != nullptr ? next : &builtInFormTable;
     options = formatOptions;
     return 0;
@@ -267,12 +271,13 @@ int KTOwnTable::finish(formTable *next, unsigned formatOptions) noexcept
 namespace kelto
 {
 
-RunningEncoder::RunningEncoder(const formTable *table) noexcept : m_outer(runningTable)
+void RunningEncoder::enter(const formTable *table) noexcept
 {
+    m_outer = runningTable;
     runningTable = findOwnEncoder(table);
 }
 
-RunningEncoder::~RunningEncoder()
+void RunningEncoder::leave() noexcept
 {
     runningTable = m_outer;
 }

@@ -11,18 +11,36 @@
 namespace kelto
 {
 
-/** Makes known which table's encoder is called from here on, if that is one with a context. */
+/** The encoder of all tables that have one with a context. */
+int encodeOwn(const void *value, int dataType, unsigned long *sizeInOut, UCS2 *out);
+
+/** Makes known whose encoder is called from here on, where that is one with a context. */
 class RunningEncoder
 {
 public:
-    /** @param table  the table of the call, or null. */
-    explicit RunningEncoder(const formTable *table) noexcept;
-    ~RunningEncoder();
+    /**
+     * @param encoder  that of the call, or null.
+     * @param table    in which it was found.
+     */
+    RunningEncoder(KTEncoder encoder, const formTable *table) noexcept : m_isOwn(encoder == encodeOwn)
+    {
+        if (m_isOwn)
+            enter(table);
+    }
+    ~RunningEncoder()
+    {
+        if (m_isOwn)
+            leave();
+    }
     RunningEncoder(const RunningEncoder &) = delete;
     RunningEncoder &operator=(const RunningEncoder &) = delete;
 
 private:
-    const KTOwnTable *m_outer; // of the call in which this one runs, or null
+    void enter(const formTable *table) noexcept;
+    void leave() noexcept;
+
+    const bool m_isOwn;
+    const KTOwnTable *m_outer = nullptr; // of the call in which this one runs
 };
 
 /** The options that the encoder of a table brings into each call: KT_ENCODE_ALL, or none. */

@@ -62,7 +62,7 @@ template <typename Append>
     if (!arguments.make(values, call.prepared.slots + (values - call.arguments), count))
         return KT_ERR_NO_MEMORY;
     const kelto::RunningSlots running(arguments.slots(), values, count);
-    const kelto::RunningEncoder encoding(call.prepared.table);
+    const kelto::RunningEncoder encoding(call.encoder, call.prepared.table);
     return append([&](const Layout &layout, unsigned long *units, UCS2 *out) {
         return formatter.format(formatter.name, layout.width, layout.precision, layout.flags, call.encoder,
                                 call.passThru, arguments.slots(), units, out);
@@ -73,7 +73,7 @@ template <typename Append>
 int callUTF8Format(kelto::FormatOutput<char> &text, const PreparedStep &step, const Layout &layout,
                    const KTArgument *values, const Call &call)
 {
-    const kelto::RunningEncoder encoding(call.prepared.table);
+    const kelto::RunningEncoder encoding(call.encoder, call.prepared.table);
     const auto called = [&](const Layout &own, size_t *bytes, char *out) {
         return step.utf8Format(step.formatter->name, own.width, own.precision, own.flags, call.encoder, call.passThru,
                                values, bytes, out);
@@ -206,7 +206,7 @@ template <typename Unit>
     };
     if (const int made = finished.make(write, parts.most))
         return made;
-    const kelto::RunningEncoder encoding(call.prepared.table);
+    const kelto::RunningEncoder encoding(call.encoder, call.prepared.table);
     text.write(kelto::Ending::open, kelto::UCS2Text{parts.open, KTUCS2strlen(parts.open)});
     const int result =
         text.appendCalled([&](const Layout &, unsigned long *units,
@@ -374,7 +374,7 @@ template <typename Unit>
     if (prepared->table != nullptr)
     {
         encoder = kelto::findEncoder(prepared->table);
-        options |= kelto::optionsOf(prepared->table);
+        options |= encoder == kelto::encodeOwn ? kelto::optionsOf(prepared->table) : 0;
     }
     if ((options & KT_ENCODE_ALL) != 0 && encoder == nullptr)
         return KT_ERR_INVALID_PARAMETER;
