@@ -12,6 +12,9 @@
 namespace tool::bilingual
 {
 
+/** The "subState" of a segment of 2.0 whose source has changed under its translation. */
+constexpr const char *changedSubState = "kelto:changed";
+
 enum class Element : uint8_t
 {
     other,   // looked through

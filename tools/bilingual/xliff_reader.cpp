@@ -48,8 +48,10 @@ public:
         // An attribute that tools add to every unit says nothing of an empty one.
         if (isEmpty && m_approved == "yes" && !isMarkedDone)
             return State::untranslated;
-        // A program that shows nothing but targets is given copies of the sources.
-        if (!isFinished && m_state == State::untranslated && entry.target == entry.source)
+        // A program that shows nothing but targets is given copies of the sources. A text that was translated before
+        // its source has changed may be the same too.
+        const bool isCopy = m_state == State::untranslated && entry.target == entry.source && !entry.previousSource;
+        if (!isFinished && isCopy)
             return State::untranslated;
         const bool isFuzzy = !isFinished && (m_state || m_isUnsure || m_approved == "no");
         return isFuzzy ? State::fuzzy : State::finished;
@@ -313,8 +315,11 @@ void Reader::startSegment(const Tag &tag, bool isIgnorable)
 {
     m_segmentBegin = m_texts.sourceSize();
     m_segmentHasTarget = false;
-    if (!isIgnorable)
-        m_state.addSegment(meaningOf(tag.get("state")));
+    if (isIgnorable)
+        return;
+    const std::optional<State> state = meaningOf(tag.get("state"));
+    const bool isChanged = state == State::untranslated && tag.get("subState") == changedSubState;
+    m_state.addSegment(isChanged ? State::fuzzy : state);
 }
 
 void Reader::startSource()

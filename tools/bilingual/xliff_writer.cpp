@@ -1,6 +1,7 @@
 #include "bilingual/xliff_writer.h"
 
 #include "bilingual/message_parts.h"
+#include "bilingual/xliff_names.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -178,9 +179,10 @@ std::string unitOf2(const Entry &entry, bool copiesSource, formTable *table)
     if (!notes.empty())
         unit += "      <notes>\n" + notes + "      </notes>\n";
     unit += dataOf2(placeholders, source, target);
-    const char *const state = entry.state == State::finished ? " state=\"translated\""
-                              : entry.state == State::fuzzy  ? " state=\"initial\" subState=\"kelto:changed\""
-                              : copiesSource                 ? " state=\"initial\""
+    const std::string initial = xmlAttribute("state", "initial");
+    const std::string state = entry.state == State::finished ? xmlAttribute("state", "translated")
+                              : entry.state == State::fuzzy  ? initial + xmlAttribute("subState", changedSubState)
+                              : copiesSource                 ? initial
                                                              : "";
     unit += fmt::format("      <segment{}>\n        <source>{}</source>\n", state, placeholders.write(source));
     if (entry.state != State::untranslated || copiesSource)
