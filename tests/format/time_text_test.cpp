@@ -1,6 +1,7 @@
 #include "kelto.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <gtest/gtest.h>
@@ -29,6 +30,33 @@ TEST(TimeText, IsTheTimeOfTheCalendarFromTheYear0ToTheYear9999)
         char text[30];
         KTTimeText(seconds, text);
         ASSERT_STREQ(text, expected) << seconds;
+    }
+}
+
+TEST(ClockText, IsTheSecondInWhichTheUnitHasBegun)
+{
+    constexpr int64_t exa = 1000000000000000000;
+    const long double notANumber = std::nanl("");
+    const struct
+    {
+        KTArgument count;
+        int64_t numerator, denominator;
+        const char *text;
+    } rows[] = {
+        {KT_INT64(1999), 1, 1000, "1970-01-01'T00:00:01Z"},
+        {KT_INT64(-1), 1, 1000, "1969-12-31'T23:59:59Z"},
+        {KT_DOUBLE(-0.5), 1, 1, "1969-12-31'T23:59:59Z"},
+        {KT_UINT64(exa - 1), 3600, exa, "1970-01-01'T00:59:59Z"}, // the product has more than 64 bits
+        {KT_INT64(1 - exa), 3600, exa, "1969-12-31'T23:00:00Z"},
+        {KT_INT64(INT64_MAX), 3600, 1, "9999-12-31'T23:59:59Z"},
+        {KT_LONG_DOUBLE(&notANumber), 1, 1, "0000-01-01'T00:00:00Z"},
+        {KT_UTF8("1"), 1, 1, "0000-01-01'T00:00:00Z"},
+    };
+    for (const auto &row : rows)
+    {
+        char text[30];
+        KTClockText(row.count, row.numerator, row.denominator, text);
+        EXPECT_STREQ(text, row.text) << "row " << &row - rows;
     }
 }
 
