@@ -153,6 +153,7 @@ public:
             if (!entry.isObsolete && entry.form <= 0)
                 add(entry);
         checkDocument();
+        dropTypedConversions(m_findings);
         removeRefused();
         m_result.diagnostics = report(std::move(m_findings), m_file.source, nullptr, m_levels);
         tellInPo(m_result.diagnostics);

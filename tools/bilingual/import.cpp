@@ -408,6 +408,8 @@ void Import::checkEntries()
         compared.emplace(makeReference(withForms));
     Findings found = checkMessages(catalog, m_options.table, compared ? &*compared : &m_reference);
     m_findings.insert(m_findings.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
+    if (!m_file.hasColumns)
+        dropTypedConversions(m_findings);
     for (const Finding &finding : m_findings)
         if (m_levels[finding.rule] == Severity::error)
             m_refused.insert(finding.message);

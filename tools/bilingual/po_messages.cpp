@@ -186,11 +186,15 @@ BilingualFile withMessages(BilingualFile file)
     return MessageMaker(std::move(file)).run();
 }
 
+void dropTypedConversions(Findings &findings)
+{
+    findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                  [](const Finding &found) { return found.rule == Rule::typedConversion; }),
+                   findings.end());
+}
+
 void tellInPo(std::vector<Diagnostic> &diagnostics)
 {
-    diagnostics.erase(std::remove_if(diagnostics.begin(), diagnostics.end(),
-                                     [](const Diagnostic &found) { return found.rule == Rule::typedConversion; }),
-                      diagnostics.end());
     for (Diagnostic &diagnostic : diagnostics)
     {
         putInC(diagnostic.text);

@@ -19,10 +19,10 @@ namespace tool::bilingual
  */
 BilingualFile withMessages(BilingualFile file);
 
-/**
- * Tells findings in the words of a PO file: their place is a line, and their conversions are those of C. Conversions
- * are always typed there, so the findings about typed ones are dropped.
- */
+/** Drops what is found of typed conversions: those of a PO file are never anything else. */
+void dropTypedConversions(check::Findings &findings);
+
+/** Tells findings in the words of a PO file: their place is a line, and their conversions are those of C. */
 void tellInPo(std::vector<check::Diagnostic> &diagnostics);
 
 } // namespace tool::bilingual
