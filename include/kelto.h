@@ -1402,7 +1402,10 @@ void KTAddConversion(KTOwnTable *own, const char *name, const int *types, uint32
 /**
  * Sets the encoder of a table that is not finished; the last one counts. It gets whole texts, and single characters of
  * "c"; half a character is left as it is. It runs in the calls with typed arguments, and fails in the others.
- * @param code  the encoding of what it is given: KT_ARG_UTF8 or KT_ARG_UCS2. It may give either.
+ * @param code         the encoding of what it is given: KT_ARG_UTF8 or KT_ARG_UCS2. It may give either.
+ * @param function     not null.
+ * @param context      handed to it.
+ * @param freeContext  called with the context when the table ends or gets another encoder; or null.
  */
 void KTSetEncoder(KTOwnTable *own, int code, KTOwnFunction function, void *context, KTFreeFunction freeContext);
 
@@ -1844,7 +1847,12 @@ int KTExplainFailure(const char *format, int result, const KTCatalogOptions *opt
  */
 int KTArgumentText(const KTArgument *argument, size_t *size, char *text);
 
-/** The bytes of a UTF-8 text of `size` bytes that are left where at most `most` are wanted, in whole characters. */
+/**
+ * Where a text is cut, so that whole characters are left. Needs no started library.
+ * @param text  UTF-8 of `size` bytes, not terminated.
+ * @param most  the bytes that are wanted at most.
+ * @return the bytes that are left: size, or less than size and at most `most`.
+ */
 size_t KTCutUTF8(const char *text, size_t size, size_t most);
 
 /**

@@ -24,7 +24,7 @@ namespace kelto
  *
  *     template <> struct kelto::argument_of<version>
  *     {
- *         static std::string convert(const version &v) { return v.major + '.' + v.minor; } // for "%s"
+ *         static std::string convert(const version &v) { return v.text(); } // for "%s"
  *     };
  *
  * or, for a conversion of the program's own (form_table.hpp), derive it from by_identity: the object itself is then

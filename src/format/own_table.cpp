@@ -40,8 +40,8 @@ struct OwnFunction
 
 struct OwnConversion
 {
-    char name[kelto::maxNameLength + 2] =
-        {}; // comes first; a unit more than a name can have, so that a longer one shows
+    // Comes first, since a call is told its address; a unit more than a name can have, so that a longer one shows.
+    char name[kelto::maxNameLength + 2] = {};
     const int *types = nullptr;
     uint32_t kind = 0;
     OwnFunction function;

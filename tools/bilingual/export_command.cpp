@@ -96,9 +96,9 @@ Options readOptions(CommandLine &line, FormOption &forms)
     if (!options.translation.empty() && !options.old.empty())
         throw line.misuse(say(Text::surplusWord, {terminal().quote(options.translation), "--update"}));
     requireOneStandardInput(line, {options.reference, options.translation, options.old});
-    if (options.copiesSource && !formFor(line, options).knowsEmpty)
+    const Form &form = formFor(line, options);
+    if (options.copiesSource && !form.knowsEmpty)
         throw line.misuse(say(Text::noCopiesInPo));
-    formFor(line, options);
     forms.read(line);
     Words inputs{options.reference}; // the updated file is read before it is written
     if (!options.translation.empty())
