@@ -1,4 +1,4 @@
-// "decimal", "percent" and "unit": doubles, with the digits that the library's own "f" writes.
+#include "decimals.h"
 
 #include "conversions.h"
 #include "language.h"
@@ -116,8 +116,10 @@ double readNumber(const void *number, bool isLong)
     return usual;
 }
 
+} // namespace
+
 // As in "f": '-' wins over '0'.
-int writeNumber(KTLLanguage &language, NumberKey &key, const Spec &spec, const void *number, Output &output)
+int writeDouble(KTLLanguage &language, NumberKey &key, const Spec &spec, const void *number, Output &output)
 {
     const int decimals = spec.precision >= 0 ? spec.precision : defaultDecimals;
     if (decimals > maxDecimals)
@@ -137,30 +139,10 @@ int writeNumber(KTLLanguage &language, NumberKey &key, const Spec &spec, const v
     return writeExact(language, key, digits.decimal(), spec, output, isZeroPadded);
 }
 
-bool isUnitName(std::string_view name)
-{
-    constexpr std::string_view inName = "abcdefghijklmnopqrstuvwxyz0123456789-";
-    return !name.empty() && name.size() <= maxUnitName && name.find_first_not_of(inName) == std::string_view::npos;
-}
-
-} // namespace
-
 int writeDecimal(KTLLanguage &language, const Kind &kind, const Spec &spec, const Value *values, Output &output)
 {
     NumberKey key(static_cast<NumberKind>(kind.variant));
-    return writeNumber(language, key, spec, values[0].number, output);
-}
-
-int writeUnit(KTLLanguage &language, const Kind & /*kind*/, const Spec &spec, const Value *values, Output &output)
-{
-    const std::string_view name = values[1].text;
-    if (!isUnitName(name))
-        return KT_ERR_INVALID_PARAMETER;
-    NumberKey key(unitNumber);
-    key.isLong = spec.has(FLAG_HASH);
-    key.isTrimmed = spec.precision < 0;
-    key.what[name.copy(key.what, name.size())] = '\0';
-    return writeNumber(language, key, spec, values[0].number, output);
+    return writeDouble(language, key, spec, values[0].number, output);
 }
 
 } // namespace kelto::locale

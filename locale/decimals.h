@@ -1,0 +1,21 @@
+/**
+ * "decimal" and "percent": doubles, with the digits that the library's own "f" writes. Whatever else has a double, as a
+ * measure, is written by the same function.
+ */
+#ifndef KELTO_LOCALE_DECIMALS_H
+#define KELTO_LOCALE_DECIMALS_H
+
+#include "number_formatters.h"
+
+namespace kelto::locale
+{
+
+/**
+ * Writes a double, or with FLAG_L a long double, by the formatter of a key.
+ * @param key  its decimals are set here.
+ */
+int writeDouble(KTLLanguage &language, NumberKey &key, const Spec &spec, const void *number, Output &output);
+
+} // namespace kelto::locale
+
+#endif
