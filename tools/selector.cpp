@@ -1,7 +1,7 @@
 #include "selector.h"
 
 #include "charset.h"
-#include "format/selector_limits.h"
+#include "format/format_limits.h"
 
 #include <algorithm>
 #include <iterator>

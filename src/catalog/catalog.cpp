@@ -1,8 +1,8 @@
 #include "catalog/catalog.h"
 
 #include "catalog/report.h"
-#include "format/form_table.h"
-#include "format/own_table.h"
+#include "format/tables/form_table.h"
+#include "format/tables/own_table.h"
 
 #include <algorithm>
 #include <cstring>

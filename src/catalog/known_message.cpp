@@ -1,8 +1,8 @@
 #include "catalog/known_message.h"
 
-#include "format/format_string.h"
-#include "format/lost_encoding.h"
-#include "format/nil_conversion.h"
+#include "format/grammar/format_string.h"
+#include "format/prepared/lost_encoding.h"
+#include "format/variants/nil_conversion.h"
 
 #include <cstring>
 #include <new>

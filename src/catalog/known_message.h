@@ -6,7 +6,7 @@
 #ifndef KELTO_CATALOG_KNOWN_MESSAGE_H
 #define KELTO_CATALOG_KNOWN_MESSAGE_H
 
-#include "format/prepared.h"
+#include "format/prepared/prepared_format.h"
 #include "strconv/heap_block.h"
 
 #include <atomic>

@@ -3,8 +3,8 @@
 #include "catalog/failure_text.h"
 #include "catalog/last_resort.h"
 #include "catalog/plain_text.h"
-#include "format/form_table.h"
-#include "format/prepared_call.h"
+#include "format/prepared/prepared_call.h"
+#include "format/tables/form_table.h"
 #include "selection/prepare_message.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "catalog/last_resort.h"
 
 #include "catalog/plain_text.h"
-#include "format/called_arguments.h"
-#include "format/finished_text.h"
-#include "format/form_table.h"
-#include "format/own_table.h"
+#include "format/arguments/called_arguments.h"
+#include "format/output/finished_text.h"
+#include "format/tables/form_table.h"
+#include "format/tables/own_table.h"
 
 namespace
 {

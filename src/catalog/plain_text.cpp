@@ -1,7 +1,7 @@
 #include "catalog/plain_text.h"
 
+#include "format/arguments/typed_argument.h"
 #include "format/formatters/integer.h"
-#include "format/typed_argument.h"
 #include "strconv/heap_block.h"
 
 #include <cstdio>

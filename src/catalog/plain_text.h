@@ -6,7 +6,7 @@
 #ifndef KELTO_CATALOG_PLAIN_TEXT_H
 #define KELTO_CATALOG_PLAIN_TEXT_H
 
-#include "format/format_output.h"
+#include "format/output/format_output.h"
 
 #include <string_view>
 

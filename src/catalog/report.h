@@ -3,7 +3,7 @@
 #define KELTO_CATALOG_REPORT_H
 
 #include "catalog/catalog.h"
-#include "format/format_output.h"
+#include "format/output/format_output.h"
 
 #include <string_view>
 

@@ -1,10 +1,10 @@
 #include "kelto.h"
 
-#include "format/arguments.h"
-#include "format/form_table.h"
-#include "format/format_output.h"
-#include "format/format_string.h"
-#include "format/ucs2_copy.h"
+#include "format/arguments/argument_slots.h"
+#include "format/arguments/ucs2_copy.h"
+#include "format/grammar/format_string.h"
+#include "format/output/format_output.h"
+#include "format/tables/form_table.h"
 #include "lifecycle/global_state.h"
 #include "platform/scoped.h"
 

@@ -3,12 +3,12 @@
 
 #include "selection/prepare_message.h"
 
-#include "format/compare_formats.h"
-#include "format/format_string.h"
-#include "format/nil_conversion.h"
-#include "format/problem_report.h"
-#include "format/typed_argument.h"
-#include "format/variants.h"
+#include "format/arguments/typed_argument.h"
+#include "format/grammar/format_string.h"
+#include "format/grammar/problem_report.h"
+#include "format/prepared/compare_formats.h"
+#include "format/prepared/prepared_variants.h"
+#include "format/variants/nil_conversion.h"
 #include "lifecycle/global_state.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #ifndef KELTO_SELECTION_PREPARE_MESSAGE_H
 #define KELTO_SELECTION_PREPARE_MESSAGE_H
 
-#include "format/prepared.h"
+#include "format/prepared/prepared_format.h"
 #include "message/table_view.h"
 
 namespace kelto

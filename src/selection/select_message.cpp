@@ -1,4 +1,4 @@
-#include "format/selector.h"
+#include "format/variants/selector.h"
 #include "lifecycle/global_state.h"
 #include "message/table_view.h"
 

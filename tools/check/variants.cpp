@@ -1,7 +1,7 @@
 #include "check/variants.h"
 
 #include "check/resolved_text.h"
-#include "format/selector_limits.h"
+#include "format/format_limits.h"
 #include "message/grammar/attributes.h"
 #include "text.h"
 

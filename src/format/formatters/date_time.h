@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 #define KELTO_FORMAT_FORMATTERS_DATE_TIME_H
 
-#include "format/layout.h"
+#include "format/formatters/layout.h"
 
 namespace kelto
 {

@@ -5,8 +5,8 @@
 #ifndef KELTO_FORMAT_FORMATTERS_DISTINGUISHED_NAME_H
 #define KELTO_FORMAT_FORMATTERS_DISTINGUISHED_NAME_H
 
+#include "format/formatters/layout.h"
 #include "format/formatters/tags.h"
-#include "format/layout.h"
 
 namespace kelto
 {

@@ -1,7 +1,7 @@
 #include "format/formatters/entry_id_error_ip.h"
 
-#include "format/slot_value.h"
-#include "format/ucs2_copy.h"
+#include "format/arguments/slot_value.h"
+#include "format/arguments/ucs2_copy.h"
 
 #include <cstring>
 

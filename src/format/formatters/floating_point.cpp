@@ -1,7 +1,7 @@
 #include "format/formatters/floating_point.h"
 
+#include "format/arguments/slot_value.h"
 #include "format/formatters/integer.h"
-#include "format/slot_value.h"
 #include "lifecycle/global_state.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
 #define KELTO_FORMAT_FORMATTERS_FLOATING_POINT_H
 
-#include "format/layout.h"
+#include "format/formatters/layout.h"
 #include "platform/scoped.h"
 
 #include <cmath>

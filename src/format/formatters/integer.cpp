@@ -1,6 +1,6 @@
 #include "format/formatters/integer.h"
 
-#include "format/slot_value.h"
+#include "format/arguments/slot_value.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,7 +6,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_INTEGER_H
 #define KELTO_FORMAT_FORMATTERS_INTEGER_H
 
-#include "format/layout.h"
+#include "format/formatters/layout.h"
 
 #include <cstddef>
 #include <cstdint>

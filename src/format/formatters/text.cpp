@@ -1,7 +1,7 @@
 #include "format/formatters/text.h"
 
-#include "format/slot_value.h"
-#include "format/ucs2_copy.h"
+#include "format/arguments/slot_value.h"
+#include "format/arguments/ucs2_copy.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #ifndef KELTO_FORMAT_FORMATTERS_TEXT_H
 #define KELTO_FORMAT_FORMATTERS_TEXT_H
 
-#include "format/layout.h"
+#include "format/formatters/layout.h"
 
 namespace kelto
 {
