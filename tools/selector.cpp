@@ -11,8 +11,6 @@ namespace tool
 namespace
 {
 
-constexpr const char *placeNames[] = {"zero", "one", "two", "few", "many", "other", "=0", "=1"};
-
 KTFormatter selectors[] = {{"plural", nullptr, 1, signedIntList, formatIP},
                            {"ordinal", nullptr, 1, signedIntList, formatIP},
                            {"select", nullptr, 1, signedIntList, formatIP},
@@ -64,7 +62,7 @@ private:
 
 unsigned Selector::rowLength() const
 {
-    return kind == Kind::select ? kelto::selectRowLength : KT_VARIANT_EXACTLY_1 + 1;
+    return kind == Kind::select ? kelto::selectRowLength : mostVariants;
 }
 
 unsigned Selector::messageAt(unsigned place) const
@@ -109,7 +107,7 @@ bool namesSelector(std::string_view specification)
 
 std::string placeName(Selector::Kind kind, unsigned place)
 {
-    return kind == Selector::Kind::select ? "=" + std::to_string(place) : placeNames[place];
+    return kind == Selector::Kind::select ? "=" + std::to_string(place) : variantLabels[place];
 }
 
 std::optional<unsigned> placeNamed(Selector::Kind kind, const std::string &name)

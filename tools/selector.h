@@ -17,6 +17,10 @@
 namespace tool
 {
 
+/** The labels of the places of a row for a number, by KTVariant. */
+constexpr const char *variantLabels[] = {"zero", "one", "two", "few", "many", "other", "=0", "=1"};
+constexpr int mostVariants = KT_VARIANT_EXACTLY_1 + 1;
+
 struct Selector
 {
     enum class Kind

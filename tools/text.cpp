@@ -193,6 +193,12 @@ Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Sho
     return Phrase{text, values};
 }
 
+Shown textOfXmlError(int error, const char *otherwise)
+{
+    constexpr int errorsAbove = 300;
+    return textNumbered(static_cast<unsigned>(errorsAbove + error), otherwise);
+}
+
 std::string helpText(const std::string &about, const std::string &english)
 {
     const auto *const row = std::find_if(std::begin(helpTexts), std::end(helpTexts),

@@ -60,6 +60,9 @@ Phrase counted(Text text, size_t count, const std::vector<Shown> &values = {});
 /** The text with this number, under which the library has the same in English; `otherwise` where there is none. */
 Shown textNumbered(unsigned number, const char *otherwise, const std::vector<Shown> &values = {});
 
+/** What is said of a fault for which the parser of XML has a number. @param otherwise  what the parser says. */
+Shown textOfXmlError(int error, const char *otherwise);
+
 /**
  * A text of the help in the language of the user; it is not formatted. Without a translation it is the English, which
  * stands where the subcommand and its options are declared.

@@ -1,4 +1,4 @@
-#include "bilingual/bilingual_file.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/plural_forms.h"
 #include "bilingual/xliff_writer.h"
@@ -45,12 +45,12 @@ TEST(Mutants, OfXliffGiveMessagesThatTheCheckerAccepts)
         MessageDocument original;
         MessageDocument translated;
         random.fill(original, translated);
-        SourceFile source(check::SourceText("en.xlf", messageFileOf(original, forms.get())));
-        source.catalog.source().index();
-        const SourceFile translation(check::SourceText("de.xlf", messageFileOf(translated, forms.get())));
-        Bilingual catalog = bilingualOf(source, translation.catalog.language());
+        RemarkedFile source(check::SourceText("en.xlf", messageFileOf(original, forms.get())));
+        source.parsed.source().index();
+        const RemarkedFile translation(check::SourceText("de.xlf", messageFileOf(translated, forms.get())));
+        Bilingual catalog = bilingualOf(source, translation.parsed.language());
         addTranslation(catalog, translation);
-        const check::Reference reference(source.catalog, forms.get());
+        const check::Reference reference(source.parsed, forms.get());
         const auto write = seed % 2 == 0 ? xliff12Of : xliff2Of;
         const std::string document = write(catalog, forms.get());
         for (int i = 0; i < 25; ++i)
@@ -58,7 +58,7 @@ TEST(Mutants, OfXliffGiveMessagesThatTheCheckerAccepts)
             Imported result = import(readBilingual(check::SourceText("m", "<" + mutant(document, random).substr(1))),
                                      source, reference, check::Levels(), {forms.get(), true, "de"});
             const std::string file = messageFileOf(std::move(result.document), forms.get());
-            const check::Catalog again(check::SourceText("out", file), Placeholders::positioned);
+            const check::ParsedFile again(check::SourceText("out", file), Placeholders::positioned);
             ASSERT_TRUE(again.findings().empty()) << file;
             imported += again.messages().size();
             if (!catalog.selectors.empty()) // the rows of the translation are not those of the reference

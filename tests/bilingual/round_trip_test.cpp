@@ -1,4 +1,4 @@
-#include "bilingual/bilingual_file.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/update.h"
 #include "input.h"
@@ -32,9 +32,9 @@ std::map<unsigned, std::string> loaded(const std::string &bytes)
     return messages;
 }
 
-SourceFile sourceOf(const std::string &bytes)
+RemarkedFile sourceOf(const std::string &bytes)
 {
-    return SourceFile(check::SourceText("en.xlf", bytes));
+    return RemarkedFile(check::SourceText("en.xlf", bytes));
 }
 
 /** A file in the folder of the tests, which tools can read. */
@@ -69,12 +69,12 @@ public:
         : m_source(sourceOf(reference)), m_translated(sourceOf(translation))
     {
         m_forms.add("nil=int");
-        m_source.catalog.source().index();
+        m_source.parsed.source().index();
     }
 
     std::string exported(const Form &form)
     {
-        Bilingual catalog = bilingualOf(m_source, m_translated.catalog.language());
+        Bilingual catalog = bilingualOf(m_source, m_translated.parsed.language());
         addTranslation(catalog, m_translated);
         dropEmpty(catalog);
         return form.write(catalog, m_forms.get());
@@ -83,7 +83,7 @@ public:
     /** The message file that an import makes, which finds nothing wrong. */
     std::string imported(const std::string &document)
     {
-        const check::Reference compared(m_source.catalog, m_forms.get());
+        const check::Reference compared(m_source.parsed, m_forms.get());
         Imported imported = import(readBilingual(check::SourceText("bilingual", document)), m_source, compared,
                                    check::Levels(), {m_forms.get(), false, ""});
         for (const check::Diagnostic &found : imported.diagnostics)
@@ -94,8 +94,8 @@ public:
     /** The same bilingual file when the reference has become another one. */
     std::string updated(const Form &form, const std::string &document, const std::string &newReference)
     {
-        const SourceFile reference = sourceOf(newReference);
-        Bilingual catalog = bilingualOf(reference, m_translated.catalog.language());
+        const RemarkedFile reference = sourceOf(newReference);
+        Bilingual catalog = bilingualOf(reference, m_translated.parsed.language());
         update(catalog, readBilingual(check::SourceText("old", document)).content);
         noteArguments(catalog, m_forms.get());
         return form.write(catalog, m_forms.get());
@@ -103,8 +103,8 @@ public:
 
 private:
     check::FormTable m_forms;
-    SourceFile m_source;
-    SourceFile m_translated;
+    RemarkedFile m_source;
+    RemarkedFile m_translated;
 };
 
 struct Pair

@@ -1,6 +1,6 @@
 #include "agreement.h"
-#include "check/checks.h"
-#include "check/resolved_text.h"
+#include "check/file_check.h"
+#include "check/texts/resolved_text.h"
 #include "document.h"
 
 #include <algorithm>
@@ -54,15 +54,15 @@ bool has(const Findings &findings, int message, std::initializer_list<Rule> rule
     });
 }
 
-std::string disagreementOnMessages(const Catalog &catalog, MessageTable *table)
+std::string disagreementOnMessages(const ParsedFile &parsed, MessageTable *table)
 {
-    const Findings findings = checkMessages(catalog, &builtInFormTable, nullptr);
-    for (const Message &message : catalog.messages())
+    const Findings findings = checkMessages(parsed, &builtInFormTable, nullptr);
+    for (const Message &message : parsed.messages())
     {
         char *text = nullptr;
         if (KTGetMessage(table, static_cast<unsigned>(message.id), &text) != 0 || text == nullptr)
             return fmt::format("message {} is not in the table", message.id);
-        const ResolvedText resolved(catalog.rawText(message));
+        const ResolvedText resolved(parsed.rawText(message));
         if (resolved.text() != text)
             return fmt::format("message {} is '{}' to the checker, '{}' to the library", message.id, resolved.text(),
                                text);
@@ -85,16 +85,16 @@ std::string disagreement(const std::string &bytes, bool *loads)
         *loads = result == 0;
     if (result == KT_ERR_NO_MEMORY)
         return "";
-    const Catalog catalog(SourceText("file", bytes), Placeholders::positioned);
-    const bool isClean = std::all_of(catalog.findings().begin(), catalog.findings().end(), [](const Finding &finding) {
+    const ParsedFile parsed(SourceText("file", bytes), Placeholders::positioned);
+    const bool isClean = std::all_of(parsed.findings().begin(), parsed.findings().end(), [](const Finding &finding) {
         return rowOf(finding.rule).severity == Severity::warning;
     });
     std::string text;
     if (isClean != (result == 0))
         text = fmt::format("the library's result is {}, the checker finds: {}", result,
-                           isClean ? "nothing" : tool::sayInEnglish(catalog.findings().front().text));
+                           isClean ? "nothing" : tool::sayInEnglish(parsed.findings().front().text));
     else if (result == 0)
-        text = disagreementOnMessages(catalog, table);
+        text = disagreementOnMessages(parsed, table);
     if (result == 0)
         KTFreeMessages(table);
     return text;
@@ -255,10 +255,10 @@ TEST(CheckAgreement, WithTheLibraryOnWhatMayStandForWhat)
     {
         const std::string format = randomFormat(random);
         const std::string reference = random() % 4 == 0 ? format : randomFormat(random);
-        const Catalog catalog(SourceText("file", unit(format)), Placeholders::positioned);
-        const Catalog original(SourceText("reference", unit(reference)), Placeholders::positioned);
+        const ParsedFile parsed(SourceText("file", unit(format)), Placeholders::positioned);
+        const ParsedFile original(SourceText("reference", unit(reference)), Placeholders::positioned);
         const Findings findings =
-            checkMessages(catalog, &builtInFormTable, std::make_unique<Reference>(original, &builtInFormTable).get());
+            checkMessages(parsed, &builtInFormTable, std::make_unique<Reference>(original, &builtInFormTable).get());
         if (KTExplainFormat(reference.c_str(), nullptr, nullptr) != 0)
             continue;
         const bool fits = KTCompareFormats(format.c_str(), reference.c_str(), nullptr, nullptr) == 0;

@@ -2,7 +2,7 @@
 #ifndef KELTO_TESTS_CHECK_DOCUMENT_H
 #define KELTO_TESTS_CHECK_DOCUMENT_H
 
-#include "check/utf8.h"
+#include "check/texts/utf8.h"
 
 #include <string>
 

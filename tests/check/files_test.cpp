@@ -1,8 +1,8 @@
-#include "check/baseline.h"
-#include "check/checks.h"
-#include "check/completeness.h"
+#include "check/file_check.h"
 #include "check/inputs.h"
-#include "check/path_language.h"
+#include "check/rules/files/completeness.h"
+#include "check/rules/files/file_language.h"
+#include "check/telling/baseline.h"
 #include "document.h"
 
 #include <algorithm>
@@ -20,8 +20,8 @@ namespace
 
 Findings findingsIn(const std::string &path, const std::string &bytes)
 {
-    const Catalog catalog(SourceText(path, bytes), Placeholders::positioned);
-    return checkMessages(catalog, nullptr, nullptr);
+    const ParsedFile parsed(SourceText(path, bytes), Placeholders::positioned);
+    return checkMessages(parsed, nullptr, nullptr);
 }
 
 TEST(Files, NameTheirLanguageByTheirPath)
@@ -58,15 +58,15 @@ TEST(Files, HaveTheWantedShareOfTheirReference)
     const auto numbered = [](int id, const char *text) {
         return fmt::format("<trans-unit id='{}'><source>{}</source></trans-unit>", id, text);
     };
-    const Catalog reference(SourceText("en", document(numbered(1, "a") + numbered(2, "b") + numbered(3, "c"))),
+    const ParsedFile reference(SourceText("en", document(numbered(1, "a") + numbered(2, "b") + numbered(3, "c"))),
+                               Placeholders::positioned);
+    const ParsedFile parsed(SourceText("de", document(numbered(1, "a") + numbered(2, "") + numbered(3, "c"))),
                             Placeholders::positioned);
-    const Catalog catalog(SourceText("de", document(numbered(1, "a") + numbered(2, "") + numbered(3, "c"))),
-                          Placeholders::positioned);
     const Reference compared(reference, nullptr);
     for (const auto &[percent, isTold] : {std::pair(66, false), std::pair(67, true)})
     {
-        Findings findings = checkMessages(catalog, nullptr, &compared);
-        requireShare(findings, catalog, reference, static_cast<unsigned>(percent));
+        Findings findings = checkMessages(parsed, nullptr, &compared);
+        requireShare(findings, parsed, reference, static_cast<unsigned>(percent));
         const auto isIncomplete = [](const Finding &finding) { return finding.rule == Rule::incomplete; };
         EXPECT_EQ(std::any_of(findings.begin(), findings.end(), isIncomplete), isTold) << percent;
     }

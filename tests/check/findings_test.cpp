@@ -1,6 +1,6 @@
 #include "agreement.h"
-#include "check/checks.h"
-#include "check/utf8.h"
+#include "check/file_check.h"
+#include "check/texts/utf8.h"
 #include "document.h"
 
 #include <fmt/core.h>
@@ -16,24 +16,24 @@ namespace
 /** "LINE:COLUMN-COLUMN RULE MESSAGE" of each finding; "LINE:COLUMN-LINE:COLUMN" where it reaches over a line's end. */
 std::string findingsIn(const std::string &bytes, const std::string &reference, formTable *table)
 {
-    Catalog catalog(SourceText("file", bytes), Placeholders::positioned);
-    Findings findings = catalog.findings();
+    ParsedFile parsed(SourceText("file", bytes), Placeholders::positioned);
+    Findings findings = parsed.findings();
     Findings others;
     if (reference.empty())
-        others = checkMessages(catalog, table, nullptr);
+        others = checkMessages(parsed, table, nullptr);
     else
     {
-        Catalog original(SourceText("reference", reference), Placeholders::positioned);
+        ParsedFile original(SourceText("reference", reference), Placeholders::positioned);
         original.source().index();
         const Reference compared(original, table);
-        others = checkMessages(catalog, table, &compared);
+        others = checkMessages(parsed, table, &compared);
     }
     findings.insert(findings.end(), others.begin(), others.end());
-    suppress(findings, catalog.suppressions());
+    suppress(findings, parsed.suppressions());
     for (Finding &finding : findings)
         finding.note.reset();
     std::string text;
-    for (const Diagnostic &found : report(findings, catalog.source(), nullptr, Levels()))
+    for (const Diagnostic &found : report(findings, parsed.source(), nullptr, Levels()))
     {
         const Place &place = found.place;
         const std::string end = place.end.line == place.begin.line
@@ -344,8 +344,8 @@ TEST_F(CheckFindings, AreAHundredOfARuleInAMessageAtMost)
         std::string text;
         for (int i = 0; i < mistakes; ++i)
             text += "\\q";
-        const Catalog catalog(SourceText("file", unit(text)), Placeholders::positioned);
-        const Findings findings = checkMessages(catalog, nullptr, nullptr);
+        const ParsedFile parsed(SourceText("file", unit(text)), Placeholders::positioned);
+        const Findings findings = checkMessages(parsed, nullptr, nullptr);
         ASSERT_EQ(findings.size(), untold > 0 ? 101U : 100U);
         EXPECT_EQ(findings.back().place.begin, findings[99].place.begin);
         EXPECT_TRUE(untold == 0 || findings.back().text.values.at(0).number == untold);
@@ -388,14 +388,14 @@ TEST_F(CheckFindings, StandInTheFileWhereItEndsWithHalfAUnit)
 {
     for (const char *tail : {"\n", "<", "\xD8"})
     {
-        Catalog catalog(SourceText("file", inUtf16(unit("a"), false) + tail), Placeholders::positioned);
-        const std::vector<Diagnostic> found = report(catalog.findings(), catalog.source(), nullptr, Levels());
+        ParsedFile parsed(SourceText("file", inUtf16(unit("a"), false) + tail), Placeholders::positioned);
+        const std::vector<Diagnostic> found = report(parsed.findings(), parsed.source(), nullptr, Levels());
         ASSERT_EQ(found.size(), 1U);
-        EXPECT_LE(found[0].place.bytes.end, catalog.source().bytes().size());
-        EXPECT_EQ(disagreement(std::string(catalog.source().bytes())), "");
+        EXPECT_LE(found[0].place.bytes.end, parsed.source().bytes().size());
+        EXPECT_EQ(disagreement(std::string(parsed.source().bytes())), "");
     }
-    Catalog half(SourceText("file", inUtf16("<xliff>a", false) + std::string("\0\xD8", 2) + "b"),
-                 Placeholders::positioned);
+    ParsedFile half(SourceText("file", inUtf16("<xliff>a", false) + std::string("\0\xD8", 2) + "b"),
+                    Placeholders::positioned);
     const Excerpt shown = report(half.findings(), half.source(), nullptr, Levels()).back().excerpt;
     EXPECT_EQ(shown.before + shown.marked + shown.behind, u"<xliff>a\uFFFDb");
 }

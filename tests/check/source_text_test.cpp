@@ -1,5 +1,5 @@
 #include "charset.h"
-#include "check/source_text.h"
+#include "check/texts/source_text.h"
 #include "document.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "check/checks.h"
+#include "check/file_check.h"
 #include "document.h"
 
 #include <fmt/core.h>
@@ -83,7 +83,7 @@ std::string valuesShown(const tool::Phrase &phrase)
 }
 
 /** "RULE TEXT(VALUES) 'PLACE' <- 'NOTE'" of each finding, the number of its message in front if it is not the first. */
-std::string findingsIn(Catalog &here, Catalog &there)
+std::string findingsIn(ParsedFile &here, ParsedFile &there)
 {
     FormTable table;
     Levels levels;
@@ -125,11 +125,11 @@ TEST(TextsCompared, LoseWhatTheirOriginalsHave)
         const std::vector<std::string> setting = split(row[0], " +");
         const std::vector<std::string> languages = split(setting[0], "/");
         const int others = setting.size() > 1 ? std::stoi(setting[1]) : 0;
-        Catalog here(SourceText("file", file(languages[0], row[1], others, "Ein Satz dieser Größe steht hier ")),
-                     Placeholders::positioned);
-        Catalog there(SourceText("reference", file(languages.size() > 1 ? languages[1] : "en", row[2], others,
-                                                   "A sentence of this size stands here ")),
-                      Placeholders::positioned);
+        ParsedFile here(SourceText("file", file(languages[0], row[1], others, "Ein Satz dieser Größe steht hier ")),
+                        Placeholders::positioned);
+        ParsedFile there(SourceText("reference", file(languages.size() > 1 ? languages[1] : "en", row[2], others,
+                                                      "A sentence of this size stands here ")),
+                         Placeholders::positioned);
         EXPECT_EQ(findingsIn(here, there), row[3]) << line;
     }
     EXPECT_GT(count, 100U);

@@ -6,7 +6,7 @@
 #include "bilingual/po_messages.h"
 #include "bilingual/printf_format.h"
 #include "bilingual/selectors.h"
-#include "check/checks.h"
+#include "check/file_check.h"
 #include "text.h"
 
 #include <algorithm>
@@ -211,9 +211,9 @@ private:
     void checkDocument()
     {
         const std::set<int> refused = refusedNumbers(); // whose texts are not what they ought to be
-        const Catalog catalog(SourceText("", messageFileOf(m_result.document, m_table)), Placeholders::positioned);
-        Findings found = catalog.findings();
-        for (Finding &finding : checkMessages(catalog, m_table, nullptr))
+        const ParsedFile parsed(SourceText("", messageFileOf(m_result.document, m_table)), Placeholders::positioned);
+        Findings found = parsed.findings();
+        for (Finding &finding : checkMessages(parsed, m_table, nullptr))
             found.push_back(std::move(finding));
         for (Finding &finding : found)
         {

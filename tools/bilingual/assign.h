@@ -6,9 +6,9 @@
 #ifndef KELTO_TOOLS_BILINGUAL_ASSIGN_H
 #define KELTO_TOOLS_BILINGUAL_ASSIGN_H
 
-#include "bilingual/entry.h"
+#include "bilingual/bilingual_file.h"
 #include "bilingual/numbers_file.h"
-#include "check/finding.h"
+#include "check/telling/finding.h"
 
 #include <string>
 #include <vector>

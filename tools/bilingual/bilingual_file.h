@@ -1,41 +1,34 @@
-/** The forms of bilingual files: each with its name, what reads it and what writes it. */
+/**
+ * A bilingual file as it was read, whatever form it is of: the catalog in it, and where its entries stand. Its readers
+ * make one (xliff_reader, po_reader); numbers for the entries of a gettext program are put into it (po_messages,
+ * assign); an import compares it with the reference.
+ */
 #ifndef KELTO_TOOLS_BILINGUAL_BILINGUAL_FILE_H
 #define KELTO_TOOLS_BILINGUAL_BILINGUAL_FILE_H
 
 #include "bilingual/entry.h"
 
-#include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tool::bilingual
 {
 
-struct Form
+/** A bilingual catalog and the file that it was read from. */
+struct BilingualFile
 {
-    const char *name;
-    const char *extension; // of file names that ask for it
-    bool knowsEmpty;       // can say that a text was left empty on purpose; and that a target is a copy of its source
-    std::string (*write)(const Bilingual &catalog, formTable *table);
+    Bilingual content;
+    check::SourceText source;
+    check::Findings findings; // against the file as a whole
+    check::Range body;
+    check::Range languagePlace;
+    bool isWhole = true;
+    bool hasColumns = true;                       // else places are lines
+    std::vector<std::pair<size_t, size_t>> lines; // of kelto-po's: where an entry begins, and its line in the PO file
+
+    /** The line of the entry that a place is in. */
+    size_t lineOf(check::Range place) const;
 };
-
-const std::vector<Form> &allForms();
-
-/** The form of this name, or null. */
-const Form *findForm(std::string_view name);
-
-/** The form that a file name asks for, or null. */
-const Form *formOfFile(std::string_view path);
-
-/** Their names, for people: "xliff, xliff2". */
-std::string formNames();
-
-/**
- * Reads a bilingual file, whatever form it is of.
- * @param language  of the translation, where the file names none.
- */
-BilingualFile readBilingual(const std::string &path, const std::string &language = "");
-BilingualFile readBilingual(check::SourceText source, const std::string &language = "");
 
 } // namespace tool::bilingual
 

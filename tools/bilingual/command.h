@@ -2,8 +2,8 @@
 #ifndef KELTO_TOOLS_BILINGUAL_COMMAND_H
 #define KELTO_TOOLS_BILINGUAL_COMMAND_H
 
-#include "check/formats.h"
 #include "check/rules.h"
+#include "check/texts/formats.h"
 #include "command_line.h"
 
 #include <string>

@@ -6,7 +6,7 @@
 #define KELTO_TOOLS_BILINGUAL_ENTRY_H
 
 #include "bilingual/message_document.h"
-#include "check/catalog.h"
+#include "check/reading/parsed_file.h"
 #include "selector.h"
 
 #include <map>
@@ -60,7 +60,7 @@ struct Selector
     int digits; // shown behind the mark
     std::string text;
 
-    int places() const { return kind == Kind::select ? 64 : 8; }
+    int places() const { return kind == Kind::select ? 64 : mostVariants; }
 };
 
 /** "12[few]". */
@@ -123,22 +123,6 @@ struct Bilingual
 
 /** Findings about entries whose number stands in the file for a second time: one of both would be lost. */
 check::Findings repetitionsIn(const Bilingual &catalog);
-
-/** A bilingual catalog and the file that it was read from. */
-struct BilingualFile
-{
-    Bilingual content;
-    check::SourceText source;
-    check::Findings findings; // against the file as a whole
-    check::Range body;
-    check::Range languagePlace;
-    bool isWhole = true;
-    bool hasColumns = true;                       // else places are lines
-    std::vector<std::pair<size_t, size_t>> lines; // of kelto-po's: where an entry begins, and its line in the PO file
-
-    /** The line of the entry that a place is in. */
-    size_t lineOf(check::Range place) const;
-};
 
 } // namespace tool::bilingual
 

@@ -1,8 +1,8 @@
-#include "bilingual/bilingual_file.h"
 #include "bilingual/command.h"
+#include "bilingual/findings_output.h"
+#include "bilingual/forms.h"
+#include "bilingual/message_file_entries.h"
 #include "bilingual/po_messages.h"
-#include "bilingual/source_file.h"
-#include "bilingual/teller.h"
 #include "bilingual/update.h"
 #include "command_line.h"
 #include "input.h"
@@ -108,7 +108,7 @@ Options readOptions(CommandLine &line, FormOption &forms)
 }
 
 /** Tells what of a bilingual file would be lost; whether there is nothing of that kind. */
-bool isWhole(BilingualFile &file, Teller &teller)
+bool isWhole(BilingualFile &file, FindingsOutput &findingsOutput)
 {
     Findings findings = file.findings;
     const Findings repetitions = repetitionsIn(file.content);
@@ -118,28 +118,29 @@ bool isWhole(BilingualFile &file, Teller &teller)
     std::vector<Diagnostic> diagnostics = report(std::move(findings), file.source, nullptr, Levels());
     if (!file.hasColumns)
         tellInPo(diagnostics);
-    return teller.tellErrors(diagnostics);
+    return findingsOutput.tellErrors(diagnostics);
 }
 
 /** The reference with the translation beside it, or with the work of the old file; nothing where one has errors. */
-std::optional<Bilingual> catalogOf(const Options &options, Teller &teller, std::optional<Changes> &changes)
+std::optional<Bilingual> catalogOf(const Options &options, FindingsOutput &findingsOutput,
+                                   std::optional<Changes> &changes)
 {
-    SourceFile reference = SourceFile::read(options.reference);
-    if (!teller.tellErrors(reference.catalog.findings(), reference.catalog.source()))
+    RemarkedFile reference = RemarkedFile::read(options.reference);
+    if (!findingsOutput.tellErrors(reference.parsed.findings(), reference.parsed.source()))
         return std::nullopt;
     Bilingual catalog;
     if (!options.translation.empty())
     {
-        SourceFile translated = SourceFile::read(options.translation);
-        if (!teller.tellErrors(translated.catalog.findings(), translated.catalog.source()))
+        RemarkedFile translated = RemarkedFile::read(options.translation);
+        if (!findingsOutput.tellErrors(translated.parsed.findings(), translated.parsed.source()))
             return std::nullopt;
-        catalog = bilingualOf(reference, options.language.empty() ? translated.catalog.language() : options.language);
+        catalog = bilingualOf(reference, options.language.empty() ? translated.parsed.language() : options.language);
         tellLosses(options.translation, addTranslation(catalog, translated));
     }
     else if (!options.old.empty())
     {
         BilingualFile old = readBilingual(options.old);
-        if (!isWhole(old, teller))
+        if (!isWhole(old, findingsOutput))
             return std::nullopt;
         catalog = bilingualOf(reference, options.language.empty() ? old.content.targetLanguage : options.language);
         changes = update(catalog, old.content);
@@ -157,9 +158,9 @@ ExitStatus run(CommandLine &line)
     const Options options = readOptions(line, forms);
     const Form &form = formFor(line, options);
     const Levels levels;
-    Teller teller(line, "text", true, "", levels);
+    FindingsOutput findingsOutput(line, "text", true, "", levels);
     std::optional<Changes> changes;
-    std::optional<Bilingual> catalog = catalogOf(options, teller, changes);
+    std::optional<Bilingual> catalog = catalogOf(options, findingsOutput, changes);
     if (!catalog)
         return ExitStatus::negative;
     if (!form.knowsEmpty)

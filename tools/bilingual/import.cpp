@@ -1,10 +1,10 @@
 #include "bilingual/import.h"
 
 #include "bilingual/message_parts.h"
-#include "bilingual/plural_forms.h"
 #include "bilingual/po_messages.h"
 #include "bilingual/selectors.h"
-#include "check/catalog_builder.h"
+#include "check/reading/parsed_file_builder.h"
+#include "selector.h"
 #include "text.h"
 
 #include <algorithm>
@@ -30,10 +30,10 @@ bool saysTheSame(const ContextGroup &a, const ContextGroup &b)
 class Import
 {
 public:
-    Import(BilingualFile file, const SourceFile &source, const Reference &reference, const Levels &levels,
+    Import(BilingualFile file, const RemarkedFile &source, const Reference &reference, const Levels &levels,
            const ImportOptions &options)
         : m_file(std::move(file)), m_source(source), m_reference(reference), m_levels(levels), m_options(options),
-          m_rows(source.catalog)
+          m_rows(source.parsed)
     {
     }
 
@@ -70,7 +70,7 @@ private:
     void countMessages();
     void count(int number, const std::vector<const Entry *> &entries, bool isTaken, bool isRefused);
     void checkEntries();
-    Reference makeReference(std::optional<Catalog> &catalog) const;
+    Reference makeReference(std::optional<ParsedFile> &parsed) const;
     void makeDocument();
     void addUnit(int id, const Key &key, const std::string &name, const Entry &entry);
     std::string chooseLanguage();
@@ -80,10 +80,10 @@ private:
     {
         return entry.state == State::finished || (entry.state == State::fuzzy && m_options.takesFuzzy);
     }
-    std::string originalText(const Message &message) const { return unescaped(m_source.catalog.rawText(message)); }
+    std::string originalText(const Message &message) const { return unescaped(m_source.parsed.rawText(message)); }
 
     BilingualFile m_file;
-    const SourceFile &m_source;
+    const RemarkedFile &m_source;
     const Reference &m_reference;
     const Levels &m_levels;
     const ImportOptions &m_options;
@@ -182,7 +182,7 @@ Selector Import::newSelector(int number, int row) const
 /** Rows that the reference lacks stand above its highest number, the same ones every time. */
 void Import::numberRows()
 {
-    const std::vector<Message> &messages = m_source.catalog.messages();
+    const std::vector<Message> &messages = m_source.parsed.messages();
     int64_t next = messages.empty() ? 1 : int64_t{messages.back().id} + 1;
     for (const auto &[number, selector] : m_rows.selectors())
         next = std::max(next, int64_t{selector.row} + selector.places());
@@ -329,7 +329,7 @@ void Import::count(int number, const std::vector<const Entry *> &entries, bool i
 
 void Import::countMessages()
 {
-    for (const Message &message : m_source.catalog.messages())
+    for (const Message &message : m_source.parsed.messages())
     {
         const int id = message.id;
         const auto group = m_groups.find(id);
@@ -343,7 +343,7 @@ void Import::countMessages()
         if (!isRow && m_rows.keyOf(id) != nullptr)
             continue;
         const auto found = m_entries.find({id, ""});
-        if (found == m_entries.end() && !isRow && m_source.catalog.rawText(message).empty())
+        if (found == m_entries.end() && !isRow && m_source.parsed.rawText(message).empty())
             continue;
         std::vector<const Entry *> entries;
         if (found != m_entries.end() && !isRow)
@@ -368,10 +368,10 @@ std::string Import::chooseLanguage()
 }
 
 /** The reference with a message for each form of the translation, to compare one with one. */
-Reference Import::makeReference(std::optional<Catalog> &catalog) const
+Reference Import::makeReference(std::optional<ParsedFile> &parsed) const
 {
-    const Catalog &whole = m_source.catalog;
-    CatalogBuilder builder(whole.source(), whole.body());
+    const ParsedFile &whole = m_source.parsed;
+    ParsedFileBuilder builder(whole.source(), whole.body());
     builder.setLanguage(whole.language(), whole.languagePlace());
     for (const Message &message : whole.messages())
         if (m_rows.find(message.id) == nullptr && m_originals.count(message.id) == 0)
@@ -379,13 +379,13 @@ Reference Import::makeReference(std::optional<Catalog> &catalog) const
     for (const auto &[id, original] : m_originals)
         if (original != nullptr)
             builder.addCopy(whole, *original, id);
-    catalog.emplace(builder.take());
-    return {*catalog, m_options.table};
+    parsed.emplace(builder.take());
+    return {*parsed, m_options.table};
 }
 
 void Import::checkEntries()
 {
-    CatalogBuilder builder(m_file.source, m_file.body);
+    ParsedFileBuilder builder(m_file.source, m_file.body);
     builder.setLanguage(m_language, m_file.languagePlace);
     for (const auto &[id, entry] : m_taken)
     {
@@ -400,20 +400,20 @@ void Import::checkEntries()
         builder.add(std::move(message), entry->written.raw, entry->written.pieces);
         m_findings.insert(m_findings.end(), entry->findings.begin(), entry->findings.end());
     }
-    Catalog catalog = builder.take();
+    ParsedFile parsed = builder.take();
     m_findings.insert(m_findings.end(), m_file.findings.begin(), m_file.findings.end());
-    std::optional<Catalog> withForms;
+    std::optional<ParsedFile> withForms;
     std::optional<Reference> compared;
     if (!m_groups.empty() || !m_rows.isEmpty())
         compared.emplace(makeReference(withForms));
-    Findings found = checkMessages(catalog, m_options.table, compared ? &*compared : &m_reference);
+    Findings found = checkMessages(parsed, m_options.table, compared ? &*compared : &m_reference);
     m_findings.insert(m_findings.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
     if (!m_file.hasColumns)
         dropTypedConversions(m_findings);
     for (const Finding &finding : m_findings)
         if (m_levels[finding.rule] == Severity::error)
             m_refused.insert(finding.message);
-    m_result.diagnostics = report(std::move(m_findings), catalog.source(), &m_source.catalog.source(), m_levels);
+    m_result.diagnostics = report(std::move(m_findings), parsed.source(), &m_source.parsed.source(), m_levels);
     if (!m_file.hasColumns)
         tellInPo(m_result.diagnostics);
     for (const Diagnostic &diagnostic : m_result.diagnostics)
@@ -447,7 +447,7 @@ void Import::addUnit(int id, const Key &key, const std::string &name, const Entr
 
 void Import::makeDocument()
 {
-    for (const Message &message : m_source.catalog.messages())
+    for (const Message &message : m_source.parsed.messages())
     {
         const int id = message.id;
         if (m_rows.find(id) != nullptr || m_rows.keyOf(id) != nullptr || m_groups.count(id) > 0)
@@ -455,7 +455,7 @@ void Import::makeDocument()
         const auto found = m_taken.find(id);
         if (found != m_taken.end() && m_refused.count(id) == 0)
             addUnit(id, {id, ""}, message.name, *found->second);
-        else if (found == m_taken.end() && m_source.catalog.rawText(message).empty())
+        else if (found == m_taken.end() && m_source.parsed.rawText(message).empty())
             m_result.document.units.push_back({id, "", message.name, "", "", {}});
     }
     for (const auto &[number, group] : m_groups)
@@ -502,7 +502,7 @@ std::string sentenceOf(const Counts &counts)
     return sentence;
 }
 
-Imported import(BilingualFile file, const SourceFile &source, const Reference &reference, const Levels &levels,
+Imported import(BilingualFile file, const RemarkedFile &source, const Reference &reference, const Levels &levels,
                 const ImportOptions &options)
 {
     return Import(std::move(file), source, reference, levels, options).run();

@@ -5,9 +5,9 @@
 #ifndef KELTO_TOOLS_BILINGUAL_IMPORT_H
 #define KELTO_TOOLS_BILINGUAL_IMPORT_H
 
-#include "bilingual/entry.h"
-#include "bilingual/source_file.h"
-#include "check/checks.h"
+#include "bilingual/bilingual_file.h"
+#include "bilingual/message_file_entries.h"
+#include "check/file_check.h"
 
 #include <string>
 #include <vector>
@@ -68,7 +68,7 @@ struct Imported
  * Checks the translations of a file, and makes a message file of those that are finished and right.
  * @param reference  of the same messages; its source is indexed.
  */
-Imported import(BilingualFile file, const SourceFile &source, const check::Reference &reference,
+Imported import(BilingualFile file, const RemarkedFile &source, const check::Reference &reference,
                 const check::Levels &levels, const ImportOptions &options);
 
 } // namespace tool::bilingual

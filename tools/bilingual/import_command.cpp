@@ -1,11 +1,11 @@
 #include "bilingual/assign.h"
-#include "bilingual/bilingual_file.h"
 #include "bilingual/command.h"
+#include "bilingual/findings_output.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
+#include "bilingual/message_file_entries.h"
 #include "bilingual/po_reader.h"
 #include "bilingual/selectors.h"
-#include "bilingual/source_file.h"
-#include "bilingual/teller.h"
 #include "command_line.h"
 #include "input.h"
 #include "output.h"
@@ -102,16 +102,16 @@ void checkOutputs(const Options &options)
 }
 
 /** Makes the reference of a template of gettext. */
-ExitStatus makeReference(const Options &options, formTable *table, const Levels &levels, Teller &teller)
+ExitStatus makeReference(const Options &options, formTable *table, const Levels &levels, FindingsOutput &findingsOutput)
 {
     std::error_code error;
     const bool hasNumbers = !options.numbers.empty() && std::filesystem::exists(options.numbers, error);
     NumbersFile numbers = hasNumbers ? NumbersFile(options.numbers) : NumbersFile();
     Assigned assigned = assignNumbers(readGettext(readSource(options.input)), numbers,
                                       options.language.empty() ? "en" : options.language, table, levels);
-    teller.tell(assigned.diagnostics);
-    teller.finish(1);
-    if (!options.isCheck && (teller.errors() == 0 || options.keepsGoing))
+    findingsOutput.tell(assigned.diagnostics);
+    findingsOutput.finish(1);
+    if (!options.isCheck && (findingsOutput.errors() == 0 || options.keepsGoing))
     {
         if (!options.numbers.empty()) // first: a number that is in use is known
             writeFile(options.numbers, numbers.bytes());
@@ -119,43 +119,44 @@ ExitStatus makeReference(const Options &options, formTable *table, const Levels 
     }
     if (options.wantsSummary())
         printText(say(counted(Text::countOfAssigned, assigned.messages, {numbers.fresh()})) + "\n");
-    return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
+    return findingsOutput.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
 }
 
 /** The errors of a reference by itself. Its selectors are no texts for people. */
-Findings findingsIn(const SourceFile &source, formTable *table)
+Findings findingsIn(const RemarkedFile &source, formTable *table)
 {
-    Findings findings = source.catalog.findings();
-    const Rows rows(source.catalog);
-    const Findings others = rows.isEmpty() ? checkMessages(source.catalog, table, nullptr)
-                                           : checkMessages(withoutSelectors(source.catalog, rows), table, nullptr);
+    Findings findings = source.parsed.findings();
+    const Rows rows(source.parsed);
+    const Findings others = rows.isEmpty() ? checkMessages(source.parsed, table, nullptr)
+                                           : checkMessages(withoutSelectors(source.parsed, rows), table, nullptr);
     findings.insert(findings.end(), others.begin(), others.end());
     return findings;
 }
 
 /** Makes a message file of a translation. */
-ExitStatus makeTranslation(const Options &options, formTable *table, const Levels &levels, Teller &teller)
+ExitStatus makeTranslation(const Options &options, formTable *table, const Levels &levels,
+                           FindingsOutput &findingsOutput)
 {
-    SourceFile source = SourceFile::read(options.reference);
-    source.catalog.source().index();
-    if (!teller.tellErrors(findingsIn(source, table), source.catalog.source()))
+    RemarkedFile source = RemarkedFile::read(options.reference);
+    source.parsed.source().index();
+    if (!findingsOutput.tellErrors(findingsIn(source, table), source.parsed.source()))
     {
-        teller.finish(1);
+        findingsOutput.finish(1);
         return ExitStatus::negative;
     }
-    const Reference reference(source.catalog, table);
+    const Reference reference(source.parsed, table);
     BilingualFile file = options.assigns ? withNumbers(readGettext(readSource(options.input), options.language),
                                                        NumbersFile(options.numbers), table)
                                          : readBilingual(options.input, options.language);
     Imported imported =
         import(std::move(file), source, reference, levels, {table, options.takesFuzzy, options.language});
-    teller.tell(imported.diagnostics);
-    teller.finish(1);
-    if (!options.isCheck && imported.isWhole && (teller.errors() == 0 || options.keepsGoing))
+    findingsOutput.tell(imported.diagnostics);
+    findingsOutput.finish(1);
+    if (!options.isCheck && imported.isWhole && (findingsOutput.errors() == 0 || options.keepsGoing))
         writeOutput(options.output, messageFileOf(std::move(imported.document), table));
     if (options.wantsSummary() && imported.isWhole)
         printText(sentenceOf(imported.counts) + "\n");
-    return teller.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
+    return findingsOutput.errors() > 0 ? ExitStatus::negative : ExitStatus::done;
 }
 
 ExitStatus run(CommandLine &line)
@@ -164,10 +165,10 @@ ExitStatus run(CommandLine &line)
     const Options options = readOptions(line, forms);
     const Levels levels = levelsOf(line, options.warnings);
     forms.read(line);
-    Teller teller(line, options.format, true, options.reference, levels);
+    FindingsOutput findingsOutput(line, options.format, true, options.reference, levels);
     checkOutputs(options);
     const auto make = options.assigns && options.reference.empty() ? makeReference : makeTranslation;
-    return make(options, forms.table(), levels, teller);
+    return make(options, forms.table(), levels, findingsOutput);
 }
 
 constexpr const char *details = R"(Makes a message file of a bilingual one, as `kelto export` writes it and

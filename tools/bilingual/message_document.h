@@ -6,7 +6,7 @@
 #define KELTO_TOOLS_BILINGUAL_MESSAGE_DOCUMENT_H
 
 #include "bilingual/xml.h"
-#include "check/catalog.h"
+#include "check/reading/parsed_file.h"
 
 #include <map>
 #include <string>

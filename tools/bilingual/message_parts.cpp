@@ -1,8 +1,8 @@
 #include "bilingual/message_parts.h"
 
-#include "check/catalog.h"
-#include "check/formats.h"
-#include "check/resolved_text.h"
+#include "check/reading/parsed_file.h"
+#include "check/texts/formats.h"
+#include "check/texts/resolved_text.h"
 
 #include <algorithm>
 #include <fmt/core.h>

@@ -5,7 +5,7 @@
 #ifndef KELTO_TOOLS_BILINGUAL_MESSAGE_PARTS_H
 #define KELTO_TOOLS_BILINGUAL_MESSAGE_PARTS_H
 
-#include "check/digest.h"
+#include "check/texts/digest.h"
 
 #include <string>
 #include <string_view>

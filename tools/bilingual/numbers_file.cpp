@@ -2,10 +2,10 @@
 
 #include "bilingual/entry.h"
 #include "bilingual/message_parts.h"
-#include "bilingual/plural_forms.h"
-#include "check/finding.h"
+#include "check/telling/finding.h"
 #include "failure.h"
 #include "input.h"
+#include "selector.h"
 #include "terminal.h"
 #include "text.h"
 

@@ -14,10 +14,6 @@
 namespace tool::bilingual
 {
 
-/** "zero" to "other", "=0", "=1", by KTVariant. */
-constexpr const char *variantLabels[] = {"zero", "one", "two", "few", "many", "other", "=0", "=1"};
-constexpr int mostVariants = 8;
-
 /** A category that numbers of a language have, and some of these numbers. */
 struct Category
 {

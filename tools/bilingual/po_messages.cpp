@@ -4,7 +4,7 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
 #include "bilingual/po_header.h"
-#include "check/formats.h"
+#include "check/texts/formats.h"
 #include "text.h"
 
 #include <algorithm>

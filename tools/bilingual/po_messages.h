@@ -5,7 +5,7 @@
 #ifndef KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
 #define KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
 
-#include "bilingual/entry.h"
+#include "bilingual/bilingual_file.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 #ifndef KELTO_TOOLS_BILINGUAL_PO_READER_H
 #define KELTO_TOOLS_BILINGUAL_PO_READER_H
 
-#include "bilingual/entry.h"
+#include "bilingual/bilingual_file.h"
 
 #include <string>
 #include <string_view>

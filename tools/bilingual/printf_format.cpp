@@ -1,6 +1,6 @@
 #include "bilingual/printf_format.h"
 
-#include "check/utf8.h"
+#include "check/texts/utf8.h"
 
 #include <algorithm>
 #include <iterator>

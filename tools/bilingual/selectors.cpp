@@ -2,7 +2,7 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
-#include "check/catalog_builder.h"
+#include "check/reading/parsed_file_builder.h"
 #include "selector.h"
 #include "text.h"
 
@@ -33,12 +33,12 @@ std::optional<int> placeOf(const Selector &selector, const std::string &label)
     return static_cast<int>(*place);
 }
 
-Rows::Rows(const check::Catalog &catalog)
+Rows::Rows(const check::ParsedFile &parsed)
 {
-    for (const check::Message &message : catalog.messages())
+    for (const check::Message &message : parsed.messages())
     {
         m_messages.emplace(message.id, &message);
-        if (const std::optional<Selector> selector = readSelector(unescaped(catalog.rawText(message))))
+        if (const std::optional<Selector> selector = readSelector(unescaped(parsed.rawText(message))))
             m_selectors.emplace(message.id, *selector);
     }
     for (const auto &[number, selector] : m_selectors)
@@ -134,14 +134,14 @@ std::string exampleFor(const Selector &selector, int place, const std::string &l
     return "";
 }
 
-check::Catalog withoutSelectors(const check::Catalog &catalog, const Rows &rows)
+check::ParsedFile withoutSelectors(const check::ParsedFile &parsed, const Rows &rows)
 {
-    const check::SourceText &source = catalog.source();
-    check::CatalogBuilder builder(source, catalog.body());
-    builder.setLanguage(catalog.language(), catalog.languagePlace());
-    for (const check::Message &message : catalog.messages())
+    const check::SourceText &source = parsed.source();
+    check::ParsedFileBuilder builder(source, parsed.body());
+    builder.setLanguage(parsed.language(), parsed.languagePlace());
+    for (const check::Message &message : parsed.messages())
         if (rows.find(message.id) == nullptr)
-            builder.addCopy(catalog, message, message.id);
+            builder.addCopy(parsed, message, message.id);
     return builder.take();
 }
 

@@ -6,8 +6,8 @@
 #define KELTO_TOOLS_BILINGUAL_SELECTORS_H
 
 #include "bilingual/entry.h"
-#include "check/catalog.h"
-#include "check/formats.h"
+#include "check/reading/parsed_file.h"
+#include "check/texts/formats.h"
 
 #include <map>
 #include <optional>
@@ -25,11 +25,11 @@ std::optional<Selector> readSelector(const std::string &message);
 std::string labelAt(const Selector &selector, int place);
 std::optional<int> placeOf(const Selector &selector, const std::string &label);
 
-/** The selectors of a catalog and the messages of their rows. */
+/** The selectors of a message file and the messages of their rows. */
 class Rows
 {
 public:
-    explicit Rows(const check::Catalog &catalog);
+    explicit Rows(const check::ParsedFile &parsed);
 
     bool isEmpty() const { return m_selectors.empty(); }
     const std::map<int, Selector> &selectors() const { return m_selectors; }
@@ -67,8 +67,8 @@ std::vector<int> neededPlaces(const Selector &selector, const std::string &langu
 /** "few: 2, 3, 4, 22" for a place of a row; empty where nothing is to be said. */
 std::string exampleFor(const Selector &selector, int place, const std::string &language);
 
-/** The messages without selectors, as a catalog of the same file. */
-check::Catalog withoutSelectors(const check::Catalog &catalog, const Rows &rows);
+/** The messages without selectors, as a ParsedFile of the same bytes. */
+check::ParsedFile withoutSelectors(const check::ParsedFile &parsed, const Rows &rows);
 
 } // namespace tool::bilingual
 

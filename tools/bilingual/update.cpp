@@ -1,7 +1,7 @@
 #include "bilingual/update.h"
 
-#include "bilingual/source_file.h"
-#include "check/formats.h"
+#include "bilingual/message_file_entries.h"
+#include "check/texts/formats.h"
 #include "text.h"
 
 #include <algorithm>

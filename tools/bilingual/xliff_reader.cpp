@@ -495,8 +495,7 @@ void Reader::findSyntaxError()
     const XML_Error error = XML_GetErrorCode(m_walk.get());
     if (error == XML_ERROR_NO_MEMORY)
         throw std::bad_alloc();
-    constexpr unsigned errorsAbove = 300;
-    fail({Text::notWellFormed, {textNumbered(errorsAbove + error, XML_ErrorString(error))}});
+    fail({Text::notWellFormed, {textOfXmlError(error, XML_ErrorString(error))}});
     Range &place = m_file.findings.back().place;
     place.begin = std::min(place.begin, m_file.source.bytes().size());
     place.end = place.begin;

@@ -5,7 +5,7 @@
 #ifndef KELTO_TOOLS_BILINGUAL_XLIFF_READER_H
 #define KELTO_TOOLS_BILINGUAL_XLIFF_READER_H
 
-#include "bilingual/entry.h"
+#include "bilingual/bilingual_file.h"
 
 namespace tool::bilingual
 {

@@ -1,8 +1,8 @@
-#include "check/baseline.h"
 #include "check/inputs.h"
 #include "check/project.h"
 #include "check/session.h"
-#include "check/writers.h"
+#include "check/telling/baseline.h"
+#include "check/telling/writers.h"
 #include "command_line.h"
 #include "input.h"
 #include "output.h"
@@ -82,20 +82,6 @@ bool wantsColour(const CommandLine &line, const Options &options)
     if (options.colour != "auto")
         return options.colour == "always";
     return options.output.empty() && Terminal::showsColors(STDOUT_FILENO);
-}
-
-std::unique_ptr<Writer> makeWriter(const CommandLine &line, const std::string &format, Sink sink,
-                                   const WriterOptions &options)
-{
-    constexpr struct
-    {
-        const char *name;
-        std::unique_ptr<Writer> (*make)(Sink, const WriterOptions &);
-    } writers[] = {{"text", textWriter}, {"json", jsonWriter}, {"sarif", sarifWriter}, {"github", githubWriter}};
-    for (const auto &row : writers)
-        if (format == row.name)
-            return row.make(std::move(sink), options);
-    throw line.misuse(say(Text::badForm, {terminal().quote(format)}));
 }
 
 ExitStatus explain(const CommandLine &line, const Options &options, const Words &files)
@@ -182,7 +168,9 @@ ExitStatus checkAll(const CommandLine &line, const Options &options, const Input
     setting.known = known ? &*known : nullptr;
     std::optional<Output> output; // opened when the references are read: a failure before leaves the file alone
     const Sink sink = [&output](std::string_view text) { (*output)(text); };
-    const std::unique_ptr<Writer> writer = makeWriter(line, options.format, sink, writing);
+    const std::unique_ptr<Writer> writer = makeWriter(options.format, sink, writing);
+    if (writer == nullptr)
+        throw line.misuse(say(Text::badForm, {terminal().quote(options.format)}));
 
     const References references(inputs.references, setting);
     output.emplace(options.output);

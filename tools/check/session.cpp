@@ -1,7 +1,7 @@
 #include "check/session.h"
 
-#include "check/completeness.h"
-#include "check/progress_bar.h"
+#include "check/rules/files/completeness.h"
+#include "check/telling/progress_bar.h"
 #include "failure.h"
 #include "input.h"
 
@@ -28,14 +28,14 @@ SourceText readSource(const std::string &path, const Setting &setting)
 }
 
 /** The findings in a file, without those that its notes switch off. */
-Findings findingsOf(const Catalog &catalog, const Reference *reference, const Setting &setting)
+Findings findingsOf(const ParsedFile &parsed, const Reference *reference, const Setting &setting)
 {
-    Findings findings = catalog.findings();
-    Findings others = checkMessages(catalog, setting.table, reference);
+    Findings findings = parsed.findings();
+    Findings others = checkMessages(parsed, setting.table, reference);
     findings.insert(findings.end(), std::make_move_iterator(others.begin()), std::make_move_iterator(others.end()));
-    suppress(findings, catalog.suppressions());
+    suppress(findings, parsed.suppressions());
     if (setting.complete > 0 && reference != nullptr)
-        requireShare(findings, catalog, reference->catalog(), setting.complete);
+        requireShare(findings, parsed, reference->parsed(), setting.complete);
     return findings;
 }
 
@@ -55,7 +55,7 @@ Report reportOn(Findings findings, SourceText &source, const Reference *referenc
 {
     takeKnown(findings, source.name(), setting);
     return reportUpTo(setting.limit, std::move(findings), source,
-                      reference != nullptr ? &reference->catalog().source() : nullptr, setting.levels);
+                      reference != nullptr ? &reference->parsed().source() : nullptr, setting.levels);
 }
 
 Report checkFile(const std::string &path, const Reference *reference, const Setting &setting)
@@ -65,8 +65,8 @@ Report checkFile(const std::string &path, const Reference *reference, const Sett
     };
     try
     {
-        Catalog catalog(readSource(path, setting), setting.placeholders);
-        return reportOn(findingsOf(catalog, reference, setting), catalog.source(), reference, setting);
+        ParsedFile parsed(readSource(path, setting), setting.placeholders);
+        return reportOn(findingsOf(parsed, reference, setting), parsed.source(), reference, setting);
     }
     catch (const Failure &failure)
     {
@@ -186,12 +186,12 @@ private:
 struct References::Row
 {
     Row(const std::string &path, const Setting &setting)
-        : catalog(readSource(path, setting), setting.placeholders), reference(catalog, setting.table)
+        : parsed(readSource(path, setting), setting.placeholders), reference(parsed, setting.table)
     {
-        catalog.source().index();
+        parsed.source().index();
     }
 
-    Catalog catalog;
+    ParsedFile parsed;
     Reference reference;
 };
 
@@ -213,17 +213,17 @@ std::vector<Report> References::reports(const Inputs &inputs, const Setting &set
     std::vector<Report> reports;
     for (size_t i = 0; i < m_rows.size(); ++i)
     {
-        Catalog &catalog = m_rows[i]->catalog;
-        Findings findings = findingsOf(catalog, nullptr, setting);
+        ParsedFile &parsed = m_rows[i]->parsed;
+        Findings findings = findingsOf(parsed, nullptr, setting);
         if (!inputs.isReferenceChecked) // an empty text of a reference is meant to be empty
             findings.erase(std::remove_if(findings.begin(), findings.end(),
                                           [](const Finding &each) { return each.rule == Rule::emptyMessage; }),
                            findings.end());
         for (const Input &missing : inputs.missing)
             if (missing.reference == i)
-                findings.push_back({Rule::messageMissing, 0, catalog.body().begin, catalog.body(),
+                findings.push_back({Rule::messageMissing, 0, parsed.body().begin, parsed.body(),
                                     Phrase{Text::fileMissing, {missing.path}}, std::nullopt});
-        reports.push_back(reportOn(std::move(findings), catalog.source(), nullptr, setting));
+        reports.push_back(reportOn(std::move(findings), parsed.source(), nullptr, setting));
     }
     return reports;
 }

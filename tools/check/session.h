@@ -5,10 +5,10 @@
 #ifndef KELTO_TOOLS_CHECK_SESSION_H
 #define KELTO_TOOLS_CHECK_SESSION_H
 
-#include "check/baseline.h"
-#include "check/checks.h"
+#include "check/file_check.h"
 #include "check/inputs.h"
-#include "check/writers.h"
+#include "check/telling/baseline.h"
+#include "check/telling/writers.h"
 #include "subcommand.h"
 
 #include <memory>

@@ -1,5 +1,5 @@
-#include "check/checks.h"
-#include "check/writers.h"
+#include "check/file_check.h"
+#include "check/telling/writers.h"
 #include "command_line.h"
 #include "gen/header.h"
 #include "gen/names.h"
@@ -33,14 +33,14 @@ std::string inMake(const std::string &path)
     return escaped;
 }
 
-/** Tells the errors of a catalog; how many there are. */
-size_t tellErrors(Findings findings, Catalog &catalog)
+/** Tells the errors of a message file; how many there are. */
+size_t tellErrors(Findings findings, ParsedFile &parsed)
 {
     const std::unique_ptr<Writer> writer =
         textWriter([](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); },
                    {Terminal::showsColors(STDERR_FILENO), true, "", nullptr});
     size_t errors = 0;
-    const std::vector<Diagnostic> diagnostics = report(std::move(findings), catalog.source(), nullptr, Levels());
+    const std::vector<Diagnostic> diagnostics = report(std::move(findings), parsed.source(), nullptr, Levels());
     for (const Diagnostic &diagnostic : diagnostics)
         if (diagnostic.severity == Severity::error)
         {
@@ -75,16 +75,16 @@ ExitStatus run(CommandLine &line)
     requireOtherFile(output, {input});
     requireOtherFile(depfile == "-" ? "./-" : depfile, {input});
     const std::string name = input == "-" ? "<stdin>" : input;
-    Catalog catalog(SourceText(name, readMessageFile(input)), Placeholders::positioned);
-    Findings findings = catalog.findings();
-    const Findings others = checkMessages(catalog, forms.get(), nullptr);
+    ParsedFile parsed(SourceText(name, readMessageFile(input)), Placeholders::positioned);
+    Findings findings = parsed.findings();
+    const Findings others = checkMessages(parsed, forms.get(), nullptr);
     findings.insert(findings.end(), others.begin(), others.end());
-    const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, findings);
-    if (tellErrors(std::move(findings), catalog) > 0)
+    const std::vector<std::string> names = gen::namesOf(parsed, nameSpace, findings);
+    if (tellErrors(std::move(findings), parsed) > 0)
         return ExitStatus::negative;
     const size_t slash = name.rfind('/') + 1; // 0 where there is none
     const std::string header = gen::headerOf(
-        catalog, names, forms.get(), {output == "-" ? nameSpace + ".hpp" : output, nameSpace, name.substr(slash)});
+        parsed, names, forms.get(), {output == "-" ? nameSpace + ".hpp" : output, nameSpace, name.substr(slash)});
     if (output == "-")
         print(header);
     else

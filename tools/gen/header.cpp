@@ -1,8 +1,8 @@
 #include "gen/header.h"
 
-#include "check/resolved_text.h"
-#include "check/utf8.h"
-#include "check/variants.h"
+#include "check/rules/conversions/variants.h"
+#include "check/texts/resolved_text.h"
+#include "check/texts/utf8.h"
 #include "gen/c_function.h"
 #include "gen/names.h"
 #include "invisible.h"
@@ -92,12 +92,12 @@ struct CountedTexts
 };
 
 /** The text of a message, or nothing where it is none that is formatted. */
-std::string formatIn(const Catalog &catalog, const Variants &variants, unsigned id)
+std::string formatIn(const ParsedFile &parsed, const Variants &variants, unsigned id)
 {
     const Message *const message = variants.find(static_cast<int>(id));
     if (message == nullptr || variants.selector(message->id) != nullptr)
         return "";
-    return std::string(ResolvedText(catalog.rawText(*message)).text());
+    return std::string(ResolvedText(parsed.rawText(*message)).text());
 }
 
 /** Whether the text takes an integer as the argument of a number. */
@@ -107,24 +107,24 @@ bool takesInteger(const Format &format, unsigned argument)
     return argument > 0 && argument <= slots.size() && isInteger(slots[argument - 1].kind);
 }
 
-CountedTexts countedTexts(const Catalog &catalog, const Variants &variants, const Message &message, formTable *table)
+CountedTexts countedTexts(const ParsedFile &parsed, const Variants &variants, const Message &message, formTable *table)
 {
     const Selector &selector = *variants.selector(message.id);
     const Message *const sentence = variants.counterpart({message.id, {}});
     CountedTexts texts;
     if (sentence == nullptr)
         return texts;
-    texts.other = std::string(ResolvedText(catalog.rawText(*sentence)).text());
+    texts.other = std::string(ResolvedText(parsed.rawText(*sentence)).text());
     if (selector.kind != Selector::Kind::plural || selector.digits != 0 ||
         sentence->id != static_cast<int>(selector.messageAt(KT_VARIANT_OTHER)))
         return texts;
     if (!takesInteger(parseFormat(texts.other, table), selector.argument))
         return texts;
     const auto takes = [&](unsigned place) {
-        texts.one = formatIn(catalog, variants, selector.messageAt(place));
+        texts.one = formatIn(parsed, variants, selector.messageAt(place));
         return !texts.one.empty() && isKnownToCompiler(texts.one, table) && isKnownToCompiler(texts.other, table);
     };
-    const bool isOneExact = KTPluralCategory(catalog.language().c_str(), false, KT_INT(1), 0) == KT_VARIANT_ONE;
+    const bool isOneExact = KTPluralCategory(parsed.language().c_str(), false, KT_INT(1), 0) == KT_VARIANT_ONE;
     if (takes(KT_VARIANT_EXACTLY_1) || (isOneExact && takes(KT_VARIANT_ONE)))
         texts.argument = selector.argument;
     return texts;
@@ -188,23 +188,23 @@ std::string guardOf(const std::string &fileName)
 
 } // namespace
 
-std::string headerOf(const Catalog &catalog, const std::vector<std::string> &names, formTable *table,
+std::string headerOf(const ParsedFile &parsed, const std::vector<std::string> &names, formTable *table,
                      const HeaderOptions &options)
 {
     const std::string prefix = prefixOf(options.nameSpace);
     std::string constants;
     std::string functions;
     std::string cFunctions;
-    const Variants variants(catalog);
+    const Variants variants(parsed);
     for (size_t i = 0; i < names.size(); ++i)
     {
-        const Message &message = catalog.messages()[i];
+        const Message &message = parsed.messages()[i];
         if (variants.pathTo(message.id) != nullptr) // a program asks for the message that selects it
             continue;
         const bool isSelector = variants.selector(message.id) != nullptr;
-        const CountedTexts texts =
-            isSelector ? countedTexts(catalog, variants, message, table)
-                       : CountedTexts{"", 0, std::string(ResolvedText(catalog.rawText(message)).text())};
+        const CountedTexts texts = isSelector
+                                       ? countedTexts(parsed, variants, message, table)
+                                       : CountedTexts{"", 0, std::string(ResolvedText(parsed.rawText(message)).text())};
         const std::string &text = texts.other;
         const Format format = parseFormat(text, table);
         const std::string constant = prefix + inCapitals(names[i]);

@@ -1,9 +1,11 @@
-/** A catalog as a header: constants, and a function per message for C++ and for C, each with the text of the source. */
+/**
+ * A message file as a header: constants, and a function per message for C++ and for C, each with the text of the source.
+ */
 #ifndef KELTO_TOOLS_GEN_HEADER_H
 #define KELTO_TOOLS_GEN_HEADER_H
 
-#include "check/catalog.h"
-#include "check/formats.h"
+#include "check/reading/parsed_file.h"
+#include "check/texts/formats.h"
 
 #include <string>
 #include <vector>
@@ -23,7 +25,7 @@ struct HeaderOptions
  * @param names  of the messages, in their order.
  * @param table  the conversions that are known.
  */
-std::string headerOf(const check::Catalog &catalog, const std::vector<std::string> &names, formTable *table,
+std::string headerOf(const check::ParsedFile &parsed, const std::vector<std::string> &names, formTable *table,
                      const HeaderOptions &options);
 
 } // namespace tool::gen

@@ -110,15 +110,15 @@ std::string prefixOf(std::string_view nameSpace)
     return inCapitals(nameSpace) + "_";
 }
 
-std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view nameSpace, check::Findings &findings)
+std::vector<std::string> namesOf(const check::ParsedFile &parsed, std::string_view nameSpace, check::Findings &findings)
 {
     const std::string prefix = prefixOf(nameSpace);
     std::vector<std::string> names;
     std::map<std::string, const check::Message *> taken; // what constants are made of, behind their prefix
-    for (const check::Message &message : catalog.messages())
+    for (const check::Message &message : parsed.messages())
     {
         const std::string name = nameOf(message);
-        const check::Range place = catalog.locateAttribute(message.unit, "resname");
+        const check::Range place = parsed.locateAttribute(message.unit, "resname");
         names.push_back(name);
         std::optional<Text> fault = faultOfName(name);
         if (!fault && name.substr(0, prefix.size()) == prefix)
@@ -143,7 +143,7 @@ std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view
                                     isSame ? Phrase{Text::nameRepeated, {check::quotation(name)}}
                                            : Phrase{Text::constantRepeated, {prefix + check::quotation(constant)}},
                                     check::Note{false,
-                                                catalog.locateAttribute(first->second->unit, "resname"),
+                                                parsed.locateAttribute(first->second->unit, "resname"),
                                                 {isSame ? Text::nameUsedFirst : Text::constantOfThis}}});
             else
                 continue;

@@ -2,7 +2,7 @@
 #ifndef KELTO_TOOLS_GEN_NAMES_H
 #define KELTO_TOOLS_GEN_NAMES_H
 
-#include "check/catalog.h"
+#include "check/reading/parsed_file.h"
 #include "text.h"
 
 #include <optional>
@@ -25,8 +25,9 @@ std::string textConstant(std::string_view constant);
 /** The beginning of the names of all constants in a namespace of this name. */
 std::string prefixOf(std::string_view nameSpace);
 
-/** The names of the messages of a catalog, in their order; the faults of names are appended to `findings`. */
-std::vector<std::string> namesOf(const check::Catalog &catalog, std::string_view nameSpace, check::Findings &findings);
+/** The names of the messages of a file, in their order; the faults of names are appended to `findings`. */
+std::vector<std::string> namesOf(const check::ParsedFile &parsed, std::string_view nameSpace,
+                                 check::Findings &findings);
 
 } // namespace tool::gen
 

@@ -1,7 +1,7 @@
 #include "bilingual/command.h"
+#include "bilingual/findings_output.h"
+#include "bilingual/message_file_entries.h"
 #include "bilingual/message_parts.h"
-#include "bilingual/source_file.h"
-#include "bilingual/teller.h"
 #include "command_line.h"
 #include "input.h"
 #include "pseudo/pseudo_text.h"
@@ -48,12 +48,12 @@ ExitStatus run(CommandLine &line)
     forms.read(line);
     requireOtherFile(output, {input});
 
-    SourceFile source = SourceFile::read(input);
-    Catalog &catalog = source.catalog;
+    RemarkedFile source = RemarkedFile::read(input);
+    ParsedFile &parsed = source.parsed;
     FileRemarks &remarks = source.remarks;
     const Levels levels;
-    Teller teller(line, "text", true, "", levels);
-    if (!teller.tellErrors(catalog.findings(), catalog.source()))
+    FindingsOutput findingsOutput(line, "text", true, "", levels);
+    if (!findingsOutput.tellErrors(parsed.findings(), parsed.source()))
         return ExitStatus::negative;
 
     MessageDocument document;
@@ -62,9 +62,9 @@ ExitStatus run(CommandLine &line)
             document.attributes.emplace_back(name, isBidi ? bidiLanguage : value.substr(0, 2) + accentedRegion);
         else
             document.attributes.emplace_back(name, value);
-    for (const Message &message : catalog.messages())
+    for (const Message &message : parsed.messages())
     {
-        const std::string text = unescaped(catalog.rawText(message));
+        const std::string text = unescaped(parsed.rawText(message));
         const Parts parts = roughPartsOf(text, forms.table());
         const bool isSelector = tool::readSelector(text).has_value();
         const pseudo::Style style = isBidi ? pseudo::Style::direction : pseudo::Style::accents;

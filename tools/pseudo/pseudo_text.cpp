@@ -1,6 +1,6 @@
 #include "pseudo/pseudo_text.h"
 
-#include "check/utf8.h"
+#include "check/texts/utf8.h"
 
 #include <algorithm>
 #include <unicode/uchar.h>

@@ -2,7 +2,7 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/xml.h"
-#include "check/utf8.h"
+#include "check/texts/utf8.h"
 #include "invisible.h"
 #include "text.h"
 

@@ -1,9 +1,9 @@
-#include "bilingual/bilingual_file.h"
 #include "bilingual/command.h"
+#include "bilingual/findings_output.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
+#include "bilingual/message_file_entries.h"
 #include "bilingual/selectors.h"
-#include "bilingual/source_file.h"
-#include "bilingual/teller.h"
 #include "command_line.h"
 #include "gen/names.h"
 #include "input.h"
@@ -46,18 +46,18 @@ std::set<std::string> wordsIn(const Words &files)
 }
 
 /** Tells which messages no source names, by the names that `kelto gen` makes. */
-ExitStatus tellUnused(const Catalog &catalog, const std::string &nameSpace, const Words &sources)
+ExitStatus tellUnused(const ParsedFile &parsed, const std::string &nameSpace, const Words &sources)
 {
     Findings ignored; // a name that cannot be one is for kelto gen to tell
-    const std::vector<std::string> names = gen::namesOf(catalog, nameSpace, ignored);
+    const std::vector<std::string> names = gen::namesOf(parsed, nameSpace, ignored);
     const std::set<std::string> words = wordsIn(sources);
-    const Rows rows(catalog);
+    const Rows rows(parsed);
     std::string unused;
     size_t count = 0;
     for (size_t i = 0; i < names.size(); ++i)
     {
         const std::string &name = names[i];
-        if (rows.keyOf(catalog.messages()[i].id) != nullptr) // a program asks for the message that selects it
+        if (rows.keyOf(parsed.messages()[i].id) != nullptr) // a program asks for the message that selects it
             continue;
         const std::string constant = gen::prefixOf(nameSpace) + gen::inCapitals(name);
         const bool isUsed =
@@ -102,26 +102,26 @@ ExitStatus run(CommandLine &line)
     requireOtherFile(html, inputs);
 
     const Levels levels;
-    Teller teller(line, "text", true, reference, levels);
-    SourceFile source = SourceFile::read(reference);
-    source.catalog.source().index();
-    if (!teller.tellErrors(source.catalog.findings(), source.catalog.source()))
+    FindingsOutput findingsOutput(line, "text", true, reference, levels);
+    RemarkedFile source = RemarkedFile::read(reference);
+    source.parsed.source().index();
+    if (!findingsOutput.tellErrors(source.parsed.findings(), source.parsed.source()))
         return ExitStatus::negative;
     if (isUsed)
-        return tellUnused(source.catalog, nameSpace, files);
+        return tellUnused(source.parsed, nameSpace, files);
 
-    const Reference compared(source.catalog, forms.table());
+    const Reference compared(source.parsed, forms.table());
     std::vector<stats::Progress> all;
     const ExitStatus status = forEachFile(files, [&](const std::string &path) {
         Imported imported = import(readBilingual(path), source, compared, levels, {forms.table(), false, ""});
         if (!imported.isWhole)
-            teller.tellErrors(imported.diagnostics);
+            findingsOutput.tellErrors(imported.diagnostics);
         all.push_back({path, languageOf(imported, path), imported.counts, std::move(imported.unfinished)});
         printText(terminal().showBytes(all.back().language) + "  " + sentenceOf(all.back().counts) + "\n");
     });
     if (!html.empty())
-        writeOutput(html, stats::pageOf(source.catalog.source().name(), source.catalog.language(), all, forms.table()));
-    return status == ExitStatus::done && teller.errors() > 0 ? ExitStatus::negative : status;
+        writeOutput(html, stats::pageOf(source.parsed.source().name(), source.parsed.language(), all, forms.table()));
+    return status == ExitStatus::done && findingsOutput.errors() > 0 ? ExitStatus::negative : status;
 }
 
 constexpr const char *details = R"(Tells for each FILE, a bilingual one, how many messages of the reference are
