@@ -114,7 +114,7 @@ int writeTagged(const Kind &kind, const Spec &spec, std::string_view text, Outpu
 }
 
 /** Whether there is a time zone of this name. */
-int find(const UChar *name, bool &isZone)
+int findZone(const UChar *name, bool &isZone)
 {
     UChar canonical[2 * maxZoneLength];
     UErrorCode status = U_ZERO_ERROR;
@@ -136,12 +136,12 @@ int DateFormatters::setZone(const char *locale, const char *timeZone) noexcept
     if (timeZone == nullptr || U_FAILURE(status))
         return resultOf(status);
     bool isZone = false;
-    if (const int result = find(m_zone, isZone))
+    if (const int result = findZone(m_zone, isZone))
         return result;
     if (isZone)
         return 0;
     // Without its data ICU knows none at all.
-    const int result = find(u"Europe/London", isZone);
+    const int result = findZone(u"Europe/London", isZone);
     if (result != 0)
         return result;
     return isZone ? KT_ERR_INVALID_PARAMETER : KT_ERR_CONVERSION_FAILED;

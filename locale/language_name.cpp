@@ -66,7 +66,7 @@ Tag tagOf(std::string_view name)
 }
 
 /** Whether ICU has rules of its own for a name, which is all that is asked for. */
-int find(const char *name, bool &isFound)
+int findLanguage(const char *name, bool &isFound)
 {
     UErrorCode status = U_ZERO_ERROR;
     const Bundle bundle(ures_openDirect(nullptr, name, &status));
@@ -79,7 +79,7 @@ int cutToKnown(char *base)
 {
     for (bool isFound = false; *base != '\0';)
     {
-        if (const int result = find(base, isFound))
+        if (const int result = findLanguage(base, isFound))
             return result;
         if (isFound)
             return 0;
@@ -114,7 +114,7 @@ int LanguageName::make(const char *name) noexcept
     {
         // ICU without any data would know no language at all.
         bool isFound = false;
-        const int result = find("root", isFound);
+        const int result = findLanguage("root", isFound);
         icu[root.copy(icu, sizeof icu)] = tag[root.copy(tag, sizeof tag)] = '\0';
         return result != 0 || isFound ? result : KT_ERR_CONVERSION_FAILED;
     }

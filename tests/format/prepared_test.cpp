@@ -358,17 +358,17 @@ TEST_F(Prepared, AConversionOfOnesOwnGetsTerminatedTextsAndAsksForThePointerItKn
     EXPECT_EQ(size, 303U) << "no more than was measured, when there is a block for it";
 }
 
-struct Claim
+struct Answer
 {
     int result;
     unsigned long size;
 };
-std::vector<Claim> claims; // of the next calls, the first one last
+std::vector<Answer> answers; // of the next calls, the first one last
 
-int claim(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *)
+int answer(const char *, int, int, int, KTEncoder, void *, void **, unsigned long *size, UCS2 *)
 {
-    const Claim next = claims.back();
-    claims.pop_back();
+    const Answer next = answers.back();
+    answers.pop_back();
     *size = next.size;
     return next.result;
 }
@@ -376,12 +376,12 @@ int claim(const char *, int, int, int, KTEncoder, void *, void **, unsigned long
 TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
 {
     static const int types[] = {8, KT_ARG_END};
-    KTFormatter list[] = {{"claim", nullptr, 0, types, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    KTFormatter list[] = {{"claim", nullptr, 0, types, answer}, {nullptr, nullptr, 0, nullptr, nullptr}};
     formTable table = {false, {}, list, nullptr, &builtInFormTable};
     const Owner prepared = prepare("[%lc[1]%claim[2]]", &table);
     const struct
     {
-        Claim first, second;
+        Answer first, second;
         int result;
         size_t size;
         char16_t unit = u'.'; // in front of it
@@ -397,7 +397,7 @@ TEST_F(Prepared, CountsWhatAConversionOfTheProgramDoesNotWriteInTheEnd)
     };
     for (const auto &row : rows)
     {
-        claims = {row.second, row.first};
+        answers = {row.second, row.first};
         Guarded<char> out(1000);
         size_t size = out.capacity();
         const KTArgument unit = KT_UNIT(row.unit);
@@ -422,7 +422,7 @@ int copyUTF8(const char *, int, int, int, KTEncoder, void *, const KTArgument *a
 
 TEST_F(Prepared, TheFunctionForUTF8IsLookedUpWhenAFormatIsPrepared)
 {
-    KTFormatter list[] = {{"own", nullptr, 1, utf8StrList, claim}, {nullptr, nullptr, 0, nullptr, nullptr}};
+    KTFormatter list[] = {{"own", nullptr, 1, utf8StrList, answer}, {nullptr, nullptr, 0, nullptr, nullptr}};
     formTable table = {false, {}, list, nullptr, &builtInFormTable};
     const char *const format = "[%lc[1]%own[2]%lc[3]]";
     const auto arguments = [](const char *text, char16_t unit = u'.') {
@@ -446,7 +446,7 @@ TEST_F(Prepared, TheFunctionForUTF8IsLookedUpWhenAFormatIsPrepared)
     const Owner after = prepare(format, &table);
     for (const KTPreparedFormat *plain : {before.get(), after.get()})
     {
-        claims = {{-78, 0}};
+        answers = {{-78, 0}};
         EXPECT_EQ(KTFormatPreparedUTF8(plain, 0, nullptr, &(size = sizeof out), out, arguments("own").data(), 3), -78);
     }
 }
@@ -467,7 +467,7 @@ std::string formattedInTheEnd(const Owner &prepared, const std::vector<KTArgumen
 }
 
 /** Writes an 'é' for each unit of a text; `encodeOrFail` says of too little room that the text does not fit. */
-int encode(const void *value, int, unsigned long *size, UCS2 *out)
+int encodeInParentheses(const void *value, int, unsigned long *size, UCS2 *out)
 {
     const unsigned long room = *size;
     *size = KTUCS2strlen(static_cast<const UCS2 *>(value));
@@ -478,7 +478,7 @@ int encode(const void *value, int, unsigned long *size, UCS2 *out)
 int encodeOrFail(const void *value, int type, unsigned long *size, UCS2 *out)
 {
     const unsigned long room = *size;
-    encode(value, type, size, out);
+    encodeInParentheses(value, type, size, out);
     return *size < room ? 0 : KT_ERR_BUFFER_TOO_SMALL;
 }
 
@@ -516,9 +516,9 @@ TEST_F(Prepared, CutsAndPadsWhatAnEncoderWroteWhateverItWantsRoomFor)
         {"%N[1]%70001s[2]%O[3]", 70000, 70000, 3},
     };
     for (const auto &row : rows)
-        for (const KTEncoder encoder : {encode, encodeOrFail})
+        for (const KTEncoder encoder : {encodeInParentheses, encodeOrFail})
         {
-            SCOPED_TRACE(row.format + std::to_string(row.length) + (encoder == encode ? "" : " or fail"));
+            SCOPED_TRACE(row.format + std::to_string(row.length) + (encoder == encodeInParentheses ? "" : " or fail"));
             formTable table = {false, {}, nullptr, encoder, &builtInFormTable};
             const std::string text(row.length, 'a');
             std::vector<char16_t> wide(100000);
@@ -532,7 +532,7 @@ TEST_F(Prepared, CutsAndPadsWhatAnEncoderWroteWhateverItWantsRoomFor)
             const std::string written = formattedInTheEnd(prepare(format, &table), {KT_UTF8(text.c_str())}, calls);
             EXPECT_EQ(toUCS2(written), std::u16string(wide.data(), units));
             EXPECT_EQ(static_cast<size_t>(std::count(written.begin(), written.end(), '\xC3')), row.written);
-            EXPECT_EQ(calls, encoder == encode && row.length == 70000 && row.written == 25 ? 1 : row.calls);
+            EXPECT_EQ(calls, encoder == encodeInParentheses && row.length == 70000 && row.written == 25 ? 1 : row.calls);
         }
 }
 

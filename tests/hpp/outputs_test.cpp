@@ -171,14 +171,14 @@ TEST(Outputs, TakePathsDurationsAndFamilies)
         EXPECT_EQ(row.text, row.given);
 }
 
-struct Money
+struct Cents
 {
     int cents;
 };
 
 } // namespace
 
-template <> struct kelto::argument_of<Money> : kelto::by_identity<Money>
+template <> struct kelto::argument_of<Cents> : kelto::by_identity<Cents>
 {
 };
 
@@ -193,7 +193,7 @@ std::string bracketed(std::string_view plain)
 TEST(Outputs, AreEncodedEverywhereWhateverATranslationSays)
 {
     const kelto::form_table table = kelto::form_table::builder()
-                                        .add<Money>("money", [](const Money &m) { return std::to_string(m.cents); })
+                                        .add<Cents>("money", [](const Cents &m) { return std::to_string(m.cents); })
                                         .with_encoder(bracketed)
                                         .encode_everywhere()
                                         .build();
@@ -202,8 +202,8 @@ TEST(Outputs, AreEncodedEverywhereWhateverATranslationSays)
     const kelto::catalog catalog = store(
         MessageFile().unit(1, "%s[1]: %d[2] %money[3]").unit(2, "%N[1]%s[2]%O[3] %money[4]").unit(3, "%E[1]"), options);
     const Expected rows[] = {
-        {"<a>: <7> <5>", catalog.format(1, "a", 7, Money{5})},
-        {"<a> <5>", catalog.format(2, "a", Money{5})},
+        {"<a>: <7> <5>", catalog.format(1, "a", 7, Cents{5})},
+        {"<a> <5>", catalog.format(2, "a", Cents{5})},
         {"<a>", catalog.format(3, "a")},
         {"and <a>", catalog.format(4, KELTO_DEFAULT("and %s[1]"), "a")},
         {"[store 5: <a>, <7>]", catalog.format(5, "a", 7)},

@@ -20,14 +20,14 @@ class HandlersTest : public MessageTest
 };
 
 /** A state with bytes behind it that nobody may change. */
-template <typename State> class Guarded
+template <typename State> class GuardedState
 {
 public:
-    explicit Guarded(const State &initial) : state(initial)
+    explicit GuardedState(const State &initial) : state(initial)
     {
         std::fill(std::begin(m_behind), std::end(m_behind), filler);
     }
-    ~Guarded() { EXPECT_EQ(std::count(std::begin(m_behind), std::end(m_behind), filler), std::size(m_behind)); }
+    ~GuardedState() { EXPECT_EQ(std::count(std::begin(m_behind), std::end(m_behind), filler), std::size(m_behind)); }
 
     State state;
 
@@ -51,7 +51,7 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
     const std::string xml = MessageFile().unit(3, "a\\n" + placeholder("%s", "12")).unit(1, "b").xml();
     for (const bool raw : {false, true})
     {
-        Guarded<FirstPassState> first({});
+        GuardedState<FirstPassState> first({});
         first.state.raw = raw;
         parse(xml, &first.state, startElement1, endElement1, characterData1);
         EXPECT_EQ(first.state.error, 0);
@@ -63,7 +63,7 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
         table.language[2] = table.country[2] = '?';
         std::vector<char *> messages(4);
         std::vector<char> text(first.state.textSize);
-        Guarded<SecondPassState> second({raw, 0, false, &table, messages.data(), 0, text.data()});
+        GuardedState<SecondPassState> second({raw, 0, false, &table, messages.data(), 0, text.data()});
         parse(xml, &second.state, startElement2, endElement2, characterData2);
         EXPECT_EQ(second.state.error, 0);
         EXPECT_EQ(second.state.cursor, text.data() + text.size());
@@ -75,7 +75,7 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
         ZEL_free(table.productVersion);
     }
     std::array<char, 20> version{};
-    Guarded<VersionQueryState> query({false, version.data()});
+    GuardedState<VersionQueryState> query({false, version.data()});
     parse(xml, &query.state, startElement, nullptr, nullptr);
     EXPECT_TRUE(query.state.done);
     EXPECT_STREQ(version.data(), "1.0");
@@ -83,7 +83,7 @@ TEST_F(HandlersTest, FillATableThatIsTheLoaders)
 
 TEST_F(HandlersTest, MeasureAMessageOfAnyLength)
 {
-    Guarded<FirstPassState> pass({});
+    GuardedState<FirstPassState> pass({});
     pass.state.depth = 4;
     pass.state.last = ELM_TRANS_UNIT;
     const char *attrs[] = {nullptr};

@@ -34,7 +34,7 @@ Parts cut(const std::string &message, const std::vector<Range> &placeholders)
     return parts;
 }
 
-Parts partsOf(const std::string &message, formTable *table, bool isRough)
+Parts divided(const std::string &message, formTable *table, bool isRough)
 {
     std::vector<Range> places;
     if (message.find('%') != std::string::npos)
@@ -56,12 +56,12 @@ Parts partsOf(const std::string &message, formTable *table, bool isRough)
 
 Parts partsOf(const std::string &message, formTable *table)
 {
-    return partsOf(message, table, false);
+    return divided(message, table, false);
 }
 
 Parts roughPartsOf(const std::string &message, formTable *table)
 {
-    return partsOf(message, table, true);
+    return divided(message, table, true);
 }
 
 std::string textOf(const Parts &parts)

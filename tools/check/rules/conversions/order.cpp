@@ -225,7 +225,7 @@ void compareArgumentOrder(Subject &subject)
 }
 
 /** The numbers of a text that are no positions. */
-std::vector<const Token *> numbersIn(const Tokens &tokens)
+std::vector<const Token *> numeralsIn(const Tokens &tokens)
 {
     std::vector<const Token *> numbers;
     for (const Token &token : tokens)
@@ -246,10 +246,10 @@ bool areOfDate(const std::vector<const Token *> &numbers, size_t index)
 
 void compareNumberOrder(Subject &subject)
 {
-    const std::vector<const Token *> theirs = numbersIn(subject.originalTokens());
+    const std::vector<const Token *> theirs = numeralsIn(subject.originalTokens());
     if (theirs.size() < 2)
         return;
-    const std::vector<const Token *> ours = numbersIn(subject.tokens());
+    const std::vector<const Token *> ours = numeralsIn(subject.tokens());
     if (ours.size() != theirs.size())
         return;
     const auto place = [](const std::vector<const Token *> &numbers, uint32_t content) -> std::optional<size_t> {
