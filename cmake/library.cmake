@@ -42,11 +42,12 @@ if(NOT KELTO_SANITIZE)
 endif()
 set_target_properties(kelto PROPERTIES LINK_DEPENDS "${KELTO_DYNAMIC_LIST};${KELTO_VERSION_SCRIPT}")
 
-# The platform stays out of it: an optimiser that sees ZEL_malloc() would no longer call the one of the program.
+# The platform is compiled by itself: an optimiser that sees ZEL_malloc() would no longer call the one of the program.
+set(KELTO_PLATFORM "${PROJECT_SOURCE_DIR}/src/platform/zel_posix.cpp")
+set_source_files_properties("${KELTO_PLATFORM}" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 if(KELTO_CAN_LTO)
   set_target_properties(kelto PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON INTERPROCEDURAL_OPTIMIZATION_DEBUG OFF)
-  set_source_files_properties("${PROJECT_SOURCE_DIR}/src/platform/zel_posix.cpp"
-    PROPERTIES COMPILE_OPTIONS -fno-lto)
+  set_source_files_properties("${KELTO_PLATFORM}" PROPERTIES COMPILE_OPTIONS -fno-lto)
   # The program is not linked this way: its objects need code as well, which other compilers do not put beside the rest.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     set_target_properties(kelto_grammar PROPERTIES
