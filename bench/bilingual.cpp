@@ -2,7 +2,7 @@
 
 #include "workload.h"
 
-#include "bilingual/bilingual_file.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/xliff_writer.h"
 #include "kelto.h"
@@ -37,8 +37,8 @@ public:
 
     std::string exported(std::string (*write)(const Bilingual &, formTable *)) const
     {
-        const SourceFile reference(check::SourceText("en.xlf", m_reference));
-        const SourceFile translation(check::SourceText("de.xlf", m_translation));
+        const RemarkedFile reference(check::SourceText("en.xlf", m_reference));
+        const RemarkedFile translation(check::SourceText("de.xlf", m_translation));
         Bilingual catalog = bilingualOf(reference, "de");
         addTranslation(catalog, translation);
         return write(catalog, nullptr);
@@ -46,9 +46,9 @@ public:
 
     size_t imported(const std::string &document) const
     {
-        SourceFile source(check::SourceText("en.xlf", m_reference));
-        source.catalog.source().index();
-        const check::Reference reference(source.catalog, nullptr);
+        RemarkedFile source(check::SourceText("en.xlf", m_reference));
+        source.parsed.source().index();
+        const check::Reference reference(source.parsed, nullptr);
         return import(readBilingual(check::SourceText("de.xliff", document)), source, reference, check::Levels(), {})
             .counts.finished;
     }

@@ -5,7 +5,7 @@
 // property too.
 
 #include "bilingual/assign.h"
-#include "bilingual/bilingual_file.h"
+#include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/po_reader.h"
 #include "bilingual/update.h"
@@ -34,23 +34,23 @@ struct Setting
     {
         KTInit();
         forms.add("nil=int");
-        source.catalog.source().index();
+        source.parsed.source().index();
     }
 
     const Form &form = *findForm(KELTO_FUZZ_FORM);
     check::Levels levels;
     check::FormTable forms;
-    SourceFile source = SourceFile::read(KELTO_FUZZ_REFERENCE);
-    check::Reference reference{source.catalog, forms.get()};
+    RemarkedFile source = RemarkedFile::read(KELTO_FUZZ_REFERENCE);
+    check::Reference reference{source.parsed, forms.get()};
 };
 
 void requireAccepted(MessageDocument document, Setting &setting, const check::Reference *reference)
 {
     const std::string file = messageFileOf(std::move(document), setting.forms.get());
     require(originOf(file) == Origin::untouched, "what is written knows that it is ours");
-    const check::Catalog catalog(check::SourceText("out", file), Placeholders::positioned);
-    require(catalog.findings().empty(), "what is imported is a message file");
-    for (const check::Finding &finding : checkMessages(catalog, setting.forms.get(), reference))
+    const check::ParsedFile parsed(check::SourceText("out", file), Placeholders::positioned);
+    require(parsed.findings().empty(), "what is imported is a message file");
+    for (const check::Finding &finding : checkMessages(parsed, setting.forms.get(), reference))
         require(setting.levels[finding.rule] != check::Severity::error, sayInEnglish(finding.text).c_str());
     FakeZel::file(path, file);
     MessageTable *table = nullptr;
