@@ -1,3 +1,5 @@
+// The calls that take a format string, with its arguments as a list or as pointers.
+
 #include "kelto.h"
 
 #include "format/arguments/argument_slots.h"
@@ -13,7 +15,7 @@
 namespace
 {
 
-// A call is: convert and check the format (CheckedFormat), number and fill the slots (arguments.h), write the text
+// A call is: convert and check the format (CheckedFormat), number and fill the slots (argument_slots.h), write the text
 // (writeText). Its two forms, a list of arguments and pointers to them, differ in the second step alone.
 
 /** What a call has besides its arguments: where the text goes, and which encoder it uses. */

@@ -1,5 +1,6 @@
 /**
- * The rules that look at messages: each by itself, and each beside the message of the same number in a reference.
+ * The check of a file: a walk over its messages, each by itself and beside the one of the same number in a reference,
+ * that calls the rules.
  */
 #ifndef KELTO_TOOLS_CHECK_FILE_CHECK_H
 #define KELTO_TOOLS_CHECK_FILE_CHECK_H

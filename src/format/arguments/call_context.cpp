@@ -1,3 +1,5 @@
+// What a running call knows and is not told of: KTCallValue() finds it in the innermost call of the thread.
+
 #include "kelto.h"
 
 namespace

@@ -1,3 +1,5 @@
+// Objects of the program behind a pointer argument: whether one is of the type that a formatter asks for.
+
 #include "kelto.h"
 
 #include <cstring>

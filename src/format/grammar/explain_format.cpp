@@ -1,3 +1,5 @@
+// KTExplainFormat(): the verdict on a format with its reason, of which format calls hand out the result alone.
+
 #include "format/grammar/format_string.h"
 #include "format/grammar/problem_report.h"
 #include "lifecycle/global_state.h"

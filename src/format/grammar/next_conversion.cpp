@@ -1,3 +1,5 @@
+// KTNextConversion(): a walk over the conversions of a text, whether the text as a whole is a format or not.
+
 #include "kelto.h"
 
 #include "format/arguments/typed_argument.h"

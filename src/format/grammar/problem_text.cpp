@@ -1,3 +1,5 @@
+// KTProblemText(): the sentences for what is wrong with a format.
+
 #include "format/format_limits.h"
 #include "format/formatters/integer.h"
 #include "kelto.h"

@@ -1,3 +1,5 @@
+// The records of the library's own conversions, and the table that has them.
+
 #include "format/conversion_record.h"
 
 // Constants have internal linkage unless declared before: kelto.h does that for all of these.

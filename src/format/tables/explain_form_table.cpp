@@ -1,3 +1,5 @@
+// KTExplainFormTable(): what is wrong with a table of the program's own.
+
 #include "format/output/format_output.h"
 #include "format/tables/form_table.h"
 #include "format/tables/own_table.h"

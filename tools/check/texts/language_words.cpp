@@ -300,7 +300,7 @@ bool isWrittenInLatin(std::string_view language)
 bool isWrittenWithBlanks(std::string_view language)
 {
     constexpr std::string_view others = "bo dz ja km lo my th zh";
-    return language.empty() || others.find(language) == std::string_view::npos;
+    return language.size() != 2 || others.find(language) == std::string_view::npos;
 }
 
 bool marksInFront(std::string_view language, uint32_t word, Relation relation)

@@ -3,6 +3,7 @@
 #include "check/reading/stray_text.h"
 #include "check/rules/characters/mojibake.h"
 #include "check/texts/characters.h"
+#include "check/texts/language_words.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -24,10 +25,8 @@ std::string codePoint(char32_t character)
 /** Whether a character cannot be seen and is hardly ever meant. */
 bool isInvisible(char32_t character, std::string_view language)
 {
-    // In these languages it parts words, since no blanks do.
-    constexpr std::string_view parting[] = {"bo", "dz", "ja", "km", "lo", "my", "th", "zh"};
     if (character == 0x200B)
-        return std::find(std::begin(parting), std::end(parting), language) == std::end(parting);
+        return isWrittenWithBlanks(language); // else it parts words
     constexpr char32_t others[] = {0x7F, 0x180E, 0x2028, 0x2029, 0x2060, 0x2061, 0x2062, 0x2063, 0x2064, 0xFEFF};
     return std::find(std::begin(others), std::end(others), character) != std::end(others) ||
            (character >= 0xFFF9 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
