@@ -1,26 +1,26 @@
-// What a running call knows and is not told of: KTCallValue() finds it in the innermost call of the thread.
+// What a running call knows and is not told of: KTCallValue() finds it in the innermostCall call of the thread.
 
 #include "kelto.h"
 
 namespace
 {
 
-thread_local KTCallContext *innermost = nullptr;
+thread_local KTCallContext *innermostCall = nullptr;
 
 } // namespace
 
 void KTEnterCall(KTCallContext *context)
 {
-    context->outer = innermost;
-    innermost = context;
+    context->outer = innermostCall;
+    innermostCall = context;
 }
 
 void KTLeaveCall(const KTCallContext *context)
 {
-    innermost = context->outer;
+    innermostCall = context->outer;
 }
 
 void *KTCallValue(uint32_t kind)
 {
-    return innermost != nullptr && innermost->kind == kind ? innermost->value : nullptr;
+    return innermostCall != nullptr && innermostCall->kind == kind ? innermostCall->value : nullptr;
 }

@@ -12,7 +12,7 @@ namespace
 
 constexpr int64_t firstSecond = -62167219200; // 0000-01-01
 constexpr int64_t lastSecond = 253402300799;  // the end of 9999-12-31
-constexpr int64_t secondsPerDay = 86400;
+constexpr int64_t dayInSeconds = 86400;
 constexpr int64_t daysPerEra = 146097;
 constexpr int64_t daysToMarch = 60; // of the year 0, which is a leap year
 
@@ -55,8 +55,8 @@ template <typename Count> int64_t secondsOf(Count count, int64_t numerator, int6
 void KTTimeText(int64_t seconds, char *text)
 {
     const int64_t since = std::clamp(seconds, firstSecond, lastSecond) - firstSecond;
-    const int64_t time = since % secondsPerDay;
-    const int64_t days = since / secondsPerDay + daysPerEra - daysToMarch;
+    const int64_t time = since % dayInSeconds;
+    const int64_t days = since / dayInSeconds + daysPerEra - daysToMarch;
     const int64_t dayOfEra = days % daysPerEra;
     const int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
     const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);

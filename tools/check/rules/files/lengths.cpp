@@ -20,11 +20,11 @@ struct LengthRow
     double shortestOfSigns, longestOfSigns;
 };
 
-constexpr LengthRow lengths[] = {{25, 0, 0, 0, 0},
-                                 {40, 0.38, 2.2, 0.25, 2.6},
-                                 {60, 0.44, 2.2, 0.28, 2.9},
-                                 {100, 0.55, 2.1, 0.3, 3},
-                                 {UINT32_MAX, 0.55, 1.85, 0.4, 2.7}};
+constexpr LengthRow goodLengths[] = {{25, 0, 0, 0, 0},
+                                     {40, 0.38, 2.2, 0.25, 2.6},
+                                     {60, 0.44, 2.2, 0.28, 2.9},
+                                     {100, 0.55, 2.1, 0.3, 3},
+                                     {UINT32_MAX, 0.55, 1.85, 0.4, 2.7}};
 
 uint32_t charactersOf(const Tokens &tokens)
 {
@@ -94,9 +94,9 @@ void LengthCheck::finish(Findings &findings) const
     for (const Measured &each : m_measured)
     {
         const LengthRow *const row =
-            std::find_if(std::begin(lengths), std::end(lengths) - 1,
+            std::find_if(std::begin(goodLengths), std::end(goodLengths) - 1,
                          [&each](const LengthRow &length) { return each.lengths.original < length.below; });
-        if (row == std::begin(lengths))
+        if (row == std::begin(goodLengths))
             continue;
         const double ratio = each.lengths.text / (each.lengths.original * usual);
         constexpr double half = 0.7; // where a sentence is missing
