@@ -4,7 +4,7 @@
 
 #include "bilingual/forms.h"
 #include "bilingual/import.h"
-#include "bilingual/xliff_writer.h"
+#include "bilingual/xliff/xliff_writer.h"
 #include "kelto.h"
 
 namespace bench

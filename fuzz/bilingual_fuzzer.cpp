@@ -4,10 +4,10 @@
 // a program that used gettext. kelto-po is started for each, with its sanitizers: that it ends without a signal is a
 // property too.
 
-#include "bilingual/assign.h"
 #include "bilingual/forms.h"
+#include "bilingual/gettext/assign.h"
+#include "bilingual/gettext/po_reader.h"
 #include "bilingual/import.h"
-#include "bilingual/po_reader.h"
 #include "bilingual/update.h"
 #include "failure.h"
 #include "kelto.h"

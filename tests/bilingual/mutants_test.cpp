@@ -1,7 +1,7 @@
 #include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/plural_forms.h"
-#include "bilingual/xliff_writer.h"
+#include "bilingual/xliff/xliff_writer.h"
 #include "library_use.h"
 #include "random_catalog.h"
 

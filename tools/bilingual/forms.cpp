@@ -1,10 +1,10 @@
 #include "bilingual/forms.h"
 
+#include "bilingual/gettext/po_reader.h"
+#include "bilingual/gettext/po_writer.h"
 #include "bilingual/message_file_entries.h"
-#include "bilingual/po_reader.h"
-#include "bilingual/po_writer.h"
-#include "bilingual/xliff_reader.h"
-#include "bilingual/xliff_writer.h"
+#include "bilingual/xliff/xliff_reader.h"
+#include "bilingual/xliff/xliff_writer.h"
 
 namespace tool::bilingual
 {

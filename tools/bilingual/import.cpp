@@ -1,7 +1,7 @@
 #include "bilingual/import.h"
 
+#include "bilingual/gettext/po_messages.h"
 #include "bilingual/message_parts.h"
-#include "bilingual/po_messages.h"
 #include "bilingual/selectors.h"
 #include "check/reading/parsed_file_builder.h"
 #include "selector.h"

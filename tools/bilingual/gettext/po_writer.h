@@ -1,6 +1,6 @@
 /** From a bilingual catalog to a PO file: the number of a message is the context of its entry. */
-#ifndef KELTO_TOOLS_BILINGUAL_PO_WRITER_H
-#define KELTO_TOOLS_BILINGUAL_PO_WRITER_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_WRITER_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_WRITER_H
 
 #include "bilingual/entry.h"
 

@@ -3,11 +3,11 @@
  * hold. The template of such a program becomes the reference, and its translations, by the same numbers, what `import`
  * reads.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_ASSIGN_H
-#define KELTO_TOOLS_BILINGUAL_ASSIGN_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_ASSIGN_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_ASSIGN_H
 
 #include "bilingual/bilingual_file.h"
-#include "bilingual/numbers_file.h"
+#include "bilingual/gettext/numbers_file.h"
 #include "check/telling/finding.h"
 
 #include <string>

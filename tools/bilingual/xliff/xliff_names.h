@@ -1,6 +1,6 @@
 /** The words of XLIFF, 1.2 and 2.0: its elements, their attributes, and the states of translations. */
-#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_NAMES_H
-#define KELTO_TOOLS_BILINGUAL_XLIFF_NAMES_H
+#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_NAMES_H
+#define KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_NAMES_H
 
 #include "bilingual/entry.h"
 #include "bilingual/xml.h"

@@ -1,9 +1,9 @@
-#include "bilingual/po_messages.h"
+#include "bilingual/gettext/po_messages.h"
 
-#include "bilingual/c_format.h"
+#include "bilingual/gettext/c_format.h"
+#include "bilingual/gettext/po_header.h"
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
-#include "bilingual/po_header.h"
 #include "check/texts/formats.h"
 #include "text.h"
 

@@ -1,6 +1,6 @@
 /** The program kelto-po, which reads and writes PO files: see tools/po/. */
-#ifndef KELTO_TOOLS_BILINGUAL_PO_PROGRAM_H
-#define KELTO_TOOLS_BILINGUAL_PO_PROGRAM_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_PROGRAM_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_PROGRAM_H
 
 #include <string>
 #include <string_view>

@@ -2,8 +2,8 @@
  * Conversions as C writes them, which the tools of gettext know and check: "%2$-5d" is "%-5d[2]". One that C has no
  * equal for stays as it is; neither can be mistaken for the other.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_C_FORMAT_H
-#define KELTO_TOOLS_BILINGUAL_C_FORMAT_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_C_FORMAT_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_C_FORMAT_H
 
 #include "bilingual/message_parts.h"
 

@@ -1,4 +1,4 @@
-#include "bilingual/numbers_file.h"
+#include "bilingual/gettext/numbers_file.h"
 
 #include "bilingual/entry.h"
 #include "bilingual/message_parts.h"

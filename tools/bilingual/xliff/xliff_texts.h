@@ -2,11 +2,11 @@
  * The texts of an XLIFF unit, source and target, taken piece by piece with their places. Placeholders become the
  * conversions that they stand for.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_TEXTS_H
-#define KELTO_TOOLS_BILINGUAL_XLIFF_TEXTS_H
+#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_TEXTS_H
+#define KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_TEXTS_H
 
 #include "bilingual/entry.h"
-#include "bilingual/xliff_names.h"
+#include "bilingual/xliff/xliff_names.h"
 
 #include <map>
 #include <string>

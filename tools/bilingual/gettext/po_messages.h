@@ -2,8 +2,8 @@
  * Messages in PO files: conversions of C become ours, the forms of a plural entry become those that the language needs,
  * and findings are told in the words of the file.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
-#define KELTO_TOOLS_BILINGUAL_PO_MESSAGES_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_MESSAGES_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_MESSAGES_H
 
 #include "bilingual/bilingual_file.h"
 

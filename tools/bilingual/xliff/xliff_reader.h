@@ -2,8 +2,8 @@
  * Reads bilingual XLIFF, 1.2 and 2.0, as tools leave it: whatever order, wrapping or encoding, and with elements of
  * their own. What a translation cannot hold, since no message could, is told at its place.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_READER_H
-#define KELTO_TOOLS_BILINGUAL_XLIFF_READER_H
+#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_READER_H
+#define KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_READER_H
 
 #include "bilingual/bilingual_file.h"
 

@@ -1,4 +1,4 @@
-#include "bilingual/po_program.h"
+#include "bilingual/gettext/po_program.h"
 
 #include "failure.h"
 #include "text.h"

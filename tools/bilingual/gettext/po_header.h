@@ -1,6 +1,6 @@
 /** The header of a PO file, which is its first entry: fields with a name and a value, a line each. */
-#ifndef KELTO_TOOLS_BILINGUAL_PO_HEADER_H
-#define KELTO_TOOLS_BILINGUAL_PO_HEADER_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_HEADER_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_HEADER_H
 
 #include "bilingual/entry.h"
 

@@ -3,8 +3,8 @@
  * same number for ever, whatever comes and goes around it. It has a line for each: the number, the first number of its
  * row ("-" where it has no forms), its context and its text, with tabs between them.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_NUMBERS_FILE_H
-#define KELTO_TOOLS_BILINGUAL_NUMBERS_FILE_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_NUMBERS_FILE_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_NUMBERS_FILE_H
 
 #include <map>
 #include <optional>

@@ -2,8 +2,8 @@
  * Texts of programs that use printf: their conversions become those of messages, with positions. What C has and
  * messages have not is refused in words, since nothing else would write the same.
  */
-#ifndef KELTO_TOOLS_BILINGUAL_PRINTF_FORMAT_H
-#define KELTO_TOOLS_BILINGUAL_PRINTF_FORMAT_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PRINTF_FORMAT_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PRINTF_FORMAT_H
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,8 @@
-#include "bilingual/xliff_reader.h"
+#include "bilingual/xliff/xliff_reader.h"
 
 #include "bilingual/message_parts.h"
-#include "bilingual/xliff_names.h"
-#include "bilingual/xliff_texts.h"
+#include "bilingual/xliff/xliff_names.h"
+#include "bilingual/xliff/xliff_texts.h"
 #include "bilingual/xml_walk.h"
 #include "text.h"
 

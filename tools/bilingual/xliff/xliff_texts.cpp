@@ -1,4 +1,4 @@
-#include "bilingual/xliff_texts.h"
+#include "bilingual/xliff/xliff_texts.h"
 
 #include "bilingual/message_parts.h"
 

@@ -1,10 +1,10 @@
-#include "bilingual/po_writer.h"
+#include "bilingual/gettext/po_writer.h"
 
-#include "bilingual/c_format.h"
+#include "bilingual/gettext/c_format.h"
+#include "bilingual/gettext/po_header.h"
+#include "bilingual/gettext/po_program.h"
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
-#include "bilingual/po_header.h"
-#include "bilingual/po_program.h"
 
 #include <algorithm>
 #include <fmt/core.h>

@@ -1,7 +1,7 @@
-#include "bilingual/xliff_writer.h"
+#include "bilingual/xliff/xliff_writer.h"
 
 #include "bilingual/message_parts.h"
-#include "bilingual/xliff_names.h"
+#include "bilingual/xliff/xliff_names.h"
 
 #include <algorithm>
 #include <fmt/core.h>

@@ -1,6 +1,6 @@
 /** From a PO file to a bilingual catalog. */
-#ifndef KELTO_TOOLS_BILINGUAL_PO_READER_H
-#define KELTO_TOOLS_BILINGUAL_PO_READER_H
+#ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_READER_H
+#define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_READER_H
 
 #include "bilingual/bilingual_file.h"
 

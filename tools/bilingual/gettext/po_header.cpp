@@ -1,4 +1,4 @@
-#include "bilingual/po_header.h"
+#include "bilingual/gettext/po_header.h"
 
 #include "bilingual/plural_forms.h"
 

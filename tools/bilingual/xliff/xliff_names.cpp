@@ -1,4 +1,4 @@
-#include "bilingual/xliff_names.h"
+#include "bilingual/xliff/xliff_names.h"
 
 #include "bilingual/xml_walk.h"
 

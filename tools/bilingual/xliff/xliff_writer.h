@@ -1,6 +1,6 @@
 /** Writes a bilingual catalog as XLIFF: the same catalog gives the same bytes. */
-#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_WRITER_H
-#define KELTO_TOOLS_BILINGUAL_XLIFF_WRITER_H
+#ifndef KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_WRITER_H
+#define KELTO_TOOLS_BILINGUAL_XLIFF_XLIFF_WRITER_H
 
 #include "bilingual/entry.h"
 

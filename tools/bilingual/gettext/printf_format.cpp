@@ -1,4 +1,4 @@
-#include "bilingual/printf_format.h"
+#include "bilingual/gettext/printf_format.h"
 
 #include "check/texts/utf8.h"
 

@@ -1,4 +1,4 @@
-#include "bilingual/c_format.h"
+#include "bilingual/gettext/c_format.h"
 
 #include <algorithm>
 #include <map>
