@@ -4,6 +4,7 @@
 
 #include "plural/plural_table.h"
 #include "plural/shown_number.h"
+#include "strconv/letters.h"
 
 #include <iterator>
 
@@ -15,18 +16,10 @@ using kelto::plural_table::PluralRule;
 using kelto::plural_table::regions;
 using Row = kelto::PluralLanguage<PluralRule>;
 
-constexpr unsigned letterCount = 26;
-
-/** The place of a letter in the alphabet, in either case; letterCount or more for any other character. */
-constexpr unsigned letterOf(char character)
-{
-    return static_cast<unsigned>(character | 0x20) - 'a';
-}
-
 /** Two letters as a number in the order of the alphabet. */
 constexpr unsigned orderOf(const char *letters)
 {
-    return letterOf(letters[0]) * letterCount + letterOf(letters[1]);
+    return kelto::letterOf(letters[0]) * kelto::letterCount + kelto::letterOf(letters[1]);
 }
 
 /**
@@ -35,7 +28,7 @@ constexpr unsigned orderOf(const char *letters)
  */
 struct TwoLetterRules
 {
-    LanguageRules of[letterCount * letterCount] = {};
+    LanguageRules of[kelto::letterCount * kelto::letterCount] = {};
 };
 
 constexpr LanguageRules rulesIn(const Row &row)
@@ -58,14 +51,14 @@ constexpr TwoLetterRules indexTwoLetters()
  */
 struct ThreeLetterIndex
 {
-    uint16_t begin[letterCount + 1] = {};
+    uint16_t begin[kelto::letterCount + 1] = {};
 };
 
 constexpr ThreeLetterIndex indexThreeLetters()
 {
     ThreeLetterIndex index;
     for (const Row &row : kelto::plural_table::threeLetters)
-        for (unsigned later = letterOf(row.code[0]) + 1; later <= letterCount; ++later)
+        for (unsigned later = kelto::letterOf(row.code[0]) + 1; later <= kelto::letterCount; ++later)
             ++index.begin[later];
     return index;
 }
@@ -73,11 +66,11 @@ constexpr ThreeLetterIndex indexThreeLetters()
 constexpr TwoLetterRules twoLetterRules = indexTwoLetters();
 constexpr ThreeLetterIndex threeLetterIndex = indexThreeLetters();
 
-constexpr LanguageRules unknown = {};
+constexpr LanguageRules unknownLanguage = {};
 
 LanguageRules findThreeLetters(const char *code)
 {
-    const unsigned first = letterOf(code[0]);
+    const unsigned first = kelto::letterOf(code[0]);
     unsigned begin = threeLetterIndex.begin[first];
     unsigned end = threeLetterIndex.begin[first + 1];
     const unsigned wanted = orderOf(code + 1);
@@ -90,7 +83,7 @@ LanguageRules findThreeLetters(const char *code)
             return rulesIn(row);
         (order < wanted ? begin : end) = order < wanted ? middle + 1 : middle;
     }
-    return unknown;
+    return unknownLanguage;
 }
 
 bool endsLanguage(char character)
@@ -100,7 +93,7 @@ bool endsLanguage(char character)
 
 bool isTwoLetters(const char *code)
 {
-    return letterOf(code[0]) < letterCount && letterOf(code[1]) < letterCount;
+    return kelto::letterOf(code[0]) < kelto::letterCount && kelto::letterOf(code[1]) < kelto::letterCount;
 }
 
 /** The rules of a region, where it has its own, else of its language. Both have two letters. */
@@ -118,10 +111,10 @@ LanguageRules findRegion(const char *language, const char *region)
 /** The rules of a name that is longer than a language of two letters. */
 [[gnu::noinline]] LanguageRules findLongName(const char *locale)
 {
-    const unsigned letters = letterOf(locale[2]) < letterCount ? 3 : 2;
+    const unsigned letters = kelto::letterOf(locale[2]) < kelto::letterCount ? 3 : 2;
     const char *behind = locale + letters;
     if (!endsLanguage(*behind))
-        return unknown;
+        return unknownLanguage;
     if (letters == 3)
         return findThreeLetters(locale);
     while (*behind == '_' || *behind == '-')
@@ -153,14 +146,14 @@ namespace kelto
 LanguageRules rulesOf(const char *locale) noexcept
 {
     if (!isTwoLetters(locale))
-        return unknown;
+        return unknownLanguage;
     return locale[2] == '\0' ? twoLetterRules.of[orderOf(locale)] : findLongName(locale);
 }
 
 LanguageRules rulesOf(const char *language, const char *country) noexcept
 {
     if (!isTwoLetters(language))
-        return unknown;
+        return unknownLanguage;
     return isTwoLetters(country) ? findRegion(language, country) : twoLetterRules.of[orderOf(language)];
 }
 

@@ -38,7 +38,7 @@ private:
     bool m_isLong = false;
 };
 
-bool isDigit(char character)
+bool isDigitOfNumber(char character)
 {
     return character >= '0' && character <= '9';
 }
@@ -86,7 +86,7 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         const int printed = std::min(digits, mostDigits);
         const char *const end = text + print(text, sizeof text, printed, magnitude);
         const char *next = text;
-        for (; next != end && isDigit(*next); ++next)
+        for (; next != end && isDigitOfNumber(*next); ++next)
             integer = integer * 10 + static_cast<uint64_t>(*next - '0');
         int zeros = 0;
         for (next = end - printed; next != end; ++next)

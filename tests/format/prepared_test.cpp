@@ -532,7 +532,8 @@ TEST_F(Prepared, CutsAndPadsWhatAnEncoderWroteWhateverItWantsRoomFor)
             const std::string written = formattedInTheEnd(prepare(format, &table), {KT_UTF8(text.c_str())}, calls);
             EXPECT_EQ(toUCS2(written), std::u16string(wide.data(), units));
             EXPECT_EQ(static_cast<size_t>(std::count(written.begin(), written.end(), '\xC3')), row.written);
-            EXPECT_EQ(calls, encoder == encodeInParentheses && row.length == 70000 && row.written == 25 ? 1 : row.calls);
+            EXPECT_EQ(calls,
+                      encoder == encodeInParentheses && row.length == 70000 && row.written == 25 ? 1 : row.calls);
         }
 }
 

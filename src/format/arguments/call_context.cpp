@@ -1,4 +1,4 @@
-// What a running call knows and is not told of: KTCallValue() finds it in the innermostCall call of the thread.
+// What a running call knows and is not told of: KTCallValue() finds it in the innermost call of the thread.
 
 #include "kelto.h"
 

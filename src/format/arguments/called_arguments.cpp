@@ -35,7 +35,7 @@ size_t copySize(const KTArgument &argument)
     return isCopied(argument) ? ((textLength(argument) + 1) * unitSize(argument) + 1) & ~size_t{1} : 0;
 }
 
-thread_local const kelto::RunningSlots *innermost = nullptr;
+thread_local const kelto::RunningSlots *innermostSlots = nullptr;
 
 } // namespace
 
@@ -113,24 +113,24 @@ void *CalledArguments::textOf(const KTArgument &argument) noexcept
 }
 
 RunningSlots::RunningSlots(void **begin, const KTArgument *arguments, size_t count) noexcept
-    : m_begin(begin), m_arguments(arguments), m_count(count), m_outer(innermost)
+    : m_begin(begin), m_arguments(arguments), m_count(count), m_outer(innermostSlots)
 {
-    innermost = this;
+    innermostSlots = this;
 }
 
 RunningSlots::~RunningSlots()
 {
-    innermost = m_outer;
+    innermostSlots = m_outer;
 }
 
 const void *RunningSlots::pointerOfKind(void *const *slot, uint32_t kind) noexcept
 {
-    if (innermost == nullptr)
+    if (innermostSlots == nullptr)
         return nullptr;
-    for (size_t i = 0; i < innermost->m_count; ++i)
+    for (size_t i = 0; i < innermostSlots->m_count; ++i)
     {
-        const KTArgument &argument = innermost->m_arguments[i];
-        if (slot == innermost->m_begin + i)
+        const KTArgument &argument = innermostSlots->m_arguments[i];
+        if (slot == innermostSlots->m_begin + i)
             return argument.type == KT_ARGUMENT_POINTER && argument.length == kind ? argument.value.p : nullptr;
     }
     return nullptr;

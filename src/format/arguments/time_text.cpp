@@ -26,7 +26,7 @@ char *append(char *out, int64_t value, int digits, const char *behind)
     return out;
 }
 
-__extension__ using Wide = __int128;
+__extension__ using WideCount = __int128;
 
 /** The second in which so many units end; beyond all dates for one that is too far away or no number. */
 template <typename Count> int64_t secondsOf(Count count, int64_t numerator, int64_t denominator)
@@ -40,7 +40,7 @@ template <typename Count> int64_t secondsOf(Count count, int64_t numerator, int6
     if constexpr (std::is_integral_v<Count>)
     {
         const auto whole = static_cast<int64_t>(count / static_cast<Count>(denominator));
-        const Wide rest = Wide{count % static_cast<Count>(denominator)} * numerator;
+        const WideCount rest = WideCount{count % static_cast<Count>(denominator)} * numerator;
         return whole * numerator + static_cast<int64_t>(rest / denominator) - (rest % denominator < 0 ? 1 : 0);
     }
     else

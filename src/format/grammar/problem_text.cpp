@@ -11,13 +11,13 @@ namespace
 {
 
 /** The sentence of a rule; letters behind a '$' stand for members of the problem. */
-struct Sentence
+struct RuleSentence
 {
     int rule;
     const char *text; // $s slot, $p position, $m message, $e expected, $f found
 };
 
-constexpr Sentence sentences[] = {
+constexpr RuleSentence sentences[] = {
     {KT_RULE_NONE, "there is no problem"},
     {KT_RULE_POSITION_MISSING, "a conversion has no position, as in %s[1] (a percent sign by itself is written %%)"},
     {KT_RULE_POSITION_MALFORMED, "the position of a conversion is not a number from 1 on in brackets"},
@@ -45,7 +45,7 @@ static_assert(kelto::maxSelectionSteps == 8 && kelto::maxSelectedMessages == 102
 
 const char *sentenceOf(int rule)
 {
-    for (const Sentence &row : sentences)
+    for (const RuleSentence &row : sentences)
         if (row.rule == rule)
             return row.text;
     return "the format has a problem";

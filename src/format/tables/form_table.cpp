@@ -2,6 +2,7 @@
 
 #include "lifecycle/global_state.h"
 #include "platform/scoped.h"
+#include "strconv/letters.h"
 
 #include <cstring>
 
@@ -16,14 +17,6 @@ constexpr size_t listLength = sizeof builtInFormList / sizeof builtInFormList[0]
 
 /** The conversions of a reduced copy. */
 constexpr const char *printfLikeNames = "duUoxXfcs";
-
-constexpr unsigned letterCount = 26;
-
-/** The place of a letter in the alphabet, in either case; letterCount or more for any other character. */
-unsigned letterOf(unsigned character)
-{
-    return (character | 0x20U) - 'a';
-}
 
 template <typename Unit> bool isSameName(const char *known, const kelto::ConversionName<Unit> &name)
 {
@@ -59,8 +52,8 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
 {
     if (table.formList == nullptr || name.length == 0)
         return nullptr;
-    const unsigned letter = letterOf(static_cast<unsigned>(name.begin[0]));
-    if (letter >= letterCount)
+    const unsigned letter = kelto::letterOf(static_cast<unsigned>(name.begin[0]));
+    if (letter >= kelto::letterCount)
         return nullptr;
     KTFormatter *record = table.formList;
     if (table.indexed)
@@ -74,7 +67,7 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
     {
         if (isSameName(record->name, name))
             return record;
-        if (table.indexed && letterOf(static_cast<unsigned char>(record->name[0])) != letter)
+        if (table.indexed && kelto::letterOf(static_cast<unsigned char>(record->name[0])) != letter)
             break;
     }
     return nullptr;

@@ -8,7 +8,7 @@ namespace tool::bilingual
 namespace
 {
 
-constexpr std::string_view digits = "0123456789";
+constexpr std::string_view decimalDigits = "0123456789";
 constexpr std::string_view flags = "-+ #0";
 
 /** The conversions of a locale, which C writes with an apostrophe. */
@@ -37,7 +37,7 @@ std::string_view takePrecision(std::string_view &text)
     const std::string_view whole = text;
     if (!takeWord(text, "."))
         return {};
-    return whole.substr(0, 1 + take(text, digits).size());
+    return whole.substr(0, 1 + take(text, decimalDigits).size());
 }
 
 /** A modifier and its equal; "" is one of both. */
@@ -74,7 +74,7 @@ std::optional<std::string> translate(std::string_view conversion)
         return std::nullopt;
     std::string result = "%" + position + "$";
     std::string flagsWidth(take(rest, flags));
-    flagsWidth += take(rest, digits);
+    flagsWidth += take(rest, decimalDigits);
     const std::string precision(takePrecision(rest));
     std::string_view modifier;
     for (const auto &row : modifiers)
@@ -97,14 +97,14 @@ std::optional<FromC> fromC(std::string_view text)
     std::string_view rest = text;
     if (!takeWord(rest, "%"))
         return std::nullopt;
-    const std::string position(take(rest, digits));
+    const std::string position(take(rest, decimalDigits));
     if (position.empty() || !takeWord(rest, "$"))
         return std::nullopt;
     bool isLocale = takeWord(rest, "'");
     std::string before(take(rest, flags));
     isLocale = takeWord(rest, "'") || isLocale; // people and tools put it anywhere
     before += take(rest, flags);
-    before += take(rest, digits);
+    before += take(rest, decimalDigits);
     before += takePrecision(rest);
     std::string_view modifier;
     for (const auto &row : modifiers)

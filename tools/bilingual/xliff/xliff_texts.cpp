@@ -18,7 +18,7 @@ using check::Range;
  */
 constexpr size_t longestConversion = 250;
 
-bool isBlank(char byte)
+bool isSpacing(char byte)
 {
     return byte == ' ' || byte == '\t' || byte == '\n';
 }
@@ -72,7 +72,7 @@ std::vector<Cut> wrappedLines(const std::string &raw)
     for (size_t at = 0; at < raw.size(); ++at)
     {
         size_t end = at;
-        while (end < raw.size() && isBlank(raw[end]))
+        while (end < raw.size() && isSpacing(raw[end]))
             ++end;
         if (raw.substr(at, end - at).find('\n') != std::string::npos)
             cuts.push_back({at, end, at > 0 && end < raw.size() ? " " : ""});
@@ -92,7 +92,7 @@ std::vector<Cut> indentedTags(const WrittenText &text)
     for (size_t at = raw.find('\n'); at != std::string::npos; at = raw.find('\n', at))
     {
         const size_t begin = at;
-        while (at < raw.size() && isBlank(raw[at]))
+        while (at < raw.size() && isSpacing(raw[at]))
             ++at;
         const auto piece = std::lower_bound(text.pieces.begin(), text.pieces.end(), at,
                                             [](const Piece &other, size_t offset) { return other.begin < offset; });

@@ -13,13 +13,13 @@ namespace tool::check
 namespace
 {
 
-struct Row
+struct LanguageRow
 {
     std::string_view language;
     std::string_view words;
 };
 
-constexpr Row rows[] = {
+constexpr LanguageRow languageRows[] = {
     {"en", "the and of is are with this that you your was were been be have has cannot which these from by for not it "
            "to or if when will would should could there its their than then into about please must other"},
     {"de",
@@ -87,8 +87,8 @@ class Lexicon
 public:
     Lexicon()
     {
-        for (size_t i = 0; i < std::size(rows); ++i)
-            add(rows[i].words, 1U << i);
+        for (size_t i = 0; i < std::size(languageRows); ++i)
+            add(languageRows[i].words, 1U << i);
         add(english, englishBit);
     }
 
@@ -179,7 +179,7 @@ struct PrepositionSets
     WordSet source, goal, whole;
 };
 
-/** The sets of a language, which are made once, of all rows; null where there is no row. */
+/** The sets of a language, which are made once, of all languageRows; null where there is no row. */
 template <typename Sets, typename Rows> const Sets *setsOf(const Rows &list, std::string_view language)
 {
     static const std::vector<Sets> made(std::begin(list), std::end(list));
@@ -265,17 +265,17 @@ const DenialSets *denialOf(std::string_view language)
 
 uint32_t languageBit(std::string_view language)
 {
-    for (size_t i = 0; i < std::size(rows); ++i)
-        if (rows[i].language == language)
+    for (size_t i = 0; i < std::size(languageRows); ++i)
+        if (languageRows[i].language == language)
             return 1U << i;
     return 0;
 }
 
 std::string_view languageOfBit(uint32_t bits)
 {
-    for (size_t i = 0; i < std::size(rows); ++i)
+    for (size_t i = 0; i < std::size(languageRows); ++i)
         if ((bits & 1U << i) != 0)
-            return rows[i].language;
+            return languageRows[i].language;
     return "";
 }
 

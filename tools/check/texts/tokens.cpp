@@ -59,7 +59,7 @@ Written placeholderAt(std::string_view text, size_t at)
     return written;
 }
 
-bool isBlank(char32_t character)
+bool isBlankCharacter(char32_t character)
 {
     return character <= ' ' || character == 0xA0 || (character >= 0x2000 && character <= 0x200F) ||
            character == 0x202F || character == 0x3000 || (character >= 0x2066 && character <= 0x2069);
@@ -128,7 +128,7 @@ Tokens::Tokens(std::string_view utf8Text) : m_text(utf8Text)
         {
             const size_t begin = at;
             at = character == '%' && next < m_text.size() && m_text[next] == '%' ? next + 1 : next;
-            if (isBlank(character))
+            if (isBlankCharacter(character))
                 continue;
             m_tokens.push_back({Token::Kind::mark, isJoined, false, 0, character, begin, at});
             behindLast = at;

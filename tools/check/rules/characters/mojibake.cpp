@@ -18,7 +18,7 @@ namespace
 {
 
 /** A charset as which UTF-8 is read by mistake. */
-struct Row
+struct MojibakeRow
 {
     const char *name;         // for people
     const char *charset;      // for the converter
@@ -29,7 +29,7 @@ struct Row
 
 constexpr std::string_view allLeads = "\xC2\xC3\xC4\xC5\xC6\xC7\xCE\xCF\xD0\xD1\xD2\xD7\xD8\xD9\xDA\xDB\xE0\xE1\xE2"
                                       "\xE3\xE4\xE5\xE6\xE7\xE8\xE9\xEA\xEB\xEC\xED\xEF\xF0";
-constexpr Row rows[] = {
+constexpr MojibakeRow mojibakeRows[] = {
     {"Windows-1252", "windows-1252", "\xC2\xC3\xC4\xC5", false, allLeads},
     {"Windows-1250", "windows-1250", "\xC2\xC3\xC4\xC5", true, allLeads},
     {"Windows-1251", "windows-1251", "", false, allLeads},
@@ -61,12 +61,12 @@ ByteOf bytesIn(const char *charset)
     return bytes;
 }
 
-const std::array<ByteOf, std::size(rows)> &tables()
+const std::array<ByteOf, std::size(mojibakeRows)> &tables()
 {
-    static const std::array<ByteOf, std::size(rows)> made = [] {
-        std::array<ByteOf, std::size(rows)> all;
+    static const std::array<ByteOf, std::size(mojibakeRows)> made = [] {
+        std::array<ByteOf, std::size(mojibakeRows)> all;
         for (size_t i = 0; i < all.size(); ++i)
-            all[i] = bytesIn(rows[i].charset);
+            all[i] = bytesIn(mojibakeRows[i].charset);
         return all;
     }();
     return made;
@@ -80,7 +80,7 @@ bool isPunctuation(char32_t character)
 }
 
 /** A character whose bytes stand in the text as characters. */
-struct Part
+struct MisreadPart
 {
     char32_t lead = 0;
     unsigned char leadByte = 0;
@@ -91,9 +91,9 @@ struct Part
 };
 
 /** The misread character that begins at an offset of a text, or nothing. */
-std::optional<Part> takePart(std::string_view text, size_t at, const ByteOf &bytes)
+std::optional<MisreadPart> takePart(std::string_view text, size_t at, const ByteOf &bytes)
 {
-    Part part;
+    MisreadPart part;
     part.lead = takeUtf8(text, at);
     const auto lead = bytes.find(part.lead);
     if (lead == bytes.end() || lead->second < 0xC2 || lead->second > 0xF0)
@@ -126,7 +126,7 @@ bool contains(std::string_view bytes, unsigned char byte)
 }
 
 /** Whether one such character is enough to be sure. */
-bool isSure(const Row &row, const Part &part, char32_t before, std::string_view behind)
+bool isSure(const MojibakeRow &row, const MisreadPart &part, char32_t before, std::string_view behind)
 {
     constexpr std::string_view sureInThree[] = {"\xE2\x80", "\xE2\x82", "\xE2\x84", "\xEF\xBB\xBF", "\xEF\xBF\xBD"};
     const bool isThree = part.leadByte >= 0xE0 && row.alone.size() > 1 &&
@@ -156,23 +156,23 @@ std::optional<Misreading> findMisreading(std::string_view utf8Text)
             before = static_cast<unsigned char>(utf8Text[at++]);
             continue;
         }
-        for (size_t i = 0; i < std::size(rows); ++i)
+        for (size_t i = 0; i < std::size(mojibakeRows); ++i)
         {
-            const std::optional<Part> part = takePart(utf8Text, at, tables()[i]);
-            if (!part || !(contains(rows[i].alone, part->leadByte) || contains(rows[i].inPairs, part->leadByte)))
+            const std::optional<MisreadPart> part = takePart(utf8Text, at, tables()[i]);
+            if (!part || !(contains(mojibakeRows[i].alone, part->leadByte) || contains(mojibakeRows[i].inPairs, part->leadByte)))
                 continue;
-            Misreading misreading{{at, part->end}, part->meant, rows[i].name};
+            Misreading misreading{{at, part->end}, part->meant, mojibakeRows[i].name};
             size_t count = 1;
             while (misreading.place.end < utf8Text.size())
             {
-                const std::optional<Part> next = takePart(utf8Text, misreading.place.end, tables()[i]);
-                if (!next || !contains(rows[i].inPairs, next->leadByte))
+                const std::optional<MisreadPart> next = takePart(utf8Text, misreading.place.end, tables()[i]);
+                if (!next || !contains(mojibakeRows[i].inPairs, next->leadByte))
                     break;
                 misreading.place.end = next->end;
                 misreading.meant += next->meant;
                 ++count;
             }
-            if (count > 1 || isSure(rows[i], *part, before, utf8Text.substr(part->end)))
+            if (count > 1 || isSure(mojibakeRows[i], *part, before, utf8Text.substr(part->end)))
                 return misreading;
         }
         before = takeUtf8(utf8Text, at);

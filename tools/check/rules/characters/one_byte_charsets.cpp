@@ -12,13 +12,13 @@ namespace
 {
 
 /** Letters that stand in place of those of a language where its text was read in a wrong charset. */
-struct LettersRow
+struct MisreadLetters
 {
     std::string_view language;
     std::u32string_view wrong;
 };
 
-constexpr LettersRow misread[] = {
+constexpr MisreadLetters misread[] = {
     {"de", U"õÕ"},           {"sv", U"õÕ"},        {"fi", U"õÕ"},        {"hu", U"õûÕÛ"}, {"tr", U"ðþýÐÞÝ"},
     {"cs", U"èìøùïòÈÌØÙÏÒ"}, {"sk", U"èï¾òåÈÏ¼Ò"}, {"pl", U"³¹êæœŸ¿£¯"}, {"ro", U"ºþªÞ"},
 };
@@ -150,7 +150,7 @@ bool findOtherCharset(Subject &subject, std::string_view language)
         return true; // which garbles all the rest
     const std::string_view text = subject.text();
     std::optional<Range> found;
-    for (const LettersRow &row : misread)
+    for (const MisreadLetters &row : misread)
         if (row.language == language)
             found = misreadWordIn(text, row.wrong);
     if (!found && isWrittenInLatin(language))

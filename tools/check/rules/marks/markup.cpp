@@ -15,7 +15,7 @@ constexpr bool isOfName(char byte)
     return isAsciiLetter(byte) || isAsciiDigit(byte) || byte == '-' || byte == '_' || byte == ':';
 }
 
-constexpr bool isBlank(char byte)
+constexpr bool isSpaceInTag(char byte)
 {
     return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
 }
@@ -44,7 +44,7 @@ size_t behindAttributes(std::string_view text, size_t at)
     while (at < text.size())
     {
         const size_t begin = at;
-        while (at < text.size() && isBlank(text[at]))
+        while (at < text.size() && isSpaceInTag(text[at]))
             ++at;
         if (at < text.size() && text[at] == '/')
             ++at;
@@ -86,7 +86,7 @@ std::optional<Tag> tagAt(std::string_view text, size_t begin)
         return std::nullopt;
     while (at < text.size() && isOfName(text[at]))
         ++at;
-    const bool isName = at < text.size() && (isBlank(text[at]) || text[at] == '/' || text[at] == '>');
+    const bool isName = at < text.size() && (isSpaceInTag(text[at]) || text[at] == '/' || text[at] == '>');
     if (!isName)
         return std::nullopt;
     Tag tag{{begin, at}, text.substr(begin + 1, at - begin - 1)};

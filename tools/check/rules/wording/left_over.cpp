@@ -73,7 +73,7 @@ bool hasEnglishWords(Subject &subject)
 }
 
 /** A part of both texts that is word for word the same. */
-struct Run
+struct WordRun
 {
     size_t begin, end; // tokens of the translation
     size_t there;      // where it begins in the reference
@@ -94,9 +94,9 @@ bool isOfSentence(const Tokens &tokens, size_t index)
     return token.isWord() ? !isOfName(tokens, index) : !token.isMark() || isAmong(token.content, marks);
 }
 
-Run runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, uint32_t own)
+WordRun runAround(const Tokens &here, size_t at, const Tokens &there, size_t place, uint32_t own)
 {
-    Run run{at, at + 1, place, 0, 0};
+    WordRun run{at, at + 1, place, 0, 0};
     while (run.begin > 0 && run.there > 0 && isOfSentence(here, run.begin - 1) &&
            isSame(here[run.begin - 1], there[run.there - 1]))
     {
@@ -125,7 +125,7 @@ bool beginsSentence(const Tokens &tokens, size_t begin)
     return begin == 0 || (tokens[begin - 1].isMark() && isAmong(tokens[begin - 1].content, U".!?"));
 }
 
-bool isQuotedWord(const Tokens &tokens, const Run &run)
+bool isQuotedWord(const Tokens &tokens, const WordRun &run)
 {
     const auto quotes = [](const Token &token) {
         return token.isMark() && (isQuotationMark(token.content) || isAmong(token.content, U"`<>()（）[]"));
@@ -134,7 +134,7 @@ bool isQuotedWord(const Tokens &tokens, const Run &run)
 }
 
 /** Whether so many words are left that nobody meant them. */
-bool isLeft(const Tokens &here, const Tokens &there, const Run &run, bool isLatin)
+bool isLeft(const Tokens &here, const Tokens &there, const WordRun &run, bool isLatin)
 {
     if (run.foreign == 0 || isQuotedWord(here, run))
         return false;
@@ -165,7 +165,7 @@ void findWordsLeft(Subject &subject)
         {
             if (!isSame(here[at], there[place]))
                 continue;
-            const Run run = runAround(here, at, there, place, own);
+            const WordRun run = runAround(here, at, there, place, own);
             if (!isLeft(here, there, run, isLatin))
                 continue;
             const Range range{here[run.begin].begin, here[run.end - 1].end};
