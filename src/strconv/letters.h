@@ -9,10 +9,10 @@ namespace kelto
 
 constexpr unsigned letterCount = 26;
 
-/** The place of an ASCII letter in either case, from 0 on; letterCount or more for any other character. */
-constexpr unsigned letterOf(unsigned character) noexcept
+/** The place of an ASCII letter in either case, from 0 on; letterCount or more for any other unit. */
+template <typename Unit> constexpr unsigned letterOf(Unit unit) noexcept
 {
-    return (character | 0x20U) - 'a';
+    return (static_cast<unsigned>(unit) | 0x20U) - 'a';
 }
 
 } // namespace kelto

@@ -52,7 +52,7 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
 {
     if (table.formList == nullptr || name.length == 0)
         return nullptr;
-    const unsigned letter = kelto::letterOf(static_cast<unsigned>(name.begin[0]));
+    const unsigned letter = kelto::letterOf(name.begin[0]);
     if (letter >= kelto::letterCount)
         return nullptr;
     KTFormatter *record = table.formList;
@@ -67,7 +67,7 @@ template <typename Unit> KTFormatter *findInTable(const kelto::ConversionName<Un
     {
         if (isSameName(record->name, name))
             return record;
-        if (table.indexed && kelto::letterOf(static_cast<unsigned char>(record->name[0])) != letter)
+        if (table.indexed && kelto::letterOf(record->name[0]) != letter)
             break;
     }
     return nullptr;
