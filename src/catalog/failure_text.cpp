@@ -257,7 +257,9 @@ int KTExplainCatalog(const KTCatalog *catalog, const KTCatalogRequest *request, 
         return KTExplainFailure(catalog->name.get(), result, &catalog->options,
                                 isRequest ? request->arguments : nullptr, isRequest ? request->count : 0, size, text);
     Sentence sentence(text, size, kelto::Beginning::kept);
-    if (catalog == nullptr || request != nullptr || result != KT_ERR_INVALID_PARAMETER)
+    if (catalog == nullptr && isRequest && result == KT_ERR_INVALID_PARAMETER)
+        say(sentence, "there is no format");
+    else if (catalog == nullptr || isRequest || result != KT_ERR_INVALID_PARAMETER)
         say(sentence, KTResultText(result));
     else if (kelto::isCatalogPlace("any", catalog->name.get()))
         say(sentence, "the directory is not empty");

@@ -390,7 +390,12 @@ TEST(Catalog, IsAFormatInThePlaceOfOne)
         EXPECT_EQ(KTExplainCatalog(row.catalog, &request, row.result, &size, line), 0);
         EXPECT_EQ(line, row.why);
     }
-    size_t size = 0;
+    const KTCatalogRequest request = {sizeof request, 1, false, nullptr, 0, arguments, 1};
+    char why[40];
+    size_t size = sizeof why;
+    EXPECT_EQ(KTExplainCatalog(nullptr, &request, KT_ERR_INVALID_PARAMETER, &size, why), 0);
+    EXPECT_STREQ(why, "there is no format");
+    size = 0;
     EXPECT_EQ(KTExplainCatalog(nullptr, nullptr, KT_ERR_NO_MEMORY, &size, nullptr), KT_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(size, std::strlen(KTResultText(KT_ERR_NO_MEMORY)));
     EXPECT_EQ(KTExplainCatalog(catalog, nullptr, 0, nullptr, nullptr), KT_ERR_INVALID_PARAMETER);
