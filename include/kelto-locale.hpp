@@ -24,6 +24,7 @@
 
 #include "kelto-locale.h"
 
+#include <initializer_list>
 #include <mutex>
 #include <vector>
 
@@ -133,20 +134,16 @@ private:
     {
         KTLLanguage *language = nullptr;
         KTLOpenLanguage(name, zone(), &language);
-#if KELTO_HAS_EXCEPTIONS
-        try
-#endif
-        {
+        const auto keep = [&] {
             const std::lock_guard<std::mutex> lock(mutex_);
             languages_.push_back(language);
-        }
-#if KELTO_HAS_EXCEPTIONS
-        catch (...) // no memory: the conversions that all languages have
+            return 0;
+        };
+        if (guarded<KELTO_HAS_EXCEPTIONS>(keep, [] {}) != 0) // no memory: the conversions that all languages have
         {
             KTLCloseLanguage(language);
             language = nullptr;
         }
-#endif
         return KTLFormTable(language);
     }
 
@@ -171,8 +168,10 @@ inline language_conversions locale_conversions(const std::string &time_zone KELT
 {
     auto languages = std::make_shared<detail::open_languages>(time_zone);
     const int result = languages->begin();
-    failure.set(result, {"locale_conversions(\"", time_zone, "\")"},
-                result == KT_ERR_INVALID_PARAMETER ? "there is no such time zone" : KTResultText(result));
+    failure.set(result, [&] {
+        return "kelto::locale_conversions(\"" + time_zone +
+               "\"): " + (result == KT_ERR_INVALID_PARAMETER ? "there is no such time zone" : KTResultText(result));
+    });
     if (result != 0)
         return {};
     return {detail::open_languages::table_of, std::move(languages)};

@@ -1,7 +1,4 @@
-/**
- * @file catalog.hpp
- * Messages by number, in all the languages that a user may be given. Include kelto.hpp.
- */
+/** @file catalog.hpp Messages by number, in all the languages that a user may be given. Include kelto.hpp. */
 #ifndef KELTO_CATALOG_HPP
 #define KELTO_CATALOG_HPP
 
@@ -11,10 +8,7 @@
 namespace kelto
 {
 
-/**
- * The number of a message: an integer, or an enumerator of the program's. One below 0 or above 4294967295 is that of a
- * message that is not there.
- */
+/** The number of a message: an integer or an enumerator. One below 0 or above 4294967295 is that of no message. */
 class message_id
 {
 public:
@@ -44,65 +38,13 @@ private:
     bool isNegative_;
 };
 
-/** Why something was passed over on the way to a text. The texts live during the call that is told of it. */
-struct problem
-{
-    std::string_view catalog;  /**< the name of the catalog */
-    std::string_view language; /**< the language that was passed over; empty for the text in the source */
-    std::string_view file;     /**< its file, or the directory without any; empty for the text in the source */
-    std::uint32_t id;          /**< message_id::value(); 0 where the file as a whole is of no use */
-    std::error_code error;     /**< in error_category() */
-    std::string text;          /**< a sentence for the developer, in English */
-};
-
-/** Gives each language of a catalog conversions of its own; kelto-locale.hpp makes one. */
-struct language_conversions
-{
-    KTConversionsFunction function = nullptr;
-    std::shared_ptr<void> context = {}; /**< handed to it; catalogs keep it for as long as they are open */
-};
-
-/** How a catalog is found, and how its messages are formatted. */
-struct catalog_options : format_options
-{
-    std::string languages = {};         /**< as in KTLanguages(); empty for the user's */
-    std::string source_language = "en"; /**< the language that has its turn behind the user's; empty for none */
-    /**
-     * Told once per message and language what was passed over, in the thread that asked for the message. What it
-     * throws comes out of the call.
-     */
-    callback<void(const problem &)> on_problem = {};
-    language_conversions conversions = {}; /**< behind those of `table` */
-};
-
-namespace detail
-{
-
-template <bool Catches> void tell(void *context, const KTCatalogProblem *told) noexcept
-{
-    if (thrown() != nullptr)
-        *thrown() = nullptr; // while the sentence was made, after what had been thrown was asked for
-    guarded<Catches>([&] {
-        static_cast<const used *>(context)->on_problem({told->catalog, told->language, told->file,
-                                                        message_id(told->id).value(), make_error(told->result),
-                                                        told->text});
-        return 0;
-    });
-}
-
-} // namespace detail
-
-/**
- * Messages by number, in all the languages that a user may be given; see "The ladder" in kelto.h. There is a text
- * for each number, at last "[store 3: report.txt, 12]".
- */
+/** Messages by number. There is a text for each, at last "[store 3: report.txt, 12]"; see "The ladder" in kelto.h. */
 class catalog : detail::text_source<false>
 {
 public:
     /**
-     * Finds the catalogs of the user's languages and of the source language: the files that KTFindCatalog() finds. A
-     * file that is missing, malformed or unreadable is passed over; a catalog without any file gives the texts in the
-     * source.
+     * The catalogs of the user's languages and of the source language: the files that KTFindCatalog() finds. A file
+     * that is missing, malformed or unreadable is passed over; without any file the texts are those in the source.
      * @param name       the name of the catalog, without a '/'.
      * @param directory  the folder that holds a folder per language.
      * @param failure    a std::error_code: set where the library cannot be started, or where name or directory are
@@ -111,38 +53,27 @@ public:
     static catalog find(const std::string &name, const std::string &directory,
                         const catalog_options &options KELTO_OR_THROW, detail::outcome<> failure KELTO_OR_THROW)
     {
-        return opened(options, failure, {"catalog::find(\"", name, "\", \"", directory, "\")"},
-                      [&](auto &given, auto **catalog) {
-                          return KTOpenCatalog(directory.c_str(), name.c_str(), &given, catalog);
-                      });
+        return catalog(options, failure, "find(\"" + name + "\", \"" + directory + '"', KTOpenCatalog,
+                       directory.c_str(), name.c_str());
     }
     static catalog find(const std::string &name, const std::string &directory, std::error_code &failure)
     {
         return find(name, directory, {}, failure);
     }
 
-    /**
-     * One file, "….ktc" or "….xlf", as the only language; failure is set where it cannot be loaded, and the catalog
-     * then gives the texts in the source.
-     */
+    /** One file, "….ktc" or "….xlf", as the only language. After a failure, the texts are those in the source. */
     static catalog load(const std::string &path, const catalog_options &options KELTO_OR_THROW,
                         detail::outcome<> failure KELTO_OR_THROW)
     {
-        return opened(options, failure, {"catalog::load(\"", path, "\")"},
-                      [&](auto &given, auto **catalog) { return KTOpenCatalogFile(path.c_str(), &given, catalog); });
+        return catalog(options, failure, "load(\"" + path + '"', KTOpenCatalogFile, path.c_str());
     }
     static catalog load(const std::string &path, std::error_code &failure) { return load(path, {}, failure); }
 
-    /**
-     * A compiled catalog that is a part of the program, as the only language: see KTLoadCompiledData(). The data is
-     * read during the call.
-     */
+    /** A compiled catalog in the program, as the only language; see KTLoadCompiledData(). Read during the call. */
     static catalog embedded(const std::string &name, const void *data, std::size_t size,
                             const catalog_options &options KELTO_OR_THROW, detail::outcome<> failure KELTO_OR_THROW)
     {
-        return opened(options, failure, {"catalog::embedded(\"", name, "\")"}, [&](auto &given, auto **catalog) {
-            return KTOpenCatalogData(name.c_str(), data, size, &given, catalog);
-        });
+        return catalog(options, failure, "embedded(\"" + name + '"', KTOpenCatalogData, name.c_str(), data, size);
     }
     static catalog embedded(const std::string &name, const void *data, std::size_t size, std::error_code &failure)
     {
@@ -152,23 +83,26 @@ public:
     /* In front of the arguments a text in the source may stand: KELTO_DEFAULT("…") or unchecked("…"). */
 
     /** The text of a message. */
-    std::string format(message_id id) const { return make<char>(ask(id, {}, detail::argument_list())); }
+    std::string format(message_id id) const { return make_of<>(id, {}); }
     template <class First, class... Others>
-    __attribute__((always_inline)) std::string format(message_id id, const First &first, const Others &...others) const
+    KELTO_IN_PLACE std::string format(message_id id, const First &first, const Others &...others) const
         KELTO_WARN_OF_FORGOTTEN(first)
     {
-        detail::look_at_first(first);
         if constexpr (detail::is_source_text<First>)
             return make_of<detail::passed<Others>...>(id, first.chosen(others...), others...);
         else
+        {
+            const bool isForgotten = detail::is_forgotten(first);
+            if (__builtin_constant_p(isForgotten) && isForgotten)
+                detail::forgotten_default();
             return make_of<detail::passed<First>, detail::passed<Others>...>(id, {}, first, others...);
+        }
     }
 
     /** The text of a message in UTF-16. */
     template <class... Arguments> std::u16string format_utf16(message_id id, const Arguments &...arguments) const
     {
-        return make<char16_t>(
-            ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
+        return ask([&](auto &request) { return make<char16_t>(request); }, id, arguments...);
     }
 
     /**
@@ -178,8 +112,8 @@ public:
     template <class Output, class... Arguments>
     decltype(auto) format_to(Output &&out, message_id id, const Arguments &...arguments) const
     {
-        return put(std::forward<Output>(out),
-                   ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
+        return ask([&](auto &request) -> decltype(auto) { return put(std::forward<Output>(out), request); }, id,
+                   arguments...);
     }
 
     /** Writes at most so many bytes of the text, in whole characters and not terminated, behind an output iterator. */
@@ -187,18 +121,16 @@ public:
     format_to_n_result<Output> format_to_n(Output out, std::size_t most, message_id id,
                                            const Arguments &...arguments) const
     {
-        return put_n(out, most,
-                     ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
+        return ask([&](auto &request) { return put_n(out, most, request); }, id, arguments...);
     }
 
     /** The bytes of the text. */
     template <class... Arguments> std::size_t formatted_size(message_id id, const Arguments &...arguments) const
     {
-        return measure(ask(id, detail::source_of(arguments...), detail::argument_list(detail::hold(arguments)...)));
+        return ask([&](auto &request) { return written<char>(request).view().size(); }, id, arguments...);
     }
 
-    /** A message as it stands in the first language that has it; empty where none has. It lives as long as the catalog.
-     */
+    /** A message as it stands in the first language that has it, while the catalog lives; empty where none has. */
     std::string_view text(message_id id) const KELTO_POINTED_INTO
     {
         const char *const found = KTCatalogText(catalog_.get(), static_cast<std::int64_t>(id.bits_));
@@ -212,37 +144,38 @@ public:
     const KTCatalog *get() const noexcept { return catalog_.get(); }
 
 private:
-    catalog() = default;
-
-    template <class Open, bool Catches = KELTO_HAS_EXCEPTIONS>
-    static catalog opened(const catalog_options &options, detail::outcome<> failure,
-                          std::initializer_list<std::string_view> what, const Open &call)
+    /** @param call  what an error calls the opening. */
+    template <class... Opening>
+    catalog(const catalog_options &options, detail::outcome<> failure, const std::string &call, Opening... opening)
     {
-        KTCatalogOptions given = {};
-        given.languages = options.languages.empty() ? nullptr : options.languages.c_str();
-        given.sourceLanguage = options.source_language.c_str();
-        given.conversions = options.conversions.function;
-        given.conversionsContext = options.conversions.context.get();
-        given.onProblem = options.on_problem ? detail::tell<Catches> : nullptr;
-        catalog made;
-        const int result = made.open(options, given, {nullptr, options.conversions.context, options.on_problem}, call);
-        failure.set(result, what, result != 0 ? made.explain(result, nullptr).c_str() : "");
-        return made;
+        const int result = open(options, opening...);
+        failure.set(result, [&] { return "kelto::catalog::" + call + "): " + explain(result, nullptr); });
     }
 
-    template <class List>
-    static detail::text_request ask(message_id id, std::string_view source, const List &list) noexcept
+    /** Has a call made with the request for a message. */
+    template <class Call, class First = unchecked_text, class... Others>
+    static decltype(auto) ask(const Call &call, message_id id, const First &first = unchecked({}),
+                              const Others &...others)
     {
-        return {{sizeof(KTCatalogRequest), static_cast<std::int64_t>(id.bits_), !id.isNegative_, source.data(),
-                 source.size(), list.arguments, list.count},
-                nullptr};
+        if constexpr (detail::is_source_text<First>)
+            return ask_with(call, id, first.chosen(others...), others...);
+        else
+            return ask_with(call, id, {}, first, others...);
+    }
+    template <class Call, class... Arguments>
+    static decltype(auto) ask_with(const Call &call, message_id id, std::string_view source,
+                                   const Arguments &...arguments)
+    {
+        return text_source::ask(
+            {0, static_cast<std::int64_t>(id.bits_), !id.isNegative_, source.data(), source.size(), nullptr, 0}, {},
+            call, arguments...);
     }
 
     /** One function for all calls with arguments of the same types, so that each call compiles to little. */
     template <class... Arguments>
     KELTO_OUT_OF_LINE std::string make_of(message_id id, std::string_view source, Arguments... arguments) const
     {
-        return make<char>(ask(id, source, detail::argument_list(detail::hold(arguments)...)));
+        return ask_with([&](auto &request) { return make<char>(request); }, id, source, arguments...);
     }
 };
 

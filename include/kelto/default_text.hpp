@@ -1,34 +1,26 @@
-/**
- * @file default_text.hpp
- * Texts in the source, checked while they are compiled. Include kelto.hpp.
- */
+/** @file default_text.hpp Texts in the source, checked while they are compiled. Include kelto.hpp. */
 #ifndef KELTO_DEFAULT_TEXT_HPP
 #define KELTO_DEFAULT_TEXT_HPP
 
 #include "argument.hpp"
 
-#include <climits>
 #include <tuple>
 
 namespace kelto
 {
 
+struct unchecked_text;
+
 namespace detail
 {
 
-struct slot
-{
-    unsigned code; // KTSlotCode
-    unsigned position;
-};
-
 /**
- * Conversions of the built-in table and of the add-on, the slot that they take without a modifier, and a second slot.
- * All programs know those of the add-on: if a header brought them, one text would have two meanings.
+ * Conversions of the built-in table and of the add-on, the KTSlotCode that they take without a modifier, and a second
+ * one. All programs know those of the add-on: if a header brought them, one text would have two meanings.
  */
 struct built_in
 {
-    std::string_view names;
+    std::string_view names; // each between blanks
     unsigned code, then = 0;
 };
 constexpr built_in built_ins[] = {
@@ -45,6 +37,14 @@ constexpr built_in built_ins[] = {
     {" N O ", 0}, // the markers take nothing
 };
 
+constexpr bool is_among(std::string_view names, std::string_view name) noexcept
+{
+    for (std::size_t at = names.find(name); at < names.size(); at = names.find(name, at + 1))
+        if (at > 0 && names[at - 1] == ' ' && name.find(' ') > name.size() && names[at + name.size()] == ' ')
+            return true;
+    return false;
+}
+
 /** The slot of a conversion behind a modifier, which changes the size of what it takes. */
 constexpr unsigned slot_behind(char modifier, unsigned code) noexcept
 {
@@ -53,19 +53,8 @@ constexpr unsigned slot_behind(char modifier, unsigned code) noexcept
         return (modifier == 'h' ? KT_SLOT_INT16 : KT_SLOT_INT64) + (code - KT_SLOT_INT16) % 2;
     if (code == KT_SLOT_DOUBLE && modifier == 'L')
         return KT_SLOT_LONG_DOUBLE;
-    return code == KT_SLOT_CHAR && modifier == 'l' ? static_cast<unsigned>(KT_SLOT_UNIT) : code;
+    return code == KT_SLOT_CHAR && modifier == 'l' ? unsigned{KT_SLOT_UNIT} : code;
 }
-
-/** Whether a name is one of some, each between blanks. */
-constexpr bool is_among(std::string_view names, std::string_view name) noexcept
-{
-    std::size_t at = name.empty() || name.find(' ') != name.npos ? names.npos : names.find(name);
-    while (at != names.npos && (names[at - 1] != ' ' || names[at + name.size()] != ' '))
-        at = names.find(name, at + 1);
-    return at != names.npos;
-}
-
-/* The texts are read as the library reads them, up to their zero. */
 
 /** A conversion of a text in the source, or the rule that it breaks. */
 struct source_conversion
@@ -76,14 +65,16 @@ struct source_conversion
     unsigned code = 0, then = 0; // of the slot of the value, and of a second one; 0 for none
 };
 
-constexpr std::uint64_t too_large = std::uint64_t{INT_MAX} + 1;
+/* The texts are read as the library reads them, up to their zero. */
 
 constexpr const char *skip(const char *at, std::string_view characters) noexcept
 {
-    while (*at != '\0' && characters.find(*at) != characters.npos)
+    while (*at != '\0' && characters.find(*at) < characters.size())
         ++at;
     return at;
 }
+
+constexpr std::uint64_t too_large = std::uint64_t{INT32_MAX} + 1;
 
 /** Takes a number, 0 where there is none, and at most too_large, which no int holds. */
 constexpr std::uint64_t take_number(const char *&at) noexcept
@@ -103,119 +94,93 @@ constexpr std::uint64_t take_size(const char *&at, unsigned &stars) noexcept
     return ++at, 0;
 }
 
-/** Takes what stands behind a percent sign. @return the rule that it breaks. */
-constexpr int take_parts(const char *&at, source_conversion &into) noexcept
+/** Takes the conversion that begins with a percent sign, up to what is wrong. @param size  of the whole text. */
+constexpr source_conversion take_conversion(const char *&at, std::size_t size) noexcept
 {
-    at = skip(at, "-+ #0");
-    if (take_size(at, into.stars) == too_large || (*at == '.' && take_size(++at, into.stars) == too_large))
-        return KT_RULE_NUMBER_TOO_LARGE;
+    at = skip(at + 1, "-+ #0");
+    const char *end = at; // where its author will have meant it to end
+    while (*end != '\0' && end == skip(end, "% \t\r\n[]"))
+        ++end;
+    unsigned stars = 0;
+    if (take_size(at, stars) == too_large || (*at == '.' && take_size(++at, stars) == too_large))
+        return {KT_RULE_NUMBER_TOO_LARGE};
     const char modifier = at != skip(at, "hlL!") ? *at++ : '\0';
     const char *const begin = at;
     while (static_cast<signed char>(*at) > 0 && *at != '[' && at - begin != 19)
         ++at;
     const std::string_view name(begin, static_cast<std::size_t>(at - begin));
-    if (*at != '[')
-        return *at == '\0'                         ? KT_RULE_POSITION_MISSING
-               : static_cast<signed char>(*at) < 0 ? KT_RULE_NAME_NOT_ASCII
-                                                   : KT_RULE_NAME_TOO_LONG;
-    const std::uint64_t position = take_number(++at);
-    if (position == too_large)
-        return KT_RULE_NUMBER_TOO_LARGE;
-    if (position == 0 || *at++ != ']')
-        return KT_RULE_POSITION_MALFORMED;
-    into.position = static_cast<unsigned>(position);
-    for (const built_in &row : built_ins)
-        if (name != "l" && is_among(row.names, name.empty() && modifier == 'l' ? "l" : name))
-        {
-            into.then = row.then;
-            into.code = slot_behind(modifier, row.code);
-            return KT_RULE_NONE;
-        }
-    return KT_RULE_UNKNOWN_CONVERSION;
+    int rule = KT_RULE_UNKNOWN_CONVERSION;
+    if (*at == '[')
+    {
+        const std::uint64_t position = take_number(++at);
+        if (position == too_large)
+            return {KT_RULE_NUMBER_TOO_LARGE};
+        if (position == 0 || *at++ != ']')
+            rule = KT_RULE_POSITION_MALFORMED;
+        else
+            for (const built_in &row : built_ins)
+                if (name != "l" && is_among(row.names, name.empty() && modifier == 'l' ? "l" : name))
+                    return {position > 1000 && position > size ? KT_RULE_NUMBER_TOO_LARGE : KT_RULE_NONE,
+                            static_cast<unsigned>(position), row.code != 0 ? stars : 0U,
+                            slot_behind(modifier, row.code), row.then};
+    }
+    return {*end == '[' ? rule : int{KT_RULE_POSITION_MISSING}};
 }
 
-/** Takes the conversion that begins with a percent sign. @param size  of the whole text. */
-constexpr source_conversion take_conversion(const char *&at, std::size_t size) noexcept
-{
-    const char *end = skip(at + 1, "-+ #0");
-    source_conversion found;
-    found.rule = take_parts(++at, found);
-    if (found.rule == KT_RULE_NONE && found.position > 1000 && found.position > size)
-        found.rule = KT_RULE_NUMBER_TOO_LARGE;
-    if (found.rule == KT_RULE_NONE || found.rule == KT_RULE_NUMBER_TOO_LARGE)
-        return found;
-    // Without a '[' before the place where its author will have meant it to end, the position is missing.
-    while (*end != '\0' && end == skip(end, "% \t\r\n[]"))
-        ++end;
-    return {*end == '[' ? found.rule : static_cast<int>(KT_RULE_POSITION_MISSING)};
-}
-
-constexpr std::size_t percent_signs(std::string_view text) noexcept
-{
-    std::size_t count = 0;
-    for (const char c : text)
-        count += c == '%' ? 1 : 0;
-    return count;
-}
-
-/** The slots of a text of at most `Capacity` percent signs, in the order of the arguments, or the first rule that it
- * breaks. */
+/** The slots of a text in the order of the arguments, or the first rule that it breaks. */
 template <std::size_t Capacity> struct parsed_text
 {
     constexpr explicit parsed_text(const char *text) noexcept
     {
         source_conversion all[Capacity + 1] = {};
         std::size_t count = 0;
-        bool isRepeated = false;
-        for (const char *at = text; *at != '\0' && rule == KT_RULE_NONE;)
-        {
+        const char *at = text;
+        while (*at != '\0' && rule == KT_RULE_NONE)
             if (*at != '%' || at[1] == '%')
-            {
                 at += *at == '%' ? 2 : 1;
-                continue;
+            else
+            {
+                const source_conversion found = take_conversion(at, std::string_view(text).size());
+                std::size_t i = count++;
+                for (; i > 0 && all[i - 1].position > found.position; --i)
+                    all[i] = all[i - 1];
+                all[i] = found;
+                rule = found.rule;
             }
-            all[count] = take_conversion(at, std::string_view(text).size());
-            rule = all[count].rule;
-            for (std::size_t i = 0; i < count; ++i)
-                isRepeated = isRepeated || all[i].position == all[count].position;
-            ++count;
-        }
-        if (rule == KT_RULE_NONE && isRepeated)
-            rule = KT_RULE_POSITION_REPEATED;
-        for (unsigned position = 1; position <= count && rule == KT_RULE_NONE; ++position)
+        for (std::size_t i = 1; i < count && rule == KT_RULE_NONE; ++i)
+            if (all[i].position == all[i - 1].position)
+                rule = KT_RULE_POSITION_REPEATED;
+        if (rule == KT_RULE_NONE && count != 0 && all[count - 1].position != count)
+            rule = KT_RULE_POSITION_GAP;
+        for (std::size_t i = 0; i < count && rule == KT_RULE_NONE; ++i)
         {
-            std::size_t i = 0;
-            while (i < count && all[i].position != position)
-                ++i;
-            if (i == count)
-                rule = KT_RULE_POSITION_GAP;
-            for (unsigned star = 0; star < all[i].stars && all[i].code != 0; ++star)
-                slot_at[slot_count++] = {KT_SLOT_INT32, position};
+            for (unsigned star = 0; star < all[i].stars; ++star)
+                slot_at[slot_count++] = {KT_SLOT_INT32, all[i].position, 0};
             for (const unsigned code : {all[i].code, all[i].then})
                 if (code != 0)
-                    slot_at[slot_count++] = {code, position};
+                    slot_at[slot_count++] = {code, all[i].position, 0};
         }
-        slot_count = rule == KT_RULE_NONE ? slot_count : 0;
     }
 
     int rule = KT_RULE_NONE;
     std::size_t slot_count = 0;
-    slot slot_at[4 * Capacity + 1] = {};
+    KTSlot slot_at[4 * Capacity + 1] = {};
 };
 
 /** Fails to compile where an argument does not fit; what the compiler prints names position, slot and type. */
 template <unsigned Position, KTSlotCode Slot, class Argument, class Text> struct argument_at_position
 {
-    static constexpr shape passed = shape_of<Argument>();
+    static constexpr unsigned passed = slot_of<Argument>();
+    static constexpr bool is_signed = passed % 2 != 0;
     static constexpr bool is_right = fits(Slot, passed);
     static constexpr bool is_right_but_for_the_sign =
-        !is_right && passed.kind == category::integer && fits(Slot, {passed.kind, passed.bytes, !passed.is_signed});
+        !is_right && passed <= KT_SLOT_UINT64 && fits(Slot, is_signed ? passed + 1 : passed - 1);
     static_assert(
-        !is_right_but_for_the_sign || passed.is_signed,
+        !is_right_but_for_the_sign || is_signed,
         "kelto: the conversion at this position takes another type than the argument that is passed for it: it "
         "is for signed integers, and this one is unsigned");
     static_assert(
-        !is_right_but_for_the_sign || !passed.is_signed,
+        !is_right_but_for_the_sign || !is_signed,
         "kelto: the conversion at this position takes another type than the argument that is passed for it: it "
         "is for unsigned integers, and this one is signed");
     static_assert(is_right || is_right_but_for_the_sign,
@@ -223,63 +188,30 @@ template <unsigned Position, KTSlotCode Slot, class Argument, class Text> struct
                   "\"%!d\" and \"%!u\" take 64 bits, \"%hd\" and \"%hu\" 16");
 };
 
-template <class Text> struct parsed_default
-{
-    static constexpr std::string_view text = Text::get();
-    static constexpr auto value = parsed_text<percent_signs(text)>(text.data());
-};
-
-template <class...> struct types
-{
-};
-template <class... First, class... Second>
-constexpr types<First..., Second...> operator+(types<First...>, types<Second...>) noexcept
-{
-    return {};
-}
-
-/** The types that an argument goes over as: of a pair both, and those of what these are made of. */
-template <class T, class As = T> constexpr auto types_of() noexcept
-{
-    using bare = std::decay_t<const As>;
-    if constexpr (is_pair<bare>)
-        return types_of<typename bare::first_type>() + types_of<typename bare::second_type>();
-    else if constexpr (category_of<bare>() == category::made)
-        return types_of<T, made<bare>>();
-    else
-        return types<std::decay_t<const T>>();
-}
-
-template <class Text, class... Arguments, std::size_t... Index>
-constexpr void check_each(types<Arguments...>, std::index_sequence<Index...>) noexcept
-{
-    constexpr auto &at = parsed_default<Text>::value.slot_at;
-    if constexpr (!(fits(at[Index].code, shape_of<Arguments>()) && ...))
-        static_cast<void>(
-            (sizeof(argument_at_position<at[Index].position, KTSlotCode(at[Index].code), Arguments, Text>) + ...));
-}
-
 /** Compares a text with the types of a call's arguments; all faults stop the compilation. */
-template <class Text, class... Arguments> constexpr void check_default(types<Arguments...> all) noexcept
+template <class Text, class... Arguments, std::size_t... Index>
+constexpr void check_default(types<Arguments...>, std::index_sequence<Index...>) noexcept
 {
-    using parsed = parsed_default<Text>;
-    constexpr int rule = parsed::value.rule;
+    constexpr auto &parsed = Text::parsed;
+    constexpr int rule = parsed.rule;
     static_assert(rule != KT_RULE_POSITION_MISSING,
                   "kelto: a conversion of this text lacks its position, as in \"%s[1]\"; a percent sign is \"%%\"");
     static_assert(rule != KT_RULE_POSITION_MALFORMED,
                   "kelto: a position of this text is malformed; it is a number from 1 on in brackets, as in \"%s[1]\"");
     static_assert(rule != KT_RULE_NUMBER_TOO_LARGE, "kelto: a width, precision or position of this text is too large");
-    static_assert(rule != KT_RULE_NAME_TOO_LONG && rule != KT_RULE_NAME_NOT_ASCII && rule != KT_RULE_UNKNOWN_CONVERSION,
+    static_assert(rule != KT_RULE_UNKNOWN_CONVERSION,
                   "kelto: this text has a conversion that the built-in table does not know; for one of your own pass "
                   "kelto::unchecked(\"...\") in place of KELTO_DEFAULT");
     static_assert(rule != KT_RULE_POSITION_REPEATED, "kelto: a position is used twice in this text");
     static_assert(rule != KT_RULE_POSITION_GAP,
                   "kelto: the positions of this text are not 1, 2, 3 and so on; one is left out");
-    constexpr std::size_t wanted = rule == KT_RULE_NONE ? parsed::value.slot_count : sizeof...(Arguments);
+    constexpr std::size_t wanted = rule == KT_RULE_NONE ? parsed.slot_count : sizeof...(Arguments);
     static_assert(wanted <= sizeof...(Arguments), "kelto: this text takes more arguments than the call passes");
     static_assert(wanted >= sizeof...(Arguments), "kelto: the call passes more arguments than this text takes");
     if constexpr (rule == KT_RULE_NONE && wanted == sizeof...(Arguments))
-        check_each<Text>(all, std::index_sequence_for<Arguments...>());
+        if constexpr (constexpr auto &at = parsed.slot_at; !(fits(at[Index].code, slot_of<Arguments>()) && ...))
+            static_cast<void>(
+                (sizeof(argument_at_position<at[Index].position, KTSlotCode(at[Index].code), Arguments, Text>) + ...));
 }
 
 /** The text of a literal. KELTO_DEFAULT makes its expansion depend on a type: on this one. */
@@ -288,18 +220,13 @@ struct spelt_text
     /** Whether a text is one, by how it is spelt. */
     static constexpr bool is_literal(const char *text) noexcept
     {
-#if !defined(__cpp_char8_t)
-        if (text[0] == 'u' && text[1] == '8') // still of chars
+        if (std::is_same_v<char8, char> && text[0] == 'u' && text[1] == '8')
             text += 2;
-#endif
         return text[0] == '"' || (text[0] == 'R' && text[1] == '"');
     }
 
     static constexpr bool is_variable = false;
-    constexpr std::string_view operator()(spelt_text) const noexcept
-    {
-        return text;
-    }
+    constexpr std::string_view operator()(spelt_text) const noexcept { return text; }
     std::string_view text;
 };
 constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) noexcept
@@ -307,7 +234,7 @@ constexpr spelt_text operator""_kelto_text(const char *text, std::size_t size) n
     return {{text, size}};
 }
 
-/** Whether the argument of a position is exactly 1; it fails to compile where that is no integer. */
+/** Whether the argument of a position is exactly 1. */
 template <unsigned Position, class... Arguments> constexpr bool is_one(const Arguments &...arguments) noexcept
 {
     constexpr bool isThere = Position >= 1 && Position <= sizeof...(Arguments);
@@ -324,33 +251,91 @@ template <unsigned Position, class... Arguments> constexpr bool is_one(const Arg
     return false;
 }
 
+struct any_source_text
+{
+};
+template <class T> constexpr bool is_source_text = std::is_base_of_v<any_source_text, T>;
+
+/** Any of the texts below, for a call with such arguments. */
+template <class... Arguments> struct source_text : any_source_text
+{
+    template <class Source, class = std::enable_if_t<is_source_text<Source>>>
+    constexpr source_text([[maybe_unused]] const Source &source) noexcept
+    {
+        if constexpr (std::is_same_v<Source, unchecked_text>)
+            text = source.text;
+        else
+            choose = Source::template chosen<Arguments...>;
+    }
+    constexpr std::string_view chosen(const Arguments &...arguments) const noexcept
+    {
+        return choose != nullptr ? choose(arguments...) : text;
+    }
+    std::string_view (*choose)(const Arguments &...) noexcept = nullptr;
+    std::string_view text = {};
+};
+
+/** Whether a first argument is a literal with conversions, whose author forgot KELTO_DEFAULT. */
+template <class First> constexpr bool is_forgotten(const First &) noexcept
+{
+    return false;
+}
+KELTO_IN_PLACE constexpr bool is_forgotten(const char *first) noexcept
+{
+    const char *const sign = first != nullptr ? __builtin_strchr(first, '%') : nullptr;
+    const char *const position = sign != nullptr ? __builtin_strchr(sign, '[') : nullptr;
+    return position != nullptr && position[1] >= '1' && position[1] <= '9' && position[2] == ']';
+}
+
+#define KELTO_FORGOTTEN                                                                                                \
+    "kelto: the first argument looks like a text in the source, which stands in KELTO_DEFAULT(\"...\") or "            \
+    "kelto::unchecked(\"...\")"
+#if defined(__clang__)
+#define KELTO_WARN_OF_FORGOTTEN(first)                                                                                 \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")                              \
+        __attribute__((diagnose_if(kelto::detail::is_forgotten(first), KELTO_FORGOTTEN, "warning")))                   \
+        _Pragma("clang diagnostic pop")
+#define KELTO_WARNING_OF_CALLS
+#else
+#define KELTO_WARN_OF_FORGOTTEN(first)
+#define KELTO_WARNING_OF_CALLS __attribute__((noinline, cold, warning(KELTO_FORGOTTEN)))
+#endif
+
+/** Called where that is so, since gcc says it of calls, in programs that it optimises. */
+KELTO_WARNING_OF_CALLS inline void forgotten_default() noexcept
+{
+    asm volatile(""); // so that the call is one
+}
+
 } // namespace detail
 
 /* Each kind of a text in the source has a function `chosen`, which compares it with the arguments, and gives it. */
 
 /** The text of a message in the source; made by KELTO_DEFAULT. */
-template <class Text> struct default_text : detail::no_argument
+template <class Text> struct default_text : detail::any_source_text
 {
+    static constexpr std::string_view text = Text::get();
+    static constexpr auto parsed = detail::parsed_text<text.size() / 5>(text.data()); // "%d[1]"
     template <class... Arguments> static constexpr std::string_view chosen(const Arguments &...) noexcept
     {
-        detail::check_default<Text>((detail::types<>() + ... + detail::types_of<Arguments>()));
-        return detail::parsed_default<Text>::text;
+        using all = detail::types_of_all<Arguments...>;
+        detail::check_default<default_text>(all(), std::make_index_sequence<all::count>());
+        return text;
     }
 };
 
 /** The two texts of a message in the source, for exactly 1 and for any other number; made by KELTO_PLURAL. */
-template <unsigned Position, class One, class Other> struct plural_text : detail::no_argument
+template <unsigned Position, class One, class Other> struct plural_text : detail::any_source_text
 {
+    constexpr plural_text(std::integral_constant<unsigned, Position>, One, Other) noexcept {}
     template <class... Arguments> static constexpr std::string_view chosen(const Arguments &...arguments) noexcept
     {
-        const std::string_view one = default_text<One>::chosen(arguments...);
-        const std::string_view other = default_text<Other>::chosen(arguments...);
-        return detail::is_one<Position>(arguments...) ? one : other;
+        return detail::is_one<Position>(arguments...) ? One::chosen(arguments...) : Other::chosen(arguments...);
     }
 };
 
 /** A text of the source that is compared with its arguments when it is used; see unchecked(). */
-struct unchecked_text : detail::no_argument
+struct unchecked_text : detail::any_source_text
 {
     constexpr explicit unchecked_text(std::string_view from) noexcept : text(from) {}
     template <class... Arguments> constexpr std::string_view chosen(const Arguments &...) const noexcept
@@ -368,85 +353,6 @@ struct unchecked_text : detail::no_argument
 {
     return unchecked_text(text);
 }
-
-namespace detail
-{
-
-/** Any of these for a call with such arguments. */
-template <class... Arguments> class source_text : public no_argument
-{
-public:
-    constexpr source_text(unchecked_text source) noexcept : text_(source.text) {}
-    template <class Source, class = std::enable_if_t<std::is_empty_v<Source> && std::is_base_of_v<no_argument, Source>>>
-    constexpr source_text(Source) noexcept : choose_(Source::template chosen<Arguments...>)
-    {
-    }
-
-    constexpr std::string_view chosen(const Arguments &...arguments) const noexcept
-    {
-        return choose_ != nullptr ? choose_(arguments...) : text_;
-    }
-
-private:
-    std::string_view text_;
-    std::string_view (*choose_)(const Arguments &...) noexcept = nullptr;
-};
-
-template <class T> constexpr bool is_source_text = std::is_base_of_v<no_argument, T>;
-
-/** The text in the source that stands in front of the arguments; a view without data where none does. */
-constexpr std::string_view source_of() noexcept
-{
-    return {};
-}
-template <class First, class... Arguments>
-constexpr std::string_view source_of(const First &first, const Arguments &...arguments) noexcept
-{
-    if constexpr (is_source_text<First>)
-        return first.chosen(arguments...);
-    else
-        return {};
-}
-
-#define KELTO_FORGOTTEN                                                                                                \
-    "kelto: the first argument looks like a text in the source, which stands in KELTO_DEFAULT(\"...\") or "            \
-    "kelto::unchecked(\"...\")"
-#if defined(__clang__)
-/** Whether a literal that is passed as the first argument is a format, whose author forgot KELTO_DEFAULT. */
-template <class First> constexpr bool looks_like_default(const First &first) noexcept
-{
-    std::string_view text;
-    if constexpr (std::is_array_v<First> && std::is_same_v<std::remove_extent_t<First>, char>)
-        text = std::string_view(first, sizeof first - 1);
-    return text.find('%') < text.find("[1]") && text.find("[1]") != std::string_view::npos;
-}
-
-#define KELTO_WARN_OF_FORGOTTEN(first)                                                                                 \
-    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")                              \
-        __attribute__((diagnose_if(kelto::detail::looks_like_default(first), KELTO_FORGOTTEN, "warning")))             \
-        _Pragma("clang diagnostic pop")
-#else
-#define KELTO_WARN_OF_FORGOTTEN(first)
-/** The compiler says it of a call of this, in a program that is optimised. */
-__attribute__((noinline, cold, warning(KELTO_FORGOTTEN))) inline void forgotten_default() noexcept
-{
-    asm volatile(""); // so that the call is one
-}
-#endif
-
-/** Looks at the first argument of a call without a text in the source, in the place of the call itself. */
-template <class First>
-__attribute__((always_inline, artificial)) inline void look_at_first([[maybe_unused]] const First &first) noexcept
-{
-#if !defined(__clang__)
-    if constexpr (std::is_same_v<std::decay_t<const First>, const char *>)
-        if (__builtin_constant_p(__builtin_strstr(first, "[1]") && __builtin_strchr(first, '%')) &&
-            __builtin_strstr(first, "[1]") && __builtin_strchr(first, '%'))
-            forgotten_default();
-#endif
-}
-
-} // namespace detail
 
 /** What KELTO_DEFAULT, KELTO_PLURAL and unchecked() give, for functions around format() with these arguments. */
 template <class... Arguments> using source_text_for = std::enable_if_t<true, detail::source_text<Arguments...>>;
@@ -482,13 +388,6 @@ template <class... Arguments> using source_text_for = std::enable_if_t<true, det
         }                                                                                                              \
     }(kelto::detail::spelt_text()))
 
-/** Two texts in the source as one; see KELTO_PLURAL. */
-template <unsigned Position, class One, class Other>
-constexpr plural_text<Position, One, Other> choose_by(default_text<One>, default_text<Other>) noexcept
-{
-    return {};
-}
-
 /**
  * Two texts in the source in place of one, for programs without a file: the first where the argument of this number, an
  * integer, is exactly 1, the second for any other. Both are looked at while they are compiled. What a message file says
@@ -496,7 +395,8 @@ constexpr plural_text<Position, One, Other> choose_by(default_text<One>, default
  *
  *     store.format(12, KELTO_PLURAL(1, "%d[1] file", "%d[1] files"), count)
  */
-#define KELTO_PLURAL(position, one, other) kelto::choose_by<position>(KELTO_DEFAULT(one), KELTO_DEFAULT(other))
+#define KELTO_PLURAL(position, one, other)                                                                             \
+    kelto::plural_text(std::integral_constant<unsigned, position>(), KELTO_DEFAULT(one), KELTO_DEFAULT(other))
 
 } // namespace kelto
 

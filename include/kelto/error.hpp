@@ -1,7 +1,4 @@
-/**
- * @file error.hpp
- * What the other headers stand on: errors, functions of the program's, and the use of the library. Include kelto.hpp.
- */
+/** @file error.hpp Errors, functions of the program's, and the use of the library. Include kelto.hpp. */
 #ifndef KELTO_ERROR_HPP
 #define KELTO_ERROR_HPP
 
@@ -15,7 +12,6 @@
 #pragma GCC diagnostic pop
 
 #include <cstddef>
-#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -33,18 +29,12 @@
 #define KELTO_OR_THROW
 #endif
 
-/** For what is kept out of the calls, so that each call compiles fast and to little code. */
-#define KELTO_OUT_OF_LINE __attribute__((noinline))
-
-/** For what runs once per message or never: small rather than fast, and quicker to compile. */
-#define KELTO_SELDOM __attribute__((noinline, cold))
-
-/** One in a process, whatever the visibility that the program is compiled with. */
-#define KELTO_SHARED __attribute__((visibility("default")))
-
-/** For a parameter into which the returned value points. */
+#define KELTO_OUT_OF_LINE __attribute__((noinline))          // so that each call compiles fast and to little code
+#define KELTO_IN_PLACE inline __attribute__((always_inline)) // what makes no code by itself
+#define KELTO_SELDOM __attribute__((noinline, cold))         // for what runs once per message or never
+#define KELTO_SHARED __attribute__((visibility("default")))  // one in a process, whatever its visibility is
 #if defined(__clang__)
-#define KELTO_POINTED_INTO [[clang::lifetimebound]]
+#define KELTO_POINTED_INTO [[clang::lifetimebound]] // for a parameter into which the returned value points
 #else
 #define KELTO_POINTED_INTO
 #endif
@@ -85,27 +75,20 @@ private:
     Result (*call_)(void *, Arguments...) = nullptr;
 };
 
-namespace detail
-{
-
-class KELTO_SHARED result_category final : public std::error_category
-{
-public:
-    const char *name() const noexcept override { return "kelto"; }
-    std::string message(int result) const override { return KTResultText(result); }
-    std::error_condition default_error_condition(int result) const noexcept override
-    {
-        const int same = KTResultErrno(result);
-        return same != 0 ? std::error_condition(same, std::generic_category()) : std::error_condition(result, *this);
-    }
-};
-
-} // namespace detail
-
 /** The category of the library's results, which are its values: kelto::make_error(KT_ERR_BAD_MSG_FILE). */
 KELTO_SHARED inline const std::error_category &error_category() noexcept
 {
-    static const detail::result_category category;
+    static const class result_category final : public std::error_category
+    {
+        const char *name() const noexcept override { return "kelto"; }
+        std::string message(int result) const override { return KTResultText(result); }
+        std::error_condition default_error_condition(int result) const noexcept override
+        {
+            const int same = KTResultErrno(result);
+            return same != 0 ? std::error_condition(same, std::generic_category())
+                             : std::error_condition(result, *this);
+        }
+    } category;
     return category;
 }
 
@@ -149,39 +132,43 @@ public:
     outcome(std::error_code &failure) noexcept : failure_(&failure) {}
     outcome() noexcept = default;
 
-    /** Says a result of the function whose call stands in the parts, and why it is that. */
-    void set(int result, [[maybe_unused]] std::initializer_list<std::string_view> parts,
-             [[maybe_unused]] const char *why) const
+    /** Tells a result. @param what  makes the text of an error that is thrown. */
+    template <class What> void set(int result, [[maybe_unused]] const What &what) const
     {
-#if KELTO_HAS_EXCEPTIONS
-        if (failure_ == nullptr && result != 0)
-        {
-            std::string what = "kelto::";
-            for (const std::string_view part : parts)
-                what += part;
-            throw told_error{make_error(result), what + ": " + why};
-        }
-#endif
         if (failure_ != nullptr)
             *failure_ = make_error(result);
+#if KELTO_HAS_EXCEPTIONS
+        else if (result != 0)
+            throw told_error{make_error(result), what()};
+#endif
     }
 
 private:
     std::error_code *failure_ = nullptr;
 };
 
-/** Frees a handle of the C interface by its function. */
-template <auto Free> struct freed_by
+/** Calls a function of the program, and `caught` while it handles what that throws. The parameter: see outcome. */
+template <bool Catches, class Function, class Caught>
+int guarded(const Function &function, [[maybe_unused]] const Caught &caught) noexcept
 {
-    template <class Handle> void operator()(Handle *handle) const noexcept { Free(handle); }
-};
+#if KELTO_HAS_EXCEPTIONS
+    try
+    {
+        return function();
+    }
+    catch (...)
+    {
+        caught();
+        return KT_ERR_CONVERSION_FAILED;
+    }
+#else
+    return function();
+#endif
+}
 
 } // namespace detail
 
-/**
- * Starts the library, and ends this use of it with the object. The other objects hold uses of their own, so a program
- * needs this one only to keep the library started while it has none of them, or while it calls the C interface itself.
- */
+/** A use of the library as long as it lives, for the C interface or between other objects, which hold their own. */
 class library
 {
 public:
@@ -189,12 +176,11 @@ public:
     {
         const int result = KTBeginUse();
         use_.reset(result == 0 ? this : nullptr);
-        failure.set(result, {"library"}, KTResultText(result));
+        failure.set(result, [&] { return std::string("kelto::library: ") + KTResultText(result); });
     }
 
 private:
-    static void end(library *) noexcept { KTEndUse(); }
-    std::unique_ptr<library, detail::freed_by<end>> use_;
+    std::unique_ptr<library, void (*)(library *)> use_ = {nullptr, [](library *) { KTEndUse(); }};
 };
 
 } // namespace kelto

@@ -1,16 +1,11 @@
-/**
- * @file form_table.hpp
- * Conversions and encoders of the program's own. Include kelto.hpp.
- *
- * What only programs with own conversions need is a template, even where nothing varies: other programs do not compile
- * it.
- */
+/** @file form_table.hpp Conversions and encoders of the program's own. Include kelto.hpp. */
 #ifndef KELTO_FORM_TABLE_HPP
 #define KELTO_FORM_TABLE_HPP
 
 #include "argument.hpp"
 
 #include <exception>
+#include <optional>
 
 namespace kelto
 {
@@ -28,14 +23,13 @@ struct conversion_spec
 namespace detail
 {
 
+// What only programs with own conversions need is a template, even where nothing varies: others do not compile it.
+
 template <bool> class text_source;
 
 constexpr std::uint32_t running_kind = 0x6B2B2B03;
 
-/**
- * What a function of the program threw during the call of this layer that runs in this thread; null outside of one.
- * Calls may lie in each other, where a conversion formats something itself.
- */
+/** What a function of the program threw during the innermost call of this layer in this thread; null outside of one. */
 inline std::exception_ptr *thrown() noexcept
 {
     return static_cast<std::exception_ptr *>(KTCallValue(running_kind));
@@ -54,63 +48,46 @@ template <class Call> KELTO_OUT_OF_LINE int call_throwing(const Call &call)
     return result;
 }
 
-/** Calls a function of the program; what it throws is kept. The parameter is there for the linker: see outcome. */
-template <bool Catches, class Function> int guarded(const Function &function) noexcept
+/** Keeps what is being thrown. */
+inline void keep_thrown() noexcept
 {
-#if KELTO_HAS_EXCEPTIONS
-    static_assert(Catches);
-    try
-    {
-        return function();
-    }
-    catch (...)
-    {
-        if (thrown() != nullptr && *thrown() == nullptr)
-            *thrown() = std::current_exception();
-        return KT_ERR_CONVERSION_FAILED;
-    }
-#else
-    return function();
-#endif
+    if (thrown() != nullptr && *thrown() == nullptr)
+        *thrown() = std::current_exception();
 }
 
 /** How a type stands in a record, and how its value is read, whatever size the conversion names. */
 template <class Value> struct own_value
 {
     static constexpr bool is_object = has<identity_of, Value>;
-    static constexpr category kind = is_object ? category::identity : category_of<Value>();
-    static constexpr bool is_view = std::is_class_v<Value> && (kind == category::utf8 || kind == category::ucs2);
-    static_assert(is_object || kind == category::integer || kind == category::real || kind == category::unit || is_view,
-                  "kelto: a conversion of your own takes an integer, a double, a char16_t, a std::string_view, a "
-                  "std::u16string_view, or a type whose kelto::argument_of derives from kelto::by_identity");
+    static constexpr bool is_view = is_text<Value, char> || is_text<Value, char8> || is_text<Value, char16_t>;
+    static constexpr bool is_integer = std::is_integral_v<Value> && slot_of<Value>() <= KT_SLOT_UINT64;
+    static constexpr int type = is_object                         ? KT_ARG_POINTER
+                                : is_text<Value, char16_t>        ? KT_ARG_UCS2
+                                : is_view                         ? KT_ARG_UTF8
+                                : is_one_of<Value, float, double> ? KT_ARG_DOUBLE
+                                : is_one_of<Value, char16_t>      ? KT_ARG_CHARACTER
+                                : !is_integer                     ? KT_ARG_END
+                                : std::is_signed_v<Value>         ? KT_ARG_SIGNED
+                                                                  : KT_ARG_UNSIGNED;
+    static_assert(type != KT_ARG_END,
+                  "kelto: a conversion of your own takes an integer, a double, a char16_t, a "
+                  "std::string_view, a std::u16string_view, or a type whose kelto::argument_of derives from "
+                  "kelto::by_identity");
 
-    static constexpr int type = is_object                                              ? KT_ARG_POINTER
-                                : kind == category::integer && std::is_signed_v<Value> ? KT_ARG_SIGNED
-                                : kind == category::integer                            ? KT_ARG_UNSIGNED
-                                : kind == category::real                               ? KT_ARG_DOUBLE
-                                : kind == category::unit                               ? KT_ARG_CHARACTER
-                                : kind == category::utf8                               ? KT_ARG_UTF8
-                                                                                       : KT_ARG_UCS2;
-
-    static bool is_in(const KTArgument &given) noexcept
+    /** The value, or null where its type does not hold it. */
+    static auto read(const KTArgument &given)
     {
         if constexpr (is_object)
-            return KTObjectOfType(&given, object_type<Value>()) != nullptr;
-        else if constexpr (is_view || kind == category::real)
-            return true;
-        else
-            return static_cast<std::uint64_t>(static_cast<Value>(given.value.u)) == given.value.u;
-    }
-    static decltype(auto) read(const KTArgument &given)
-    {
-        if constexpr (is_object)
-            return *static_cast<const Value *>(KTObjectOfType(&given, object_type<Value>()));
+            return static_cast<const Value *>(KTObjectOfType(&given, object_type<Value>()));
         else if constexpr (is_view)
-            return Value(static_cast<const typename Value::value_type *>(given.value.p));
-        else if constexpr (kind == category::real)
-            return static_cast<Value>(given.value.d);
+            return std::optional<Value>(static_cast<const typename Value::value_type *>(given.value.p));
+        else if constexpr (std::is_floating_point_v<Value>)
+            return std::optional<Value>(static_cast<Value>(given.value.d));
         else
-            return static_cast<Value>(given.value.u);
+        {
+            const auto value = static_cast<Value>(given.value.u);
+            return static_cast<std::uint64_t>(value) == given.value.u ? std::optional<Value>(value) : std::nullopt;
+        }
     }
 };
 
@@ -123,43 +100,42 @@ template <bool Catches, class Function, class... Values> struct own_function
     static void destroy(void *own) noexcept { delete static_cast<own_function *>(own); }
     static int run(void *own, KTOwnCall *call) noexcept
     {
-        return guarded<Catches>(
-            [&] { return static_cast<own_function *>(own)->read(*call, std::index_sequence_for<Values...>()); });
+        const auto write = [&] {
+            return static_cast<own_function *>(own)->read(*call, std::index_sequence_for<Values...>());
+        };
+        return guarded<Catches>(write, keep_thrown);
     }
 
 private:
     template <std::size_t... Index> int read(KTOwnCall &call, std::index_sequence<Index...>)
     {
-        return (own_value<Values>::is_in(call.arguments[Index]) && ...)
-                   ? write(call, own_value<Values>::read(call.arguments[Index])...)
-                   : int{KT_ERR_INVALID_PARAMETER};
+        return write(call, own_value<Values>::read(call.arguments[Index])...);
     }
 
-    int write(KTOwnCall &call, const Values &...values)
+    template <class... Given> int write(KTOwnCall &call, const Given &...given)
     {
         constexpr bool wantsSpec = std::is_invocable_v<Function &, const Values &..., const conversion_spec &>;
         static_assert(wantsSpec || std::is_invocable_v<Function &, const Values &...>,
                       "kelto: the function of a conversion takes its values, and a conversion_spec if it wants one");
+        if (!(given && ...))
+            return KT_ERR_INVALID_PARAMETER;
         if constexpr (wantsSpec)
         {
             const conversion_spec spec = {call.name, std::exchange(call.width, KT_ABSENT),
                                           std::exchange(call.precision, KT_ABSENT), call.flags, call.passThru};
-            return give(call, function(values..., spec));
+            return give(call, function(*given..., spec));
         }
         else
-            return give(call, function(values...));
+            return give(call, function(*given...));
     }
 
-    static int give(KTOwnCall &call, std::string_view text) { return KTGiveText(&call, of_view(text)); }
-    static int give(KTOwnCall &call, std::u16string_view text) { return KTGiveText(&call, of_view(text)); }
+    static int give(KTOwnCall &call, std::string_view text) { return KTGiveText(&call, plain_argument::of(text)); }
+    static int give(KTOwnCall &call, std::u16string_view text) { return KTGiveText(&call, plain_argument::of(text)); }
 };
 
 } // namespace detail
 
-/**
- * A table of conversions, with those of the program's own in front, and with an encoder for encoded regions. It is
- * built once and then does not change; what uses it shares it.
- */
+/** Conversions of the program's own, and an encoder. Once built, it does not change; what uses it shares it. */
 class form_table
 {
 public:
@@ -205,7 +181,7 @@ public:
     builder &add(std::string_view name, Function function)
     {
         using own = detail::own_function<Catches, Function, Values...>;
-        KTAddConversion(table<>(), std::string(name).c_str(), own::types, KT_KIND_OBJECT, own::run,
+        KTAddConversion(table_.get(), std::string(name).c_str(), own::types, KT_KIND_OBJECT, own::run,
                         new own{std::move(function)}, own::destroy);
         return *this;
     }
@@ -225,15 +201,12 @@ public:
         {
             using text = std::conditional_t<takesUTF8, std::string_view, std::u16string_view>;
             using own = detail::own_function<Catches, Function, text>;
-            KTSetEncoder(table<>(), *own::types, own::run, new own{std::move(function)}, own::destroy);
+            KTSetEncoder(table_.get(), *own::types, own::run, new own{std::move(function)}, own::destroy);
         }
         return *this;
     }
 
-    /**
-     * Every argument goes through the encoder, in an encoded region or not: a translation that leaves the region out
-     * then changes nothing. What HTML, shells and SQL need.
-     */
+    /** Every argument goes through the encoder, whatever a translation encodes: what HTML, shells and SQL need. */
     builder &encode_everywhere() noexcept
     {
         options_ = KT_ENCODE_ALL;
@@ -257,26 +230,17 @@ public:
      */
     template <class = void> form_table build(detail::outcome<> failure KELTO_OR_THROW)
     {
-        table<>();
-        const std::shared_ptr<KTOwnTable> own = std::exchange(table_, nullptr);
+        const std::shared_ptr<KTOwnTable> own = std::exchange(table_, {KTNewOwnTable(), KTFreeOwnTable});
         formTable *made = nullptr;
         char why[1024];
         std::size_t size = sizeof why;
         const int result = KTFinishOwnTable(own.get(), next_, std::exchange(options_, 0U), &made, &size, why);
-        failure.set(result, {"form_table"}, why);
+        failure.set(result, [&] { return std::string("kelto::form_table: ") + why; });
         return form_table(std::shared_ptr<formTable>(own, made));
     }
 
 private:
-    /** What is being built. */
-    template <class = void> KTOwnTable *table()
-    {
-        if (table_ == nullptr)
-            table_.reset(KTNewOwnTable(), KTFreeOwnTable);
-        return table_.get();
-    }
-
-    std::shared_ptr<KTOwnTable> table_;
+    std::shared_ptr<KTOwnTable> table_ = {KTNewOwnTable(), KTFreeOwnTable};
     formTable *next_ = nullptr;
     unsigned options_ = 0;
 };

@@ -165,6 +165,11 @@ TEST(OwnConversions, AndAllElseSayWhatIsWrong)
         {"\"%d[1]\": the text is longer than max_size, 3", formatted("%d[1]", 1234)},
         {"\"%s[1] %d[3]\": position 2 is missing: the positions must be 1 to the number of conversions, each once",
          formatted("%s[1] %d[3]", 1)},
+        {"there is no format", thrownBy([] {
+             kelto::prepared_format one("%d[1]");
+             const kelto::prepared_format other = std::move(one);
+             one.format(1);
+         })},
         {"kelto::catalog::find(\"a/b\", \"m\"): the name of a catalog has no '/' and is not empty",
          thrownBy([] { kelto::catalog::find("a/b", "m"); })},
         {"kelto::catalog::find(\"a\", \"\"): the directory is not empty",

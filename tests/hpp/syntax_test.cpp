@@ -36,7 +36,8 @@ std::string byLibrary(const std::string &format)
     KTProblem problem = {};
     problem.structSize = sizeof problem;
     const int result = KTExplainFormat(format.c_str(), conversions(), &problem);
-    std::string line = std::to_string(result == 0 ? 0 : problem.rule);
+    const bool isName = problem.rule == KT_RULE_NAME_TOO_LONG || problem.rule == KT_RULE_NAME_NOT_ASCII;
+    std::string line = std::to_string(isName ? KT_RULE_UNKNOWN_CONVERSION : result == 0 ? 0 : problem.rule);
     if (result != 0)
         return line;
     std::error_code failure;
@@ -58,10 +59,8 @@ protected:
     static void compare(const std::string &bytes)
     {
         const std::string format = bytes.substr(0, bytes.find('\0'));
-        if (kelto::detail::percent_signs(format) < mostConversions)
-        {
-            ASSERT_EQ(byCompiler(format), byLibrary(format)) << format;
-        }
+        ASSERT_LT(format.size() / 5, mostConversions);
+        ASSERT_EQ(byCompiler(format), byLibrary(format)) << format;
     }
 
     kelto::library m_library;
