@@ -1,6 +1,6 @@
 """Whether the documentation points to what exists: links between its pages, files in backquotes; and in the other
 direction, whether every exported name is declared in a header, which is where names are explained, and whether
-docs/architecture.md has a source for every rule of the checker.
+docs/architecture.md has for every rule of the checker a source that finds it.
 """
 
 import glob
@@ -52,9 +52,15 @@ for line in "".join(map(read, lists)).splitlines():
     if symbol not in declared:
         faults.append(f"{symbol} is exported and stands in no header")
 
-rules = re.findall(r'^KELTO_RULE\(\w+, "([\w-]+)"', read(f"{root}/tools/check/rules.inc"), re.MULTILINE)
-table = read(f"{root}/docs/architecture.md")
-faults += [f"docs/architecture.md: no source has the rule {rule}" for rule in rules if f'"{rule}"' not in table]
+rules = re.findall(r'^KELTO_RULE\((\w+), "([\w-]+)"', read(f"{root}/tools/check/rules.inc"), re.MULTILINE)
+table = read(f"{root}/docs/architecture.md").partition("| Sources of `tools/check/` |")[2].partition("\n\n")[0]
+faults += [f"docs/architecture.md: no source has the rule {rule}" for _, rule in rules if f'"{rule}"' not in table]
+for sources, _, found in (row.strip("|").split("|") for row in table.splitlines()[2:]):
+    paths = [f"{root}/tools/check/{source}.cpp" for source in re.findall("`([^`]+)`", sources)]
+    faults += [f"docs/architecture.md: no file {path}" for path in paths if not os.path.exists(path)]
+    text = "".join(read(path) for path in paths if os.path.exists(path))
+    faults += [f"docs/architecture.md: {sources.strip()} does not find {rule}" for enumerator, rule in rules
+               if f'"{rule}"' in found and f"Rule::{enumerator}" not in text]
 
 if len(pages) < 5 or len(rules) < 50 or len(declared) < 100:
     faults.append("pages or headers are not found")
