@@ -159,7 +159,8 @@ std::optional<Misreading> findMisreading(std::string_view utf8Text)
         for (size_t i = 0; i < std::size(mojibakeRows); ++i)
         {
             const std::optional<MisreadPart> part = takePart(utf8Text, at, tables()[i]);
-            if (!part || !(contains(mojibakeRows[i].alone, part->leadByte) || contains(mojibakeRows[i].inPairs, part->leadByte)))
+            if (!part ||
+                !(contains(mojibakeRows[i].alone, part->leadByte) || contains(mojibakeRows[i].inPairs, part->leadByte)))
                 continue;
             Misreading misreading{{at, part->end}, part->meant, mojibakeRows[i].name};
             size_t count = 1;
