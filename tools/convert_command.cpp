@@ -69,7 +69,6 @@ ExitStatus convert(const std::string &from, const std::string &to, const std::st
     }
     catch (const Failure &failure)
     {
-        progress.reset();
         throw Failure(inputName(path) + ": " + failure.what());
     }
     progress.reset(); // before anything is printed

@@ -98,7 +98,8 @@ DecodingLoss lossOfDecoding(const std::string &charset, std::string_view bytes, 
         full = outputIsFull(status);
         const std::u16string_view part(room, static_cast<size_t>(target - room));
         loss.asDecoded = loss.asDecoded && decoded.substr(0, part.size()) == part;
-        decoded.remove_prefix(loss.asDecoded ? part.size() : 0);
+        if (loss.asDecoded)
+            decoded.remove_prefix(part.size());
     }
     loss.asDecoded = loss.asDecoded && decoded.empty();
     return loss;

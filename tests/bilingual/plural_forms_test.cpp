@@ -79,6 +79,44 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
     }
 }
 
+// The compiler knows which operator binds tighter: each expression stands here as a text, and as code.
+TEST(PluralForms, EvaluateWhatStandsBesideEachOtherAsCDoes)
+{
+#define ROW(expression) {#expression, [](uint64_t n) -> uint64_t { return expression; }}
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wparentheses"
+    const std::pair<const char *, uint64_t (*)(uint64_t)> rows[] = {
+        ROW(n == 1 || n == 2 && n == 3),
+        ROW(n && n == 1),
+        ROW(n == 1 < 2),
+        ROW(n != 2 > 1),
+        ROW(1 == n <= 2),
+        ROW(1 == n >= 2),
+        ROW(n < 1 + 1),
+        ROW(n > 3 - 1),
+        ROW(2 <= n + 1),
+        ROW(2 >= n + 1),
+        ROW(n - n / 2),
+        ROW(1 + n % 2),
+        ROW(1 + n * 2),
+        ROW(7 - n - 1),
+        ROW(n / 2 * 2),
+        ROW(!n + 1),
+        ROW(!n == 0),
+        ROW(n > 1 ? 2 : n ? 1 : 0),
+        ROW((n ? n > 2 ? 3 : 2 : 1) + 1),
+    };
+#pragma GCC diagnostic pop
+#undef ROW
+    for (const auto &[expression, inC] : rows)
+    {
+        const auto header = PluralHeader::read(std::string("nplurals=64; plural=") + expression);
+        ASSERT_TRUE(header) << expression;
+        for (uint64_t number = 0; number < 7; ++number)
+            EXPECT_EQ(header->formOf(number), inC(number)) << expression << ", " << number;
+    }
+}
+
 TEST(PluralForms, AreNamedByTheirFirstNumbers)
 {
     const std::vector<Category> polish = categoriesOf("pl", false);

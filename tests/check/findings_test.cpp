@@ -102,6 +102,7 @@ const Row rows[] = {
      "<body><trans-unit id='1'><source>a<context>d</context>e</source><note>n</note>f</trans-unit>\n\n<<",
      "2:2-20 stray-text, 3:9-18 stray-text, 3:81-82 stray-text, 3:105-106 stray-text, 5:2-3 xml-syntax"},
     {document(numbered(1, "a") + "\n>>>>>>> b\n<!--\n=======\n-->"), "3:1-8 stray-text, 5:1-8 stray-text"},
+    {document(numbered(1, "a") + "\n" + std::string(1032, ' ')), ""}, // more than the parser gives at once
     {"<xliff><file source-language='de_AT' product-name='S' product-version='1'><header/><body/></file></xliff>",
      "1:31-36 same-language",
      "<xliff><file source-language='DE-at' product-name='S' product-version='1'><header/><body/></file></xliff>"},
@@ -138,6 +139,7 @@ const Row rows[] = {
     {unit("𝄞é&#xE9;%d[1]"), "3:9-14 typed-conversion"},
     {unit(x("%y", 1) + x("%d", 2)), "3:1-20 bad-conversion"},
     {unit("<x id='1'\n ts='é %y'/>"), "4:8-10 bad-conversion"},
+    {unit("<x id='1' ts='&#xE9;&#233; %y'/>"), "3:28-30 bad-conversion"},
     {unit("<x ts='é&#x20;%y ' id='1'/>" + x("%d", 2)), "3:8-18 bad-conversion"},
     {unit(x("%d", 1) + x("%d", 1) + x("%d", 4)), "3:20-39 position-repeat, 3:39-58 position-gap"},
     {unit("%d[3000000000]"), "3:1-15 bad-conversion"},

@@ -140,6 +140,7 @@ std::string runPo(const char *mode, std::string_view input)
     Descriptor writeEnd(ends[1]);
     fill(file.get(), input);
     std::fflush(stdout);
+    std::signal(SIGCHLD, SIG_DFL); // where the caller of kelto ignores it, nobody would know how the program has ended
     const pid_t process = fork();
     if (process < 0)
         fail(systemText(errno));
