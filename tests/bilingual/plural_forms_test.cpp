@@ -60,6 +60,11 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
         {"nplurals=2; plural=" + brackets, -1},
         {"nplurals=2; plural=" + std::string(2000, '!') + "n;", 2, {{0, 0}, {7, 1}}},
         {"nplurals=2; plural=" + std::string(101, '(') + "n" + std::string(101, ')') + ";", -1},
+        {"nplurals=2; plural=" + std::string(99, '(') + "n" + std::string(99, ')') + ";", 2, {{1, 1}}},
+        {"nplurals=64; plural=n;", 64, {{63, 63}, {64, -1}}},
+        {"nplurals=65; plural=n;", -1},
+        {"nplurals=2; plural=n" + std::string(4096 - 20, ' '), 2, {{1, 1}}},
+        {"nplurals=2; plural=n" + std::string(4096 - 19, ' '), -1},
         {"nplurals=2; plural=n ? 1;", -1},
         {"nplurals=2; plural=n == ;", -1},
         {"nplurals=2; plural=x;", -1},
@@ -82,7 +87,9 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
 // The compiler knows which operator binds tighter: each expression stands here as a text, and as code.
 TEST(PluralForms, EvaluateWhatStandsBesideEachOtherAsCDoes)
 {
-#define ROW(expression) {#expression, [](uint64_t n) -> uint64_t { return expression; }}
+#define ROW(expression)                                                                                                \
+    std::pair(                                                                                                         \
+        #expression, +[](uint64_t n) -> uint64_t { return expression; })
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wparentheses"
     const std::pair<const char *, uint64_t (*)(uint64_t)> rows[] = {
@@ -99,11 +106,12 @@ TEST(PluralForms, EvaluateWhatStandsBesideEachOtherAsCDoes)
         ROW(n - n / 2),
         ROW(1 + n % 2),
         ROW(1 + n * 2),
-        ROW(7 - n - 1),
+        ROW(17 - n - 1),
         ROW(n / 2 * 2),
+        ROW(n != 9 && n < 10),
         ROW(!n + 1),
         ROW(!n == 0),
-        ROW(n > 1 ? 2 : n ? 1 : 0),
+        ROW(n > 1 ? 2 : n != 0),
         ROW((n ? n > 2 ? 3 : 2 : 1) + 1),
     };
 #pragma GCC diagnostic pop
@@ -112,7 +120,7 @@ TEST(PluralForms, EvaluateWhatStandsBesideEachOtherAsCDoes)
     {
         const auto header = PluralHeader::read(std::string("nplurals=64; plural=") + expression);
         ASSERT_TRUE(header) << expression;
-        for (uint64_t number = 0; number < 7; ++number)
+        for (uint64_t number = 0; number < 13; ++number)
             EXPECT_EQ(header->formOf(number), inC(number)) << expression << ", " << number;
     }
 }

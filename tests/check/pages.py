@@ -68,7 +68,12 @@ def schemas(folder):
             output = run(f"kelto check --format={form} {files} 2>/dev/null", folder)
             if re.search("[\x00-\x09\x0b-\x1f\x7f-\x9f\u2028-\u202e\U000E0001]", output):
                 faults.append(f"{form} of {files} holds control characters")
-            jsonschema.validate(json.loads(output), schema)
+            document = json.loads(output)
+            jsonschema.validate(document, schema)
+            for part in document.get("runs", []):
+                rules = [rule["id"] for rule in part["tool"]["driver"]["rules"]]
+                if any(rules[result["ruleIndex"]] != result["ruleId"] for result in part["results"]):
+                    faults.append(f"{form} of {files} names a rule by another index")
 
 
 def project(page, folder, before, command, after=""):

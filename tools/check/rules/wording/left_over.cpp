@@ -116,8 +116,7 @@ WordRun runAround(const Tokens &here, size_t at, const Tokens &there, size_t pla
 
 bool endsSentence(const Tokens &tokens, size_t behind)
 {
-    return behind >= tokens.size() || (tokens[behind].isMark() && isAmong(tokens[behind].content, U".!?")) ||
-           (behind > 0 && tokens[behind - 1].isMark() && isAmong(tokens[behind - 1].content, U".!?"));
+    return behind >= tokens.size() || (tokens[behind].isMark() && isAmong(tokens[behind].content, U".!?"));
 }
 
 bool beginsSentence(const Tokens &tokens, size_t begin)
@@ -144,8 +143,7 @@ bool isLeft(const Tokens &here, const Tokens &there, const WordRun &run, bool is
     const auto isSmallWord = [](const Token &token) { return token.isWord() && !token.isCapital; };
     const bool isName = std::none_of(here.begin() + static_cast<std::ptrdiff_t>(run.begin),
                                      here.begin() + static_cast<std::ptrdiff_t>(run.end), isSmallWord);
-    return (run.words >= enough && !isName && run.foreign > (isLatin ? 1 : 0)) ||
-           (isSentence && run.words > run.foreign / 2);
+    return isSentence || (run.words >= enough && !isName && run.foreign > (isLatin ? 1 : 0));
 }
 
 void findWordsLeft(Subject &subject)
