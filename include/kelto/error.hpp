@@ -30,7 +30,7 @@
 #endif
 
 #define KELTO_OUT_OF_LINE __attribute__((noinline))          // so that each call compiles fast and to little code
-#define KELTO_IN_PLACE inline __attribute__((always_inline)) // what makes no code by itself
+#define KELTO_IN_PLACE inline __attribute__((always_inline)) // for what makes no code of its own
 #define KELTO_SELDOM __attribute__((noinline, cold))         // for what runs once per message or never
 #define KELTO_SHARED __attribute__((visibility("default")))  // one in a process, whatever its visibility is
 #if defined(__clang__)

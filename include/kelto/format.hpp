@@ -16,7 +16,7 @@ struct format_options
     const form_table *table = nullptr; /**< null for the built-in conversions; it is shared, and may end first */
     bool tag = false;                  /**< wraps dates, names, entry IDs and errors in tags */
     void *pass_through = nullptr;      /**< handed to conversions of the program's own */
-    /** The bytes of a text, beside 8 times those of its text arguments. The text in the source always has 1 MiB. */
+    /** The most bytes of a text beside 8 times those of its text arguments. The text in the source always has 1 MiB. */
     std::size_t max_size = 1 << 20;
     bool isolate = false; /**< keeps the direction of texts from what stands beside them: KT_ISOLATE */
 };
