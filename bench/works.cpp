@@ -1,3 +1,5 @@
+// The table of all works: their names, what each does, and the goals.
+
 #include "workload.h"
 
 namespace

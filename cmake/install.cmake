@@ -109,7 +109,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/share/kelto" DESTINATION ${CMAKE_INSTAL
 
 # Guides and examples.
 file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
-list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/docs/architecture.md")
+list(REMOVE_ITEM guides "${PROJECT_SOURCE_DIR}/docs/architecture.md" "${PROJECT_SOURCE_DIR}/docs/sources.md")
 install(FILES ${guides} "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

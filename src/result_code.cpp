@@ -1,3 +1,5 @@
+// The results of the interface: the name and the text of each, and the errno that means the same.
+
 #include "kelto.h"
 
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "command_line.h"
 
-#include "terminal.h"
+#include "io/terminal.h"
 #include "text.h"
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 #include "failure.h"
 
+#include "io/terminal.h"
 #include "kelto.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <cerrno>

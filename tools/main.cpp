@@ -1,10 +1,12 @@
+// The table of all subcommands, the help of the program, and what its end prints and returns.
+
 #include "command_line.h"
 #include "failure.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "kelto.h"
-#include "library_use.h"
-#include "output.h"
+#include "library/library_use.h"
 #include "subcommand.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "settings_file.h"
 
 #include "failure.h"
-#include "input.h"
-#include "terminal.h"
+#include "io/input.h"
+#include "io/terminal.h"
 
 #include <CLI/CLI.hpp>
 #include <sstream>

@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include "selector.h"
+#include "library/selector.h"
 
 #include <algorithm>
 #include <charconv>

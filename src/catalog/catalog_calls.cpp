@@ -1,3 +1,5 @@
+// The calls on an open catalog: texts by number, in UTF-8 and UCS-2, and what a program may ask of it.
+
 #include "catalog/ladder.h"
 
 namespace

@@ -1,3 +1,5 @@
+// Opening and closing catalogs: in a directory, as a file, as data in memory, or one format in the place of a catalog.
+
 #include "catalog/candidates.h"
 #include "catalog/report.h"
 #include "message/find_catalog.h"

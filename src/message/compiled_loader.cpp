@@ -1,3 +1,5 @@
+// Loads compiled catalogs, from a file or from memory: every length and offset is checked before it is followed.
+
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/compiled_layout.h"

@@ -1,3 +1,5 @@
+// KTCompileMessages(): a loaded table as a compiled catalog.
+
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/compiled_layout.h"

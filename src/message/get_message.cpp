@@ -1,3 +1,5 @@
+// Messages by number, and from one to the next: KTGetMessage() and KTNextMessage().
+
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/table_list.h"

@@ -1,3 +1,5 @@
+// KTTableInfo(): what a file says of itself, its product, version and language, and how many messages it has.
+
 #include "kelto.h"
 #include "lifecycle/global_state.h"
 #include "message/table_list.h"

@@ -1,3 +1,5 @@
+// The operations ZEL_... on POSIX: memory, locks and files. A program may have its own in their place.
+
 #include "platform/zel.h"
 
 #include <cerrno>

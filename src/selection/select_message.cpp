@@ -1,3 +1,5 @@
+// KTSelectMessage(): from a message that selects others to the one that arguments choose.
+
 #include "format/variants/selector.h"
 #include "lifecycle/global_state.h"
 #include "message/table_view.h"

@@ -1,3 +1,5 @@
+// The conversions of the interface between charsets, UTF-8 and UCS-2, of whole texts and of single characters.
+
 #include "strconv/converter.h"
 #include "strconv/heap_block.h"
 

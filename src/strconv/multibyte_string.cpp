@@ -1,3 +1,5 @@
+// Texts in a charset: their length, their characters one by one, copies, searches and comparisons.
+
 #include "kelto.h"
 
 #include "strconv/heap_block.h"

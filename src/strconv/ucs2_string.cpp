@@ -1,3 +1,5 @@
+// Zero-terminated UCS-2 texts: length, copying, comparison, and a walk over their characters.
+
 #include "kelto.h"
 
 #include <cstring>

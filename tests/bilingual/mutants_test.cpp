@@ -2,7 +2,7 @@
 #include "bilingual/import.h"
 #include "bilingual/plural_forms.h"
 #include "bilingual/xliff/xliff_writer.h"
-#include "library_use.h"
+#include "library/library_use.h"
 #include "random_catalog.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,12 @@
 #include "bilingual/forms.h"
 #include "bilingual/import.h"
 #include "bilingual/update.h"
-#include "input.h"
+#include "io/input.h"
+#include "io/memory_file.h"
+#include "io/output.h"
 #include "kelto.h"
-#include "library_use.h"
-#include "memory_file.h"
-#include "message_file.h"
-#include "output.h"
+#include "library/library_use.h"
+#include "library/message_file.h"
 #include "random_catalog.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
-#include "charset.h"
 #include "check/texts/source_text.h"
 #include "document.h"
+#include "io/charset.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -30,7 +30,7 @@ TEST(FormatStrings, EveryListOfConversionsHasThemAll)
                                     {"docs/format-strings.md", "\n\\| `\"[^`]*%[-+ #0-9.*]*[hlL!]?", "\\["},
                                     {"docs/man/kelto.1", "\n\\.B ([A-Za-z]+ )*", "( [A-Za-z]+)*\n"},
                                     {"docs/man/kelto-format.7", "\n([A-Za-z]+, )*", "(, [A-Za-z]+)*\t"},
-                                    {"tools/format_command.cpp", "\n  ([A-Za-z]+ )*", "( [A-Za-z]+)*  "}};
+                                    {"tools/commands/format_command.cpp", "\n  ([A-Za-z]+ )*", "( [A-Za-z]+)*  "}};
     for (const auto &[file, before, after] : lists)
         for (const KTFormatter *record = builtInFormList; record->name != nullptr; ++record)
             EXPECT_TRUE(std::regex_search(readPage(file), std::regex(before + std::string(record->name) + after)))

@@ -8,7 +8,7 @@
 #include "support/literals.h"
 #include "support/page.h"
 #if KELTO_HAS_TOOLS
-#include "language_conversions.h"
+#include "library/language_conversions.h"
 #endif
 
 #include <algorithm>

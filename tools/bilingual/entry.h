@@ -7,7 +7,7 @@
 
 #include "bilingual/message_document.h"
 #include "check/reading/parsed_file.h"
-#include "selector.h"
+#include "library/selector.h"
 
 #include <map>
 #include <optional>

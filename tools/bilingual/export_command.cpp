@@ -1,3 +1,5 @@
+// `kelto export`: its options, and which files it reads and writes.
+
 #include "bilingual/command.h"
 #include "bilingual/findings_output.h"
 #include "bilingual/forms.h"
@@ -5,10 +7,10 @@
 #include "bilingual/message_file_entries.h"
 #include "bilingual/update.h"
 #include "command_line.h"
-#include "input.h"
-#include "output.h"
+#include "io/input.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "subcommand.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "bilingual/findings_output.h"
 
-#include "output.h"
-#include "terminal.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "text.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/selectors.h"
 #include "check/reading/parsed_file_builder.h"
-#include "selector.h"
+#include "library/selector.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// `kelto import`: its options, and which files it reads and writes.
+
 #include "bilingual/command.h"
 #include "bilingual/findings_output.h"
 #include "bilingual/forms.h"
@@ -7,10 +9,10 @@
 #include "bilingual/message_file_entries.h"
 #include "bilingual/selectors.h"
 #include "command_line.h"
-#include "input.h"
-#include "output.h"
+#include "io/input.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "subcommand.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "bilingual/message_parts.h"
 #include "bilingual/selectors.h"
-#include "input.h"
+#include "io/input.h"
 
 #include <algorithm>
 #include <iterator>

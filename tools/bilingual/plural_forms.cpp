@@ -2,7 +2,7 @@
 
 #include "bilingual/plural_expressions.h"
 #include "kelto.h"
-#include "selector.h"
+#include "library/selector.h"
 
 #include <algorithm>
 #include <fmt/core.h>

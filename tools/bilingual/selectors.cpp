@@ -3,7 +3,7 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/plural_forms.h"
 #include "check/reading/parsed_file_builder.h"
-#include "selector.h"
+#include "library/selector.h"
 #include "text.h"
 
 #include <algorithm>

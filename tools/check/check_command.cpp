@@ -1,13 +1,15 @@
+// `kelto check`: its options, and the exit status.
+
 #include "check/inputs.h"
 #include "check/project.h"
 #include "check/session.h"
 #include "check/telling/baseline.h"
 #include "check/telling/writers.h"
 #include "command_line.h"
-#include "input.h"
-#include "output.h"
-#include "output_file.h"
-#include "terminal.h"
+#include "io/input.h"
+#include "io/output.h"
+#include "io/output_file.h"
+#include "io/terminal.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "check/inputs.h"
 
-#include "input.h"
+#include "io/input.h"
 
 #include <algorithm>
 #include <filesystem>

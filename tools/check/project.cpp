@@ -1,8 +1,8 @@
 #include "check/project.h"
 
 #include "failure.h"
+#include "io/terminal.h"
 #include "settings_file.h"
-#include "terminal.h"
 
 #include <algorithm>
 #include <fmt/core.h>

@@ -1,7 +1,7 @@
 #include "check/rules.h"
 
-#include "charset.h"
-#include "terminal.h"
+#include "io/charset.h"
+#include "io/terminal.h"
 
 #include <algorithm>
 #include <fmt/core.h>

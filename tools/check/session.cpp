@@ -3,7 +3,7 @@
 #include "check/rules/files/completeness.h"
 #include "check/telling/progress_bar.h"
 #include "failure.h"
-#include "input.h"
+#include "io/input.h"
 
 #include <algorithm>
 #include <atomic>

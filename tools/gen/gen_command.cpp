@@ -1,11 +1,13 @@
+// `kelto gen`: its options, and when the header is written.
+
 #include "check/file_check.h"
 #include "check/telling/writers.h"
 #include "command_line.h"
 #include "gen/header.h"
 #include "gen/names.h"
-#include "input.h"
-#include "output.h"
-#include "terminal.h"
+#include "io/input.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "text.h"
 
 #include <algorithm>

@@ -5,8 +5,8 @@
 #include "check/texts/utf8.h"
 #include "gen/c_function.h"
 #include "gen/names.h"
-#include "invisible.h"
-#include "language_conversions.h"
+#include "io/invisible.h"
+#include "library/language_conversions.h"
 
 #include <algorithm>
 #include <fmt/core.h>

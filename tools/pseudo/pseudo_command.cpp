@@ -1,12 +1,14 @@
+// `kelto pseudo`: its options, and the file of pseudo-localised texts.
+
 #include "bilingual/command.h"
 #include "bilingual/findings_output.h"
 #include "bilingual/message_file_entries.h"
 #include "bilingual/message_parts.h"
 #include "command_line.h"
-#include "input.h"
+#include "io/input.h"
+#include "io/terminal.h"
+#include "library/selector.h"
 #include "pseudo/pseudo_text.h"
-#include "selector.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <cstdlib>

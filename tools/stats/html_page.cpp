@@ -3,7 +3,7 @@
 #include "bilingual/message_parts.h"
 #include "bilingual/xml.h"
 #include "check/texts/utf8.h"
-#include "invisible.h"
+#include "io/invisible.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// `kelto stats`: how far translations are, and which messages no source uses; the language that each file goes by.
+
 #include "bilingual/command.h"
 #include "bilingual/findings_output.h"
 #include "bilingual/forms.h"
@@ -6,11 +8,11 @@
 #include "bilingual/selectors.h"
 #include "command_line.h"
 #include "gen/names.h"
-#include "input.h"
-#include "output.h"
+#include "io/input.h"
+#include "io/output.h"
+#include "io/terminal.h"
 #include "stats/html_page.h"
 #include "subcommand.h"
-#include "terminal.h"
 #include "text.h"
 
 #include <algorithm>

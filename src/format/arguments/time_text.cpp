@@ -1,3 +1,5 @@
+// The count of a clock as the text that "DT" takes: KTTimeText() and KTClockText().
+
 #include "kelto.h"
 
 #include <algorithm>

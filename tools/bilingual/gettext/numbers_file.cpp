@@ -4,9 +4,9 @@
 #include "bilingual/message_parts.h"
 #include "check/telling/finding.h"
 #include "failure.h"
-#include "input.h"
-#include "selector.h"
-#include "terminal.h"
+#include "io/input.h"
+#include "io/terminal.h"
+#include "library/selector.h"
 #include "text.h"
 
 #include <algorithm>

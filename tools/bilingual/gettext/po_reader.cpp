@@ -5,8 +5,8 @@
 #include "bilingual/gettext/po_program.h"
 #include "bilingual/xliff/xliff_reader.h"
 #include "failure.h"
+#include "io/transcode.h"
 #include "text.h"
-#include "transcode.h"
 
 #include <algorithm>
 

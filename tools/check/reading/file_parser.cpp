@@ -1,3 +1,5 @@
+// Parses a message file for the checker, by the steps of the loader; notes what these refuse, and goes on where it can.
+
 #include "check/reading/loadable.h"
 #include "check/reading/parsed_file.h"
 #include "check/reading/refusal.h"

@@ -1,7 +1,7 @@
 #include "check/reading/loadable.h"
 
+#include "io/memory_file.h"
 #include "kelto.h"
-#include "memory_file.h"
 #include "message/compiled_layout.h"
 
 namespace tool::check

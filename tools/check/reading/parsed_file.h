@@ -9,7 +9,7 @@
 #include "check/telling/finding.h"
 #include "check/telling/suppressions.h"
 #include "check/texts/source_text.h"
-#include "placeholder_mode.h"
+#include "library/placeholder_mode.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,8 @@
+// Findings for machines: as JSON, as SARIF, and as annotations of a build server.
+
 #include "check/telling/writers.h"
 #include "check/texts/utf8.h"
-#include "invisible.h"
+#include "io/invisible.h"
 #include "kelto.h"
 
 #include <fmt/core.h>

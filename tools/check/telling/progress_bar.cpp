@@ -1,6 +1,6 @@
 #include "check/telling/progress_bar.h"
 
-#include "terminal.h"
+#include "io/terminal.h"
 #include "text.h"
 
 #include <cstdio>

@@ -1,7 +1,9 @@
+// Findings for people: the place, the sentence, the line of the file with a mark below it, and a summary.
+
 #include "check/telling/writers.h"
 
-#include "charset.h"
-#include "terminal.h"
+#include "io/charset.h"
+#include "io/terminal.h"
 
 #include <algorithm>
 #include <fmt/core.h>

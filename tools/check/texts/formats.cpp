@@ -2,7 +2,7 @@
 
 #include "check/texts/utf8.h"
 #include "format/format_limits.h"
-#include "language_conversions.h"
+#include "library/language_conversions.h"
 
 #include <algorithm>
 #include <fmt/core.h>

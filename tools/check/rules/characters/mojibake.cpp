@@ -1,7 +1,7 @@
 #include "check/rules/characters/mojibake.h"
 
 #include "check/texts/characters.h"
-#include "icu.h"
+#include "io/icu.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "check/rules/conversions/arguments.h"
 
-#include "language_conversions.h"
+#include "library/language_conversions.h"
 
 #include <algorithm>
 #include <set>

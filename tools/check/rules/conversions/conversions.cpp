@@ -3,7 +3,7 @@
 #include "check/rules/conversions/arguments.h"
 #include "check/rules/conversions/placeholders.h"
 #include "check/texts/blanks.h"
-#include "selector.h"
+#include "library/selector.h"
 
 #include <set>
 

@@ -7,7 +7,7 @@
 
 #include "check/reading/parsed_file.h"
 #include "check/texts/formats.h"
-#include "selector.h"
+#include "library/selector.h"
 
 #include <map>
 #include <string>
