@@ -59,7 +59,7 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
         {"nplurals=18446744073709551617; plural=0;", 1, {{7, 0}}},
         {"nplurals=2; plural=" + brackets, -1},
         {"nplurals=2; plural=" + std::string(2000, '!') + "n;", 2, {{0, 0}, {7, 1}}},
-        {"nplurals=2; plural=" + std::string(101, '(') + "n" + std::string(101, ')') + ";", -1},
+        {"nplurals=2; plural=" + std::string(100, '(') + "n" + std::string(100, ')') + ";", -1},
         {"nplurals=2; plural=" + std::string(99, '(') + "n" + std::string(99, ')') + ";", 2, {{1, 1}}},
         {"nplurals=64; plural=n;", 64, {{63, 63}, {64, -1}}},
         {"nplurals=65; plural=n;", -1},

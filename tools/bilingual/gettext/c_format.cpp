@@ -78,7 +78,7 @@ std::optional<std::string> translate(std::string_view conversion)
     const std::string precision(takePrecision(rest));
     std::string_view modifier;
     for (const auto &row : modifiers)
-        if (rest.size() > row.ours.size() && takeWord(rest, row.ours))
+        if (takeWord(rest, row.ours))
         {
             modifier = row.theirs;
             break;

@@ -107,14 +107,15 @@ private:
         if (takeWord("<PRI"))
         {
             const std::string_view macro = m_rest.substr(0, m_rest.find('>'));
-            m_rest.remove_prefix(std::min(macro.size() + 1, m_rest.size()));
+            const bool isClosed = macro.size() < m_rest.size();
+            m_rest.remove_prefix(macro.size() + (isClosed ? 1 : 0));
             const auto *const width =
                 std::find_if(std::begin(macroWidths), std::end(macroWidths), [macro](const auto &row) {
                     return macro.substr(std::min<size_t>(macro.size(), 1)) == row.theirs;
                 });
             const bool isInteger =
                 !macro.empty() && std::string_view("diuoxX").find(macro[0]) != std::string_view::npos;
-            if (width == std::end(macroWidths) || !isInteger)
+            if (!isClosed || width == std::end(macroWidths) || !isInteger)
                 m_isKnown = false;
             else
                 setName(macro[0], "", width->ours);
