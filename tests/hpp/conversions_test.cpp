@@ -184,6 +184,8 @@ TEST(OwnConversions, AndAllElseSayWhatIsWrong)
     };
     for (const Expected &row : rows)
         EXPECT_EQ(row.text, row.given);
+    options.max_size = 0;
+    EXPECT_EQ(formatted("%d[1]", 12), "\"%d[1]\": the text is longer than max_size, 1");
 }
 
 TEST(OwnConversions, WriteWhereThereIsNoText)

@@ -122,7 +122,9 @@ TEST(Outputs, NeverGoBeyondAnArray)
     EXPECT_EQ(cut.needed, wholeText.size());
     EXPECT_STREQ(line, "Zürich: ");
     EXPECT_EQ(prepared.format_to(line, "Zürich", "😀"), cut);
-    EXPECT_EQ(catalog.format_to(all, 1, KELTO_DEFAULT("%s[1] %s[2]"), "Zürich", "😀"), wholeText);
+    const kelto::cut_text whole = catalog.format_to(all, 1, KELTO_DEFAULT("%s[1] %s[2]"), "Zürich", "😀");
+    EXPECT_EQ(whole, wholeText);
+    EXPECT_FALSE(whole.is_cut());
     EXPECT_EQ(catalog.format_to(line, 3, KELTO_DEFAULT("%s[1]"), "never beyond"), "never beyon");
     EXPECT_EQ(catalog.format_to(line, 4, "never beyond"), "[store 4: n");
     EXPECT_EQ(catalog.format_to(line, 2, "a").needed, 2000);
@@ -142,6 +144,11 @@ TEST(Outputs, AreOfManyKinds)
     EXPECT_EQ(std::string(list.begin(), list.end()), wholeText);
     EXPECT_EQ(std::string(vector.begin(), vector.end()), wholeText);
     EXPECT_EQ(stream.str(), wholeText + "!7!");
+    const kelto::form_table table =
+        kelto::form_table::builder()
+            .add<int>("shorter", [size = 3000](int) mutable { return std::string(size /= 2, 'x'); })
+            .build();
+    EXPECT_EQ(kelto::prepared_format("%shorter[1]", {&table}).format(1), std::string(750, 'x')); // behind a longer one
     EXPECT_EQ(catalog.format_utf16(1, "Zürich", "😀"), u"Zürich: 😀");
     EXPECT_EQ(catalog.format_utf16(2, "x"), std::u16string(1499, u' ') + u'x');
     EXPECT_EQ(kelto::prepared_format("%1500s[1]").format_utf16("x"), catalog.format_utf16(2, "x"));
