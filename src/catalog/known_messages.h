@@ -1,8 +1,7 @@
 /**
- * The messages that a catalog knows, by number, found without a lock. Where the first file has few gaps between its
- * numbers, which is usual, these are the indices of an array. All other numbers are in a tree, which is as deep as
- * telling them apart requires. A number that no file has may come from anywhere, a network say: only a limited count of
- * such numbers is kept.
+ * The messages that a catalog knows, by number, found without a lock; of numbers that no file has, which may come from
+ * a network, only so many are kept. Where the first file has few gaps between its numbers, which is usual, these are
+ * the indices of an array. All other numbers are in a tree, which is as deep as telling them apart requires.
  */
 #ifndef KELTO_CATALOG_KNOWN_MESSAGES_H
 #define KELTO_CATALOG_KNOWN_MESSAGES_H

@@ -1,6 +1,6 @@
 /**
- * The names that the environment and the C library give to the locale and its character set. The three queries are
- * declared in kelto.h; here a name is changed before ICU sees it, and nowhere else.
+ * The names that the environment and the C library give to the locale and its character set, whole, or cut to language
+ * and country. The three queries are declared in kelto.h; here a name is changed before ICU sees it, and nowhere else.
  */
 #ifndef KELTO_STRCONV_SYSTEM_LOCALE_H
 #define KELTO_STRCONV_SYSTEM_LOCALE_H

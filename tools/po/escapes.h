@@ -1,4 +1,7 @@
-/** Texts in the document: backslashes, tabs and line ends as escapes, the characters of XML as references. */
+/**
+ * Texts in the document: backslashes, tabs and line ends as escapes, the characters of XML as references, and control
+ * characters, which XML cannot hold, as U+FFFD.
+ */
 #ifndef KELTO_TOOLS_PO_ESCAPES_H
 #define KELTO_TOOLS_PO_ESCAPES_H
 
