@@ -25,8 +25,6 @@ void takeOver(Entry &entry, const Entry &old, Changes &changes)
     entry.hasTarget = old.hasTarget;
     entry.state = old.state;
     entry.remarks.notes = notesOfTranslator(old.remarks.notes, entry.hints);
-    std::vector<Note> &notes = entry.remarks.notes;
-    notes.erase(std::remove_if(notes.begin(), notes.end(), isOurs), notes.end());
     const bool isTranslated = old.state != State::untranslated;
     if (old.source == entry.source || !isTranslated)
     {

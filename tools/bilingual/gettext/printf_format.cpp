@@ -137,7 +137,7 @@ private:
             if (row.theirs == name)
             {
                 const bool isInteger = row.modifiers == "i";
-                const bool isLong = name != 'c' && name != 's' && modifier == "L" && !isInteger;
+                const bool isLong = name != 'c' && name != 's' && modifier == "L";
                 const bool fits =
                     isInteger ? ofInteger != "?" : modifier.empty() || modifier == row.modifiers || isLong;
                 const bool canGroup = name == 'd' || name == 'i' || name == 'f' || name == 'F';

@@ -46,14 +46,14 @@ public:
         if (!entry.hasTarget || m_lacksTarget || (isEmpty && !isFinished))
             return State::untranslated;
         // An attribute that tools add to every unit says nothing of an empty one.
-        if (isEmpty && m_approved == "yes" && !isMarkedDone)
+        if (isEmpty && !isMarkedDone)
             return State::untranslated;
         // A program that shows nothing but targets is given copies of the sources. A text that was translated before
         // its source has changed may be the same too.
         const bool isCopy = m_state == State::untranslated && entry.target == entry.source && !entry.previousSource;
         if (!isFinished && isCopy)
             return State::untranslated;
-        const bool isFuzzy = !isFinished && (m_state || m_isUnsure || m_approved == "no");
+        const bool isFuzzy = !isFinished && (m_state || m_approved == "no");
         return isFuzzy ? State::fuzzy : State::finished;
     }
 
