@@ -19,7 +19,7 @@ import tempfile
 
 import jsonschema
 
-which, kelto, root = sys.argv[1:4]
+which, (kelto, root) = sys.argv[1], map(os.path.abspath, sys.argv[2:4])
 page_path = f"{root}/docs/{dict(check='checking', gen='generating').get(which, which)}.md"
 faults = []
 

@@ -175,9 +175,9 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Makes a message file of a bilingual one, as `kelto export` writes it and
 translators' programs leave it: of its finished translations, if they are right
-beside the reference. What is wrong is told as by `kelto check`, and then nothing
-is written. Programs show the text of another language for a message that the
-file lacks.
+beside the reference. What is wrong is told as by `kelto check`, and then
+nothing is written. Programs show the text of another language for a message
+that the file lacks.
 
 With --assign, the template of a program that used gettext becomes a reference.
 

@@ -52,8 +52,8 @@ ExitStatus run(CommandLine &line)
 
 constexpr const char *details = R"(Prints number and text of every message, a tab between them. Line breaks, other
 control characters and what the terminal cannot show appear as \n, \t, \u001B,
-and a backslash as \\. Behind a message that another selects stand one more tab and
-what it is for, as 12[few 2-4, 22-24]. For FILE '-' is standard input.
+and a backslash as \\. Behind a message that another selects stand one more tab
+and what it is for, as 12[few 2-4, 22-24]. For FILE '-' is standard input.
 
 Example:
   kelto list -r de.xlf
