@@ -1,4 +1,5 @@
-# What our targets are compiled with, as properties of theirs: a project that we are a part of keeps its own.
+# What our targets are compiled with, as far as the compiler knows it, as properties of theirs: a project that we are a
+# part of keeps its own.
 #   kelto_options     language, warnings and sanitizers of everything built here
 #   kelto_hardening   what the tool chain has against exploits, for what is delivered
 

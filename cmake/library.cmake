@@ -1,4 +1,5 @@
-# The library itself: shared only, since its many plain names would collide in a static one.
+# The library itself: its sources, what they are linked with, which names it exports. It is shared only, since its many
+# plain names would collide in a static one.
 
 find_package(ICU REQUIRED COMPONENTS uc)
 # Older versions of expat have no limit on the time that exploding entities take.

@@ -9,13 +9,14 @@ import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ("include", "src", "locale", "tools", "fuzz", "bench")
+FOLDERS = ("include", "src", "locale", "tools", "fuzz", "bench", "scripts", "cmake", "docs", "tests")
+MAY_BE_SILENT = ("cmake", "tests")  # where names say it
 LONGEST = 240  # characters that the sentences of a source may have together, but for the first
 
 HEAD = """# The sources
 
-What lives in each source of the library, the add-on, the program, the fuzz targets and the benchmarks, in the words of
-the source itself; `docs/make_sources.py` makes this page of them. How they hang together stands in
+What lives in each source of the library, the add-on, the program, the fuzz targets, the benchmarks and the scripts, in
+the words of the source itself; `docs/make_sources.py` makes this page of them. How they hang together stands in
 [architecture.md](architecture.md).
 """
 
@@ -28,7 +29,8 @@ def first_paragraph(path):
     if not comment or (path.suffix in (".h", ".hpp", ".cpp") and comment.group(4)):
         return ""
     lines = [re.sub(r"^ *(?:\*|//|#)? ?", "", line) for line in comment.group(comment.lastindex).strip().splitlines()]
-    paragraph = " ".join("\n".join(lines).strip().split("\n\n")[0].split())
+    text = re.split(r"\n\n|\n {2}", "\n".join(lines).strip())[0]  # not what is indented, as the use of a script
+    paragraph = " ".join(text.split())
     return re.sub(r"^@file \S+ ?| ?Include kelto\.hpp\.$", "", paragraph).strip()
 
 
@@ -43,16 +45,24 @@ def in_short(paragraph):
     return short
 
 
+def is_source(path):
+    return path.suffix in (".h", ".hpp", ".cpp", ".py", ".cmake") or (path.parent.name == "scripts" and path.is_file())
+
+
 def sources():
-    """The path of each source without its ending, with what it says of itself; a header speaks for its source."""
+    """The path of each source, without its ending where that is not needed, with what it says of itself; a header speaks
+    for its source."""
     found = {}
     for folder in FOLDERS:
         for path in sorted((ROOT / folder).rglob("*")):
-            if path.suffix in (".h", ".hpp", ".cpp", ".py") and "corpus" not in path.parts:
-                said = in_short(first_paragraph(path))
-                stem = path.relative_to(ROOT).with_suffix("").as_posix()
-                if said and (stem not in found or path.suffix in (".h", ".hpp")):
-                    found[stem] = said
+            if not is_source(path) or "__pycache__" in path.parts:
+                continue
+            said = in_short(first_paragraph(path))
+            name = path.relative_to(ROOT)
+            stem = (name if folder == "include" else name.with_suffix("")).as_posix()
+            if said and (stem not in found or path.suffix in (".h", ".hpp")):
+                found[stem] = said
+            elif folder not in MAY_BE_SILENT:
                 found.setdefault(stem, "")
     return found
 

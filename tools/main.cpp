@@ -1,4 +1,4 @@
-// The table of all subcommands, the help of the program, and what its end prints and returns.
+// The table of all subcommands, which of them a misspelt name may mean, the help of the program, and how it ends.
 
 #include "command_line.h"
 #include "failure.h"

@@ -1,4 +1,4 @@
-/** @file argument.hpp What can be formatted, and what becomes of it; docs/cpp.md has the table. Include kelto.hpp. */
+/** @file argument.hpp Which types are arguments, of which conversions, and how they go over. Include kelto.hpp. */
 #ifndef KELTO_ARGUMENT_HPP
 #define KELTO_ARGUMENT_HPP
 

@@ -1,4 +1,4 @@
-/** @file default_text.hpp Texts in the source, checked while they are compiled. Include kelto.hpp. */
+/** @file default_text.hpp Texts in the source, parsed and checked while they are compiled. Include kelto.hpp. */
 #ifndef KELTO_DEFAULT_TEXT_HPP
 #define KELTO_DEFAULT_TEXT_HPP
 

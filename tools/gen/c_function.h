@@ -1,4 +1,4 @@
-/** A message as a function for C, whose arguments the compiler compares with their parameters. */
+/** A message as a function for C: the types of its parameters, which the compiler compares with arguments. */
 #ifndef KELTO_TOOLS_GEN_C_FUNCTION_H
 #define KELTO_TOOLS_GEN_C_FUNCTION_H
 

@@ -1,4 +1,7 @@
-/** The header of a PO file, which is its first entry: fields with a name and a value, a line each. */
+/**
+ * The header of a PO file, which is its first entry: its fields, a name and a value in each line; and the fields that a
+ * new file gets.
+ */
 #ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_HEADER_H
 #define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_HEADER_H
 

@@ -1,6 +1,6 @@
 /**
  * What is left in a translation that was not finished: words of the reference, remarks of the translator; and words,
- * marks and texts that were written twice.
+ * marks and texts that were written twice (but in languages where that is grammar).
  */
 #ifndef KELTO_TOOLS_CHECK_RULES_WORDING_LEFT_OVER_H
 #define KELTO_TOOLS_CHECK_RULES_WORDING_LEFT_OVER_H
