@@ -1,7 +1,6 @@
 /**
  * "decimal" and "percent": how many decimals a double has, and its digits, which are those of the library's own "f".
- * Whatever else has a double, as a
- * measure, is written by the same function.
+ * Whatever else has a double, as a measure, is written by the same function.
  */
 #ifndef KELTO_LOCALE_DECIMALS_H
 #define KELTO_LOCALE_DECIMALS_H

@@ -1,7 +1,7 @@
 /**
- * A typed argument as the number that a text shows, by which a form is chosen: an integer as it is, a double with a given count of digits behind
- * the mark, rounded as "f" rounds them. The number has 64 bits. Of a longer one the last eighteen digits are kept, and
- * the fact that it is longer; no rule asks for more.
+ * A typed argument as the number that a text shows, by which a form is chosen: an integer as it is, a double with a
+ * given count of digits behind the mark, rounded as "f" rounds them. The number has 64 bits. Of a longer one the last
+ * eighteen digits are kept, and the fact that it is longer; no rule asks for more.
  */
 #ifndef KELTO_PLURAL_SHOWN_NUMBER_H
 #define KELTO_PLURAL_SHOWN_NUMBER_H

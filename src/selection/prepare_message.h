@@ -1,8 +1,7 @@
 /**
  * A message of a table as a prepared format: an ordinary one is prepared by itself, a selector with all that it leads
- * to, each message once, however many selectors lead to it; the messages of its
- * rows agree in their arguments. A refused message comes with the reason, and with the
- * number of the message concerned.
+ * to, each message once, however many selectors lead to it; the messages of its rows agree in their arguments. A
+ * refused message comes with the reason, and with the number of the message concerned.
  */
 #ifndef KELTO_SELECTION_PREPARE_MESSAGE_H
 #define KELTO_SELECTION_PREPARE_MESSAGE_H

@@ -1,6 +1,6 @@
 /**
- * A message file as a header: constants, and a function per message for C++ and for C, each with the text of the
- * source as a literal.
+ * A message file as a header: constants, and a function per message for C++ and for C, each with the text of the source
+ * as a literal.
  */
 #ifndef KELTO_TOOLS_GEN_HEADER_H
 #define KELTO_TOOLS_GEN_HEADER_H
