@@ -458,6 +458,7 @@ void Import::makeDocument()
         else if (found == m_taken.end() && m_source.parsed.rawText(message).empty())
             m_result.document.units.push_back({id, "", message.name, "", "", {}});
     }
+    std::set<int> added; // two rows may have a message in common
     for (const auto &[number, group] : m_groups)
     {
         if (!isWritten(number))
@@ -473,7 +474,7 @@ void Import::makeDocument()
         {
             const int id = group.selector.row + group.places[i];
             const Message *const original = m_rows.message(id);
-            if (m_taken.count(id) > 0)
+            if (m_taken.count(id) > 0 && added.insert(id).second)
                 addUnit(id, group.entries[i]->key, original != nullptr ? original->name : "", *group.entries[i]);
         }
     }
