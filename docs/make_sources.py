@@ -50,8 +50,8 @@ def is_source(path):
 
 
 def sources():
-    """The path of each source, without its ending where that is not needed, with what it says of itself; a header speaks
-    for its source."""
+    """The path of each source, without an ending that nobody needs, and what it says of itself; a header speaks for its
+    source."""
     found = {}
     for folder in FOLDERS:
         for path in sorted((ROOT / folder).rglob("*")):
