@@ -1,4 +1,4 @@
-/** @file format.hpp Where a text goes, and formats that come from no catalog. Include kelto.hpp. */
+/** @file format.hpp The options of texts, where one goes, and formats that come from no catalog. Include kelto.hpp. */
 #ifndef KELTO_FORMAT_HPP
 #define KELTO_FORMAT_HPP
 

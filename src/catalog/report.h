@@ -1,4 +1,7 @@
-/** Reports to the program: something was passed over on the way to a text, and a sentence says why. */
+/**
+ * Reports to the program: something was passed over on the way to a text, and a sentence says why, without characters
+ * that could harm a log.
+ */
 #ifndef KELTO_CATALOG_REPORT_H
 #define KELTO_CATALOG_REPORT_H
 

@@ -1,6 +1,7 @@
 /**
  * The conversion of variants, "nil": it takes an integer and writes nothing, so that a sentence without its number has
- * every position. It stands in a table of its own, since the built-in table cannot get further names.
+ * every position. It stands in a table of its own, since the built-in table cannot get further names; a program's own
+ * "nil" goes first.
  */
 #ifndef KELTO_FORMAT_VARIANTS_NIL_CONVERSION_H
 #define KELTO_FORMAT_VARIANTS_NIL_CONVERSION_H

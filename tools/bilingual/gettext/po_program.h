@@ -1,4 +1,4 @@
-/** The program kelto-po, which reads and writes PO files: see tools/po/. */
+/** Starts the program kelto-po, which reads and writes PO files (tools/po/), under limits of memory and time. */
 #ifndef KELTO_TOOLS_BILINGUAL_GETTEXT_PO_PROGRAM_H
 #define KELTO_TOOLS_BILINGUAL_GETTEXT_PO_PROGRAM_H
 
