@@ -152,6 +152,7 @@ const Row rows[] = {
      unit(x("%s", 1) + x("%s", 2) + x("%s", 3) + x("%s", 4))},
     {unit("<x id='1' ts='s'/>" + x("%d", 2)), "3:15-16 bad-conversion"},
     {unit(x("s", 2)), "3:8-9 bad-placeholder"},
+    {unit(x("T", 1) + "%q[2]"), "3:8-9 bad-placeholder, 3:19-24 bad-conversion"},
     {unit("a\\n" + x("%s ", 1) + x("%d of", 2) + x("%d", 4)),
      "2:20-28 line-break, 3:11-14 bad-conversion, 3:31-36 bad-conversion, 3:46-65 argument-type, "
      "2:1-20 argument-missing",
