@@ -204,6 +204,7 @@ const Row rows[] = {
     {unit("Копировать"), "3:1-11 wrong-script"},
     {unit("5 μm, Русский"), "", unit("μ Я")},
     {unit("a\n=======\nb"), "4:1-8 stray-text"},
+    {unit("a\n=======b"), ""},
     {unit("Fertig./n"), "3:8-10 line-break"},
     {document("<trans-unit id='1'><source>a</source><note from='kelto check'>white-space no-structure, "
               "no-mojibake: no-reason</note></trans-unit>"),
