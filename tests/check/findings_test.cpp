@@ -102,6 +102,7 @@ const Row rows[] = {
      "<body><trans-unit id='1'><source>a<context>d</context>e</source><note>n</note>f</trans-unit>\n\n<<",
      "2:2-20 stray-text, 3:9-18 stray-text, 3:81-82 stray-text, 3:105-106 stray-text, 5:2-3 xml-syntax"},
     {document(numbered(1, "a") + "\n>>>>>>> b\n<!--\n=======\n-->"), "3:1-8 stray-text, 5:1-8 stray-text"},
+    {document(numbered(1, "a") + "\n>>>>>>>b"), "3:1-9 stray-text"},
     {document(numbered(1, "a") + "\n" + std::string(1032, ' ')), ""}, // more than the parser gives at once
     {"<xliff><file source-language='de_AT' product-name='S' product-version='1'><header/><body/></file></xliff>",
      "1:31-36 same-language",
