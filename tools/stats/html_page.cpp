@@ -69,8 +69,10 @@ std::string visible(const std::string &text)
         const size_t begin = at;
         const char32_t character = check::takeUtf8(plain, at);
         const bool isKept = isJoiner(character) || character == 0x00AD; // SOFT HYPHEN
-        result += isInvisible(character) && !isKept ? fmt::format("\\u{:04X}", static_cast<uint32_t>(character))
-                                                    : plain.substr(begin, at - begin);
+        if (isKept || !isInvisible(character))
+            result += plain.substr(begin, at - begin);
+        else
+            result += fmt::format(character <= 0xFFFF ? "\\u{:04X}" : "\\U{:08X}", static_cast<uint32_t>(character));
     }
     return result;
 }
@@ -103,12 +105,9 @@ std::string shownMessage(const std::string &message, formTable *table)
             result += xmlText(std::string_view(text).substr(at, escape - at));
             if (escape == text.size())
                 break;
-            constexpr size_t shortest = 2; // "\\n"
-            constexpr std::string_view hexadecimal = "0123456789ABCDEF";
-            const size_t number = escape + shortest;
-            at = text.compare(escape, shortest, "\\u") == 0
-                     ? std::min({text.find_first_not_of(hexadecimal, number), number + 6, text.size()})
-                     : std::min(number, text.size());
+            const std::string_view begins = std::string_view(text).substr(escape, 2);
+            const size_t length = begins == "\\u" ? 6 : begins == "\\U" ? 10 : 2; // "\\u202E", "\\U000E0001", "\\n"
+            at = std::min(escape + length, text.size());
             result += begin + xmlText(std::string_view(text).substr(escape, at - escape)) + end;
         }
     }

@@ -8,6 +8,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <fmt/core.h>
 
 namespace tool::bilingual
 {
@@ -139,10 +140,12 @@ private:
         {
             const Entry *chosen = nullptr;
             bool clashes = false;
+            std::optional<unsigned> missing;
             for (const std::optional<unsigned> form : category.forms)
             {
                 const size_t at = begin + form.value_or(static_cast<unsigned>(end - begin));
                 const Entry *const other = at < end ? &forms[at] : nullptr;
+                missing = form && other == nullptr ? form : missing;
                 clashes = clashes || other == nullptr || (chosen != nullptr && chosen->target != other->target);
                 chosen = chosen == nullptr ? other : chosen;
             }
@@ -156,8 +159,10 @@ private:
             if (clashes && entry.state == State::finished)
             {
                 entry.written.isComplete = false;
-                entry.findings.push_back(
-                    findingAt(entry.place, Rule::structure, entry.key.number, {Text::pluralFormsClash, {label}}));
+                const Phrase why =
+                    missing ? Phrase{Text::elementMissing, {"msgid_plural", fmt::format("msgstr[{}]", *missing)}}
+                            : Phrase{Text::pluralFormsClash, {label}};
+                entry.findings.push_back(findingAt(entry.place, Rule::structure, entry.key.number, why));
             }
             entries.push_back(std::move(entry));
         }
