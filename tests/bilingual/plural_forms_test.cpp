@@ -36,6 +36,14 @@ TEST(PluralForms, HeaderSaysWhatTheLibrarySaysInEveryLanguage)
     EXPECT_GT(languages, 200U);
 }
 
+std::string repeated(const char *text, int count)
+{
+    std::string all;
+    while (count-- > 0)
+        all += text;
+    return all;
+}
+
 TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
 {
     const std::string brackets(1000000, '(');
@@ -65,6 +73,19 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
         {"nplurals=65; plural=n;", -1},
         {"nplurals=2; plural=n" + std::string(4096 - 20, ' '), 2, {{1, 1}}},
         {"nplurals=2; plural=n" + std::string(4096 - 19, ' '), -1},
+        {"nplurals=2; plural=\tn\t!=\t1 ;", 2, {{1, 0}, {2, 1}}},
+        {"nplurals\t=\t2; plural\t=\tn", 2, {{1, 1}}},
+        {"nplurals=2; plural=0" + repeated("+(1-1)", 101) + "+n", 2, {{1, 1}}}, // one behind another is not deep
+        {"nplurals=20; plural=n == 1 ? 19 : 09;", 20, {{1, 19}, {2, 9}}},
+        {"nplurals=2; plural=n ? n == 1 ? 0 : 1 : 1;", 2, {{0, 1}, {1, 0}, {2, 1}}},
+        {"nplurals=n; plural=0;", -1},
+        {"nplurals 2; plural=n;", -1},
+        {"nplurals=2; plural n;", -1},
+        {"nplurals", -1},
+        {"nplurals=2", -1},
+        {"nplurals=2; plural=n)", -1},
+        {"nplurals=2; plural=(n", -1},
+        {"nplurals=2; plural=n 1", -1},
         {"nplurals=2; plural=n ? 1;", -1},
         {"nplurals=2; plural=n == ;", -1},
         {"nplurals=2; plural=x;", -1},
