@@ -153,7 +153,7 @@ bool Reader::accept(const ElementMapRow &element, const char *name)
     if (!fault)
         return true;
     parent.isIncomplete = true;
-    if (m_open.size() < unitDepth) // what it holds may be messages
+    if (m_open.size() <= unitDepth) // what it holds may be messages
         m_parsed.m_isWhole = false;
     if (parent.element == ELM_SOURCE)
         m_message.isComplete = false;
