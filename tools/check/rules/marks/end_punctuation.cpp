@@ -28,7 +28,7 @@ Text nameOf(Ending ending)
     return names[static_cast<size_t>(ending)];
 }
 
-/** Where the words of a text end: white space, closing quotation marks and brackets behind them do not count. */
+/** Where the words of a text end: white space and quotation marks behind them do not count. */
 size_t endOfWords(std::string_view text)
 {
     size_t end = coreOf(text).end;
@@ -37,9 +37,7 @@ size_t endOfWords(std::string_view text)
         const size_t begin = stepBackUtf8(text, end);
         size_t next = begin;
         const char32_t character = takeUtf8(text, next);
-        const int8_t type = u_charType(static_cast<UChar32>(character));
-        const bool isQuote = character == '"' || character == '\'' || type == U_FINAL_PUNCTUATION;
-        if (!isQuote && !isWhiteSpace(character))
+        if (!isQuotationMark(character) && !isWhiteSpace(character)) // “ opens in English, and closes in German
             break;
         end = begin;
     }
