@@ -96,7 +96,7 @@ std::optional<MisreadPart> takePart(std::string_view text, size_t at, const Byte
     MisreadPart part;
     part.lead = takeUtf8(text, at);
     const auto lead = bytes.find(part.lead);
-    if (lead == bytes.end() || lead->second < 0xC2 || lead->second > 0xF0)
+    if (lead == bytes.end())
         return std::nullopt;
     part.leadByte = lead->second;
     part.meant = static_cast<char>(part.leadByte);

@@ -53,7 +53,7 @@ std::optional<Range> brokenWordIn(std::string_view text)
         const size_t begin = at;
         const char32_t character = takeUtf8(text, at);
         size_t next = at;
-        if (character >= 0xA1 && before != 0 && isLetter(before))
+        if (character >= 0xA1 && isLetter(before))
         {
             const bool isSign = isAmong(character, signs) && next < text.size() && isLetter(takeUtf8(text, next));
             const bool isCapital = character >= 0xC0 && character < 0x180 &&
@@ -84,9 +84,8 @@ std::optional<Range> latin1RunIn(std::string_view text)
         if (!isOfRun)
         {
             // A word of another language has plain letters beside the others.
-            const bool touchesPlain =
-                isAsciiLetter(character) || (length > 0 && begin > 0 && isAsciiLetter(text[begin - 1]));
-            if (length >= shortest && letterCount >= shortest && (!touchesPlain || length >= 2 * shortest))
+            const bool touchesPlain = isAsciiLetter(character) || (begin > 0 && isAsciiLetter(text[begin - 1]));
+            if (letterCount >= shortest && (!touchesPlain || length >= 2 * shortest))
                 return Range{begin, at};
             length = letterCount = 0;
             if (at == text.size())
