@@ -12,7 +12,7 @@ using tool::Placeholders;
 
 // The rows of texts_compared.txt: a language ("de", "de/fr" beside a reference in French; "de +30" with so many other
 // messages in the file), a text, that of the reference, and what is found. "⏎" parts messages; "%d[1]" is a
-// placeholder, and "‹" and "›" are the brackets of an element.
+// placeholder, "‹" and "›" are the brackets of an element, and "⟦2060⟧" is a character that nobody sees.
 
 namespace
 {
@@ -35,6 +35,7 @@ std::string inXml(std::string text)
     for (const auto &[mark, entity] :
          {std::pair{"&", "&amp;"}, std::pair{"<", "&lt;"}, std::pair{"‹", "<"}, std::pair{"›", ">"}})
         text = std::regex_replace(text, std::regex(mark), entity);
+    text = std::regex_replace(text, std::regex("⟦([0-9A-F]+)⟧"), "&#x$1;");
     return std::regex_replace(text, std::regex(R"((%[-+ #.*!0-9]*[A-Za-z]+)\[([0-9]+)\])"), "<x ts=\"$1\" id=\"$2\"/>");
 }
 
