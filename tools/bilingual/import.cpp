@@ -367,15 +367,12 @@ std::string Import::chooseLanguage()
     return language;
 }
 
-/** The reference with a message for each form of the translation, to compare one with one. */
+/** A reference of the originals of what is taken, to compare one with one. */
 Reference Import::makeReference(std::optional<ParsedFile> &parsed) const
 {
     const ParsedFile &whole = m_source.parsed;
     ParsedFileBuilder builder(whole.source(), whole.body());
     builder.setLanguage(whole.language(), whole.languagePlace());
-    for (const Message &message : whole.messages())
-        if (m_rows.find(message.id) == nullptr && m_originals.count(message.id) == 0)
-            builder.addCopy(whole, message, message.id);
     for (const auto &[id, original] : m_originals)
         if (original != nullptr)
             builder.addCopy(whole, *original, id);
