@@ -147,6 +147,7 @@ const Row rows[] = {
     {unit("100%% " + x("%d", 1) + " %"), "3:27-28 bad-conversion"},
     {unit("100 % sure, 50% off"), "3:5-6 lone-percent, 3:15-16 lone-percent"},
     {unit("%d files"), "3:1-3 bad-conversion"},
+    {unit("%AaZz files"), "3:1-6 bad-conversion"},
     {unit("𝄞é&#xE9;%d[1]"), "3:9-14 typed-conversion"},
     {unit(x("%y", 1) + x("%d", 2)), "3:1-20 bad-conversion"},
     {unit("<x id='1'\n ts='é %y'/>"), "4:8-10 bad-conversion"},
@@ -329,6 +330,7 @@ protected:
         ASSERT_EQ(KTInit(), 0);
         ASSERT_EQ(m_table.add("two=int,pointer"), "");
         ASSERT_EQ(m_table.add("size=uint"), "");
+        ASSERT_EQ(m_table.add("AaZz=uint"), ""); // a name may have any letter
     }
     void TearDown() override { KTClean(); }
 
