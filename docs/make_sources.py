@@ -39,7 +39,8 @@ def in_short(paragraph):
     sentences = re.split(r"(?<=[.)]) (?=[A-Z\"`])", paragraph)
     short = sentences[0]
     for sentence in sentences[1:]:
-        if len(short) + len(sentence) > LONGEST:
+        is_whole = sentence.endswith((".", ")"))  # else it leads to what is indented
+        if not is_whole or len(short) + len(sentence) > LONGEST:
             break
         short += " " + sentence
     return short

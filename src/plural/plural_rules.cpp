@@ -4,7 +4,7 @@
 
 #include "plural/plural_table.h"
 #include "plural/shown_number.h"
-#include "strconv/letters.h"
+#include "strconv/ascii.h"
 
 #include <iterator>
 

@@ -1,5 +1,7 @@
 #include "plural/shown_number.h"
 
+#include "strconv/ascii.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -37,11 +39,6 @@ private:
     uint64_t m_last = 0;
     bool m_isLong = false;
 };
-
-bool isDigitOfNumber(char character)
-{
-    return character >= '0' && character <= '9';
-}
 
 int print(char *out, size_t size, int digits, double value)
 {
@@ -86,7 +83,7 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         const int printed = std::min(digits, mostDigits);
         const char *const end = text + print(text, sizeof text, printed, magnitude);
         const char *next = text;
-        for (; next != end && isDigitOfNumber(*next); ++next)
+        for (; next != end && kelto::isDigit(*next); ++next)
             integer = integer * 10 + static_cast<uint64_t>(*next - '0');
         int zeros = 0;
         for (next = end - printed; next != end; ++next)

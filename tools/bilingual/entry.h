@@ -60,7 +60,7 @@ struct Selector
     int digits; // shown behind the mark
     std::string text;
 
-    int places() const { return kind == Kind::select ? 64 : mostVariants; }
+    int places() const { return static_cast<int>(tool::Selector::rowLengthOf(kind)); }
 };
 
 /** "12[few]". */

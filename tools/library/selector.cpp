@@ -60,7 +60,7 @@ private:
 
 } // namespace
 
-unsigned Selector::rowLength() const
+unsigned Selector::rowLengthOf(Kind kind)
 {
     return kind == Kind::select ? kelto::selectRowLength : mostVariants;
 }
@@ -112,7 +112,7 @@ std::string placeName(Selector::Kind kind, unsigned place)
 
 std::optional<unsigned> placeNamed(Selector::Kind kind, const std::string &name)
 {
-    const unsigned count = Selector{kind, 0, 0, 0}.rowLength();
+    const unsigned count = Selector::rowLengthOf(kind);
     for (unsigned place = 0; place < count; ++place)
         if (placeName(kind, place) == name || (kind == Selector::Kind::select && place == 0 && name == "other"))
             return place;

@@ -36,7 +36,8 @@ struct Selector
     int digits;        // shown behind the mark
 
     /** The messages that its row may have. */
-    unsigned rowLength() const;
+    unsigned rowLength() const { return rowLengthOf(kind); }
+    static unsigned rowLengthOf(Kind kind);
 
     /** The number of the message at a place; 0 where no message can be. */
     unsigned messageAt(unsigned place) const;

@@ -1,6 +1,7 @@
 #include "format/grammar/conversion_spec.h"
 
 #include "format/tables/form_table.h"
+#include "strconv/ascii.h"
 
 #include <algorithm>
 #include <climits>
@@ -47,16 +48,6 @@ constexpr FlagTable
 constexpr FlagTable modifiers({{'h', FLAG_h}, {'l', FLAG_l}, {'L', FLAG_L}, {'!', FLAG_BANG}});
 
 /** The value of a digit; 10 or more for any other unit. */
-template <typename Unit> unsigned digitOf(Unit unit)
-{
-    return static_cast<unsigned>(unit) - '0';
-}
-
-template <typename Unit> bool isDigit(Unit unit)
-{
-    return digitOf(unit) < 10;
-}
-
 constexpr int tooLarge = -1;
 
 /** Takes a run of digits, perhaps empty: its value, or tooLarge where an int does not hold it. */
@@ -64,7 +55,7 @@ template <typename Unit> int takeNumber(const Unit *&cursor)
 {
     constexpr uint64_t beyondInt = uint64_t{INT_MAX} + 1;
     uint64_t value = 0;
-    for (unsigned digit = digitOf(*cursor); digit < 10; digit = digitOf(*++cursor))
+    for (unsigned digit = kelto::digitOf(*cursor); digit < 10; digit = kelto::digitOf(*++cursor))
         if (value < beyondInt)
             value = value * 10 + digit;
     return value < beyondInt ? static_cast<int>(value) : tooLarge;
@@ -80,7 +71,7 @@ template <typename Unit> bool takeWidthOrPrecision(const Unit *&cursor, int ifMi
         value = KT_FROM_ARGUMENTS;
         return true;
     }
-    if (!isDigit(*cursor))
+    if (!kelto::isDigit(*cursor))
         return true;
     value = takeNumber(cursor);
     return value != tooLarge;
@@ -219,8 +210,8 @@ template <typename Unit> int takeAcceptedPosition(const Unit *&cursor) noexcept
         ++next;
     unsigned position = 0;
     if (*next != 0)
-        for (++next; isDigit(*next); ++next)
-            position = position * 10 + digitOf(*next);
+        for (++next; kelto::isDigit(*next); ++next)
+            position = position * 10 + kelto::digitOf(*next);
     cursor = *next != 0 ? next + 1 : next;
     return static_cast<int>(position);
 }

@@ -2,7 +2,7 @@
 
 #include "lifecycle/global_state.h"
 #include "platform/scoped.h"
-#include "strconv/letters.h"
+#include "strconv/ascii.h"
 
 #include <cstring>
 

@@ -1,6 +1,7 @@
 #include "format/variants/selector.h"
 
 #include "plural/shown_number.h"
+#include "strconv/ascii.h"
 
 #include <climits>
 #include <cstring>
@@ -14,11 +15,6 @@ using kelto::SelectorFault;
 using kelto::SelectorKind;
 
 constexpr uint64_t largest = INT_MAX;
-
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
 
 /** Takes a number from 1 on; 0 where there is none, or a larger one than 32 bits hold. */
 uint32_t takeNumber(const char *&cursor)
@@ -78,7 +74,7 @@ bool isTooLarge(const char *begin, const char *behind)
 {
     uint64_t number = 0;
     for (; begin != behind && number <= largest; ++begin)
-        number = isDigit(*begin) ? number * 10 + static_cast<uint64_t>(*begin - '0') : 0;
+        number = kelto::isDigit(*begin) ? number * 10 + static_cast<uint64_t>(*begin - '0') : 0;
     return number > largest;
 }
 
@@ -123,7 +119,7 @@ bool readSelector(const char *message, Selector &selector) noexcept
     if (*message != '%')
         return false;
     const char *cursor = message + 1;
-    if (!isDigit(cursor[0]) || (cursor[0] == '0' && isDigit(cursor[1]))) // a 0 in front is a flag
+    if (!kelto::isDigit(cursor[0]) || (cursor[0] == '0' && kelto::isDigit(cursor[1]))) // a 0 in front is a flag
         return false;
     const bool isRowZero = *cursor == '0';
     selector.row = takeNumber(cursor);

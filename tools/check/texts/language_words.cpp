@@ -179,7 +179,7 @@ struct PrepositionSets
     WordSet source, goal, whole;
 };
 
-/** The sets of a language, which are made once, of all languageRows; null where there is no row. */
+/** The sets of a language, which are made once, of all rows of a list; null where there is no row. */
 template <typename Sets, typename Rows> const Sets *setsOf(const Rows &list, std::string_view language)
 {
     static const std::vector<Sets> made(std::begin(list), std::end(list));
