@@ -1,6 +1,6 @@
 /**
- * Letters and digits of ASCII, in units of any type: the place of a letter in the alphabet, for tables that are searched
- * by the first letters of names, and the value of a digit.
+ * Letters and digits of ASCII, in units of any type: the place of a letter in the alphabet, for tables that are
+ * searched by the first letters of names, and the value of a digit.
  */
 #ifndef KELTO_STRCONV_ASCII_H
 #define KELTO_STRCONV_ASCII_H
