@@ -175,8 +175,7 @@ void Reader::start(const char *name, const char **attributes)
     }
     const bool isAccepted = kelto::takeAttributes(m_structure, element, attributes);
     kelto::openElement(m_structure, element);
-    const bool needsPlace = element.id != ELM_CONTEXT && element.id != ELM_NOTE && element.id != ELM_CONTEXT_GROUP;
-    const Range tag = needsPlace || !isAccepted ? event() : Range{};
+    const Range tag = event();
     m_open.push_back({element.id, tag, false});
     if (element.id == ELM_TRANS_UNIT)
         startUnit(attributes, tag);
@@ -189,7 +188,7 @@ void Reader::start(const char *name, const char **attributes)
     else if (element.id == ELM_BODY)
         m_parsed.m_body = tag;
     else if (element.id == ELM_NOTE && CheckerNote::isOne(kelto::findAttribute(attributes, "from")))
-        m_note.emplace(event());
+        m_note.emplace(tag);
     if (!isAccepted)
         for (AttributeFault &fault : faultsOf(element, attributes))
             find(fault.rule, fault.attribute != nullptr ? m_parsed.locateAttribute(tag, fault.attribute) : tag,
@@ -381,8 +380,6 @@ void Reader::startDoctype()
     using namespace std::string_view_literals;
     m_hasDoctype = true;
     const SourceText &source = m_parsed.m_source;
-    m_doctype = {};
-    const size_t size = source.bytes().size();
     // Nothing but comments and the XML declaration stands in front of it.
     const bool isWide =
         source.encoding() == SourceText::Encoding::utf16le || source.encoding() == SourceText::Encoding::utf16be;
@@ -391,7 +388,7 @@ void Reader::startDoctype()
                                                                                        : "<!DO"sv;
     const size_t at = source.bytes().rfind(name, index());
     if (at != std::string_view::npos)
-        m_doctype = {at, std::min(at + (isWide ? 18 : 9), size)};
+        m_doctype = {at, std::min(at + (isWide ? 18 : 9), source.bytes().size())};
     find(Rule::doctype, m_doctype, {Text::hasDoctype});
 }
 

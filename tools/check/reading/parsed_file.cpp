@@ -1,6 +1,6 @@
 #include "check/reading/parsed_file.h"
 
-#include "check/texts/utf8.h"
+#include "check/texts/characters.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,11 +14,9 @@ namespace tool::check
 namespace
 {
 
-constexpr std::string_view blanks = " \t\r\n";
-
 bool isBlank(char32_t character)
 {
-    return character < 128 && blanks.find(static_cast<char>(character)) != std::string_view::npos;
+    return isAmong(character, U" \t\r\n");
 }
 
 bool equals(std::u32string_view text, std::string_view ascii)
@@ -38,9 +36,9 @@ char32_t meaningOfReference(const std::u32string &name)
     for (const auto &row : predefined)
         if (equals(name, row.name))
             return row.character;
-    if (name.empty() || name[0] != '#')
+    if (name[0] != '#')
         return 0;
-    const bool isHexadecimal = name.size() > 1 && name[1] == 'x';
+    const bool isHexadecimal = name[1] == 'x';
     const std::string digits(name.begin() + (isHexadecimal ? 2 : 1), name.end());
     return static_cast<char32_t>(std::strtoul(digits.c_str(), nullptr, isHexadecimal ? 16 : 10));
 }

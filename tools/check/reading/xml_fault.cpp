@@ -22,10 +22,12 @@ template <typename IsWanted> size_t behindAll(const SourceText &source, size_t o
 /** What is wrong with a character that the parser takes none for; nothing where it is not known. */
 std::optional<Text> wrongCharacter(const SourceText &source, Range place)
 {
-    size_t marks = 0; // of a merge; the parser stops at the second
-    behindAll(source, place.begin,
-              [&marks](char32_t character) { return character == '<' && ++marks < mergeMarkLength; });
-    if (marks + 1 == mergeMarkLength)
+    size_t marks = 1; // of a merge; the parser stops at the second
+    behindAll(source, place.begin, [&marks](char32_t character) {
+        marks += character == '<' ? 1 : 0;
+        return character == '<';
+    });
+    if (marks == mergeMarkLength)
         return Text::mergeMark;
     const std::string_view bytes = source.bytes();
     if (source.encoding() == SourceText::Encoding::utf16le || source.encoding() == SourceText::Encoding::utf16be)
