@@ -131,7 +131,7 @@ void fillFrom(const Project &project, Options &options, Words &files)
           std::pair(&options.complete, &project.complete), std::pair(&options.limit, &project.limit)})
         if (option->empty())
             *option = *value;
-    options.forms.insert(options.forms.begin(), project.forms.begin(), project.forms.end());
+    options.forms.insert(options.forms.end(), project.forms.begin(), project.forms.end());
     options.isRaw = options.isRaw || project.isRaw == "true";
     if (files.empty())
         files = project.files;

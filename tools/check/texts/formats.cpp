@@ -273,6 +273,15 @@ int formatNothing(const char *, int, int, int, KTEncoder, void *, void **, unsig
     return 0;
 }
 
+/** Whether a conversion with this name is found by it: "hx" is "x" with a modifier, and "2x" is one with a width. */
+bool isFound(const std::string &name, formTable *table)
+{
+    KTConversion found{};
+    found.structSize = sizeof found;
+    KTNextConversion(fmt::format("%{}[1]", name).c_str(), table, &found);
+    return found.formatter != nullptr && found.formatter->name == name;
+}
+
 } // namespace
 
 FormTable::FormTable() : m_list(1), m_table{false, {}, m_list.data(), nullptr, namedConversions()}
@@ -307,7 +316,7 @@ std::string FormTable::add(std::string_view form)
     m_list.insert(m_list.end() - 1, {row->name.c_str(), nullptr, count, row->types.data(), formatNothing});
     m_table.formList = m_list.data();
     m_rows.push_back(std::move(row));
-    if (!isAccepted(fmt::format("%{}[1]", m_rows.back()->name).c_str(), get(), nullptr))
+    if (!isFound(m_rows.back()->name, get()))
         return say(Text::badFormName);
     return "";
 }
