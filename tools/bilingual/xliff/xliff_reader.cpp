@@ -87,19 +87,17 @@ private:
         bool keepsSpace;
     };
 
-    /** The words of an element that is no text of a unit: a note, a conversion, an earlier source. */
+    /** The words since an element that is no text of a unit: a note, a conversion, an earlier source. */
     struct Words
     {
-        bool isOpen = false;
         std::string text;
         Attributes attributes; // of the element
         Range place;
 
-        void open(Attributes of = {}, Range at = {}) { *this = {true, "", std::move(of), at}; }
+        void open(Attributes of = {}, Range at = {}) { *this = {"", std::move(of), at}; }
     };
 
     void open(Element element, const Tag &tag, Range place);
-    void startDocument(const Tag &tag, Range place);
     void startFile(const Tag &tag, Range place);
     void setTargetLanguage(const Tag &tag, const char *attribute, Range place);
     void startUnit(const Tag &tag, Range place);
@@ -137,6 +135,7 @@ private:
     UnitTexts m_texts;
     size_t m_segmentBegin = 0; // of its source in that of the unit
     bool m_segmentHasTarget = false;
+    Findings m_inSource; // of the segment: a fault of the reference is not the translator's, but where it is copied
     Words m_words;
 };
 
@@ -173,7 +172,7 @@ void Reader::start(const char *name, const char **attributes)
         ++m_skipped;
         return;
     }
-    if (m_words.isOpen && element == Element::placeholder)
+    if (element == Element::placeholder)
         m_words.text += tag.get("equiv-text");
     if (element == Element::skipped || (isInline && !m_texts.isOpen()))
     {
@@ -191,7 +190,7 @@ void Reader::open(Element element, const Tag &tag, Range place)
     switch (element)
     {
     case Element::xliff:
-        startDocument(tag, place);
+        setTargetLanguage(tag, "trgLang", place);
         break;
     case Element::file:
         startFile(tag, place);
@@ -235,25 +234,12 @@ void Reader::open(Element element, const Tag &tag, Range place)
     }
 }
 
-void Reader::startDocument(const Tag &tag, Range place)
-{
-    if (tag.find("srcLang") != nullptr)
-        m_file.content.sourceLanguage = tag.get("srcLang");
-    setTargetLanguage(tag, "trgLang", place);
-}
-
 void Reader::startFile(const Tag &tag, Range place)
 {
-    Bilingual &content = m_file.content;
     m_file.body = place;
-    if (content.attributes.empty())
-        content.attributes = tag.attributes();
-    if (tag.find("source-language") != nullptr)
-        content.sourceLanguage = tag.get("source-language");
     setTargetLanguage(tag, "target-language", place);
-    content.original = tag.get("original");
-    content.header = unescaped(tag.ours("header"));
-    content.charset = tag.ours("charset");
+    m_file.content.header = unescaped(tag.ours("header"));
+    m_file.content.charset = tag.ours("charset");
 }
 
 void Reader::setTargetLanguage(const Tag &tag, const char *attribute, Range place)
@@ -315,6 +301,7 @@ void Reader::startSegment(const Tag &tag, bool isIgnorable)
 {
     m_segmentBegin = m_texts.sourceSize();
     m_segmentHasTarget = false;
+    m_inSource.clear();
     if (isIgnorable)
         return;
     const std::optional<State> state = meaningOf(tag.get("state"));
@@ -333,10 +320,7 @@ void Reader::startSource()
 void Reader::startTarget(const Tag &tag, Range place)
 {
     if (!isInUnit())
-    {
-        m_words.isOpen = m_words.isOpen && !m_hasUnit;
         return;
-    }
     m_segmentHasTarget = true;
     m_state.setTarget(meaningOf(tag.get("state")));
     if (!m_entry.hasTarget)
@@ -350,15 +334,14 @@ void Reader::refuseInline(const Tag &tag, Range place)
     m_texts.loseCompleteness();
     Finding finding = findingAt(place, Rule::structure, m_entry.key.number, {Text::noInline, {quotation(tag.name())}});
     finding.order = m_entry.place.begin;
-    m_entry.findings.push_back(std::move(finding));
+    (m_texts.isSourceOpen() ? m_inSource : m_entry.findings).push_back(std::move(finding));
 }
 
 void Reader::text(std::string_view words)
 {
     if (m_skipped > 0)
         return;
-    if (m_words.isOpen)
-        m_words.text += words;
+    m_words.text += words;
     if (!m_texts.isOpen() || m_open.back().element == Element::placeholder)
         return;
     const Range place = event();
@@ -391,7 +374,6 @@ void Reader::close(const Open &closed)
         break;
     case Element::data:
         m_texts.addData(attributeOf(m_words.attributes, "id"), m_words.text);
-        m_words.isOpen = false;
         break;
     case Element::finding:
         endFinding();
@@ -417,17 +399,12 @@ void Reader::endText(const Open &closed)
 {
     if (m_texts.isOpen())
         m_texts.close(closed.keepsSpace);
-    else if (m_words.isOpen)
-    {
-        if (m_isPrevious && closed.element == Element::source)
-            m_entry.previousSource = unescaped(m_words.text);
-        m_words.isOpen = false;
-    }
+    else if (m_isPrevious && closed.element == Element::source)
+        m_entry.previousSource = unescaped(m_words.text);
 }
 
 void Reader::endFinding()
 {
-    m_words.isOpen = false;
     const std::string name = attributeOf(m_words.attributes, "name");
     const Phrase text = name == "not-in-charset"    ? Phrase{Text::poNotInCharset}
                         : name == "unknown-charset" ? Phrase{Text::poUnknownCharset}
@@ -437,7 +414,6 @@ void Reader::endFinding()
 
 void Reader::endNote()
 {
-    m_words.isOpen = false;
     if (!isInUnit())
         return;
     if (attributeOf(m_words.attributes, "category") == "previous-source")
@@ -453,7 +429,6 @@ void Reader::endNote()
 
 void Reader::endContext()
 {
-    m_words.isOpen = false;
     if (isInUnit() && !m_entry.remarks.contexts.empty())
         m_entry.remarks.contexts.back().contexts.push_back({m_words.attributes, m_words.text});
 }
@@ -464,7 +439,10 @@ void Reader::endSegment(bool isIgnorable)
     if (m_segmentHasTarget)
         return;
     if (isIgnorable)
+    {
         m_texts.copySource(m_segmentBegin, m_entry.place);
+        m_entry.findings.insert(m_entry.findings.end(), m_inSource.begin(), m_inSource.end());
+    }
     else
         m_state.lacksTarget();
 }
@@ -480,13 +458,8 @@ void Reader::endUnit()
     // A part that was refused is something.
     const bool isEmpty = m_entry.written.raw.empty() && m_entry.written.isComplete;
     m_entry.state = m_state.of(m_entry, isEmpty);
-    // A fault of the reference is not the translator's.
-    auto &findings = m_entry.findings;
-    findings.erase(std::remove_if(findings.begin(), findings.end(),
-                                  [&](const Finding &finding) {
-                                      return !m_entry.hasTarget || finding.place.begin < m_entry.written.tag.begin;
-                                  }),
-                   findings.end());
+    if (!m_entry.hasTarget) // what was copied is no translation
+        m_entry.findings.clear();
     m_file.content.entries.push_back(std::move(m_entry));
 }
 

@@ -30,6 +30,26 @@ struct Cut
     const char *instead;
 };
 
+/** Appends what is left of a piece of the file's own characters: what stands between the cuts, each at its place. */
+void divide(const Piece &piece, const std::vector<Cut> &cuts, const std::vector<uint32_t> &places,
+            std::vector<Piece> &parts)
+{
+    size_t at = piece.begin;
+    const auto add = [&](size_t end, Piece::Kind kind) {
+        const size_t offset = piece.place.begin - piece.begin;
+        if (places[at] < places[end])
+            parts.push_back({places[at], places[end], kind, places[at], {offset + at, offset + end}});
+        at = end;
+    };
+    auto cut = std::partition_point(cuts.begin(), cuts.end(), [at](const Cut &other) { return other.end <= at; });
+    for (; cut != cuts.end() && cut->begin < piece.end; ++cut)
+    {
+        add(std::max<size_t>(cut->begin, piece.begin), Piece::Kind::text);
+        add(std::min<size_t>(cut->end, piece.end), Piece::Kind::replaced);
+    }
+    add(piece.end, Piece::Kind::text);
+}
+
 /** Makes the cuts, which are in the order of the text, and moves the pieces along. */
 void make(const std::vector<Cut> &cuts, WrittenText &text)
 {
@@ -53,15 +73,14 @@ void make(const std::vector<Cut> &cuts, WrittenText &text)
     }
     keep(raw.size());
     places[raw.size()] = static_cast<uint32_t>(result.size());
-    for (Piece &piece : text.pieces)
-    {
-        piece.begin = places[piece.begin];
-        piece.end = places[piece.end];
-        piece.positionBegin = places[piece.positionBegin];
-    }
-    text.pieces.erase(std::remove_if(text.pieces.begin(), text.pieces.end(),
-                                     [](const Piece &piece) { return piece.begin == piece.end; }),
-                      text.pieces.end());
+    std::vector<Piece> pieces;
+    for (const Piece &piece : text.pieces)
+        if (piece.kind == Piece::Kind::text)
+            divide(piece, cuts, places, pieces);
+        else if (places[piece.begin] < places[piece.end])
+            pieces.push_back(
+                {places[piece.begin], places[piece.end], piece.kind, places[piece.positionBegin], piece.place});
+    text.pieces = std::move(pieces);
     text.raw = std::move(result);
 }
 
@@ -140,13 +159,13 @@ bool UnitTexts::addPlaceholder(const Tag &tag, Range place)
         conversion = known->second;
     if (conversion.empty() || conversion.size() > longestConversion)
         return false;
-    if (m_open == &m_source)
+    if (isSourceOpen())
         m_placeholders[id] = conversion;
     std::string &raw = m_open->raw;
     const auto begin = static_cast<uint32_t>(raw.size());
-    raw += escaped(conversion);
-    const size_t bracket = raw.rfind('[');
-    const auto position = static_cast<uint32_t>(bracket != std::string::npos && bracket >= begin ? bracket : begin);
+    const std::string written = escaped(conversion);
+    raw += written;
+    const auto position = static_cast<uint32_t>(begin + std::min(written.rfind('['), written.size()));
     m_open->pieces.push_back({begin, static_cast<uint32_t>(raw.size()), Piece::Kind::placeholder, position, place});
     return true;
 }

@@ -24,6 +24,7 @@ public:
     void openSource() { m_open = &m_source; }
     void openTarget() { m_open = &m_target; }
     bool isOpen() const { return m_open != nullptr; }
+    bool isSourceOpen() const { return m_open == &m_source; }
 
     /** Adds words to the text that is open. `isVerbatim` says that the file has them so, byte for byte. */
     void add(std::string_view words, check::Range place, bool isVerbatim);

@@ -77,7 +77,10 @@ std::vector<BrokenPlaceholder> takeBroken(const ParsedFile &parsed, const Messag
             const Verdict verdict = verdictOn(piece, text, format);
             if (verdict == Verdict::isConversion || verdict == Verdict::isFault)
                 continue;
-            const int position = positionIn(raw.substr(piece.positionBegin + 1, piece.end - piece.positionBegin - 2));
+            const int position = // other files have placeholders without one
+                piece.positionBegin < piece.end
+                    ? positionIn(raw.substr(piece.positionBegin + 1, piece.end - piece.positionBegin - 2))
+                    : 0;
             broken.push_back({&piece, position, verdict == Verdict::isBrokenFault, 0});
         }
     if (broken.empty())
