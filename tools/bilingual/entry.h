@@ -9,6 +9,7 @@
 #include "check/reading/parsed_file.h"
 #include "library/selector.h"
 
+#include <climits>
 #include <map>
 #include <optional>
 #include <string>
@@ -61,6 +62,9 @@ struct Selector
     std::string text;
 
     int places() const { return static_cast<int>(tool::Selector::rowLengthOf(kind)); }
+
+    /** The number of the message at a place; 0 where no message can be. */
+    int messageAt(int place) const { return row <= INT_MAX - place ? row + place : 0; }
 };
 
 /** "12[few]". */

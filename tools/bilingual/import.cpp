@@ -148,7 +148,7 @@ void Import::addToGroup(Entry &entry)
         find(Rule::badId, entry, {Text::badNumber, {quotation(written(entry.key))}});
         return;
     }
-    if (known != nullptr && known->row <= INT_MAX - *place && m_rows.find(known->row + *place) != nullptr)
+    if (known != nullptr && m_rows.find(known->messageAt(*place)) != nullptr)
     {
         find(Rule::messageExtra, entry, {Text::messageExtra}); // a selector stands there
         return;
@@ -162,11 +162,11 @@ void Import::addToGroup(Entry &entry)
 void Import::addNested()
 {
     for (const auto &[number, selector] : m_rows.selectors())
-        for (int place = 0; place < selector.places() && selector.row <= INT_MAX - place; ++place)
-            if (m_rows.find(selector.row + place) != nullptr)
+        for (int place = 0; place < selector.places(); ++place)
+            if (m_rows.find(selector.messageAt(place)) != nullptr)
             {
                 groupOf(number, selector).nested.push_back(place);
-                m_outer[selector.row + place].push_back(number);
+                m_outer[selector.messageAt(place)].push_back(number);
             }
 }
 
@@ -240,7 +240,7 @@ bool Import::chooseForms(int number)
         missing.erase(std::remove_if(missing.begin(), missing.end(),
                                      [&](int place) { return m_rows.sourceFor(number, place) == nullptr; }),
                       missing.end());
-    group.isTaken = missing.empty() && (!group.entries.empty() || !group.nested.empty());
+    group.isTaken = missing.empty();
     for (size_t i = 0; group.isTaken && i < group.entries.size(); ++i)
         if (isTaken(*group.entries[i]))
         {
@@ -414,7 +414,7 @@ void Import::checkEntries()
     if (!m_file.hasColumns)
         tellInPo(m_result.diagnostics);
     for (const Diagnostic &diagnostic : m_result.diagnostics)
-        if (diagnostic.message > 0 && diagnostic.severity == Severity::error)
+        if (diagnostic.severity == Severity::error)
             m_errors[diagnostic.message].push_back(shortly(diagnostic));
     m_result.document.attributes = m_source.remarks.attributes;
     for (auto &[attribute, value] : m_result.document.attributes)

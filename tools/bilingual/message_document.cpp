@@ -37,11 +37,11 @@ public:
             XML_StopParser(m_walk.get(), XML_FALSE);
         else if (is("trans-unit"))
             startUnit(attributes);
-        else if (is("context-group") && m_unit > 0)
+        else if (is("context-group"))
             m_remarks.units[m_unit].contexts.push_back({attributesFrom(attributes), {}});
-        else if (is("context") && m_unit > 0 && !m_remarks.units[m_unit].contexts.empty() && m_text == nullptr)
+        else if (is("context") && !m_remarks.units[m_unit].contexts.empty() && m_text == nullptr)
             take(m_remarks.units[m_unit].contexts.back().contexts, attributes);
-        else if (is("note") && m_unit > 0)
+        else if (is("note"))
             take(m_remarks.units[m_unit].notes, attributes);
     }
 
@@ -82,7 +82,7 @@ private:
     FileRemarks &m_remarks;
     bool m_hasRemarks;
     XmlWalk<RemarksReader> m_walk;
-    int m_unit = 0;
+    int m_unit = 0; // of no message, outside of units
     std::string *m_text = nullptr;
 };
 

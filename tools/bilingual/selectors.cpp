@@ -7,7 +7,6 @@
 #include "text.h"
 
 #include <algorithm>
-#include <climits>
 
 namespace tool::bilingual
 {
@@ -42,9 +41,9 @@ Rows::Rows(const check::ParsedFile &parsed)
             m_selectors.emplace(message.id, *selector);
     }
     for (const auto &[number, selector] : m_selectors)
-        for (int place = 0; place < selector.places() && selector.row <= INT_MAX - place; ++place)
-            if (m_messages.count(selector.row + place) > 0)
-                m_keys.emplace(selector.row + place, Key{number, labelAt(selector, place)});
+        for (int place = 0; place < selector.places(); ++place)
+            if (m_messages.count(selector.messageAt(place)) > 0)
+                m_keys.emplace(selector.messageAt(place), Key{number, labelAt(selector, place)});
 }
 
 const Selector *Rows::find(int number) const
@@ -68,9 +67,9 @@ const check::Message *Rows::message(int id) const
 const check::Message *Rows::variant(int number, int place) const
 {
     const Selector *const selector = find(number);
-    if (selector == nullptr || selector->row > INT_MAX - place || find(selector->row + place) != nullptr)
+    if (selector == nullptr || find(selector->messageAt(place)) != nullptr)
         return nullptr;
-    return message(selector->row + place);
+    return message(selector->messageAt(place));
 }
 
 const check::Message *Rows::sourceFor(int number, int place) const
@@ -112,14 +111,12 @@ std::vector<int> neededPlaces(const Selector &selector, const std::string &langu
         return places;
     for (const Category &category : categoriesOf(language, selector.kind == Selector::Kind::ordinal))
         places.push_back(category.variant);
-    constexpr int mostDigits = 3;
-    for (int shown = 1; shown <= std::min(selector.digits, mostDigits); ++shown)
-        for (int tenths = 0; tenths < 210; ++tenths) // and what has digits behind the mark
-        {
-            const int place = KTPluralCategory(language.c_str(), false, KT_DOUBLE(tenths / 10.0), selector.digits);
-            if (place >= 0 && std::find(places.begin(), places.end(), place) == places.end())
-                places.push_back(place);
-        }
+    for (int tenths = 0; selector.digits > 0 && tenths < 210; ++tenths) // and what has digits behind the mark
+    {
+        const int place = KTPluralCategory(language.c_str(), false, KT_DOUBLE(tenths / 10.0), selector.digits);
+        if (place >= 0 && std::find(places.begin(), places.end(), place) == places.end())
+            places.push_back(place);
+    }
     std::sort(places.begin(), places.end());
     return places;
 }

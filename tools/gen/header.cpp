@@ -100,11 +100,11 @@ std::string formatIn(const ParsedFile &parsed, const Variants &variants, unsigne
     return std::string(ResolvedText(parsed.rawText(*message)).text());
 }
 
-/** Whether the text takes an integer as the argument of a number. */
+/** Whether the text takes an integer as the argument of a number, from 1. */
 bool takesInteger(const Format &format, unsigned argument)
 {
     const std::vector<Slot> slots = format.arguments();
-    return argument > 0 && argument <= slots.size() && isInteger(slots[argument - 1].kind);
+    return argument <= slots.size() && isInteger(slots[argument - 1].kind);
 }
 
 CountedTexts countedTexts(const ParsedFile &parsed, const Variants &variants, const Message &message, formTable *table)

@@ -40,7 +40,7 @@ private:
 
     po_file_t m_file;
     po_message_iterator_t m_iterator;
-    po_message_t m_message = nullptr; // of a group, or of a unit that is in none
+    po_message_t m_message = nullptr; // of the last unit that began one
     bool m_isInGroup = false;
     int m_form = 0;
     bool m_isPrevious = false;
@@ -92,7 +92,7 @@ void Writer::end(const std::string &name)
 {
     if (name == "source")
         (m_isPrevious ? m_previous : m_source) = unescaped(m_words);
-    else if (name == "target" && !m_isPrevious)
+    else if (name == "target")
         m_target = unescaped(m_words);
     else if (name == "alt-trans")
         m_unit["previous"] = "yes";
@@ -101,10 +101,7 @@ void Writer::end(const std::string &name)
     else if (name == "trans-unit")
         finishUnit();
     else if (name == "group")
-    {
         m_isInGroup = false;
-        m_message = nullptr;
-    }
 }
 
 void Writer::finishUnit()

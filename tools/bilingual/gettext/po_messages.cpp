@@ -143,7 +143,7 @@ private:
             std::optional<unsigned> missing;
             for (const std::optional<unsigned> form : category.forms)
             {
-                const size_t at = begin + form.value_or(static_cast<unsigned>(end - begin));
+                const size_t at = form ? begin + *form : end;
                 const Entry *const other = at < end ? &forms[at] : nullptr;
                 missing = form && other == nullptr ? form : missing;
                 clashes = clashes || other == nullptr || (chosen != nullptr && chosen->target != other->target);

@@ -7,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
@@ -79,9 +78,10 @@ void fill(int file, std::string_view input)
     for (size_t at = 0; at < input.size();)
     {
         const ssize_t written = write(file, input.data() + at, input.size() - at);
-        if (written < 0 && errno != EINTR)
+        if (written >= 0)
+            at += static_cast<size_t>(written);
+        else if (errno != EINTR)
             fail(systemText(errno));
-        at += written > 0 ? static_cast<size_t>(written) : 0;
     }
     lseek(file, 0, SEEK_SET);
 }
@@ -97,6 +97,7 @@ void limit(int resource, rlim_t most)
 {
     dup2(input, STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
+    fcntl(STDIN_FILENO, F_SETFD, 0); // where kelto has no standard input, the file is that already
     if (!isSanitized)
         limit(RLIMIT_AS, std::max<rlim_t>(leastMemory, memoryPerByte * size));
     limit(RLIMIT_CPU, leastSeconds + size / bytesPerSecond);
@@ -117,9 +118,10 @@ std::string readAll(int descriptor, size_t most)
         const ssize_t got = read(descriptor, buffer.data(), buffer.size());
         if (got == 0)
             return output;
-        if (got < 0 && errno != EINTR)
+        if (got > 0)
+            output.append(buffer.data(), static_cast<size_t>(got));
+        else if (errno != EINTR)
             fail(systemText(errno));
-        output.append(buffer.data(), got > 0 ? static_cast<size_t>(got) : 0);
         if (output.size() > most)
             fail(say(Text::poAnswerTooLong));
     }
@@ -139,7 +141,6 @@ std::string runPo(const char *mode, std::string_view input)
     Descriptor readEnd(ends[0]);
     Descriptor writeEnd(ends[1]);
     fill(file.get(), input);
-    std::fflush(stdout);
     std::signal(SIGCHLD, SIG_DFL); // where the caller of kelto ignores it, nobody would know how the program has ended
     const pid_t process = fork();
     if (process < 0)

@@ -57,22 +57,13 @@ public:
             throw Failure("kelto-po: " + say(Text::poProgramFailed));
         m_file.content = std::move(m_document.content);
         Bilingual &content = m_file.content;
-        for (const auto &[name, value] : headerFields(content.header))
-        {
-            if (name == "Language")
-                content.targetLanguage = value;
-            if (name == "X-Source-Language")
-                content.sourceLanguage = value;
-        }
+        content.targetLanguage = headerField(content.header, "Language");
         if (content.targetLanguage.empty())
             content.targetLanguage = language;
         m_file.body = lineAt(1);
         m_file.languagePlace = m_file.body;
         for (Entry &entry : content.entries)
-        {
             entry.place = lineAt(entry.line);
-            entry.findings.clear(); // of texts that are none of XLIFF
-        }
         for (const Finding &finding : m_document.findings)
             m_file.findings.push_back(inPo(finding));
         findZero();

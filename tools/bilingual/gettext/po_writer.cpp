@@ -64,9 +64,7 @@ private:
         const std::string asIs = textOf(parts);
         const std::optional<std::string> inC = messageInC(parts);
         // A percent sign by itself is no format, in C neither.
-        const bool isFormat = asIs.find('%') == std::string::npos || parts.size() > 1 ||
-                              KTExplainFormat(asIs.c_str(), table, nullptr) == 0;
-        m_isInC = m_isInC && inC && isFormat;
+        m_isInC = m_isInC && inC && KTExplainFormat(asIs.c_str(), table, nullptr) == 0;
         return {asIs, inC.value_or(std::string())};
     }
 
@@ -91,12 +89,12 @@ std::string commentsOf(const std::vector<const Entry *> &forms, bool isPlural)
                 ours += (ours.empty() ? "" : "\n") + hint.text;
             else if (known.insert(hint.text).second)
                 comments += noteFor(hint.text, developer);
-    if (isPlural)
+    if (!ours.empty())
         comments += noteFor(ours, developer);
-    known.clear();
+    std::set<std::string> remarks;
     for (const Entry *const form : forms)
         for (const Note &note : form->remarks.notes)
-            if (known.insert(note.text).second)
+            if (remarks.insert(note.text).second)
                 comments += noteFor(note.text, "translator");
     return comments;
 }

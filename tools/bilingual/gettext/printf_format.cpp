@@ -108,7 +108,7 @@ private:
         {
             const std::string_view macro = m_rest.substr(0, m_rest.find('>'));
             const bool isClosed = macro.size() < m_rest.size();
-            m_rest.remove_prefix(macro.size() + (isClosed ? 1 : 0));
+            m_rest.remove_prefix(std::min(macro.size() + 1, m_rest.size()));
             const auto *const width =
                 std::find_if(std::begin(macroWidths), std::end(macroWidths), [macro](const auto &row) {
                     return macro.substr(std::min<size_t>(macro.size(), 1)) == row.theirs;
@@ -123,7 +123,7 @@ private:
         }
         const std::string_view modifier = take("hlqLjzZt");
         const char name = m_rest.empty() ? '\0' : m_rest[0];
-        m_rest.remove_prefix(m_rest.empty() ? 0 : 1);
+        m_rest.remove_prefix(std::min<size_t>(1, m_rest.size()));
         while (!m_rest.empty() && check::isContinuation(m_rest[0])) // of a character of UTF-8
             m_rest.remove_prefix(1);
         const auto *const ours = std::find_if(std::begin(integerModifiers), std::end(integerModifiers),
