@@ -156,6 +156,38 @@ const Row rows[] = {
     {unit("<x id='1' ts='&#126;&#199;&#x7e;&#x8A0; %y'/>"), "3:33-40 wrong-script, 3:41-43 bad-conversion"},
     {"<!DOCTYPE xliff [<!ENTITY e 'b'><!ATTLIST x ts CDATA '&#37;y'>]>" + unit("<x id='1'/><x ts='&e; %y' id='2'/>"),
      "1:1-10 doctype, 3:1-12 bad-conversion, 3:25-32 bad-conversion"},
+    // Percent signs, and positions beyond what a text can have: a character beyond U+FFFF counts two, any other one.
+    {unit("%!d a, %-+#0.5*q b, %1$"), "3:1-4 bad-conversion, 3:8-9 lone-percent, 3:21-22 lone-percent"},
+    {unit("%1$ a"), "3:1-2 lone-percent"},
+    {unit("a %!"), "3:3-4 lone-percent"},
+    {unit("%z a %Z b %[ c %`"), "3:1-2 lone-percent, 3:6-7 lone-percent, 3:11-13 bad-conversion, 3:16-17 lone-percent"},
+    {unit("%d[" + std::string(300, '1') + "]"), "3:1-201 bad-conversion"},
+    {unit("%d[" + std::string(196, '1') + "é[1]"), "3:1-200 bad-conversion"},
+    {unit("%d[" + std::string(196, '1') + "€[1]"), "3:1-200 bad-conversion"},
+    {unit("%d[" + std::string(197, '1') + "€[1]"), "3:1-201 bad-conversion"},
+    {unit("%d[" + std::string(195, '1') + "é[1]"), "3:1-200 bad-conversion"},
+    {unit(std::string(990, 'a') + "😀é€" + x("%d", 1003)), "3:994-1016 position-gap"},
+    {unit(std::string(990, 'a') + "😀é€" + x("%d", 1004)), "2:20-28 position-gap, 3:994-1016 bad-conversion"},
+    // What a note switches off, and how much of it is read.
+    {document("<trans-unit id='1'><source>a  b?</source><note from='kelto check'>no-white-space,\nno-end-punctuation"
+              "</note></trans-unit>"),
+     "", document(numbered(1, "a b"))},
+    {document("<trans-unit id='1'><source>a</source><note from='kelto check'>" + std::string(4095, ' ') +
+              "x</note></trans-unit>"),
+     "2:38-63 bad-suppression"},
+    {document("<trans-unit id='1'><source>a</source><note from='kelto check'>" + std::string(4096, ' ') +
+              "x</note></trans-unit>"),
+     ""},
+    // Numbers that are there twice, here and there, and the highest.
+    {document(numbered(1, "a") + "\n" + numbered(1, "b ")), "3:1-20 duplicate-id", document(numbered(1, "a"))},
+    {document(numbered(1, "a")), "1:81-87 message-missing 2, 1:81-87 message-missing 2147483647",
+     document(numbered(1, "a") + numbered(2, "b") + numbered(2, "c") + numbered(2147483647, "d"))},
+    // Texts that are compared part by part, and those that are too long for it.
+    {unit(std::string(8189, 'a') + " 5"), "3:8191-8192 literal-changed", unit(std::string(8189, 'a') + " 6")},
+    {unit(std::string(8190, 'a') + " 5"), "", unit(std::string(8189, 'a') + " 6")},
+    {unit(std::string(8189, 'a') + " 5"), "", unit(std::string(8190, 'a') + " 6")},
+    {unit("nicht 5"), "", unit("5")},
+    {unit("a\uE000b\uD7FF"), ""},
     // Texts.
     {unit("ä\\q\\\\\\n" + x("a\\z", 1) + "\\"),
      "3:2-4 unknown-escape, 3:15-18 bad-placeholder, 3:16-18 unknown-escape, 3:28-29 trailing-backslash"},
@@ -381,6 +413,11 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
         EXPECT_EQ(findingsIn("\xEF\xBB\xBF" + row.file, row.reference, m_table.get()), row.expected);
         EXPECT_EQ(findingsIn(inUtf16(row.file, true), inUtf16(row.reference, false), m_table.get()), row.expected);
         EXPECT_EQ(findingsIn(inUtf16(row.file, false), row.reference, m_table.get()), row.expected);
+        for (const bool isBig : {false, true}) // a file that begins with its first tag needs no mark
+            if (row.file[0] == '<')
+            {
+                EXPECT_EQ(findingsIn(inUtf16(row.file, isBig).substr(2), row.reference, m_table.get()), row.expected);
+            }
         if (const std::string latin1 = inLatin1(row.file); !latin1.empty())
         {
             EXPECT_EQ(findingsIn(declared("iso-8859-1", latin1), row.reference, m_table.get()),

@@ -35,7 +35,6 @@ void ProgressBar::show(size_t done, size_t all)
     const size_t filled = all != 0 ? barColumns * done / all : 0;
     fmt::print(stderr, "\r[{:<{}}] {}", std::string(filled, '#'), barColumns,
                terminal().encodedLines(say(Text::filesDone, {done, all})));
-    std::fflush(stderr);
 }
 
 void ProgressBar::hide()
@@ -43,7 +42,6 @@ void ProgressBar::hide()
     if (!m_isShown)
         return;
     fmt::print(stderr, "\r\33[K");
-    std::fflush(stderr);
     m_isShown = false;
 }
 
