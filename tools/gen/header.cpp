@@ -217,7 +217,7 @@ std::string headerOf(const ParsedFile &parsed, const std::vector<std::string> &n
         if (cName == constant)
             cName += "_format"; // no constant ends so
         const std::vector<std::string> parameters = parametersOf(format);
-        const bool isCounted = texts.argument != 0 && texts.argument <= parameters.size();
+        const bool isCounted = texts.argument != 0;
         const std::string source = isCounted ? fmt::format("{} == 1 ? {} : {}", parameters[texts.argument - 1],
                                                            literalOf(texts.one), literalOf(text))
                                              : literalOf(text);

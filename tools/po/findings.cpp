@@ -10,9 +10,8 @@ namespace
 
 void report(int severity, po_message_t, const char *, size_t line, size_t, int, const char *text)
 {
-    const bool hasLine = line != static_cast<size_t>(-1);
     if (severity != PO_SEVERITY_WARNING)
-        findings.push_back({hasLine ? line : 0, text, ""});
+        findings.push_back({line, text, ""});
     if (severity == PO_SEVERITY_FATAL_ERROR)
     {
         std::fprintf(stderr, "kelto-po: %s\n", text);

@@ -12,7 +12,7 @@ namespace po
 
 struct Finding
 {
-    size_t line; // 0 where it has none
+    size_t line; // none of the file where it has none
     std::string text;
     const char *name = ""; // of one of ours, which kelto says in the user's language
 };

@@ -100,9 +100,10 @@ private:
         }
     }
 
+    /** The first line where there is none of this number, as in a finding about the file as a whole. */
     Range lineAt(size_t line) const
     {
-        if (line == 0 || line + 1 > m_lines.size())
+        if (line == 0 || line >= m_lines.size())
             line = 1;
         const size_t begin = m_lines[line - 1];
         return {begin, std::max(begin, m_lines[line] - 1)};
