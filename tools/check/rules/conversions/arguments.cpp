@@ -18,15 +18,6 @@ std::string_view precisionOf(const Conversion &conversion)
     return written.substr(begin, std::min(written.find_first_not_of("0123456789*", begin + 1), written.size()) - begin);
 }
 
-/** Whether two precisions show different parts of an argument. "%.0s" is how a language leaves out a text. */
-bool showsOtherwise(const Conversion &here, const Conversion &there)
-{
-    const std::string_view precision = precisionOf(here);
-    const bool isText =
-        !here.slots.empty() && (here.slots.back().kind == Kind::utf8 || here.slots.back().kind == Kind::ucs2);
-    return precision != precisionOf(there) && !(isText && precision == ".0");
-}
-
 /** The flags in front of a width, which is 0 where there is none. */
 struct Layout
 {
@@ -147,7 +138,7 @@ bool ArgumentComparison::isChanged(const Conversion &here, const Conversion &the
 {
     const bool isOther = here.name != there.name && !differInLanguageAlone(here.name, there.name);
     return here.slots == there.slots && !writesNothing(here.written) && !writesNothing(there.written) &&
-           (isOther || showsOtherwise(here, there) || losesLayout(here, there));
+           (isOther || precisionOf(here) != precisionOf(there) || losesLayout(here, there));
 }
 
 void ArgumentComparison::findMissing(const Conversion &there)

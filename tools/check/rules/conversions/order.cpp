@@ -15,15 +15,15 @@ namespace
 /** The marks and words around an argument; a member is 0 or empty where there are none. */
 struct Surrounding
 {
-    const Token *token = nullptr;
+    const Token *token;
     std::string_view conversion; // its name, as "s"
-    bool isInQuotes = false;
-    bool isInBrackets = false;
-    bool isHead = false; // stands in front of a colon, as in "store: no such file"
-    uint32_t before = 0; // the word or mark that it touches or follows
-    uint32_t behind = 0;
-    uint32_t beforeAtBlank = 0; // the word in front of it, whatever stands between
-    Relation behindRelation = Relation::none;
+    bool isInQuotes;
+    bool isInBrackets;
+    bool isHead;     // stands in front of a colon, as in "store: no such file"
+    uint32_t before; // the word or mark that it touches or follows
+    uint32_t behind;
+    uint32_t beforeAtBlank; // the word in front of it, whatever stands between
+    Relation behindRelation;
 };
 
 bool isQuote(char32_t mark)
@@ -76,7 +76,33 @@ uint32_t sideOf(const Tokens &tokens, size_t at, bool isBehind)
     return isTold ? classOf(side.content) : 0;
 }
 
-std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view text, std::string_view language)
+/** The word in front of an argument, quotation marks aside. */
+uint32_t wordInFront(const Tokens &tokens, size_t at)
+{
+    for (size_t back = at; back > 0 && at - back < 3;)
+    {
+        const Token &word = tokens[--back];
+        if (word.isWord())
+            return word.content;
+        if (!word.isMark() || !isQuote(word.content))
+            break;
+    }
+    return 0;
+}
+
+/** What a word or ending behind an argument says of it, quotation marks and blanks aside. */
+Relation relationBehind(const Tokens &tokens, size_t at, std::string_view language)
+{
+    const std::string_view text = tokens.text();
+    size_t behind = tokens[at].end;
+    for (size_t next = at + 1; next < tokens.size() && tokens[next].isMark() && isQuote(tokens[next].content); ++next)
+        behind = tokens[next].end;
+    behind = std::min(text.find_first_not_of(' ', behind), text.size());
+    return markedBehind(language, text.substr(behind));
+}
+
+/** Of a text with several arguments. */
+std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view language)
 {
     std::vector<Surrounding> all;
     int depth = 0;
@@ -96,32 +122,9 @@ std::vector<Surrounding> surroundingsIn(const Tokens &tokens, std::string_view t
         }
         if (token.kind != Token::Kind::placeholder)
             continue;
-        Surrounding around;
-        around.token = &token;
-        around.conversion = nameIn(tokens.text(token));
-        around.isInQuotes = isQuoted;
-        around.isInBrackets = depth > 0;
-        around.isHead = i == 0 && tokens.size() > 1 && tokens[1].isMark() && classOf(tokens[1].content) == ':';
-        around.before = sideOf(tokens, i, false);
-        around.behind = sideOf(tokens, i, true);
-        for (size_t back = i; back > 0 && i - back < 3;)
-        {
-            const Token &word = tokens[--back];
-            if (word.isWord())
-            {
-                around.beforeAtBlank = word.content;
-                break;
-            }
-            if (!word.isMark() || !isQuote(word.content))
-                break;
-        }
-        size_t behind = token.end;
-        for (size_t next = i + 1; next < tokens.size() && tokens[next].isMark() && isQuote(tokens[next].content);
-             ++next)
-            behind = tokens[next].end;
-        behind = std::min(text.find_first_not_of(' ', behind), text.size());
-        around.behindRelation = markedBehind(language, text.substr(behind));
-        all.push_back(around);
+        const bool isHead = i == 0 && tokens[1].isMark() && classOf(tokens[1].content) == ':';
+        all.push_back({&token, nameIn(tokens.text(token)), isQuoted, depth > 0, isHead, sideOf(tokens, i, false),
+                       sideOf(tokens, i, true), wordInFront(tokens, i), relationBehind(tokens, i, language)});
     }
     return all;
 }
@@ -196,8 +199,8 @@ void compareArgumentOrder(Subject &subject)
 {
     const std::string_view language = subject.language();
     const std::string_view original = subject.originalLanguage();
-    const std::vector<Surrounding> theirs = surroundingsIn(subject.originalTokens(), subject.originalText(), original);
-    const std::vector<Surrounding> ours = surroundingsIn(subject.tokens(), subject.text(), language);
+    const std::vector<Surrounding> theirs = surroundingsIn(subject.originalTokens(), original);
+    const std::vector<Surrounding> ours = surroundingsIn(subject.tokens(), language);
     for (size_t i = 0; i < theirs.size(); ++i)
         for (size_t j = i + 1; j < std::min(theirs.size(), i + 5); ++j)
         {

@@ -131,10 +131,9 @@ bool Neighbours::areOpposites(const Said &a, const Said &b)
         {"add", "remove"},    {"before", "after"},    {"import", "export"}, {"upload", "download"}, {"and", "or"},
     };
     const auto is = [](const Said &said, std::string_view word) { return said.originalWord == hashOfWord(word); };
-    return a.originalWord != 0 && b.originalWord != 0 &&
-           std::any_of(std::begin(pairs), std::end(pairs), [&](const auto &pair) {
-               return (is(a, pair.first) && is(b, pair.second)) || (is(a, pair.second) && is(b, pair.first));
-           });
+    return std::any_of(std::begin(pairs), std::end(pairs), [&](const auto &pair) {
+        return (is(a, pair.first) && is(b, pair.second)) || (is(a, pair.second) && is(b, pair.first));
+    });
 }
 
 /** Whether nothing in their originals lets two messages say the same. */

@@ -14,12 +14,11 @@ bool isKey(char32_t character)
     return u_isalnum(static_cast<UChar32>(character)) != 0;
 }
 
-/** Whether an entity as "&lt;" begins at an '&', or a part of an address as "&a=b". */
+/** Whether an entity as "&lt;" begins at an '&' in front of a letter, or a part of an address as "&a=b". */
 bool isOfMarkup(std::string_view text, size_t at)
 {
-    const size_t end =
-        text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789#", at + 1);
-    return end != std::string_view::npos && (text[end] == ';' || text[end] == '=') && end > at + 1;
+    const size_t end = text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789", at + 1);
+    return end != std::string_view::npos && (text[end] == ';' || text[end] == '=');
 }
 
 struct Marks

@@ -43,7 +43,7 @@ bool hasWordsToTranslate(Subject &subject)
     const uint32_t own = languageBit(language);
     const Tokens &tokens = subject.tokens();
     size_t words = 0;
-    size_t small = 0;
+    bool hasSmall = false;
     for (size_t i = 0; i < tokens.size(); ++i)
     {
         const Token &token = tokens[i];
@@ -53,9 +53,9 @@ bool hasWordsToTranslate(Subject &subject)
         if (isForeign(tokens, i, own) && isEnglish && (token.letters >= shortest || words > 0))
             return true;
         words += token.letters > 2 ? 1 : 0;
-        small += !token.isCapital && token.letters >= shortest ? 1 : 0;
+        hasSmall = hasSmall || (!token.isCapital && token.letters >= shortest);
     }
-    return (isLatin ? words > 1 && small > 0 : small > 0) || (!isEnglish && words > 1);
+    return (hasSmall && (words > 1 || !isLatin)) || (!isEnglish && words > 1);
 }
 
 /** Whether a text has English words and is no name, whose words all begin with capitals. */
