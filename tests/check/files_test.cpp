@@ -113,7 +113,7 @@ TEST(Files, AreComparedWithTheOneOfTheSamePath)
 {
     const Folder folder;
     for (const char *file : {"en/a.xlf", "en/sub/b.xliff", "en/note.txt", "de/a.xlf", "de/sub/b.xliff", "fr/x/a.xlf",
-                             "fr/x/sub/c.xlf", "alone/d.xlf"})
+                             "fr/x/sub/c.xlf", "alone/d.xlf", "alone/e.xlf/note"})
         folder.add(file);
     const auto shown = [&](const Inputs &inputs) {
         std::string text;
