@@ -426,6 +426,12 @@ TEST_F(CheckFindings, StandAtTheirColumnsInEveryEncoding)
     }
 }
 
+TEST_F(CheckFindings, TellOfUtf8ThatIsDeclaredAsLatin1WhereItBegins)
+{
+    EXPECT_EQ(findingsIn(declared("iso-8859-1", unit("Größe")), "", m_table.get()), "4:3-4 mojibake");
+    EXPECT_EQ(findingsIn(declared("iso-8859-1", inLatin1(unit("Größe"))), "", m_table.get()), "");
+}
+
 TEST_F(CheckFindings, AreAHundredOfARuleInAMessageAtMost)
 {
     for (const auto &[mistakes, untold] : {std::pair(100, 0U), std::pair(103, 3U)})

@@ -79,6 +79,7 @@ private:
     LengthCheck m_lengths;
     std::optional<Neighbours> m_neighbours; // where there is a reference
     AccessKeys m_accessKeys;
+    bool m_isGarbled = false;            // by its encoding
     const Message *m_original = nullptr; // the next one of the reference
     const Message *m_endOfOriginals = nullptr;
     int m_done = 0; // the number of the last message that was looked at, here or there
@@ -87,6 +88,7 @@ private:
 
 Findings FileCheck::run()
 {
+    m_isGarbled = checkEncoding(m_parsed, m_findings);
     for (const Message &message : m_parsed.messages())
     {
         findMissingBelow(message.id);
@@ -144,10 +146,10 @@ void FileCheck::checkMessage(const Message &message, bool isFirst)
     checkDirections(subject);
     if (m_table != nullptr && !isSelector(message))
         checkConversions(subject, m_table, compared != nullptr ? &m_reference->formatOf(*compared) : nullptr);
-    checkDamage(subject);
+    checkDamage(subject, m_isGarbled);
     m_scripts.check(subject);
     if (!isSelector(message))
-        checkLanguageOfText(subject);
+        checkLanguageOfText(subject, m_isGarbled);
     if (compared != nullptr)
         compare(subject);
     else if (!isSelector(message))
@@ -183,7 +185,6 @@ void FileCheck::compare(Subject &subject)
 
 void FileCheck::checkWhole()
 {
-    checkEncoding(m_parsed, m_findings);
     checkLanguage(m_parsed, m_reference != nullptr ? &m_reference->parsed() : nullptr, m_findings);
     if (m_reference != nullptr)
         compareProduct(m_parsed, m_reference->parsed(), m_findings);

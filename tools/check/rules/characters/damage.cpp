@@ -220,10 +220,20 @@ void checkMergeMarks(Subject &subject)
 
 } // namespace
 
-void checkDamage(Subject &subject)
+bool checkEncoding(const ParsedFile &parsed, Findings &findings)
 {
-    const bool isLatin1 = subject.parsed().source().encoding() == SourceText::Encoding::latin1;
-    if (!isLatin1 || !beyondAscii(subject.parsed().source().bytes())) // else checkEncoding() tells it
+    const SourceText &source = parsed.source();
+    if (source.encoding() != SourceText::Encoding::latin1)
+        return false;
+    const std::optional<size_t> first = beyondAscii(source.bytes());
+    if (first)
+        findings.push_back({Rule::mojibake, 0, *first, {*first, *first + 1}, Phrase{Text::utf8AsLatin1}, std::nullopt});
+    return first.has_value();
+}
+
+void checkDamage(Subject &subject, bool isGarbled)
+{
+    if (!isGarbled)
     {
         const std::optional<Misreading> misreading = findMisreading(subject.text());
         if (misreading && !subject.originalHas(partOf(subject.text(), misreading->place)))
@@ -236,15 +246,6 @@ void checkDamage(Subject &subject)
     checkQuestionMarks(subject);
     checkEscapedTwice(subject);
     checkMergeMarks(subject);
-}
-
-void checkEncoding(const ParsedFile &parsed, Findings &findings)
-{
-    const SourceText &source = parsed.source();
-    if (source.encoding() != SourceText::Encoding::latin1)
-        return;
-    if (const std::optional<size_t> first = beyondAscii(source.bytes()))
-        findings.push_back({Rule::mojibake, 0, *first, {*first, *first + 1}, Phrase{Text::utf8AsLatin1}, std::nullopt});
 }
 
 } // namespace tool::check

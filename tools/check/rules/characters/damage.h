@@ -10,10 +10,11 @@
 namespace tool::check
 {
 
-void checkDamage(Subject &subject);
+/** Tells of a file that is UTF-8 and names ISO-8859-1. @return whether it does, which garbles all its texts. */
+bool checkEncoding(const ParsedFile &parsed, Findings &findings);
 
-/** Whether the bytes of a file are of the encoding that it names. */
-void checkEncoding(const ParsedFile &parsed, Findings &findings);
+/** @param isGarbled  by the encoding of the file, so that no text is told of for its characters. */
+void checkDamage(Subject &subject, bool isGarbled);
 
 } // namespace tool::check
 

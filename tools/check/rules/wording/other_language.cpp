@@ -125,7 +125,7 @@ void findOtherWords(Subject &subject, std::string_view language)
 
 } // namespace
 
-void checkLanguageOfText(Subject &subject)
+void checkLanguageOfText(Subject &subject, bool isGarbled)
 {
     const std::string_view language = subject.parsed().language();
     const std::string_view base = language.substr(0, 2);
@@ -134,7 +134,8 @@ void checkLanguageOfText(Subject &subject)
     const std::string_view text = subject.text();
     const auto isBeyond = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
     if (std::any_of(text.begin(), text.end(), isBeyond) &&
-        (findOtherCharset(subject, base) || findOtherEastAsian(subject, language) || findForeignLetter(subject, base)))
+        (isGarbled || findOtherCharset(subject, base) || findOtherEastAsian(subject, language) ||
+         findForeignLetter(subject, base)))
         return;
     findOtherWords(subject, base);
 }

@@ -10,8 +10,11 @@
 namespace tool::check
 {
 
-/** @param subject  with its original or without. */
-void checkLanguageOfText(Subject &subject);
+/**
+ * @param subject    with its original or without.
+ * @param isGarbled  by the encoding of the file, so that only texts in ASCII are what they were.
+ */
+void checkLanguageOfText(Subject &subject, bool isGarbled);
 
 } // namespace tool::check
 
