@@ -4,6 +4,8 @@
 #include "io/terminal.h"
 #include "text.h"
 
+#include <string_view>
+
 namespace tool
 {
 namespace
@@ -56,25 +58,47 @@ std::string Arguments::purpose(const KTSlot &slot) const
     return say(slot.role == KT_SLOT_WIDTH ? Text::widthOf : Text::precisionOf, {specification});
 }
 
-/** Whether a conversion by itself, as the only one of a message, refuses its arguments. */
-bool Arguments::isRefused(unsigned position) const
+std::vector<KTArgument> Arguments::ownOf(unsigned position) const
 {
     std::vector<KTArgument> own;
     for (size_t i = 0; i < m_slots.size(); ++i)
         if (m_slots[i].position == position)
             own.push_back(m_arguments[i]);
+    return own;
+}
+
+/** Whether a conversion by itself, as the only one of a message, refuses arguments. */
+bool Arguments::refuses(unsigned position, const std::vector<KTArgument> &own) const
+{
     const std::string &specification = m_message.specification(position);
     const PreparedFormat alone(specification.substr(0, specification.find('[')) + "[1]", m_message.format().forms());
     std::string text;
     return alone.format(0, own, text) != 0;
 }
 
+/** Why a conversion of an amount and its currency or unit refuses them. A number has been read as one. */
+Failure Arguments::whyPairRefused(size_t index, int result) const
+{
+    constexpr std::string_view known = "EUR";
+    std::vector<KTArgument> own = ownOf(m_slots[index].position);
+    own.back() = KT_UTF8N(known.data(), known.size());
+    if (m_slots[index].code != KT_SLOT_DOUBLE && refuses(m_slots[index].position, own))
+        return fault(index, say(Text::noAmount) + nameOf(result));
+    return fault(index + 1, say(Text::noUnit) + nameOf(result));
+}
+
 Failure Arguments::whyRefused(int result) const
 {
     for (size_t i = 0; i < m_slots.size(); ++i)
-        if (m_slots[i].role == KT_SLOT_VALUE && isRefused(m_slots[i].position))
-            return fault(i, result == KT_ERR_INVALID_PARAMETER ? say(Text::noDate) + nameOf(result)
-                                                               : say(Text::refused, {meaningOf(result)}));
+    {
+        const unsigned position = m_slots[i].position;
+        if (m_slots[i].role != KT_SLOT_VALUE || !refuses(position, ownOf(position)))
+            continue;
+        if (i + 1 < m_slots.size() && m_slots[i + 1].position == position)
+            return whyPairRefused(i, result);
+        return fault(i, result == KT_ERR_INVALID_PARAMETER ? say(Text::noDate) + nameOf(result)
+                                                           : say(Text::refused, {meaningOf(result)}));
+    }
     return Failure(meaningOf(result));
 }
 

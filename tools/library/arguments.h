@@ -30,7 +30,9 @@ public:
 private:
     Failure fault(size_t index, const std::string &what) const;
     std::string purpose(const KTSlot &slot) const;
-    bool isRefused(unsigned position) const;
+    std::vector<KTArgument> ownOf(unsigned position) const;
+    bool refuses(unsigned position, const std::vector<KTArgument> &own) const;
+    Failure whyPairRefused(size_t index, int result) const;
 
     const ParsedMessage &m_message;
     const std::vector<std::string> &m_words;
