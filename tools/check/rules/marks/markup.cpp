@@ -59,11 +59,9 @@ size_t behindAttributes(std::string_view text, size_t at)
         const char quotation = at + 1 < text.size() ? text[at + 1] : '\0';
         if (quotation == '"' || quotation == '\'')
             at = text.find(quotation, at + 2);
-        else // a value without quotation marks has none in it
+        else // a value without quotation marks ends in front of one
         {
             at = std::min(text.find_first_of(" \t\r\n>\"'", at + 1), text.size());
-            if (at < text.size() && (text[at] == '"' || text[at] == '\''))
-                return 0;
             const auto isBeyondAscii = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
             if (std::any_of(text.begin() + static_cast<std::ptrdiff_t>(begin),
                             text.begin() + static_cast<std::ptrdiff_t>(at), isBeyondAscii))
