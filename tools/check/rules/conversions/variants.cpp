@@ -338,11 +338,14 @@ void Variants::Checking::checkCategories(const Message &message, const Selector 
             return !isExact;
         };
         const auto number = std::find_if(numbers.begin(), numbers.end(), isLeftOut);
-        if (number != numbers.end() && !hasPlace(category))
-            find(Rule::variantMissing, message, textOf(message),
-                 {Text::categoryMissing,
-                  {placeName(selector.kind, category), *number, selector.messageAt(category),
-                   selector.messageAt(KT_VARIANT_OTHER)}});
+        if (number == numbers.end() || hasPlace(category))
+            continue;
+        const std::string name = placeName(selector.kind, category);
+        const auto other = selector.messageAt(KT_VARIANT_OTHER);
+        const Phrase lack = category == KT_VARIANT_OTHER
+                                ? Phrase{Text::otherMissing, {name, *number, other}}
+                                : Phrase{Text::categoryMissing, {name, *number, selector.messageAt(category), other}};
+        find(Rule::variantMissing, message, textOf(message), lack);
     }
 }
 
