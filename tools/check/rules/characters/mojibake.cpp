@@ -114,7 +114,7 @@ std::optional<MisreadPart> takePart(std::string_view text, size_t at, const Byte
     }
     size_t begin = 0;
     const char32_t meant = part.meant.size() == size ? takeUtf8(part.meant, begin) : 0xFFFD;
-    if (begin != size || (meant == 0xFFFD && part.meant != "\uFFFD") || u_isdefined(static_cast<UChar32>(meant)) == 0)
+    if ((meant == 0xFFFD && part.meant != "\uFFFD") || u_isdefined(static_cast<UChar32>(meant)) == 0)
         return std::nullopt;
     part.end = at;
     return part;
