@@ -116,9 +116,7 @@ public:
         {
             if (const int result = make(language, key, spare))
                 return result;
-            entry = spare.get();
-            if (keep(entry))
-                spare.release();
+            entry = keep(spare.get()) ? spare.release() : spare.get();
         }
         return number.make(
             [&](UFormattedNumber *into, UErrorCode *status) { fill(entry->formatter.get(), into, status); });
