@@ -21,11 +21,11 @@ add_library(kelto_options INTERFACE)
 if(KELTO_IS_TOP_LEVEL)
   target_compile_options(kelto_options INTERFACE -Wall -Wextra -Wshadow -Wconversion)
 endif()
-# Of sources that are compiled as one (CMAKE_UNITY_BUILD) each sees the names of the others; the builds that compile
-# them one by one say what is wrong.
-if(CMAKE_UNITY_BUILD)
-  target_compile_options(kelto_options INTERFACE -Wno-shadow $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
-endif()
+# Of sources that are compiled as one (UNITY_BUILD) each sees the names of the others; the builds that compile them one
+# by one say what is wrong.
+set(is_unity "$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>")
+target_compile_options(kelto_options INTERFACE
+  $<${is_unity}:-Wno-shadow> $<$<AND:${is_unity},$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wno-subobject-linkage>)
 if(KELTO_SANITIZE)
   target_compile_options(kelto_options INTERFACE
     -fsanitize=${KELTO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
