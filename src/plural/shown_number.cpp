@@ -84,11 +84,11 @@ template <typename Real> bool ShownNumber::readReal(Real value, int digits) noex
         const char *const end = text + print(text, sizeof text, printed, magnitude);
         const char *next = text;
         for (; next != end && kelto::isDigit(*next); ++next)
-            integer = integer * 10 + static_cast<uint64_t>(*next - '0');
+            integer = integer * 10 + kelto::digitOf(*next);
         int zeros = 0;
         for (next = end - printed; next != end; ++next)
         {
-            const auto digit = static_cast<uint64_t>(*next - '0');
+            const uint64_t digit = kelto::digitOf(*next);
             behind.append(digit);
             ++zeros;
             if (digit == 0)

@@ -1,6 +1,7 @@
 #include "bilingual/plural_forms.h"
 #include "kelto.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <unicode/uloc.h>
 
@@ -36,17 +37,10 @@ TEST(PluralForms, HeaderSaysWhatTheLibrarySaysInEveryLanguage)
     EXPECT_GT(languages, 200U);
 }
 
-std::string repeated(const char *text, int count)
-{
-    std::string all;
-    while (count-- > 0)
-        all += text;
-    return all;
-}
-
 TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
 {
     const std::string brackets(1000000, '(');
+    const std::string sums = fmt::format("{}", fmt::join(std::vector<std::string>(101, "+(1-1)"), ""));
     const struct
     {
         std::string header;
@@ -75,7 +69,7 @@ TEST(PluralForms, EvaluatesHeadersOfOthersWithBounds)
         {"nplurals=2; plural=n" + std::string(4096 - 19, ' '), -1},
         {"nplurals=2; plural=\tn\t!=\t1 ;", 2, {{1, 0}, {2, 1}}},
         {"nplurals\t=\t2; plural\t=\tn", 2, {{1, 1}}},
-        {"nplurals=2; plural=0" + repeated("+(1-1)", 101) + "+n", 2, {{1, 1}}}, // one behind another is not deep
+        {"nplurals=2; plural=0" + sums + "+n", 2, {{1, 1}}}, // one behind another is not deep
         {"nplurals=20; plural=n == 1 ? 19 : 09;", 20, {{1, 19}, {2, 9}}},
         {"nplurals=2; plural=n ? n == 1 ? 0 : 1 : 1;", 2, {{0, 1}, {1, 0}, {2, 1}}},
         {"nplurals=n; plural=0;", -1},

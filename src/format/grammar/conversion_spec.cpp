@@ -47,7 +47,6 @@ constexpr FlagTable
     flagCharacters({{'-', FLAG_MINUS}, {'+', FLAG_PLUS}, {' ', FLAG_SPACE}, {'#', FLAG_HASH}, {'0', FLAG_ZERO}});
 constexpr FlagTable modifiers({{'h', FLAG_h}, {'l', FLAG_l}, {'L', FLAG_L}, {'!', FLAG_BANG}});
 
-/** The value of a digit; 10 or more for any other unit. */
 constexpr int tooLarge = -1;
 
 /** Takes a run of digits, perhaps empty: its value, or tooLarge where an int does not hold it. */

@@ -24,7 +24,7 @@ uint32_t takeNumber(const char *&cursor)
         ++cursor;
     const char *const begin = cursor;
     uint64_t number = 0;
-    for (unsigned digit = 0; (digit = static_cast<unsigned char>(*cursor) - unsigned{'0'}) < 10; ++cursor)
+    for (unsigned digit = kelto::digitOf(*cursor); digit < 10; digit = kelto::digitOf(*++cursor))
         number = number * 10 + digit;
     return cursor - begin <= mostDigits && number <= largest ? static_cast<uint32_t>(number) : 0;
 }
@@ -74,7 +74,7 @@ bool isTooLarge(const char *begin, const char *behind)
 {
     uint64_t number = 0;
     for (; begin != behind && number <= largest; ++begin)
-        number = kelto::isDigit(*begin) ? number * 10 + static_cast<uint64_t>(*begin - '0') : 0;
+        number = kelto::isDigit(*begin) ? number * 10 + kelto::digitOf(*begin) : 0;
     return number > largest;
 }
 

@@ -3,6 +3,7 @@
 #include "bilingual/plural_forms.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace tool::bilingual
 {
@@ -34,8 +35,7 @@ std::string withUnderscore(std::string language)
     return language;
 }
 
-} // namespace
-
+/** The fields of a header, in their order. */
 std::vector<Attribute> headerFields(std::string_view header)
 {
     std::vector<Attribute> fields;
@@ -53,6 +53,8 @@ std::vector<Attribute> headerFields(std::string_view header)
     }
     return fields;
 }
+
+} // namespace
 
 std::string headerField(std::string_view header, std::string_view name)
 {

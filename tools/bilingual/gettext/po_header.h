@@ -9,13 +9,9 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tool::bilingual
 {
-
-/** The fields of a header, in their order. */
-std::vector<Attribute> headerFields(std::string_view header);
 
 /** The value of a field; empty where there is none. */
 std::string headerField(std::string_view header, std::string_view name);

@@ -341,9 +341,11 @@ void Reader::text(std::string_view words)
 {
     if (m_skipped > 0)
         return;
-    m_words.text += words;
     if (!m_texts.isOpen() || m_open.back().element == Element::placeholder)
+    {
+        m_words.text += words;
         return;
+    }
     const Range place = event();
     m_texts.add(words, place, m_file.source.bytes().substr(place.begin, place.end - place.begin) == words);
 }
